@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "host/draw/Font.h"
+#include "host/draw/Image.h"
+#include "kits/support/Color.h"
+#include "kits/support/Rect.h"
+
+namespace host {
+
+// A picture to draw into: the content of one window.
+//
+// Coordinates are logical pixels of the picture with the platform's rule (a rectangle includes its
+// right and bottom pixel, a line has a pixel's width). They are multiplied by the scale and snapped
+// to device pixels so that neighbours meet without a hole; nothing but text is antialiased. Drawing
+// outside the picture or the clip is cut off. Alpha of colours is ignored: all drawing is opaque.
+//
+// One thread at a time; its owner sees to that.
+class Canvas {
+public:
+    // A picture of `width` by `height` device pixels (1 at least, 16384 at most), all white, with
+    // `scale` device pixels per logical pixel.
+    Canvas(int width, int height, double scale);
+    ~Canvas();
+    Canvas(const Canvas&) = delete;
+
+    // Gives the picture another size; what both sizes cover is kept, the rest is white.
+    // The clip is the whole picture again.
+    void Resize(int width, int height);
+
+    // The picture as it stands. Valid until the next call of any other member.
+    Image Picture();
+    double Scale() const;
+
+    // The device pixels that `rect` covers.
+    PixelRect Snap(BRect rect) const;
+
+    // From now on drawing touches only what lies inside one of `rects`; without rects nothing.
+    void SetClip(const std::vector<BRect>& rects);
+
+    void FillRect(BRect rect, rgb_color color);
+    // The outermost pixels of `rect`.
+    void StrokeRect(BRect rect, rgb_color color);
+    // Both ends are drawn.
+    void StrokeLine(BPoint from, BPoint to, rgb_color color);
+    // The pixels between the points and those on the lines from each to the next.
+    void FillPolygon(const std::vector<BPoint>& points, rgb_color color);
+    void FillEllipse(BRect frame, rgb_color color);
+    // One line of text whose first character starts at `baseline`.
+    void DrawText(const FontSpec& font, std::string_view text, BPoint baseline, rgb_color color);
+
+private:
+    struct State;
+    std::unique_ptr<State> fState;
+};
+
+} // namespace host

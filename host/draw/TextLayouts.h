@@ -1,0 +1,62 @@
+#pragma once
+
+#include <list>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include <pango/pangocairo.h>
+
+#include "host/draw/Font.h"
+
+namespace host {
+
+struct ReleaseObject {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+// The process's one way to Pango, whose objects bear only one thread at a time: hold Lock() as long
+// as anything that came from it is in use. Made with the first use.
+class TextLayouts {
+public:
+    // A font at a size in device pixels.
+    struct FontKey {
+        int pangoSize;
+        bool bold;
+
+        bool operator==(const FontKey&) const = default;
+    };
+
+    static TextLayouts& Shared();
+    static FontKey KeyOf(const FontSpec& font, double scale);
+
+    std::unique_lock<std::mutex> Lock() { return std::unique_lock(fLock); }
+
+    // `text` as VisibleText shows it, on one line. Kept for the next call with the same text.
+    PangoLayoutLine* LineOf(FontKey font, std::string_view text);
+
+    // In device pixels.
+    cairo_font_extents_t ExtentsOf(FontKey font);
+
+private:
+    struct Entry {
+        FontKey font;
+        std::string text; // as it was given
+        std::unique_ptr<PangoLayout, ReleaseObject> layout;
+    };
+    struct Extents {
+        FontKey font;
+        cairo_font_extents_t extents;
+    };
+
+    TextLayouts();
+    Entry MakeEntry(FontKey font, std::string_view text);
+
+    std::mutex fLock;
+    std::unique_ptr<PangoContext, ReleaseObject> fContext;
+    std::list<Entry> fEntries; // the last used first
+    std::list<Extents> fExtents;
+};
+
+} // namespace host

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "kits/support/SupportDefs.h"
+
+namespace host {
+
+// The "user." extended attributes of the node that `descriptor` holds, which may be one that only
+// names the node (O_PATH). `name` is without the prefix. Any thread.
+status_t ReadAttribute(int descriptor, const std::string& name, std::string& value);
+status_t AttributeSize(int descriptor, const std::string& name, int64& size);
+status_t WriteAttribute(int descriptor, const std::string& name, const std::string& value);
+status_t RemoveAttribute(int descriptor, const std::string& name);
+
+// B_BAD_DATA when the node has more names than the system can list; they can be read nevertheless.
+status_t ListAttributes(int descriptor, std::vector<std::string>& names);
+
+// The attribute that desktops share for a file's MIME type.
+extern const char* const kTypeAttribute;
+
+// Whether the disk that `path` is on keeps attributes. Asks for one that is not there.
+bool KeepsAttributes(const std::string& path);
+
+} // namespace host

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <dirent.h>
+
+#include <memory>
+#include <string>
+
+#include "host/files/Descriptor.h"
+#include "host/files/NodeStatus.h"
+
+namespace host {
+
+// A walk through a directory, in the disk's order, without "." and "..". It looks at no entry.
+class DirectoryScan {
+public:
+    struct Entry {
+        std::string name;
+        // What the directory says; Unknown if it does not.
+        NodeKind kind = NodeKind::Unknown;
+        // What the directory says, which on some disks is not the number of the node.
+        int64 node = 0;
+    };
+
+    status_t Open(const std::string& path);
+    // Walks the directory that the descriptor names; it stays the caller's.
+    status_t Open(const Descriptor& directory);
+
+    // B_ENTRY_NOT_FOUND at the end.
+    status_t Next(Entry& entry);
+    void Rewind();
+
+    // The open directory.
+    int Get() const { return dirfd(fStream.get()); }
+
+private:
+    struct Closer {
+        void operator()(DIR* stream) const { closedir(stream); }
+    };
+
+    status_t Adopt(Descriptor directory);
+
+    std::unique_ptr<DIR, Closer> fStream;
+};
+
+// Whether the numbers that a walk through this open directory tells are those of the nodes.
+bool TellsNodeNumbers(int directory);
+
+} // namespace host

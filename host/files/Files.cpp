@@ -1,0 +1,128 @@
+#include "host/files/Files.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include "host/files/NodeStatus.h"
+#include "host/files/Paths.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kSafely = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+status_t RefuseUnlessFile(NodeKind kind) {
+    if (kind == NodeKind::File)
+        return B_OK;
+    return kind == NodeKind::Directory ? B_IS_A_DIRECTORY : B_NOT_ALLOWED;
+}
+
+status_t SyncDirectory(const std::string& path) {
+    Descriptor directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | kSafely));
+    return directory && fsync(directory.Get()) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+// For disks whose rename cannot refuse to replace.
+status_t RenameUnlessExists(const std::string& from, const std::string& to) {
+    NodeStatus there;
+    if (LookAt(to, there) == B_OK)
+        return B_FILE_EXISTS;
+    return rename(from.c_str(), to.c_str()) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+} // namespace
+
+status_t HoldNode(const std::string& path, Descriptor& node, bool follow) {
+    int flags = O_PATH | O_CLOEXEC | (follow ? 0 : O_NOFOLLOW);
+    node = Descriptor(open(path.c_str(), flags));
+    return node ? B_OK : StatusFromErrno(errno);
+}
+
+status_t OpenFile(const std::string& path, int flags, Descriptor& file) {
+    NodeStatus there;
+    status_t status = LookAt(path, there, true);
+    if (status == B_OK)
+        status = RefuseUnlessFile(there.kind);
+    if (status != B_OK && !(status == B_ENTRY_NOT_FOUND && (flags & O_CREAT)))
+        return status;
+
+    Descriptor opened(open(path.c_str(), flags | kSafely, 0666));
+    if (!opened)
+        return StatusFromErrno(errno);
+    status = LookAt(opened.Get(), "", there);
+    if (status == B_OK)
+        status = RefuseUnlessFile(there.kind);
+    if (status == B_OK)
+        file = std::move(opened);
+    return status;
+}
+
+status_t SyncNode(int descriptor) {
+    if (fsync(descriptor) == 0)
+        return B_OK;
+    if (errno != EBADF)
+        return StatusFromErrno(errno);
+
+    // It only names the node.
+    NodeStatus status;
+    status_t result = LookAt(descriptor, "", status);
+    if (result != B_OK || (status.kind != NodeKind::File && status.kind != NodeKind::Directory))
+        return result;
+    std::string path = "/proc/self/fd/" + std::to_string(descriptor);
+    Descriptor opened(open(path.c_str(), O_RDONLY | kSafely));
+    return opened && fsync(opened.Get()) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+status_t CreateDirectory(const std::string& path, mode_t mode) {
+    return mkdir(path.c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+status_t CreateDirectories(const std::string& path, mode_t mode) {
+    status_t status = CreateDirectory(path, mode);
+    if (status == B_ENTRY_NOT_FOUND && path != "/") {
+        status = CreateDirectories(ParentPath(path), mode);
+        if (status == B_OK)
+            status = CreateDirectory(path, mode);
+    }
+    if (status != B_FILE_EXISTS)
+        return status;
+    NodeStatus there;
+    status = LookAt(path, there, true);
+    if (status != B_OK)
+        return status;
+    return there.kind == NodeKind::Directory ? B_OK : B_NOT_A_DIRECTORY;
+}
+
+status_t Rename(const std::string& from, const std::string& to, bool replace) {
+    if (!replace) {
+        if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+            return B_OK;
+        return errno == EINVAL || errno == ENOSYS ? RenameUnlessExists(from, to)
+                                                  : StatusFromErrno(errno);
+    }
+    if (rename(from.c_str(), to.c_str()) != 0)
+        return StatusFromErrno(errno);
+    // The replacement has happened; a disk that cannot sync a directory does not undo it.
+    SyncDirectory(ParentPath(to));
+    return B_OK;
+}
+
+status_t Remove(const std::string& path) {
+    return remove(path.c_str()) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+status_t ResolvePath(const std::string& path, std::string& resolved) {
+    std::unique_ptr<char, decltype(&free)> real(realpath(path.c_str(), nullptr), &free);
+    if (!real)
+        return StatusFromErrno(errno);
+    resolved = real.get();
+    return B_OK;
+}
+
+} // namespace host

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+#include <xcb/xcb.h>
+
+// Every atom that the program names, in one table: they are interned in one round trip.
+#define X11_ATOMS(ATOM)                                                                            \
+    ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                                                         \
+    ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                                                   \
+    ATOM(kNetCurrentDesktop, "_NET_CURRENT_DESKTOP")                                               \
+    ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")                                        \
+    ATOM(kNetWmDesktop, "_NET_WM_DESKTOP")                                                         \
+    ATOM(kNetWmIcon, "_NET_WM_ICON")                                                               \
+    ATOM(kNetWmName, "_NET_WM_NAME")                                                               \
+    ATOM(kNetWmPid, "_NET_WM_PID")                                                                 \
+    ATOM(kNetWmPing, "_NET_WM_PING")                                                               \
+    ATOM(kNetWmState, "_NET_WM_STATE")                                                             \
+    ATOM(kNetWmStateAbove, "_NET_WM_STATE_ABOVE")                                                  \
+    ATOM(kNetWmStateHidden, "_NET_WM_STATE_HIDDEN")                                                \
+    ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                                                  \
+    ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                                                      \
+    ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                                                  \
+    ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")                                     \
+    ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                                     \
+    ATOM(kNetWmWindowTypePopupMenu, "_NET_WM_WINDOW_TYPE_POPUP_MENU")                              \
+    ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")                                   \
+    ATOM(kUtf8String, "UTF8_STRING")                                                               \
+    ATOM(kWmChangeState, "WM_CHANGE_STATE")                                                        \
+    ATOM(kWmClientLeader, "WM_CLIENT_LEADER")                                                      \
+    ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                                                      \
+    ATOM(kWmProtocols, "WM_PROTOCOLS")                                                             \
+    ATOM(kWmState, "WM_STATE")                                                                     \
+    ATOM(kXSettingsOwner, "_XSETTINGS_S0")                                                         \
+    ATOM(kXSettingsSettings, "_XSETTINGS_SETTINGS")
+
+namespace host {
+
+enum AtomIndex : std::size_t {
+#define ATOM(index, name) index,
+    X11_ATOMS(ATOM)
+#undef ATOM
+        kAtomCount
+};
+
+class Atoms {
+public:
+    // Sends the requests; Read takes the replies. An atom that could not be interned is None.
+    void Request(xcb_connection_t* connection);
+    void Read(xcb_connection_t* connection);
+
+    xcb_atom_t operator[](AtomIndex index) const { return fAtoms[index]; }
+
+private:
+    std::array<xcb_intern_atom_cookie_t, kAtomCount> fCookies{};
+    std::array<xcb_atom_t, kAtomCount> fAtoms{};
+};
+
+} // namespace host

@@ -1,0 +1,194 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/draw/Image.h"
+#include "kits/support/SupportDefs.h"
+
+// The floor's only header for what stands above it: windows and input in plain types. Everything is
+// in device pixels; places on the screen are relative to the root window's left-top corner.
+namespace host {
+
+enum class WindowKind {
+    Bar,    // managed, undecorated, utility, on all desktops, takes no focus when it is mapped
+    Normal, // managed, with the window manager's title bar
+    Alert,  // managed dialog, above the program's other windows
+    Menu,   // not managed, pop-up menu
+};
+
+struct WindowSpec {
+    WindowKind kind = WindowKind::Normal;
+    PixelRect frame{}; // of the content
+    int border = 0;    // black pixels that the window shows around its content
+    std::string title{};
+    bool resizable = true;
+    bool closable = true;
+    bool minimizable = true;
+    bool floating = false; // above all windows
+    bool allDesktops = false;
+};
+
+// Mouse buttons and modifiers have the platform's values.
+enum : uint32 {
+    kPrimaryButton = 1,
+    kSecondaryButton = 2,
+    kTertiaryButton = 4,
+};
+enum : uint32 {
+    kShiftKey = 0x00000001,
+    kCommandKey = 0x00000002, // Alt
+    kControlKey = 0x00000004,
+    kCapsLock = 0x00000008,
+    kScrollLock = 0x00000010,
+    kNumLock = 0x00000020,
+    kOptionKey = 0x00000040, // the "Windows" key
+    kMenuKey = 0x00000080,
+};
+
+struct PointerMoved {
+    int x, y; // in the window's content
+    int screenX, screenY;
+    uint32 buttons; // that are down
+    uint32 modifiers;
+};
+struct PointerLeft {};
+struct ButtonPressed {
+    PointerMoved at; // `buttons` includes the one that went down
+    int32 clicks;    // 1, 2 … within the desktop's double-click time and distance
+    bigtime_t when;  // on the clock of system_time()
+};
+struct ButtonReleased {
+    PointerMoved at; // `buttons` without the one that went up
+    bigtime_t when;
+};
+struct WheelTurned {
+    PointerMoved at;
+    float deltaX, deltaY; // in steps; positive is right and down
+};
+struct KeyChanged {
+    bool down;
+    bool repeated; // by the server while the key is held
+    uint32 key;    // the platform's raw key code, by position
+    uint32 modifiers;
+    // What the key types, whether Control or Alt is held or not: UTF-8, or the platform's byte of a
+    // special key (0x1c to 0x1f arrows, 0x01 Home, 0x04 End, 0x0b and 0x0c pages, 0x05 Insert, 0x08
+    // Backspace, 0x09 Tab, 0x0a Enter, 0x10 function, 0x1b Escape, 0x7f Delete). Empty for a key
+    // that types nothing, keypad 5 without Num Lock among them.
+    std::string text;
+    bigtime_t when;
+};
+struct FocusChanged {
+    bool active; // changes by a grab are left out
+};
+struct FrameChanged {
+    PixelRect frame; // of the content, another one than was told last; also after SetFrame
+};
+struct MinimizedChanged {
+    bool minimized;
+};
+struct CloseRequested {}; // by the window manager, or another program destroyed the window
+
+using WindowEvent =
+    std::variant<PointerMoved, PointerLeft, ButtonPressed, ButtonReleased, WheelTurned, KeyChanged,
+                 FocusChanged, FrameChanged, MinimizedChanged, CloseRequested>;
+
+// What receives the events of one window. Called by the display thread; it must be quick and must
+// not wait for a looper: it posts messages.
+class WindowSink {
+public:
+    virtual ~WindowSink() = default;
+    virtual void HandleEvent(const WindowEvent& event) = 0;
+};
+
+// What receives what concerns no single window, from the display thread or the service thread. The
+// same rule.
+class DisplaySink {
+public:
+    virtual ~DisplaySink() = default;
+    // The focus went to a window that is not the program's.
+    virtual void FocusLeftProgram() = 0;
+    virtual void MonitorsChanged() = 0;
+    // The connection broke: no event follows and requests do nothing.
+    virtual void DisplayLost() = 0;
+};
+
+// A window on the screen. Its picture is kept by the server's side of this floor: an expose is
+// answered by the display thread with what was presented last. Any thread may call; a call after
+// the display was lost does nothing. When the destructor has returned, no event is delivered any
+// more and none is being delivered, unless the sink itself destroys it.
+class HostWindow {
+public:
+    virtual ~HostWindow() = default;
+
+    virtual void Show() = 0;
+    virtual void Hide() = 0;
+    virtual void SetFrame(const PixelRect& content) = 0;
+    virtual void Raise() = 0;
+    // Asks for the focus, and for the window to be shown if it is minimised.
+    virtual void Activate() = 0;
+    virtual void SetMinimized(bool minimized) = 0;
+    virtual void SetFloating(bool floating) = 0;
+    // On every virtual desktop, or on the current one only.
+    virtual void SetAllDesktops(bool allDesktops) = 0;
+    virtual void SetTitle(const std::string& title) = 0;
+
+    // Shows those parts of `picture` (the content, from its left-top pixel) that `damage` covers
+    // and keeps them for exposes.
+    virtual void Present(const Image& picture, const std::vector<PixelRect>& damage) = 0;
+
+    // Directs all pointer and keyboard input of the session to this window until ReleaseInput;
+    // pointer places are then still given in this window's coordinates. Tries for `timeout`
+    // microseconds if another program holds a grab; B_TIMED_OUT if it still does.
+    virtual status_t GrabInput(bigtime_t timeout) = 0;
+    virtual void ReleaseInput() = 0;
+};
+
+struct Pointer {
+    int screenX = 0;
+    int screenY = 0;
+    uint32 buttons = 0;
+    uint32 modifiers = 0;
+};
+
+// The connection to the display server, one for the process. Any thread may call.
+class Display {
+public:
+    // Opens the display that the environment names. B_ERROR if there is none, or none that these
+    // windows can be shown on (a line on standard error says why). The names are those by which
+    // the desktop's tools tell the program's windows from others. `sink` must outlive the process's
+    // use of the display. Once in a process.
+    static status_t Open(DisplaySink* sink, const char* instanceName, const char* className);
+
+    // The open display, or null.
+    static Display* Shared();
+
+    virtual ~Display() = default;
+
+    // The icons, in several sizes, of the managed windows that are created from now on. Copied.
+    virtual void SetIcons(const std::vector<Image>& icons) = 0;
+
+    // Not shown yet. `sink` must outlive the window.
+    virtual std::unique_ptr<HostWindow> CreateWindow(const WindowSpec& spec, WindowSink* sink) = 0;
+
+    // Device pixels per logical pixel: 1, 1.25, 1.5 …
+    virtual double Scale() const = 0;
+
+    // The monitors' frames, the primary one first; never empty.
+    virtual std::vector<PixelRect> Monitors() const = 0;
+
+    virtual Pointer GetPointer() const = 0;
+
+    // Within this many microseconds a second press counts as a double click.
+    virtual bigtime_t DoubleClickTime() const = 0;
+
+    virtual void Beep() = 0;
+
+    // Returns when the server has carried out all requests so far.
+    virtual void Sync() = 0;
+};
+
+} // namespace host

@@ -1,0 +1,308 @@
+#include "host/x11/EventThread.h"
+
+#include <cstdio>
+
+#include "host/x11/Clock.h"
+#include "host/x11/InputState.h"
+#include "host/x11/XDisplay.h"
+#include "host/x11/XWindow.h"
+
+namespace host {
+
+namespace {
+
+constexpr uint8 kError = 0;
+constexpr uint8 kEventType = 0x7f;
+
+uint32 ButtonOf(xcb_button_t button) {
+    switch (button) {
+    case XCB_BUTTON_INDEX_1:
+        return kPrimaryButton;
+    case XCB_BUTTON_INDEX_2:
+        return kTertiaryButton;
+    case XCB_BUTTON_INDEX_3:
+        return kSecondaryButton;
+    default:
+        return 0;
+    }
+}
+
+bool IsWheel(xcb_button_t button) {
+    return button >= 4 && button <= 7;
+}
+
+WheelTurned WheelOf(xcb_button_t button, const PointerMoved& at) {
+    switch (button) {
+    case 4:
+        return {at, 0, -1};
+    case 5:
+        return {at, 0, 1};
+    case 6:
+        return {at, -1, 0};
+    default:
+        return {at, 1, 0};
+    }
+}
+
+template <typename T>
+const T& As(const xcb_generic_event_t& event) {
+    return reinterpret_cast<const T&>(event);
+}
+
+// Key, button, motion and crossing events have these fields, under these names.
+template <typename T>
+PointerMoved PlaceOf(const T& event, XWindow& window) {
+    auto [x, y] = window.ContentPlace(event.event, event.event_x, event.event_y);
+    return {.x = x,
+            .y = y,
+            .screenX = event.root_x,
+            .screenY = event.root_y,
+            .buttons = ButtonsOf(event.state),
+            .modifiers = ModifiersOf(event.state)};
+}
+
+} // namespace
+
+EventThread::EventThread(XDisplay& display, DisplaySink* sink)
+    : fDisplay(display)
+    , fConnection(display.Server())
+    , fSink(sink)
+    , fKeyboard(fConnection)
+    , fFocus(fConnection, display.Windows(), display.Grab(), sink) {}
+
+void EventThread::Start(const DesktopSettings& settings) {
+    fClicks.SetLimits(settings.doubleClickTime,
+                      static_cast<int>(settings.doubleClickDistance * settings.scale));
+    fThread = std::thread([this] { Run(); });
+}
+
+EventThread::~EventThread() {
+    fIsEnding = true;
+    // Any event wakes the thread; this one is sent to the program's own window.
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = fDisplay.Identity().leader;
+    xcb_send_event(fConnection, false, event.window, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&event));
+    fConnection.Flush();
+    if (fThread.joinable())
+        fThread.join();
+}
+
+void EventThread::Run() {
+    while (Event event = Next()) {
+        if (fIsEnding)
+            return;
+        Handle(*event);
+    }
+    if (!fIsEnding)
+        fSink->DisplayLost();
+}
+
+EventThread::Event EventThread::Next() {
+    Event event = fWaiting ? std::move(fWaiting) : Event(xcb_wait_for_event(fConnection));
+    if (event && (event->response_type & kEventType) == XCB_MOTION_NOTIFY)
+        return NewestMotion(std::move(event));
+    return event;
+}
+
+// Of a run of motions that waits only the last counts.
+EventThread::Event EventThread::NewestMotion(Event motion) {
+    while (Event next{xcb_poll_for_queued_event(fConnection)}) {
+        const auto& older = As<xcb_motion_notify_event_t>(*motion);
+        const auto& newer = As<xcb_motion_notify_event_t>(*next);
+        bool isSame = (next->response_type & kEventType) == XCB_MOTION_NOTIFY &&
+                      newer.event == older.event && newer.state == older.state;
+        if (!isSame) {
+            fWaiting = std::move(next);
+            break;
+        }
+        motion = std::move(next);
+    }
+    return motion;
+}
+
+void EventThread::Tell(xcb_window_t window, const WindowEvent& event) {
+    fDisplay.Windows().Deliver(window, [&](XWindow& target) { target.Tell(event); });
+}
+
+void EventThread::Handle(const xcb_generic_event_t& event) {
+    WindowRegistry& windows = fDisplay.Windows();
+    switch (event.response_type & kEventType) {
+    case kError:
+        Report(As<xcb_generic_error_t>(event));
+        break;
+    case XCB_KEY_PRESS:
+    case XCB_KEY_RELEASE:
+        HandleKey(As<xcb_key_press_event_t>(event),
+                  (event.response_type & kEventType) == XCB_KEY_PRESS);
+        break;
+    case XCB_BUTTON_PRESS:
+        HandlePress(As<xcb_button_press_event_t>(event));
+        break;
+    case XCB_BUTTON_RELEASE:
+        HandleRelease(As<xcb_button_release_event_t>(event));
+        break;
+    case XCB_MOTION_NOTIFY:
+        HandleMotion(As<xcb_motion_notify_event_t>(event));
+        break;
+    case XCB_ENTER_NOTIFY:
+    case XCB_LEAVE_NOTIFY:
+        HandleCrossing(As<xcb_enter_notify_event_t>(event),
+                       (event.response_type & kEventType) == XCB_ENTER_NOTIFY);
+        break;
+    case XCB_FOCUS_IN:
+    case XCB_FOCUS_OUT:
+        HandleFocus(As<xcb_focus_in_event_t>(event),
+                    (event.response_type & kEventType) == XCB_FOCUS_IN);
+        break;
+    case XCB_EXPOSE: {
+        const auto& expose = As<xcb_expose_event_t>(event);
+        windows.Deliver(expose.window, [&](XWindow& target) { target.HandleExpose(expose); });
+        break;
+    }
+    case XCB_CONFIGURE_NOTIFY: {
+        const auto& configure = As<xcb_configure_notify_event_t>(event);
+        windows.Deliver(configure.window,
+                        [&](XWindow& target) { target.HandleConfigure(configure); });
+        CheckMonitors(event);
+        break;
+    }
+    case XCB_REPARENT_NOTIFY: {
+        const auto& reparent = As<xcb_reparent_notify_event_t>(event);
+        windows.Deliver(reparent.window, [&](XWindow& target) { target.HandleReparent(reparent); });
+        break;
+    }
+    case XCB_DESTROY_NOTIFY:
+        // By another program: ours takes its windows from the registry first.
+        Tell(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
+        break;
+    case XCB_PROPERTY_NOTIFY:
+        HandleProperty(As<xcb_property_notify_event_t>(event));
+        break;
+    case XCB_CLIENT_MESSAGE:
+        HandleMessage(As<xcb_client_message_event_t>(event));
+        break;
+    default:
+        if (!fKeyboard.HandleNotice(event))
+            CheckMonitors(event);
+        break;
+    }
+}
+
+void EventThread::HandleKey(const xcb_key_press_event_t& event, bool down) {
+    fDisplay.NoteInputTime(event.time);
+    // Where no window of the program has the focus, the release of a key that ended one grab goes
+    // elsewhere: pressed in the next grab the key must not count as held.
+    uint32 grab = event.event == fConnection.Root() ? fDisplay.Grab().Count() : 0;
+    if (grab != 0 && fKeyGrab != 0 && grab != fKeyGrab)
+        fKeyboard.ForgetHeldKeys();
+    fKeyGrab = grab;
+    Tell(fDisplay.Grab().TargetOf(event.event), fKeyboard.Translate(event, down));
+}
+
+void EventThread::HandlePress(const xcb_button_press_event_t& event) {
+    fDisplay.NoteInputTime(event.time);
+    uint32 button = ButtonOf(event.detail);
+    int32 clicks = button ? fClicks.Count(event) : 0;
+    xcb_window_t target = fDisplay.Grab().TargetOf(event.event);
+    fDisplay.Windows().Deliver(target, [&](XWindow& window) {
+        PointerMoved at = PlaceOf(event, window);
+        if (IsWheel(event.detail))
+            window.Tell(WheelOf(event.detail, at));
+        if (!button)
+            return;
+        at.buttons |= button;
+        window.Tell(ButtonPressed{at, clicks, TimeOf(event.time)});
+    });
+    fDisplay.Windows().Deliver(target, [](XWindow& window) { window.TakeFocusIfUnmanaged(); });
+}
+
+void EventThread::HandleRelease(const xcb_button_release_event_t& event) {
+    uint32 button = ButtonOf(event.detail);
+    if (!button)
+        return;
+    xcb_window_t target = fDisplay.Grab().TargetOf(event.event);
+    fDisplay.Windows().Deliver(target, [&](XWindow& window) {
+        PointerMoved at = PlaceOf(event, window);
+        at.buttons &= ~button;
+        window.Tell(ButtonReleased{at, Now()});
+    });
+}
+
+void EventThread::HandleMotion(const xcb_motion_notify_event_t& event) {
+    xcb_window_t target = fDisplay.Grab().TargetOf(event.event);
+    fDisplay.Windows().Deliver(target,
+                               [&](XWindow& window) { window.Tell(PlaceOf(event, window)); });
+}
+
+void EventThread::HandleCrossing(const xcb_enter_notify_event_t& event, bool entered) {
+    // The pointer has not left when another program takes hold of it for a moment, as window
+    // managers do with each click. When a menu of ours takes it, it has.
+    bool isForeignGrab = event.mode == XCB_NOTIFY_MODE_GRAB && !fDisplay.Grab().IsHeld();
+    if (isForeignGrab || (entered && event.mode == XCB_NOTIFY_MODE_GRAB))
+        return;
+    fDisplay.Windows().Deliver(event.event, [&](XWindow& window) {
+        if (entered)
+            window.Tell(PlaceOf(event, window));
+        else
+            window.Tell(PointerLeft{});
+    });
+}
+
+void EventThread::HandleFocus(const xcb_focus_in_event_t& event, bool active) {
+    bool isGrab = event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB;
+    if (active ? !isGrab : !(isGrab && fDisplay.Grab().IsHeld()))
+        fKeyboard.ForgetHeldKeys();
+    bool isAboutPointer = event.detail >= XCB_NOTIFY_DETAIL_POINTER;
+    if (isGrab || isAboutPointer || event.detail == XCB_NOTIFY_DETAIL_INFERIOR)
+        return;
+    if (!active && event.mode == XCB_NOTIFY_MODE_WHILE_GRABBED && fDisplay.Grab().IsHeld())
+        fFocus.HandleLossInGrab();
+    fDisplay.Windows().Deliver(event.event, [&](XWindow& window) { window.HandleFocus(active); });
+}
+
+void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
+    if (event.window == fConnection.Root()) {
+        if (event.atom == fConnection[kNetActiveWindow])
+            fFocus.HandleActiveWindow();
+    } else if (event.atom == fConnection[kWmState] || event.atom == fConnection[kNetWmState]) {
+        fDisplay.Windows().Deliver(event.window,
+                                   [](XWindow& window) { window.HandleStateChange(); });
+    }
+}
+
+void EventThread::HandleMessage(const xcb_client_message_event_t& event) {
+    if (event.type != fConnection[kWmProtocols] || event.format != 32 ||
+        !fDisplay.Windows().Contains(event.window))
+        return;
+    xcb_atom_t protocol = event.data.data32[0];
+    if (protocol == fConnection[kWmDeleteWindow]) {
+        Tell(event.window, CloseRequested{});
+    } else if (protocol == fConnection[kNetWmPing]) {
+        xcb_client_message_event_t answer = event;
+        answer.response_type = XCB_CLIENT_MESSAGE;
+        answer.window = fConnection.Root();
+        xcb_send_event(fConnection, false, fConnection.Root(),
+                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&answer));
+        fConnection.Flush();
+    }
+}
+
+void EventThread::CheckMonitors(const xcb_generic_event_t& event) {
+    MonitorList& monitors = fDisplay.MonitorFrames();
+    if (monitors.IsConcernedBy(event) && monitors.Update())
+        fSink->MonitorsChanged();
+}
+
+void EventThread::Report(const xcb_generic_error_t& error) {
+    if (!fReported.emplace(error.major_code, error.error_code).second)
+        return;
+    std::fprintf(stderr, "%s: the display server refused a request (error %u, request %u.%u)\n",
+                 fDisplay.Identity().instanceName.c_str(), error.error_code, error.major_code,
+                 error.minor_code);
+}
+
+} // namespace host

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <atomic>
+#include <set>
+#include <thread>
+#include <utility>
+
+#include "host/x11/ClickCounter.h"
+#include "host/x11/Connection.h"
+#include "host/x11/DesktopSettings.h"
+#include "host/x11/Display.h"
+#include "host/x11/FocusWatch.h"
+#include "host/x11/Keyboard.h"
+
+namespace host {
+
+class XDisplay;
+class XWindow;
+
+// The display thread: waits for the server's events and tells them to the windows' sinks.
+class EventThread {
+public:
+    // Sends the requests that its parts need; Start begins to wait.
+    EventThread(XDisplay& display, DisplaySink* sink);
+    // Ends the thread.
+    ~EventThread();
+    void Start(const DesktopSettings& settings);
+
+private:
+    using Event = Reply<xcb_generic_event_t>;
+
+    void Run();
+    Event Next();
+    Event NewestMotion(Event motion);
+    void Handle(const xcb_generic_event_t& event);
+
+    void HandleKey(const xcb_key_press_event_t& event, bool down);
+    void HandlePress(const xcb_button_press_event_t& event);
+    void HandleRelease(const xcb_button_release_event_t& event);
+    void HandleMotion(const xcb_motion_notify_event_t& event);
+    void HandleCrossing(const xcb_enter_notify_event_t& event, bool entered);
+    void HandleFocus(const xcb_focus_in_event_t& event, bool active);
+    void HandleProperty(const xcb_property_notify_event_t& event);
+    void HandleMessage(const xcb_client_message_event_t& event);
+    void CheckMonitors(const xcb_generic_event_t& event);
+    void Report(const xcb_generic_error_t& error);
+    void Tell(xcb_window_t window, const WindowEvent& event);
+
+    XDisplay& fDisplay;
+    const Connection& fConnection;
+    DisplaySink* const fSink;
+    Keyboard fKeyboard;
+    ClickCounter fClicks;
+    FocusWatch fFocus;
+    Event fWaiting;                              // taken from the queue, not handled yet
+    std::set<std::pair<uint8, uint8>> fReported; // errors: the request, the code
+    uint32 fKeyGrab = 0; // in which of the program's grabs the last key was; 0 in none
+    std::atomic<bool> fIsEnding = false;
+    std::thread fThread;
+};
+
+} // namespace host

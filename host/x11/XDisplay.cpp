@@ -1,0 +1,111 @@
+#include "host/x11/XDisplay.h"
+
+#include <cstdio>
+
+#include "host/x11/InputState.h"
+#include "host/x11/XWindow.h"
+
+namespace host {
+
+namespace {
+
+std::atomic<Display*> sShared = nullptr;
+
+} // namespace
+
+status_t Display::Open(DisplaySink* sink, const char* instanceName, const char* className) {
+    std::string problem;
+    auto display = XDisplay::Connect(nullptr, sink, instanceName, className, problem);
+    if (!display) {
+        std::fprintf(stderr, "%s: cannot use the display: %s\n", instanceName, problem.c_str());
+        return B_ERROR;
+    }
+    // As long as the process: windows of any thread may still use it while the process ends.
+    sShared = display.release();
+    return B_OK;
+}
+
+Display* Display::Shared() {
+    return sShared;
+}
+
+std::unique_ptr<XDisplay> XDisplay::Connect(const char* name, DisplaySink* sink,
+                                            const char* instanceName, const char* className,
+                                            std::string& problem) {
+    auto connection = Connection::Open(name, problem);
+    if (!connection)
+        return nullptr;
+    return std::unique_ptr<XDisplay>(
+        new XDisplay(std::move(connection), sink, {instanceName, className}));
+}
+
+// All requests go out before the first answer is waited for.
+XDisplay::XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink,
+                   ProgramIdentity identity)
+    : fConnection(std::move(connection))
+    , fPens(*fConnection)
+    , fIdentity(std::move(identity))
+    , fMonitors(*fConnection)
+    , fGrab(*fConnection)
+    , fThread(*this, sink) {
+    const uint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(*fConnection, fConnection->Root(), XCB_CW_EVENT_MASK, &events);
+    MakeLeader();
+    SettingsQuery settings(*fConnection);
+    fMonitors.Read();
+    fSettings = settings.Read();
+    fThread.Start(fSettings);
+}
+
+XDisplay::~XDisplay() = default;
+
+void XDisplay::MakeLeader() {
+    const Connection& connection = *fConnection;
+    fIdentity.leader = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, fIdentity.leader, connection.Root(), -1, -1,
+                      1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    connection.SetValues(fIdentity.leader, connection[kWmClientLeader], XCB_ATOM_WINDOW,
+                         {fIdentity.leader});
+}
+
+void XDisplay::SetIcons(const std::vector<Image>& icons) {
+    std::vector<std::vector<uint32>> words;
+    for (const Image& icon : icons)
+        words.push_back(IconWords(icon));
+    std::lock_guard lock(fIconLock);
+    fIcons = std::move(words);
+}
+
+std::vector<std::vector<uint32>> XDisplay::Icons() const {
+    std::lock_guard lock(fIconLock);
+    return fIcons;
+}
+
+std::unique_ptr<HostWindow> XDisplay::CreateWindow(const WindowSpec& spec, WindowSink* sink) {
+    return std::make_unique<XWindow>(*this, spec, sink);
+}
+
+Pointer XDisplay::GetPointer() const {
+    const Connection& connection = *fConnection;
+    Reply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(
+        connection, xcb_query_pointer(connection, connection.Root()), nullptr));
+    if (!reply)
+        return {};
+    return {.screenX = reply->root_x,
+            .screenY = reply->root_y,
+            .buttons = ButtonsOf(reply->mask),
+            .modifiers = ModifiersOf(reply->mask)};
+}
+
+void XDisplay::Beep() {
+    xcb_bell(*fConnection, 0);
+    fConnection->Flush();
+}
+
+void XDisplay::Sync() {
+    const Connection& connection = *fConnection;
+    Reply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
+} // namespace host

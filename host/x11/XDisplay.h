@@ -1,0 +1,78 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+
+#include "host/x11/Connection.h"
+#include "host/x11/DesktopSettings.h"
+#include "host/x11/Display.h"
+#include "host/x11/EventThread.h"
+#include "host/x11/InputGrab.h"
+#include "host/x11/KeptPicture.h"
+#include "host/x11/MonitorList.h"
+#include "host/x11/WindowProperties.h"
+#include "host/x11/WindowRegistry.h"
+
+namespace host {
+
+// The display on an X server, and what its windows and its thread share.
+class XDisplay final : public Display {
+public:
+    // `name` null means the environment's display. Null, and `problem` says why, if it cannot be
+    // used.
+    static std::unique_ptr<XDisplay> Connect(const char* name, DisplaySink* sink,
+                                             const char* instanceName, const char* className,
+                                             std::string& problem);
+    // After all its windows.
+    ~XDisplay() override;
+
+    void SetIcons(const std::vector<Image>& icons) override;
+    std::unique_ptr<HostWindow> CreateWindow(const WindowSpec& spec, WindowSink* sink) override;
+    double Scale() const override { return fSettings.scale; }
+    std::vector<PixelRect> Monitors() const override { return fMonitors.Frames(); }
+    Pointer GetPointer() const override;
+    bigtime_t DoubleClickTime() const override { return fSettings.doubleClickTime; }
+    void Beep() override;
+    void Sync() override;
+
+    const Connection& Server() const { return *fConnection; }
+    const Pens& DrawingPens() const { return fPens; }
+    const ProgramIdentity& Identity() const { return fIdentity; }
+    std::vector<std::vector<uint32>> Icons() const;
+    WindowRegistry& Windows() { return fWindows; }
+    InputGrab& Grab() { return fGrab; }
+    MonitorList& MonitorFrames() { return fMonitors; }
+
+    // The server's time of the last press that any window got; 0 before the first.
+    xcb_timestamp_t LastInputTime() const { return fLastInputTime; }
+    void NoteInputTime(xcb_timestamp_t time) { fLastInputTime = time; }
+
+    // The window that an alert belongs to: the last one that was shown, or None. Alerts and menus
+    // do not count.
+    xcb_window_t AlertParent() const { return fAlertParent; }
+    void SetAlertParent(xcb_window_t window) { fAlertParent = window; }
+    void ClearAlertParent(xcb_window_t window) {
+        fAlertParent.compare_exchange_strong(window, XCB_WINDOW_NONE);
+    }
+
+private:
+    XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink, ProgramIdentity identity);
+    void MakeLeader();
+
+    const std::unique_ptr<Connection> fConnection;
+    const Pens fPens;
+    ProgramIdentity fIdentity;
+    DesktopSettings fSettings;
+    MonitorList fMonitors;
+    WindowRegistry fWindows;
+    InputGrab fGrab;
+    std::atomic<xcb_timestamp_t> fLastInputTime = 0;
+    std::atomic<xcb_window_t> fAlertParent = XCB_WINDOW_NONE;
+
+    mutable std::mutex fIconLock;
+    std::vector<std::vector<uint32>> fIcons;
+
+    EventThread fThread; // ends before the rest
+};
+
+} // namespace host

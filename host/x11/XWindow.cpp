@@ -1,0 +1,339 @@
+#include "host/x11/XWindow.h"
+
+#include <algorithm>
+
+#include "host/x11/XDisplay.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kMaxSide = 16384;
+constexpr int kFarthest = 32000;
+
+constexpr uint32 kEvents =
+    XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE |
+    XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
+    XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW |
+    XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
+
+// WM_STATE
+constexpr uint32 kIconicState = 3;
+
+// The second word of a _NET_ACTIVE_WINDOW message: what a person asked for.
+constexpr uint32 kDirectUserAction = 2;
+
+// What the protocol's 16-bit numbers hold.
+PixelRect Bounded(const PixelRect& frame) {
+    int left = std::clamp(frame.left, -kFarthest, kFarthest);
+    int top = std::clamp(frame.top, -kFarthest, kFarthest);
+    return {left, top, left + std::clamp(frame.Width(), 1, kMaxSide),
+            top + std::clamp(frame.Height(), 1, kMaxSide)};
+}
+
+bool HasSize(const PixelRect& one, const PixelRect& other) {
+    return one.Width() == other.Width() && one.Height() == other.Height();
+}
+
+} // namespace
+
+XWindow::XWindow(XDisplay& display, const WindowSpec& spec, WindowSink* sink)
+    : fDisplay(display)
+    , fConnection(display.Server())
+    , fSink(sink)
+    , fKind(spec.kind)
+    , fBorder(std::clamp(spec.border, 0, 64))
+    , fIsResizable(spec.resizable)
+    , fId(xcb_generate_id(fConnection))
+    , fParent(fConnection.Root())
+    , fTold(Bounded(spec.frame))
+    , fPicture(fConnection, display.DrawingPens(), fBorder)
+    , fFrame(fTold)
+    , fState{.floating = spec.floating, .allDesktops = spec.allDesktops} {
+    Create(spec);
+    fDisplay.Windows().Add(fId, this);
+}
+
+XWindow::~XWindow() {
+    fDisplay.Windows().Remove(fId);
+    NoteVisible(false);
+    ReleaseInput();
+    xcb_destroy_window(fConnection, fId);
+    fConnection.Flush();
+}
+
+PixelRect XWindow::Outer(const PixelRect& content) const {
+    return {content.left - fBorder, content.top - fBorder, content.right + fBorder,
+            content.bottom + fBorder};
+}
+
+void XWindow::Create(const WindowSpec& spec) {
+    PixelRect outer = Outer(fFrame);
+    const uint32 values[] = {XCB_GRAVITY_NORTH_WEST, !IsManaged(fKind), !IsManaged(fKind), kEvents};
+    xcb_create_window(
+        fConnection, XCB_COPY_FROM_PARENT, fId, fConnection.Root(), outer.left, outer.top,
+        outer.Width(), outer.Height(), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+        XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_SAVE_UNDER | XCB_CW_EVENT_MASK,
+        values);
+    fPicture.Resize(fId, fFrame.Width(), fFrame.Height());
+    SetFixedProperties(fConnection, fId, spec, fDisplay.Identity());
+    SetTitleProperties(fConnection, fId, spec.title);
+    if (IsManaged(fKind)) {
+        SetIconProperty(fConnection, fId, fDisplay.Icons());
+        SetFrameHints(fConnection, fId, outer, fIsResizable);
+    }
+}
+
+void XWindow::NoteVisible(bool visible) {
+    if (!IsManaged(fKind) || fKind == WindowKind::Alert)
+        return;
+    if (visible)
+        fDisplay.SetAlertParent(fId);
+    else
+        fDisplay.ClearAlertParent(fId);
+}
+
+void XWindow::Show() {
+    std::lock_guard lock(fLock);
+    fIsShown = true;
+    NoteVisible(!fState.minimized);
+    if (IsManaged(fKind)) {
+        fState.alertParent = fDisplay.AlertParent();
+        SetInitialState(fConnection, fId, fKind, fState, fDisplay.Identity());
+        // Zero would say that the window wants no focus.
+        uint32 userTime = fDisplay.LastInputTime();
+        if (fKind != WindowKind::Bar && userTime != 0) {
+            fConnection.SetValues(fId, fConnection[kNetWmUserTime], XCB_ATOM_CARDINAL, {userTime});
+        }
+    } else {
+        const uint32 above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(fConnection, fId, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    }
+    xcb_map_window(fConnection, fId);
+    fConnection.Flush();
+}
+
+void XWindow::Hide() {
+    std::lock_guard lock(fLock);
+    fIsShown = false;
+    NoteVisible(false);
+    xcb_unmap_window(fConnection, fId);
+    if (IsManaged(fKind)) {
+        // A minimised window is not mapped, so the window manager sees nothing of the unmapping.
+        xcb_unmap_notify_event_t event{};
+        event.response_type = XCB_UNMAP_NOTIFY;
+        event.event = fConnection.Root();
+        event.window = fId;
+        xcb_send_event(fConnection, false, fConnection.Root(),
+                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&event));
+    }
+    fConnection.Flush();
+}
+
+void XWindow::SetFrame(const PixelRect& content) {
+    std::lock_guard lock(fLock);
+    fFrame = Bounded(content);
+    fPicture.Resize(fId, fFrame.Width(), fFrame.Height());
+    PixelRect outer = Outer(fFrame);
+    if (IsManaged(fKind))
+        SetFrameHints(fConnection, fId, outer, fIsResizable);
+    const uint32 values[] = {static_cast<uint32>(outer.left), static_cast<uint32>(outer.top),
+                             static_cast<uint32>(outer.Width()),
+                             static_cast<uint32>(outer.Height())};
+    auto cookie = xcb_configure_window(fConnection, fId,
+                                       XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                           XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                                       values);
+    fConfigureSequence = cookie.sequence;
+    fConnection.Flush();
+}
+
+void XWindow::Raise() {
+    const uint32 above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(fConnection, fId, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    fConnection.Flush();
+}
+
+void XWindow::Activate() {
+    bool isManaged = IsManaged(fKind) && fConnection.HasWindowManager();
+    std::lock_guard lock(fLock);
+    fState.minimized = false;
+    if (!fIsShown)
+        return;
+    xcb_map_window(fConnection, fId);
+    if (isManaged) {
+        fConnection.SendToRoot(fId, fConnection[kNetActiveWindow],
+                               {kDirectUserAction, fDisplay.LastInputTime()});
+    } else {
+        const uint32 above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(fConnection, fId, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, XCB_CURRENT_TIME);
+    }
+    fConnection.Flush();
+}
+
+void XWindow::SetMinimized(bool minimized) {
+    if (!IsManaged(fKind))
+        return;
+    if (!minimized) {
+        Activate();
+        return;
+    }
+    // Nobody else could bring the window back.
+    if (!fConnection.HasWindowManager())
+        return;
+    std::lock_guard lock(fLock);
+    fState.minimized = true;
+    if (fIsShown)
+        fConnection.SendToRoot(fId, fConnection[kWmChangeState], {kIconicState});
+    fConnection.Flush();
+}
+
+void XWindow::ChangeState(bool add, AtomIndex state) {
+    fConnection.SendToRoot(fId, fConnection[kNetWmState], {add, fConnection[state], 0, 1});
+}
+
+void XWindow::SetFloating(bool floating) {
+    std::lock_guard lock(fLock);
+    fState.floating = floating;
+    if (fIsShown && IsManaged(fKind))
+        ChangeState(floating, kNetWmStateAbove);
+    fConnection.Flush();
+}
+
+void XWindow::SetAllDesktops(bool allDesktops) {
+    auto current = fConnection.ReadValues(fConnection.AskForValues(
+        fConnection.Root(), fConnection[kNetCurrentDesktop], XCB_ATOM_CARDINAL));
+    std::lock_guard lock(fLock);
+    fState.allDesktops = allDesktops;
+    if (fIsShown && IsManaged(fKind) && (allDesktops || !current.empty())) {
+        fConnection.SendToRoot(fId, fConnection[kNetWmDesktop],
+                               {allDesktops ? kAllDesktops : current[0], 1});
+    }
+    fConnection.Flush();
+}
+
+void XWindow::SetTitle(const std::string& title) {
+    SetTitleProperties(fConnection, fId, title);
+    fConnection.Flush();
+}
+
+void XWindow::Present(const Image& picture, const std::vector<PixelRect>& damage) {
+    std::lock_guard lock(fLock);
+    for (const PixelRect& area : damage)
+        fPicture.Put(picture, area);
+    if (fIsShown) {
+        for (const PixelRect& area : damage)
+            fPicture.CopyTo(fId, Moved(Intersection(area, fPicture.Content()), fBorder, fBorder));
+    }
+    fConnection.Flush();
+}
+
+status_t XWindow::GrabInput(bigtime_t timeout) {
+    return fDisplay.Grab().Take(fId, timeout);
+}
+
+void XWindow::ReleaseInput() {
+    fDisplay.Grab().Release(fId);
+}
+
+std::pair<int, int> XWindow::ContentPlace(xcb_window_t window, int x, int y) {
+    if (window == fId)
+        return {x - fBorder, y - fBorder};
+    std::lock_guard lock(fLock);
+    return {x - fFrame.left, y - fFrame.top};
+}
+
+void XWindow::HandleExpose(const xcb_expose_event_t& event) {
+    std::lock_guard lock(fLock);
+    fPicture.CopyTo(fId, {event.x, event.y, event.x + event.width, event.y + event.height});
+    fConnection.Flush();
+}
+
+// Whether the server sent it before it had the last SetFrame.
+bool XWindow::IsStale(const xcb_configure_notify_event_t& event) const {
+    auto full = reinterpret_cast<const xcb_generic_event_t&>(event).full_sequence;
+    return fConfigureSequence != 0 && static_cast<int32>(full - fConfigureSequence) < 0;
+}
+
+// The place on the screen: a window manager tells it, the server tells it only of windows that have
+// not been put into another.
+bool XWindow::FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const {
+    bool isFromManager = event.response_type & 0x80;
+    if (isFromManager || fParent == fConnection.Root()) {
+        left = event.x;
+        top = event.y;
+        return true;
+    }
+    Reply<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+        fConnection, xcb_translate_coordinates(fConnection, fId, fConnection.Root(), 0, 0),
+        nullptr));
+    if (!reply)
+        return false;
+    left = reply->dst_x;
+    top = reply->dst_y;
+    return true;
+}
+
+void XWindow::HandleConfigure(const xcb_configure_notify_event_t& event) {
+    int left, top;
+    if (!FindPlace(event, left, top))
+        return;
+    PixelRect frame{left + fBorder, top + fBorder, left - fBorder + event.width,
+                    top - fBorder + event.height};
+    // Anybody can send such an event.
+    if (frame.IsEmpty() || frame != Bounded(frame))
+        return;
+    {
+        std::lock_guard lock(fLock);
+        if (frame != fFrame && IsStale(event))
+            return;
+        if (!HasSize(fTold, frame) || !HasSize(fPicture.Content(), frame)) {
+            fPicture.Resize(fId, frame.Width(), frame.Height());
+            fPicture.CopyTo(fId, fPicture.Bounds());
+            fConnection.Flush();
+        }
+        fFrame = frame;
+    }
+    if (frame == fTold)
+        return;
+    fTold = frame;
+    Tell(FrameChanged{frame});
+}
+
+// Also windows that are rolled up or on another desktop have an iconic state; only minimised ones
+// are hidden besides.
+void XWindow::HandleStateChange() {
+    auto askState = fConnection.AskForValues(fId, fConnection[kWmState], fConnection[kWmState]);
+    auto askHidden = fConnection.AskForValues(fId, fConnection[kNetWmState], XCB_ATOM_ATOM);
+    auto state = fConnection.ReadValues(askState);
+    auto states = fConnection.ReadValues(askHidden);
+    bool isMinimized = !state.empty() && state[0] == kIconicState &&
+                       std::ranges::find(states, fConnection[kNetWmStateHidden]) != states.end();
+    if (isMinimized == fToldMinimized)
+        return;
+    {
+        std::lock_guard lock(fLock);
+        fState.minimized = isMinimized;
+        NoteVisible(fIsShown && !isMinimized);
+    }
+    fToldMinimized = isMinimized;
+    Tell(MinimizedChanged{isMinimized});
+}
+
+void XWindow::HandleFocus(bool active) {
+    if (active == fToldActive)
+        return;
+    fToldActive = active;
+    Tell(FocusChanged{active});
+}
+
+void XWindow::TakeFocusIfUnmanaged() {
+    if (fToldActive || !IsManaged(fKind) || fConnection.HasWindowManager())
+        return;
+    xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, XCB_CURRENT_TIME);
+    fConnection.Flush();
+}
+
+} // namespace host

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <mutex>
+#include <utility>
+
+#include "host/x11/Display.h"
+#include "host/x11/KeptPicture.h"
+#include "host/x11/WindowProperties.h"
+
+namespace host {
+
+class XDisplay;
+
+// A window of the X server: the content with the border around it. What the display thread has to
+// tell it comes through the members of the second half.
+class XWindow final : public HostWindow {
+public:
+    XWindow(XDisplay& display, const WindowSpec& spec, WindowSink* sink);
+    ~XWindow() override;
+
+    void Show() override;
+    void Hide() override;
+    void SetFrame(const PixelRect& content) override;
+    void Raise() override;
+    void Activate() override;
+    void SetMinimized(bool minimized) override;
+    void SetFloating(bool floating) override;
+    void SetAllDesktops(bool allDesktops) override;
+    void SetTitle(const std::string& title) override;
+    void Present(const Image& picture, const std::vector<PixelRect>& damage) override;
+    status_t GrabInput(bigtime_t timeout) override;
+    void ReleaseInput() override;
+
+    // The display thread's part. Each calls the sink at most once, as the last thing it does.
+    void Tell(const WindowEvent& event) { fSink->HandleEvent(event); }
+    void HandleExpose(const xcb_expose_event_t& event);
+    void HandleConfigure(const xcb_configure_notify_event_t& event);
+    void HandleReparent(const xcb_reparent_notify_event_t& event) { fParent = event.parent; }
+    void HandleStateChange();
+    void HandleFocus(bool active);
+    // After a press: without a window manager nobody else gives the window the focus.
+    void TakeFocusIfUnmanaged();
+
+    // The place in the content, of one in the window or, for any other `window`, on the screen.
+    std::pair<int, int> ContentPlace(xcb_window_t window, int x, int y);
+
+private:
+    void Create(const WindowSpec& spec);
+    PixelRect Outer(const PixelRect& content) const;
+    void NoteVisible(bool visible);
+    void ChangeState(bool add, AtomIndex state);
+    bool IsStale(const xcb_configure_notify_event_t& event) const;
+    bool FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const;
+
+    XDisplay& fDisplay;
+    const Connection& fConnection;
+    WindowSink* const fSink;
+    const WindowKind fKind;
+    const int fBorder;
+    const bool fIsResizable;
+    const xcb_window_t fId;
+
+    // The display thread's.
+    xcb_window_t fParent;
+    PixelRect fTold; // the frame that the sink knows
+    bool fToldActive = false;
+    bool fToldMinimized = false;
+
+    std::mutex fLock; // for what follows; not held while the sink or the server is waited for
+    KeptPicture fPicture;
+    PixelRect fFrame; // of the content, as last asked for or as the server says
+    InitialState fState;
+    bool fIsShown = false;
+    uint32 fConfigureSequence = 0;
+};
+
+} // namespace host

@@ -1,0 +1,190 @@
+#include <cmath>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "host/draw/VisibleText.h"
+#include "tests/host/draw/Pixels.h"
+
+namespace host {
+namespace {
+
+constexpr std::string_view kMark = "\xef\xbf\xbd";
+constexpr std::string_view kEllipsis = "\xe2\x80\xa6";
+
+std::vector<uint32> Drawn(const FontSpec& font, std::string_view text, double scale) {
+    Canvas canvas(300, 60, scale);
+    canvas.DrawText(font, text, {10, 30}, kBlack);
+    return Copy(canvas.Picture());
+}
+
+TEST(VisibleText, ShowsWhatIsNotUtf8AsMarks) {
+    EXPECT_EQ(VisibleText("a\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80z"),
+              "a\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80z");
+    std::string mark(kMark);
+    EXPECT_EQ(VisibleText("a\xff z"), "a" + mark + " z");
+    EXPECT_EQ(VisibleText("\xc3"), mark) << "cut off";
+    EXPECT_EQ(VisibleText("\xe2\x82z"), mark + mark + "z") << "cut off in the middle";
+    EXPECT_EQ(VisibleText("\xc0\xaf"), mark + mark) << "overlong";
+    EXPECT_EQ(VisibleText("\xe0\x80\xaf"), mark + mark + mark) << "overlong";
+    EXPECT_EQ(VisibleText("\xed\xa0\x80"), mark + mark + mark) << "half a surrogate pair";
+    EXPECT_EQ(VisibleText("\xf4\x90\x80\x80"), mark + mark + mark + mark) << "past the last";
+}
+
+TEST(VisibleText, KeepsToOneLine) {
+    std::string dot = "\xc2\xb7";
+    EXPECT_EQ(VisibleText(std::string_view("a\nb\0c\x7f\td", 8)),
+              "a" + dot + "b" + dot + "c" + dot + dot + "d");
+    EXPECT_EQ(VisibleText("\xc2\x85|\xe2\x80\xa8|\xe2\x80\xa9"), dot + "|" + dot + "|" + dot);
+}
+
+TEST(VisibleText, IsBoundedBetweenCharacters) {
+    std::string text;
+    for (int i = 0; i < 1'000'000; i++)
+        text += "\xe2\x82\xac";
+    std::string visible = VisibleText(text);
+    EXPECT_LT(visible.size(), 10'000u);
+    EXPECT_EQ(visible, text.substr(0, visible.size() / 3 * 3));
+}
+
+class TextAtScale : public testing::TestWithParam<double> {};
+
+INSTANTIATE_TEST_SUITE_P(Scales, TextAtScale, testing::Values(1, 1.25, 1.5, 2));
+
+TEST_P(TextAtScale, MeasuresWhatIsDrawn) {
+    double scale = GetParam();
+    for (bool bold : {false, true}) {
+        FontSpec font{12, bold};
+        // No side bearing wider than a pixel at either end.
+        std::string text = "H0123456789 mwiH";
+        Canvas canvas(600, 100, scale);
+        canvas.DrawText(font, text, {10, 30}, kBlack);
+        PixelRect ink = InkOf(canvas.Picture());
+        double width = MeasureText(font, text, scale) * scale;
+        double slack = 2 * scale;
+        EXPECT_NEAR(ink.left, 10 * scale, slack);
+        EXPECT_NEAR(ink.right, 10 * scale + width, slack);
+        EXPECT_LE(ink.right, std::ceil(10 * scale + width));
+    }
+}
+
+TEST_P(TextAtScale, FontHeightHoldsTheLetters) {
+    double scale = GetParam();
+    FontSpec font{12};
+    FontHeight height = MeasureFont(font, scale);
+    Canvas canvas(600, 100, scale);
+    canvas.DrawText(font, "Hgjpqy|()", {10, 30}, kBlack);
+    PixelRect ink = InkOf(canvas.Picture());
+    EXPECT_GE(ink.top, std::floor((30 - height.ascent) * scale));
+    EXPECT_LE(ink.bottom, std::ceil((30 + height.descent) * scale));
+    EXPECT_GT(height.ascent, height.descent);
+    EXPECT_GT(height.descent, 0);
+}
+
+TEST_P(TextAtScale, GlyphBoxesHoldTheInkOfEachCharacter) {
+    double scale = GetParam();
+    FontSpec font{14};
+    auto boxes = MeasureGlyphs(font, "xg \xc3\x84", scale);
+    ASSERT_EQ(boxes.size(), 4u);
+    EXPECT_FALSE(boxes[2].IsValid()) << "a space has no ink";
+    for (auto [index, text] : {std::pair{0, "x"}, {1, "g"}, {3, "\xc3\x84"}}) {
+        Canvas canvas(100, 100, scale);
+        canvas.DrawText(font, text, {10, 30}, kBlack);
+        PixelRect ink = InkOf(canvas.Picture());
+        BRect box = boxes[index].OffsetByCopy(10, 30);
+        // The boxes are whole logical pixels around the ink, and the place of the baseline is
+        // rounded: a device pixel or two.
+        double slack = scale + 1;
+        EXPECT_NEAR(ink.top, box.top * scale, slack);
+        EXPECT_NEAR(ink.bottom, (box.bottom + 1) * scale, slack);
+        EXPECT_NEAR(ink.left, box.left * scale, slack);
+        EXPECT_NEAR(ink.right, (box.right + 1) * scale, slack);
+    }
+    EXPECT_LT(boxes[0].bottom, 0) << "x stands on the baseline";
+    EXPECT_GT(boxes[1].bottom, 0) << "g goes below it";
+}
+
+TEST_P(TextAtScale, TruncatesToTheWidth) {
+    double scale = GetParam();
+    FontSpec font{12};
+    std::string text = "\xc3\xa4 s\xc3\xb6mewh\xc3\xa9t long label";
+    float whole = MeasureText(font, text, scale);
+    EXPECT_EQ(TruncateText(font, text, whole, scale), text);
+    std::size_t longest = 0;
+    for (float width = MeasureText(font, kEllipsis, scale); width < whole; width++) {
+        std::string cut = TruncateText(font, text, width, scale);
+        EXPECT_LE(MeasureText(font, cut, scale), width);
+        ASSERT_TRUE(cut.ends_with(kEllipsis));
+        std::string kept = cut.substr(0, cut.size() - kEllipsis.size());
+        EXPECT_TRUE(text.starts_with(kept));
+        EXPECT_EQ(VisibleText(kept), kept) << "a character was cut in two";
+        EXPECT_GE(kept.size(), longest);
+        longest = kept.size();
+    }
+    EXPECT_GT(longest, text.size() / 2);
+    EXPECT_EQ(TruncateText(font, text, 1, scale), "");
+}
+
+TEST(Text, DrawsBrokenTextAsItsMarks) {
+    FontSpec font{12};
+    EXPECT_EQ(Drawn(font,
+                    "a\xff"
+                    "b",
+                    1),
+              Drawn(font, "a" + std::string(kMark) + "b", 1));
+    EXPECT_NE(Drawn(font,
+                    "a\xff"
+                    "b",
+                    1),
+              Drawn(font, "ab", 1));
+    EXPECT_EQ(Drawn(font, "a\nb", 1), Drawn(font,
+                                            "a\x01"
+                                            "b",
+                                            1));
+    EXPECT_GT(MeasureText(font, "a\nb", 1), MeasureText(font, "ab", 1));
+}
+
+TEST(Text, SizeAndWeightCount) {
+    EXPECT_GT(MeasureText({24}, "Label", 1), MeasureText({12}, "Label", 1) * 1.5);
+    EXPECT_GT(MeasureText({12, true}, "Label", 1), MeasureText({12}, "Label", 1));
+    EXPECT_NE(Drawn({12, true}, "Label", 1), Drawn({12}, "Label", 1));
+    EXPECT_EQ(MeasureText({12}, "", 1), 0);
+    EXPECT_GT(MeasureText({-4}, "Label", 1), 0) << "a size that makes no sense is the smallest";
+}
+
+TEST(Text, LongTextIsCutBeforeItIsLaidOut) {
+    FontSpec font{12};
+    std::string text(20'000'000, 'm');
+    float width = MeasureText(font, text, 1);
+    EXPECT_EQ(width, MeasureText(font, text.substr(0, 100'000), 1));
+    EXPECT_LE(MeasureText(font, TruncateText(font, text, 200, 1), 1), 200);
+}
+
+TEST(Text, WindowsDrawAtTheSameTime) {
+    constexpr int kThreads = 4, kRounds = 40;
+    auto label = [](int thread, int round) {
+        return "Label " + std::to_string(thread) + "." + std::to_string(round);
+    };
+    std::vector<std::vector<uint32>> pictures(kThreads);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; i++) {
+        threads.emplace_back([&, i] {
+            Canvas canvas(300, 60, 1 + i * 0.25);
+            for (int round = 0; round <= kRounds; round++) {
+                canvas.FillRect({0, 0, 400, 100}, {255, 255, 255});
+                FontSpec font{11, round % 2 == 1};
+                MeasureFont(font, canvas.Scale());
+                MeasureText(font, label(i, round), canvas.Scale());
+                canvas.DrawText(font, label(i, round), {10, 30}, kBlack);
+            }
+            pictures[i] = Copy(canvas.Picture());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (int i = 0; i < kThreads; i++)
+        EXPECT_EQ(pictures[i], Drawn({11}, label(i, kRounds), 1 + i * 0.25)) << i;
+}
+
+} // namespace
+} // namespace host

@@ -1,0 +1,132 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/session/Descriptor.h"
+#include "host/session/Launcher.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/Wait.h"
+
+namespace fs = std::filesystem;
+using namespace host;
+
+namespace {
+
+std::string Read(const fs::path& path) {
+    std::ostringstream content;
+    content << std::ifstream(path).rdbuf();
+    return content.str();
+}
+
+class LauncherTest : public testing::Test {
+protected:
+    // A script that writes what it has to say to "report", which appears when it is whole.
+    Command Script(const std::string& body) {
+        const fs::path script = fHome.Path() / "script";
+        std::ofstream(script) << "#!/bin/sh\n{ " << body << "\n} >\"" << Writing().string()
+                              << "\"\nmv \"" << Writing().string() << "\" \"" << Report().string()
+                              << "\"\n";
+        fs::permissions(script, fs::perms::owner_all);
+        return {script, {script}, fHome.Path()};
+    }
+
+    fs::path Writing() const { return fHome.Path() / "writing"; }
+    fs::path Report() const { return fHome.Path() / "report"; }
+
+    std::string RunAndRead(const Command& command) {
+        fs::remove(Report());
+        EXPECT_EQ(B_OK, LaunchDetached(command));
+        EXPECT_TRUE(test::WaitUntil([&] { return fs::exists(Report()); }));
+        return Read(Report());
+    }
+
+    test::TemporaryHome fHome;
+};
+
+TEST_F(LauncherTest, ArgumentsArriveAsTheyAre) {
+    Command command = Script("printf '%s|' \"$@\"");
+    command.arguments.insert(command.arguments.end(),
+                             {"a b", "$(touch x)", "\"quoted'", "*", "", "`id`", "é\xff"});
+    EXPECT_EQ("a b|$(touch x)|\"quoted'|*||`id`|é\xff|", RunAndRead(command));
+    EXPECT_FALSE(fs::exists(fHome.Path() / "x"));
+}
+
+TEST_F(LauncherTest, ChildHasDefaultSignalsAndNoDescriptorsOfOurs) {
+    sigset_t blocked;
+    sigset_t old;
+    sigemptyset(&blocked);
+    for (int number : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&blocked, number);
+    pthread_sigmask(SIG_BLOCK, &blocked, &old);
+    const auto oldPipe = signal(SIGPIPE, SIG_IGN);
+    const Descriptor leaking(open("/dev/null", O_RDONLY));
+    const Descriptor high(fcntl(leaking.Get(), F_DUPFD, 200));
+    // Programs that look at themselves: a shell changes its mask and opens files of its own. Both
+    // write what they found at once.
+    const fs::path signals = fHome.Path() / "signals";
+    const fs::path files = fHome.Path() / "files";
+    EXPECT_EQ(B_OK, LaunchDetached({"/bin/cp", {"cp", "/proc/self/status", signals}, "/"}));
+    EXPECT_EQ(B_OK,
+              LaunchDetached({"/usr/bin/find",
+                              {"find", "/proc/self/fd", "-type", "l", "-fprintf", files, "<%f %l>"},
+                              "/"}));
+    signal(SIGPIPE, oldPipe);
+    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+    EXPECT_TRUE(test::WaitUntil([&] { return !Read(signals).empty() && !Read(files).empty(); }));
+
+    EXPECT_THAT(Read(signals), testing::HasSubstr("SigBlk:\t0000000000000000\n"));
+    EXPECT_THAT(Read(signals), testing::HasSubstr("SigIgn:\t0000000000000000\n"));
+    EXPECT_THAT(Read(files), testing::HasSubstr("<0 /dev/null>"));
+    for (const char* theirs : {"<200 ", "eventfd"})
+        EXPECT_THAT(Read(files), testing::Not(testing::HasSubstr(theirs)));
+}
+
+TEST_F(LauncherTest, ChildIsNobodysAndInASessionOfItsOwn) {
+    std::istringstream report(RunAndRead(Script("echo $$; cut -d' ' -f4,6 /proc/$$/stat")));
+    pid_t child = 0;
+    pid_t parent = 0;
+    pid_t session = 0;
+    report >> child >> parent >> session;
+    EXPECT_NE(0, session);
+    EXPECT_NE(getpid(), parent);
+    EXPECT_NE(getsid(0), session);
+    EXPECT_EQ(-1, waitpid(-1, nullptr, WNOHANG)) << "a child is left";
+    EXPECT_EQ(ECHILD, errno);
+}
+
+TEST_F(LauncherTest, RunsInItsDirectory) {
+    Command command = Script("pwd");
+    EXPECT_EQ(fHome.Path().string() + "\n", RunAndRead(command));
+    command.directory = "/nowhere/at/all";
+    EXPECT_EQ("/\n", RunAndRead(command));
+}
+
+TEST_F(LauncherTest, SaysWhyAProgramCannotRun) {
+    EXPECT_EQ(B_ENTRY_NOT_FOUND, LaunchDetached({"/nowhere/program", {"program"}, "/"}));
+    EXPECT_EQ(B_PERMISSION_DENIED, LaunchDetached({"/etc/passwd", {"program"}, "/"}));
+    EXPECT_NE(B_OK, LaunchDetached({"/bin/true", {"true", std::string(4 << 20, 'x')}, "/"}));
+}
+
+TEST_F(LauncherTest, FindsProgramsOnThePath) {
+    const fs::path place = fHome.Path() / "place";
+    fs::create_directory(place);
+    std::ofstream(place / "tool") << "";
+    const std::string old = getenv("PATH");
+    setenv("PATH", ("relative::/nowhere:" + place.string()).c_str(), 1);
+    EXPECT_EQ("", FindProgram("tool")) << "not executable yet";
+    fs::permissions(place / "tool", fs::perms::owner_all);
+    EXPECT_EQ((place / "tool").string(), FindProgram("tool"));
+    EXPECT_EQ((place / "tool").string(), FindProgram((place / "tool").string()));
+    EXPECT_EQ("", FindProgram("place/tool"));
+    EXPECT_EQ("", FindProgram(""));
+    EXPECT_EQ("", FindProgram(place.string())) << "a directory is no program";
+    setenv("PATH", old.c_str(), 1);
+}
+
+} // namespace

@@ -1,0 +1,191 @@
+
+#include <gmock/gmock.h>
+
+#include "tests/host/x11/Recorded.h"
+
+namespace host {
+namespace {
+
+using test::PrivateDesktop;
+using test::WaitUntil;
+using testing::ElementsAre;
+
+// The bytes of published settings, as a settings manager of this machine's byte order writes them.
+class Published {
+public:
+    explicit Published(bool bigEndian = false)
+        : fBigEndian(bigEndian) {
+        fBytes = {static_cast<uint8>(bigEndian), 0, 0, 0};
+        Add(uint32{1});
+        Add(uint32{0});
+    }
+    Published& Integer(std::string_view name, int32 value) {
+        Begin(0, name);
+        return Add(static_cast<uint32>(value));
+    }
+    Published& Text(std::string_view name, std::string_view value) {
+        Begin(1, name);
+        Add(static_cast<uint32>(value.size()));
+        return Add(value);
+    }
+    Published& Color(std::string_view name) {
+        Begin(2, name);
+        Add(uint32{0});
+        return Add(uint32{0});
+    }
+    std::vector<uint8> Bytes() const {
+        std::vector<uint8> bytes = fBytes;
+        bytes[fBigEndian ? 11 : 8] = fCount;
+        return bytes;
+    }
+
+private:
+    void Begin(uint8 type, std::string_view name) {
+        fCount++;
+        fBytes.insert(fBytes.end(), {type, 0});
+        Word(static_cast<uint32>(name.size()), 2);
+        Add(name);
+        Add(uint32{7});
+    }
+    void Word(uint32 value, int size) {
+        for (int i = 0; i < size; i++)
+            fBytes.push_back(value >> 8 * (fBigEndian ? size - 1 - i : i));
+    }
+    Published& Add(uint32 value) {
+        Word(value, 4);
+        return *this;
+    }
+    Published& Add(std::string_view text) {
+        fBytes.insert(fBytes.end(), text.begin(), text.end());
+        while (fBytes.size() % 4)
+            fBytes.push_back(0);
+        return *this;
+    }
+
+    bool fBigEndian;
+    uint8 fCount = 0;
+    std::vector<uint8> fBytes;
+};
+
+double ScaleOf(const Published& published, std::string_view resources = {}) {
+    return ReadDesktopSettings(published.Bytes(), resources).scale;
+}
+
+TEST(DesktopSettings, ScaleGoesInQuartersFromOneToFour) {
+    auto scaleAt = [](int dpi) { return ScaleOf(Published().Integer("Xft/DPI", dpi * 1024)); };
+    EXPECT_EQ(scaleAt(96), 1);
+    EXPECT_EQ(scaleAt(72), 1);
+    EXPECT_EQ(scaleAt(120), 1.25);
+    EXPECT_EQ(scaleAt(130), 1.25);
+    EXPECT_EQ(scaleAt(144), 1.5);
+    EXPECT_EQ(scaleAt(192), 2);
+    EXPECT_EQ(scaleAt(2000), 4);
+    EXPECT_EQ(scaleAt(-1), 1);
+}
+
+TEST(DesktopSettings, PublishedOnesGoBeforeResources) {
+    EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: 144.0\n").scale, 1.5);
+    EXPECT_EQ(ReadDesktopSettings({}, "Xcursor.size:\t48\nXft.dpi:\t192").scale, 2);
+    EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", 144 * 1024), "Xft.dpi: 192\n"), 1.5);
+    EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", -1), "Xft.dpi: 192\n"), 2);
+    EXPECT_EQ(ScaleOf(Published(), "Xft.dpi: lots\n"), 1);
+}
+
+TEST(DesktopSettings, AreReadInEitherByteOrder) {
+    for (bool bigEndian : {false, true}) {
+        auto bytes = Published(bigEndian)
+                         .Text("Net/ThemeName", "Plain")
+                         .Color("Gtk/Color")
+                         .Integer("Net/DoubleClickTime", 250)
+                         .Integer("Net/DoubleClickDistance", 8)
+                         .Integer("Xft/DPI", 192 * 1024)
+                         .Bytes();
+        DesktopSettings settings = ReadDesktopSettings(bytes, {});
+        EXPECT_EQ(settings.doubleClickTime, 250'000);
+        EXPECT_EQ(settings.doubleClickDistance, 8);
+        EXPECT_EQ(settings.scale, 2);
+    }
+}
+
+TEST(DesktopSettings, BrokenOnesCountAsFarAsTheyGo) {
+    auto whole = Published()
+                     .Integer("Net/DoubleClickTime", 250)
+                     .Text("Net/ThemeName", "Plain")
+                     .Integer("Xft/DPI", 192 * 1024)
+                     .Bytes();
+    for (std::size_t length = 0; length < whole.size(); length++) {
+        std::vector<uint8> part(whole.begin(), whole.begin() + length);
+        EXPECT_EQ(ReadDesktopSettings(part, {}).scale, 1) << length;
+        for (uint8 value : {0x00, 0x7f, 0x80, 0xff}) {
+            std::vector<uint8> changed = whole;
+            changed[length] = value;
+            double scale = ReadDesktopSettings(changed, {}).scale;
+            EXPECT_GE(scale, 1);
+            EXPECT_LE(scale, 4);
+        }
+    }
+    EXPECT_EQ(ReadDesktopSettings(whole, {}).scale, 2);
+}
+
+TEST(Displays, HaveTheDesktopsScaleAndMonitors) {
+    PrivateDesktop desktop(
+        {.width = 1600, .monitors = {{0, 0, 1000, 900}, {1000, 100, 600, 800}}, .dpi = 192});
+    TestDisplay display(desktop);
+    EXPECT_EQ(display->Scale(), 2);
+    EXPECT_EQ(display->DoubleClickTime(), 400'000);
+    EXPECT_THAT(display->Monitors(),
+                ElementsAre(PixelRect{0, 0, 1000, 900}, PixelRect{1000, 100, 1600, 900}));
+    desktop.SetMonitors({{600, 0, 1000, 900}, {0, 0, 600, 900}});
+    EXPECT_TRUE(WaitUntil([&] { return display.Sink().monitorChanges > 0; }));
+    EXPECT_TRUE(WaitUntil([&] {
+        return display->Monitors() ==
+               std::vector{PixelRect{600, 0, 1600, 900}, PixelRect{0, 0, 600, 900}};
+    }));
+}
+
+TEST(Displays, HaveTheWholeScreenWithoutMonitors) {
+    TestDisplay display(PrivateDesktop::Shared());
+    EXPECT_THAT(display->Monitors(), ElementsAre(PixelRect{0, 0, 1280, 900}));
+}
+
+TEST(Displays, TellOnceThatTheyAreLostAndBearCallsAfterThat) {
+    PrivateDesktop desktop({.windowManager = false});
+    TestDisplay display(desktop);
+    WindowSpec spec = BarSpec({100, 80, 340, 112});
+    TestWindow bar = display.CreateShown(spec);
+    desktop.KillServer();
+    ASSERT_TRUE(WaitUntil([&] { return display.Sink().losses > 0; }));
+    Pixels picture(240, 32, Pattern);
+    bar->Present(picture.Picture(), {picture.Bounds()});
+    bar->SetFrame({1, 2, 30, 40});
+    bar->Show();
+    bar->Activate();
+    bar->SetMinimized(true);
+    bar->SetAllDesktops(false);
+    EXPECT_NE(bar->GrabInput(10'000'000), B_OK);
+    bar->ReleaseInput();
+    bar->Hide();
+    display->Beep();
+    display->Sync();
+    EXPECT_EQ(display->GetPointer().buttons, 0u);
+    EXPECT_FALSE(display->Monitors().empty());
+    TestWindow late = display.Create(spec);
+    late->Show();
+    EXPECT_EQ(display.Sink().losses, 1);
+}
+
+TEST(Displays, SayWhyTheyCannotBeUsed) {
+    RecordedDisplay sink;
+    std::string problem;
+    EXPECT_EQ(XDisplay::Connect(":54321", &sink, "bar", "Bar", problem), nullptr);
+    EXPECT_THAT(problem, testing::HasSubstr("no display server answers"));
+    EXPECT_EQ(XDisplay::Connect("nonsense", &sink, "bar", "Bar", problem), nullptr);
+    EXPECT_FALSE(problem.empty());
+
+    PrivateDesktop shallow({.depth = 16, .windowManager = false});
+    EXPECT_EQ(XDisplay::Connect(shallow.Name().c_str(), &sink, "bar", "Bar", problem), nullptr);
+    EXPECT_THAT(problem, testing::HasSubstr("16 bits a pixel"));
+}
+
+} // namespace
+} // namespace host

@@ -1,0 +1,464 @@
+#include <X11/keysym.h>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "host/x11/Clock.h"
+#include "tests/host/x11/Recorded.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Robot.h"
+
+namespace host {
+namespace {
+
+using test::PlainWindow;
+using test::PrivateDesktop;
+using test::Robot;
+using test::WaitUntil;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Input of the whole session, taken and given back by another program.
+class ForeignGrab {
+public:
+    explicit ForeignGrab(PrivateDesktop& desktop)
+        : fConnection(xcb_connect(desktop.Name().c_str(), nullptr)) {
+        Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
+            fConnection,
+            xcb_grab_keyboard(fConnection, false, desktop.Root(), XCB_CURRENT_TIME,
+                              XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+            nullptr));
+        fIsHeld = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    }
+    ~ForeignGrab() { xcb_disconnect(fConnection); }
+
+    bool IsHeld() const { return fIsHeld; }
+
+private:
+    xcb_connection_t* fConnection;
+    bool fIsHeld;
+};
+
+class Input : public testing::Test {
+protected:
+    ~Input() override { SetLayout({"us"}); }
+
+    void SetLayout(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
+        test::ChildProcess::Options options;
+        options.arguments = std::move(arguments);
+        EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
+    }
+
+    // What the keys that are pressed and released one after the other type.
+    std::vector<std::string> TextsOf(const TestWindow& window, std::vector<uint32_t> keys) {
+        window.events->Forget();
+        for (uint32_t key : keys)
+            fRobot.Key(key);
+        EXPECT_TRUE(window.events->Await<KeyChanged>(2 * keys.size()));
+        std::vector<std::string> texts;
+        for (const KeyChanged& change : window.events->All<KeyChanged>()) {
+            if (change.down)
+                texts.push_back(change.text);
+        }
+        return texts;
+    }
+
+    TestWindow CreateActive() {
+        TestWindow window = fDisplay.CreateShown(NormalSpec({100, 100, 300, 300}));
+        window->Activate();
+        EXPECT_TRUE(WaitUntil([&] { return window.events->Last<FocusChanged>().active; }));
+        return window;
+    }
+
+    PrivateDesktop& fDesktop = PrivateDesktop::Shared();
+    TestDisplay fDisplay{fDesktop};
+    test::Screen& fScreen = fDisplay.OnScreen();
+    Robot fRobot{fDesktop};
+};
+
+TEST_F(Input, PointerPlacesAreOfTheContent) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    fRobot.MoveTo(700, 700);
+    fRobot.MoveTo(103, 85);
+    ASSERT_TRUE(bar.events->Await<PointerMoved>());
+    auto moved = bar.events->Last<PointerMoved>();
+    EXPECT_EQ(moved.x, 3);
+    EXPECT_EQ(moved.y, 5);
+    EXPECT_EQ(moved.screenX, 103);
+    EXPECT_EQ(moved.screenY, 85);
+    EXPECT_EQ(moved.buttons, 0u);
+    EXPECT_EQ(fDisplay->GetPointer().screenX, 103);
+
+    bigtime_t before = Now();
+    fRobot.Press(3);
+    ASSERT_TRUE(bar.events->Await<ButtonPressed>());
+    auto pressed = bar.events->Last<ButtonPressed>();
+    EXPECT_EQ(pressed.at.x, 3);
+    EXPECT_EQ(pressed.at.buttons, kSecondaryButton);
+    // The server's own clock may tick every few milliseconds only.
+    EXPECT_GE(pressed.when, before - 10'000);
+    EXPECT_LE(pressed.when, Now());
+    fRobot.Press(2);
+    ASSERT_TRUE(bar.events->Await<ButtonPressed>(2));
+    EXPECT_EQ(bar.events->Last<ButtonPressed>().at.buttons, kSecondaryButton | kTertiaryButton);
+    EXPECT_EQ(fDisplay->GetPointer().buttons, kSecondaryButton | kTertiaryButton);
+    fRobot.Release(3);
+    ASSERT_TRUE(bar.events->Await<ButtonReleased>());
+    EXPECT_EQ(bar.events->Last<ButtonReleased>().at.buttons, kTertiaryButton);
+    fRobot.Release(2);
+    fRobot.MoveTo(700, 700);
+    EXPECT_TRUE(bar.events->Await<PointerLeft>());
+}
+
+TEST_F(Input, WheelTurnsInSteps) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    for (int button : {4, 5, 6, 7})
+        fRobot.Click(110, 90, button);
+    ASSERT_TRUE(bar.events->Await<WheelTurned>(4));
+    auto turns = bar.events->All<WheelTurned>();
+    EXPECT_EQ(turns[0].deltaY, -1);
+    EXPECT_EQ(turns[1].deltaY, 1);
+    EXPECT_EQ(turns[2].deltaX, -1);
+    EXPECT_EQ(turns[3].deltaX, 1);
+    EXPECT_EQ(turns[3].deltaY, 0);
+    EXPECT_THAT(bar.events->All<ButtonPressed>(), IsEmpty());
+}
+
+TEST_F(Input, CountsClicks) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    TestWindow other = fDisplay.CreateShown(MenuSpec({100, 200, 200, 300}));
+    auto clicksOf = [&](const TestWindow& window, int x, int y, int button) {
+        std::size_t before = window.events->All<ButtonPressed>().size();
+        fRobot.Click(x, y, button);
+        EXPECT_TRUE(window.events->Await<ButtonPressed>(before + 1));
+        return window.events->Last<ButtonPressed>().clicks;
+    };
+    EXPECT_EQ(clicksOf(bar, 110, 90, 1), 1);
+    EXPECT_EQ(clicksOf(bar, 112, 91, 1), 2);
+    EXPECT_EQ(clicksOf(bar, 112, 91, 1), 3);
+    EXPECT_EQ(clicksOf(bar, 112, 91, 3), 1) << "another button";
+    EXPECT_EQ(clicksOf(bar, 130, 91, 3), 1) << "too far away";
+    EXPECT_EQ(clicksOf(bar, 130, 91, 3), 2);
+    EXPECT_EQ(clicksOf(other, 130, 210, 3), 1) << "another window";
+    EXPECT_EQ(clicksOf(other, 130, 210, 3), 2);
+    bigtime_t pressed = Now();
+    EXPECT_TRUE(WaitUntil([&] { return Now() > pressed + fDisplay->DoubleClickTime() + 50'000; }));
+    EXPECT_EQ(clicksOf(other, 130, 210, 3), 1) << "too late";
+}
+
+TEST_F(Input, OldMotionsGiveWayToNewOnes) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    fRobot.MoveTo(101, 85);
+    ASSERT_TRUE(bar.events->Await<PointerMoved>());
+    // The display thread stands still in the sink while the pointer goes on.
+    std::atomic<bool> isHeld = false, mayGo = false;
+    TestWindow slow = fDisplay.Create(MenuSpec({400, 80, 640, 112}));
+    slow.events->OnEvent([&](const WindowEvent& event) {
+        if (!std::holds_alternative<PointerMoved>(event) || mayGo)
+            return;
+        isHeld = true;
+        WaitUntil([&] { return mayGo.load(); });
+    });
+    slow->Show();
+    EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsShown(slow); }));
+    fRobot.MoveTo(410, 90);
+    ASSERT_TRUE(WaitUntil([&] { return isHeld.load(); }));
+    for (int x = 411; x < 600; x++)
+        fRobot.MoveTo(x, 90);
+    fRobot.Press();
+    mayGo = true;
+    ASSERT_TRUE(slow.events->Await<ButtonPressed>());
+    EXPECT_EQ(slow.events->Last<PointerMoved>().screenX, 599);
+    EXPECT_LT(slow.events->All<PointerMoved>().size(), 20u);
+}
+
+TEST_F(Input, KeysHaveTheirPlaceAndTheirText) {
+    TestWindow window = CreateActive();
+    struct Key {
+        uint32_t keysym;
+        uint32 code;
+        std::string text;
+    };
+    const Key keys[] = {
+        {XK_Escape, 0x01, "\x1b"},
+        {XK_F1, 0x02, "\x10"},
+        {XK_F12, 0x0d, "\x10"},
+        {XK_Print, 0x0e, "\x10"},
+        {XK_Pause, 0x10, "\x10"},
+        {XK_grave, 0x11, "`"},
+        {XK_1, 0x12, "1"},
+        {XK_0, 0x1b, "0"},
+        {XK_equal, 0x1d, "="},
+        {XK_BackSpace, 0x1e, "\x08"},
+        {XK_Insert, 0x1f, "\x05"},
+        {XK_Home, 0x20, "\x01"},
+        {XK_Prior, 0x21, "\x0b"},
+        {XK_KP_Divide, 0x23, "/"},
+        {XK_KP_Multiply, 0x24, "*"},
+        {XK_KP_Subtract, 0x25, "-"},
+        {XK_Tab, 0x26, "\x09"},
+        {XK_q, 0x27, "q"},
+        {XK_p, 0x30, "p"},
+        {XK_backslash, 0x33, "\\"},
+        {XK_Delete, 0x34, "\x7f"},
+        {XK_End, 0x35, "\x04"},
+        {XK_Next, 0x36, "\x0c"},
+        {XK_KP_Home, 0x37, "\x01"},
+        {XK_KP_Add, 0x3a, "+"},
+        {XK_a, 0x3c, "a"},
+        {XK_apostrophe, 0x46, "'"},
+        {XK_Return, 0x47, "\n"},
+        {XK_KP_Begin, 0x49, ""},
+        {XK_Shift_L, 0x4b, ""},
+        {XK_z, 0x4c, "z"},
+        {XK_slash, 0x55, "/"},
+        {XK_Shift_R, 0x56, ""},
+        {XK_Up, 0x57, "\x1e"},
+        {XK_KP_Next, 0x5a, "\x0c"},
+        {XK_KP_Enter, 0x5b, "\n"},
+        {XK_Control_L, 0x5c, ""},
+        {XK_Alt_L, 0x5d, ""},
+        {XK_space, 0x5e, " "},
+        {XK_Alt_R, 0x5f, ""},
+        {XK_Control_R, 0x60, ""},
+        {XK_Left, 0x61, "\x1c"},
+        {XK_Down, 0x62, "\x1f"},
+        {XK_Right, 0x63, "\x1d"},
+        {XK_KP_Insert, 0x64, "\x05"},
+        {XK_KP_Delete, 0x65, "\x7f"},
+        {XK_Super_L, 0x66, ""},
+        {XK_Super_R, 0x67, ""},
+        {XK_Menu, 0x68, ""},
+    };
+    for (const Key& key : keys) {
+        window.events->Forget();
+        fRobot.Key(key.keysym);
+        ASSERT_TRUE(window.events->Await<KeyChanged>(2)) << key.code;
+        auto changes = window.events->All<KeyChanged>();
+        EXPECT_TRUE(changes[0].down && !changes[1].down);
+        EXPECT_EQ(changes[0].key, key.code);
+        EXPECT_EQ(changes[1].key, key.code);
+        EXPECT_EQ(changes[0].text, key.text) << "key " << key.code;
+        EXPECT_FALSE(changes[0].repeated);
+    }
+}
+
+TEST_F(Input, NumLockChangesTheTextAndNotThePlace) {
+    TestWindow window = CreateActive();
+    EXPECT_THAT(TextsOf(window, {XK_KP_Up, XK_KP_Begin}), ElementsAre("\x1e", ""));
+    TextsOf(window, {XK_Num_Lock});
+    EXPECT_THAT(TextsOf(window, {XK_KP_Up, XK_KP_Begin, XK_KP_Delete}), ElementsAre("8", "5", "."));
+    auto last = window.events->Last<KeyChanged>();
+    EXPECT_EQ(last.key, 0x65u);
+    EXPECT_EQ(last.modifiers, kNumLock);
+    TextsOf(window, {XK_Num_Lock});
+    EXPECT_THAT(TextsOf(window, {XK_KP_Up}), ElementsAre("\x1e"));
+}
+
+TEST_F(Input, ModifiersAreToldAndDoNotMakeControlCharacters) {
+    TestWindow window = CreateActive();
+    // Releases of keys of the time before may still arrive.
+    auto withModifier = [&](uint32_t modifier) {
+        window.events->Forget();
+        fRobot.KeyDown(modifier);
+        fRobot.Key(XK_c);
+        fRobot.KeyUp(modifier);
+        std::pair<std::string, uint32> told("none", 0);
+        WaitUntil([&] {
+            for (const KeyChanged& change : window.events->All<KeyChanged>()) {
+                if (change.down && change.key == 0x4e)
+                    told = {change.text, change.modifiers};
+            }
+            return told.first != "none";
+        });
+        return told;
+    };
+    EXPECT_EQ(withModifier(XK_Shift_L), std::pair(std::string("C"), uint32{kShiftKey}));
+    EXPECT_EQ(withModifier(XK_Control_L), std::pair(std::string("c"), uint32{kControlKey}));
+    EXPECT_EQ(withModifier(XK_Alt_L), std::pair(std::string("c"), uint32{kCommandKey}));
+    EXPECT_EQ(withModifier(XK_Super_L), std::pair(std::string("c"), uint32{kOptionKey}));
+    fRobot.Key(XK_Caps_Lock);
+    EXPECT_EQ(withModifier(XK_Shift_L), std::pair(std::string("c"), uint32{kShiftKey | kCapsLock}));
+    fRobot.Key(XK_Caps_Lock);
+}
+
+TEST_F(Input, FollowsTheLayout) {
+    TestWindow window = CreateActive();
+    EXPECT_THAT(TextsOf(window, {XK_a, XK_q}), ElementsAre("a", "q"));
+    // Russian in the second group, chosen by Shift with Caps Lock.
+    SetLayout({"us,ru", "-option", "grp:shift_caps_toggle"});
+    EXPECT_THAT(TextsOf(window, {XK_a, XK_q}), ElementsAre("a", "q"));
+    fRobot.KeyDown(XK_Shift_L);
+    fRobot.Key(XK_Caps_Lock);
+    fRobot.KeyUp(XK_Shift_L);
+    EXPECT_TRUE(WaitUntil([&] {
+        return TextsOf(window, {XK_a, XK_q}) == std::vector<std::string>{"\xd1\x84", "\xd0\xb9"};
+    }));
+    EXPECT_EQ(window.events->Last<KeyChanged>().key, 0x27u);
+    EXPECT_THAT(TextsOf(window, {XK_Left}), ElementsAre("\x1c"));
+    SetLayout({"de"});
+    EXPECT_THAT(TextsOf(window, {XK_y}), ElementsAre("y"));
+    EXPECT_EQ(window.events->Last<KeyChanged>().key, 0x4cu) << "where others have the Z";
+}
+
+TEST_F(Input, HeldKeysRepeat) {
+    TestWindow window = CreateActive();
+    fRobot.KeyDown(XK_a);
+    EXPECT_TRUE(window.events->Await<KeyChanged>(4));
+    fRobot.KeyUp(XK_a);
+    EXPECT_TRUE(WaitUntil([&] { return !window.events->Last<KeyChanged>().down; }));
+    auto changes = window.events->All<KeyChanged>();
+    for (std::size_t i = 0; i + 1 < changes.size(); i++) {
+        EXPECT_TRUE(changes[i].down);
+        EXPECT_EQ(changes[i].repeated, i > 0);
+    }
+    fRobot.KeyDown(XK_b);
+    EXPECT_TRUE(WaitUntil([&] { return window.events->Last<KeyChanged>().text == "b"; }));
+    PlainWindow other(fDesktop, {600, 300, 200, 100});
+    other.Activate();
+    fRobot.KeyUp(XK_b);
+    window->Activate();
+    EXPECT_TRUE(WaitUntil([&] { return window.events->Last<FocusChanged>().active; }));
+    window.events->Forget();
+    fRobot.Key(XK_b);
+    ASSERT_TRUE(window.events->Await<KeyChanged>());
+    EXPECT_FALSE(window.events->All<KeyChanged>()[0].repeated) << "it was released elsewhere";
+}
+
+TEST_F(Input, GrabDirectsAllInputAndKeepsTheFocusAsItIs) {
+    TestWindow window = CreateActive();
+    PlainWindow other(fDesktop, {600, 300, 200, 100});
+    other.Activate();
+    window->Activate();
+    ASSERT_TRUE(WaitUntil(
+        [&] { return fDisplay.IsActive(window) && window.events->Last<FocusChanged>().active; }));
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
+    window.events->Forget();
+    ASSERT_EQ(menu->GrabInput(0), B_OK);
+    fRobot.Click(650, 350);
+    ASSERT_TRUE(menu.events->Await<ButtonReleased>());
+    auto pressed = menu.events->Last<ButtonPressed>().at;
+    EXPECT_EQ(pressed.x, 500);
+    EXPECT_EQ(pressed.y, 200);
+    EXPECT_EQ(pressed.screenX, 650);
+    fRobot.Key(XK_Down);
+    ASSERT_TRUE(menu.events->Await<KeyChanged>(2));
+    menu->ReleaseInput();
+    fDisplay->Sync();
+    EXPECT_TRUE(fDisplay.IsActive(window));
+    EXPECT_THAT(window.events->All<FocusChanged>(), IsEmpty());
+    EXPECT_THAT(window.events->All<KeyChanged>(), IsEmpty());
+    fRobot.Key(XK_x);
+    EXPECT_TRUE(window.events->Await<KeyChanged>(2)) << "the window has the keyboard again";
+}
+
+TEST_F(Input, PointerLeavesTheWindowForAGrabbingMenu) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({100, 120, 200, 300}));
+    fRobot.MoveTo(110, 90);
+    ASSERT_TRUE(bar.events->Await<PointerMoved>());
+    fRobot.Press();
+    ASSERT_TRUE(bar.events->Await<ButtonPressed>());
+    EXPECT_THAT(bar.events->All<PointerLeft>(), IsEmpty())
+        << "the window manager's own grab does not count";
+    ASSERT_EQ(menu->GrabInput(300'000), B_OK);
+    EXPECT_TRUE(bar.events->Await<PointerLeft>());
+    fRobot.Release();
+    EXPECT_TRUE(menu.events->Await<ButtonReleased>()) << "of the press that opened the menu";
+    bar.events->Forget();
+    menu->ReleaseInput();
+    EXPECT_TRUE(bar.events->Await<PointerMoved>()) << "the pointer is back";
+}
+
+TEST_F(Input, GrabWaitsForOthersAndGivesUpInTime) {
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
+    auto foreign = std::make_unique<ForeignGrab>(fDesktop);
+    ASSERT_TRUE(foreign->IsHeld());
+    bigtime_t start = Now();
+    EXPECT_EQ(menu->GrabInput(100'000), B_TIMED_OUT);
+    EXPECT_GE(Now() - start, 100'000);
+    EXPECT_LT(Now() - start, 3'000'000);
+    // The pointer was to be had, and must not be kept.
+    TestWindow bar = fDisplay.CreateShown(BarSpec({400, 80, 640, 112}));
+    fRobot.MoveTo(410, 90);
+    EXPECT_TRUE(bar.events->Await<PointerMoved>());
+
+    std::thread releaser([&] {
+        // Long enough for several tries; whether it is does not change the result.
+        std::this_thread::sleep_for(std::chrono::milliseconds(40));
+        foreign.reset();
+    });
+    EXPECT_EQ(menu->GrabInput(10'000'000), B_OK);
+    releaser.join();
+    EXPECT_FALSE(ForeignGrab(fDesktop).IsHeld());
+    menu->ReleaseInput();
+    fDisplay->Sync();
+    EXPECT_TRUE(ForeignGrab(fDesktop).IsHeld());
+}
+
+TEST_F(Input, ProgramLosesTheFocusToOthersOnly) {
+    PlainWindow other(fDesktop, {600, 300, 200, 100});
+    TestWindow window = CreateActive();
+    TestWindow second = fDisplay.CreateShown(NormalSpec({100, 400, 300, 500}));
+    ASSERT_TRUE(WaitUntil([&] { return second.events->Last<FocusChanged>().active; }));
+    window->Activate();
+    ASSERT_TRUE(WaitUntil([&] { return window.events->Last<FocusChanged>().active; }));
+    EXPECT_FALSE(second.events->Last<FocusChanged>().active);
+    fDisplay.AwaitEvents();
+    int before = fDisplay.Sink().focusLosses;
+
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
+    ASSERT_EQ(menu->GrabInput(300'000), B_OK);
+    second->Activate();
+    ASSERT_TRUE(WaitUntil([&] { return second.events->Last<FocusChanged>().active; }));
+    ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsActive(second); }));
+    fDisplay.AwaitEvents();
+    EXPECT_EQ(fDisplay.Sink().focusLosses, before) << "it went to the program's other window";
+    other.Activate();
+    EXPECT_TRUE(WaitUntil([&] { return fDisplay.Sink().focusLosses > before; }));
+    EXPECT_TRUE(WaitUntil([&] { return !second.events->Last<FocusChanged>().active; }));
+}
+
+TEST_F(Input, ClickThatActivatesAndOpensAMenuIsNoLossOfTheFocus) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    PlainWindow other(fDesktop, {600, 300, 200, 100});
+    TestWindow menu = fDisplay.Create(MenuSpec({100, 120, 200, 300}));
+    for (int i = 0; i < 5; i++) {
+        other.Activate();
+        fDisplay.AwaitEvents();
+        int before = fDisplay.Sink().focusLosses;
+        bar.events->Forget();
+        fRobot.MoveTo(110 + i * 20, 90);
+        fRobot.Press();
+        ASSERT_TRUE(bar.events->Await<ButtonPressed>());
+        ASSERT_EQ(menu->GrabInput(300'000), B_OK) << "not shown before it has the input";
+        menu->Show();
+        fRobot.Release();
+        ASSERT_TRUE(WaitUntil([&] { return bar.events->Last<FocusChanged>().active; }));
+        ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsActive(bar); }));
+        // Longer than a loss is doubted.
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        fDisplay.AwaitEvents();
+        EXPECT_EQ(fDisplay.Sink().focusLosses, before);
+        menu->ReleaseInput();
+        menu->Hide();
+    }
+}
+
+TEST_F(Input, ScreenLockerThatTakesTheFocusClosesMenus) {
+    TestWindow window = CreateActive();
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
+    ASSERT_EQ(menu->GrabInput(300'000), B_OK);
+    int before = fDisplay.Sink().focusLosses;
+    TestDisplay lockerProgram(fDesktop);
+    TestWindow locker = lockerProgram.CreateShown(MenuSpec({0, 0, 50, 50}));
+    // It is not managed, so the window manager tells nobody of it.
+    xcb_set_input_focus(fDesktop.Connection(), XCB_INPUT_FOCUS_PARENT, lockerProgram.IdOf(locker),
+                        XCB_CURRENT_TIME);
+    fDesktop.Sync();
+    EXPECT_TRUE(WaitUntil([&] { return fDisplay.Sink().focusLosses > before; }));
+}
+
+} // namespace
+} // namespace host

@@ -1,0 +1,394 @@
+#include <cstring>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "tests/host/x11/Recorded.h"
+#include "tests/support/Robot.h"
+
+namespace host {
+namespace {
+
+using test::Box;
+using test::PlainWindow;
+using test::PrivateDesktop;
+using test::Robot;
+using test::WaitUntil;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr uint32 kEverywhere = 0xffffffff;
+
+class Windows : public testing::Test {
+protected:
+    PrivateDesktop& fDesktop = PrivateDesktop::Shared();
+    TestDisplay fDisplay{fDesktop};
+    test::Screen& fScreen = fDisplay.OnScreen();
+};
+
+TEST_F(Windows, BarIsAManagedWindowThatStaysOutOfTheWay) {
+    PlainWindow other(fDesktop, {600, 300, 200, 100});
+    other.Activate();
+    PixelRect frame{100, 80, 340, 112};
+    TestWindow bar = fDisplay.CreateShown(BarSpec(frame));
+    test::WindowInfo info = fDisplay.Describe(bar);
+    EXPECT_EQ(info.frame, (Box{99, 79, 242, 34}));
+    EXPECT_FALSE(info.overrideRedirect);
+    EXPECT_EQ(info.pid, getpid());
+    EXPECT_EQ(info.className, "BarProgram");
+    EXPECT_THAT(info.types, ElementsAre("_NET_WM_WINDOW_TYPE_UTILITY"));
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.HasState(info.id, "_NET_WM_STATE_ABOVE"); }));
+    EXPECT_FALSE(fScreen.HasState(info.id, "_NET_WM_STATE_SKIP_TASKBAR"));
+    EXPECT_THAT(fScreen.Cardinals(info.id, "_NET_WM_DESKTOP"), ElementsAre(kEverywhere));
+    EXPECT_THAT(fScreen.Cardinals(info.id, "_NET_FRAME_EXTENTS"), ElementsAre(0, 0, 0, 0));
+    EXPECT_EQ(fScreen.ActiveWindow(), other.Id());
+    EXPECT_THAT(bar.events->All<FrameChanged>(), IsEmpty()) << "it is where it was put";
+}
+
+TEST_F(Windows, FramesAreExactToThePixel) {
+    WindowSpec wide = NormalSpec({200, 200, 400, 300});
+    for (WindowSpec spec : {BarSpec({100, 80, 340, 112}), wide, MenuSpec({50, 60, 150, 260})}) {
+        SCOPED_TRACE(static_cast<int>(spec.kind));
+        TestWindow window = fDisplay.Create(spec);
+        PixelRect beforeMap{300, 310, 431, 352};
+        window->SetFrame(beforeMap);
+        window->Show();
+        ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
+        EXPECT_TRUE(WaitUntil([&] { return fDisplay.FrameOf(window, spec.border) == beforeMap; }))
+            << fDisplay.FrameOf(window, spec.border);
+        EXPECT_TRUE(
+            WaitUntil([&] { return window.events->Last<FrameChanged>().frame == beforeMap; }));
+        for (PixelRect frame : {PixelRect{301, 310, 432, 352},
+                                {301, 310, 500, 401},
+                                {41, 77, 121, 130},
+                                {300, 310, 431, 352}}) {
+            window->SetFrame(frame);
+            EXPECT_TRUE(WaitUntil([&] { return fDisplay.FrameOf(window, spec.border) == frame; }))
+                << fDisplay.FrameOf(window, spec.border) << " instead of " << frame;
+            EXPECT_TRUE(WaitUntil([&] {
+                return window.events->Last<FrameChanged>().frame == frame;
+            })) << window.events->Last<FrameChanged>().frame
+                << " instead of " << frame;
+        }
+    }
+}
+
+TEST_F(Windows, FollowsTheWindowManager) {
+    TestWindow window = fDisplay.CreateShown(NormalSpec({200, 200, 400, 300}));
+    window.events->Forget();
+    // As a person drags it: the window manager moves its own frame, the window in it stays put.
+    constexpr uint32 kStaticGravityAndBothPlaces = XCB_GRAVITY_STATIC | 1 << 8 | 1 << 9 | 2 << 12;
+    xcb_client_message_event_t move{};
+    move.response_type = XCB_CLIENT_MESSAGE;
+    move.format = 32;
+    move.window = fDisplay.IdOf(window);
+    move.type = fDesktop.Atom("_NET_MOVERESIZE_WINDOW");
+    move.data = {.data32 = {kStaticGravityAndBothPlaces, 240, 225}};
+    xcb_send_event(fDesktop.Connection(), false, fDesktop.Root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT, reinterpret_cast<const char*>(&move));
+    fDesktop.Sync();
+    EXPECT_TRUE(WaitUntil([&] {
+        return window.events->Last<FrameChanged>().frame == PixelRect{240, 225, 440, 325};
+    })) << window.events->Last<FrameChanged>().frame;
+    EXPECT_EQ(fDisplay.FrameOf(window, 0), (PixelRect{240, 225, 440, 325}));
+}
+
+TEST_F(Windows, ComesBackToTheSamePlace) {
+    PixelRect frame{150, 160, 290, 220};
+    for (WindowSpec spec : {BarSpec(frame), NormalSpec(frame)}) {
+        TestWindow window = fDisplay.CreateShown(spec);
+        for (int i = 0; i < 3; i++) {
+            window->Hide();
+            ASSERT_TRUE(WaitUntil([&] { return !fDisplay.IsShown(window); }));
+            window->Show();
+            ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
+        }
+        EXPECT_TRUE(WaitUntil([&] { return fDisplay.FrameOf(window, spec.border) == frame; }))
+            << fDisplay.FrameOf(window, spec.border);
+        if (spec.allDesktops) {
+            EXPECT_TRUE(WaitUntil([&] {
+                return fScreen.HasState(fDisplay.IdOf(window), "_NET_WM_STATE_ABOVE") &&
+                       fScreen.Cardinals(fDisplay.IdOf(window), "_NET_WM_DESKTOP") ==
+                           std::vector{kEverywhere};
+            }));
+        }
+    }
+}
+
+TEST_F(Windows, MinimisesAndComesBack) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    bar->SetMinimized(true);
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fDisplay.IdOf(bar)); }));
+    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(1));
+    EXPECT_TRUE(bar.events->Last<MinimizedChanged>().minimized);
+    fScreen.Activate(fDisplay.IdOf(bar)); // by a task bar
+    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(2));
+    EXPECT_FALSE(bar.events->Last<MinimizedChanged>().minimized);
+
+    bar->SetMinimized(true);
+    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(3));
+    bar->Activate();
+    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(4));
+    EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsActive(bar) && fDisplay.IsShown(bar); }));
+    EXPECT_TRUE(bar.events->Last<FocusChanged>().active);
+    EXPECT_EQ(fDisplay.FrameOf(bar, 1), (PixelRect{100, 80, 340, 112}));
+}
+
+TEST_F(Windows, ChangesItsStateWhileShown) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    xcb_window_t id = fDisplay.IdOf(bar);
+    bar->SetFloating(false);
+    bar->SetAllDesktops(false);
+    EXPECT_TRUE(WaitUntil([&] { return !fScreen.HasState(id, "_NET_WM_STATE_ABOVE"); }));
+    EXPECT_TRUE(
+        WaitUntil([&] { return fScreen.Cardinals(id, "_NET_WM_DESKTOP") == std::vector{0u}; }));
+    bar->SetFloating(true);
+    bar->SetAllDesktops(true);
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.HasState(id, "_NET_WM_STATE_ABOVE"); }));
+    EXPECT_TRUE(WaitUntil(
+        [&] { return fScreen.Cardinals(id, "_NET_WM_DESKTOP") == std::vector{kEverywhere}; }));
+    bar->SetTitle("Gr\xc3\xb6\xc3\x9f"
+                  "e");
+    EXPECT_TRUE(WaitUntil([&] {
+        return fScreen.Text(id, "_NET_WM_NAME") == "Gr\xc3\xb6\xc3\x9f"
+                                                   "e";
+    }));
+}
+
+TEST_F(Windows, TellsOfTheWindowManagersClose) {
+    TestWindow window = fDisplay.CreateShown(NormalSpec({200, 200, 400, 300}));
+    fScreen.Close(fDisplay.IdOf(window));
+    EXPECT_TRUE(window.events->Await<CloseRequested>());
+    EXPECT_TRUE(fDisplay.IsShown(window));
+}
+
+TEST_F(Windows, ShowsIconsWithoutPremultiplication) {
+    Pixels half(2, 1, 0x80402000);
+    fDisplay->SetIcons({half.Picture(), {nullptr, 5, 5, 20}});
+    TestWindow window = fDisplay.Create(NormalSpec({200, 200, 400, 300}));
+    fDisplay->Sync();
+    window->Show();
+    EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
+    EXPECT_THAT(fScreen.Cardinals(fDisplay.IdOf(window), "_NET_WM_ICON"),
+                ElementsAre(2, 1, 0x807f3f00, 0x807f3f00));
+}
+
+TEST_F(Windows, AlertStandsAboveTheFloatingBar) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    TestWindow alert =
+        fDisplay.CreateShown({.kind = WindowKind::Alert, .frame = {120, 90, 320, 190}}, 0x00ff00);
+    EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsActive(alert); }));
+    bar->Raise();
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(200, 100) == 0x00ff00; }));
+    EXPECT_THAT(fDisplay.Describe(alert).types, ElementsAre("_NET_WM_WINDOW_TYPE_DIALOG"));
+}
+
+TEST_F(Windows, KeepsThePictureWhileNobodyDraws) {
+    constexpr int kWidth = 240, kHeight = 60;
+    TestWindow bar = fDisplay.Create(BarSpec({100, 80, 100 + kWidth, 80 + kHeight}));
+    Pixels picture(kWidth, kHeight, Pattern);
+    bar->Present(picture.Picture(), {{0, 0, 100, kHeight}, {100, 0, kWidth, kHeight}});
+    bar->Show();
+    ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(bar); }));
+    auto isWhole = [&] {
+        test::Picture seen = fScreen.Grab({99, 79, kWidth + 2, kHeight + 2});
+        for (int y = -1; y <= kHeight; y++) {
+            for (int x = -1; x <= kWidth; x++) {
+                bool isBorder = x < 0 || y < 0 || x == kWidth || y == kHeight;
+                if (seen.At(x + 1, y + 1) != (isBorder ? 0 : picture.At(x, y)))
+                    return false;
+            }
+        }
+        return true;
+    };
+    EXPECT_TRUE(WaitUntil(isWhole));
+    {
+        TestDisplay otherProgram(fDesktop);
+        TestWindow cover = otherProgram.CreateShown(MenuSpec({150, 60, 250, 200}), 0xff0000);
+        EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(200, 100) == 0xff0000; }));
+        cover->SetFrame({180, 70, 280, 210});
+        EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(270, 100) == 0xff0000; }));
+    }
+    EXPECT_TRUE(WaitUntil(isWhole));
+}
+
+TEST_F(Windows, GrownWindowKeepsItsPictureAndIsWhiteBesides) {
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({100, 80, 200, 120}), 0x336699);
+    menu->SetFrame({100, 80, 260, 180});
+    EXPECT_TRUE(WaitUntil([&] {
+        test::Picture seen = fScreen.Grab({100, 80, 160, 100});
+        return seen.Count(0x336699) == 100 * 40 && seen.Count(0xffffff) == 160 * 100 - 100 * 40;
+    }));
+}
+
+TEST_F(Windows, PresentsOnlyTheDamageAndAnySize) {
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({0, 0, 1200, 880}), 0xffffff);
+    Pixels picture(1300, 700, Pattern);
+    menu->Present(picture.Picture(), {{3, 5, 1190, 690},
+                                      {-50, -50, 2, 2},
+                                      {1100, 600, 5000, 5000},
+                                      {10, 10, 10, 40},
+                                      {800, 800, 900, 850}});
+    EXPECT_TRUE(WaitUntil([&] {
+        test::Picture seen = fScreen.Grab({0, 0, 1200, 880});
+        for (int y = 0; y < 880; y++) {
+            for (int x = 0; x < 1200; x++) {
+                bool isDamaged = (x >= 3 && y >= 5 && x < 1190 && y < 690) || (x < 2 && y < 2) ||
+                                 (x >= 1100 && y >= 600 && y < 700);
+                if (seen.At(x, y) != (isDamaged ? picture.At(x, y) : 0xffffff))
+                    return false;
+            }
+        }
+        return true;
+    }));
+}
+
+TEST_F(Windows, AnswersPings) {
+    TestWindow window = fDisplay.CreateShown(NormalSpec({200, 200, 400, 300}));
+    xcb_connection_t* watcher = xcb_connect(fDesktop.Name().c_str(), nullptr);
+    const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(watcher, fDesktop.Root(), XCB_CW_EVENT_MASK, &mask);
+    xcb_client_message_event_t ping{};
+    ping.response_type = XCB_CLIENT_MESSAGE;
+    ping.format = 32;
+    ping.window = fDisplay.IdOf(window);
+    ping.type = fDesktop.Atom("WM_PROTOCOLS");
+    ping.data.data32[0] = fDesktop.Atom("_NET_WM_PING");
+    ping.data.data32[1] = 12345;
+    ping.data.data32[2] = ping.window;
+    xcb_send_event(watcher, false, ping.window, 0, reinterpret_cast<const char*>(&ping));
+    xcb_flush(watcher);
+    EXPECT_TRUE(WaitUntil([&] {
+        while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(watcher)}) {
+            auto* message = reinterpret_cast<xcb_client_message_event_t*>(event.get());
+            if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE &&
+                message->window == fDesktop.Root() && message->data.data32[1] == 12345 &&
+                message->data.data32[2] == ping.window)
+                return true;
+        }
+        return false;
+    }));
+    xcb_disconnect(watcher);
+}
+
+TEST_F(Windows, SurvivesWhatOthersDoToThem) {
+    TestWindow window = fDisplay.CreateShown(NormalSpec({200, 200, 400, 300}));
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    xcb_connection_t* rival = fDesktop.Connection();
+    xcb_window_t id = fDisplay.IdOf(window);
+    for (const char* name : {"WM_STATE", "_NET_WM_STATE"}) {
+        xcb_atom_t atom = fDesktop.Atom(name);
+        xcb_change_property(rival, XCB_PROP_MODE_REPLACE, id, atom, XCB_ATOM_STRING, 8, 3, "abc");
+        xcb_change_property(rival, XCB_PROP_MODE_REPLACE, id, atom, atom, 16, 1, "ab");
+        xcb_change_property(rival, XCB_PROP_MODE_REPLACE, id, atom, XCB_ATOM_ATOM, 32, 0, nullptr);
+    }
+    for (uint8_t format : {8, 16, 32}) {
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = format;
+        message.window = id;
+        for (const char* type : {"WM_PROTOCOLS", "_NET_WM_STATE", "WM_DELETE_WINDOW"}) {
+            message.type = fDesktop.Atom(type);
+            xcb_send_event(rival, false, id, 0, reinterpret_cast<const char*>(&message));
+        }
+    }
+    for (int type = 2; type < 128; type++) {
+        uint8_t garbage[32];
+        std::fill(std::begin(garbage), std::end(garbage), 0xff);
+        garbage[0] = static_cast<uint8_t>(type);
+        // All kinds of events have their window in one of these places.
+        for (int place : {4, 8, 12}) {
+            std::memcpy(garbage + place, &id, sizeof(id));
+            xcb_send_event(rival, false, id, 0, reinterpret_cast<const char*>(garbage));
+        }
+    }
+    xcb_destroy_window(rival, id);
+    fDesktop.Sync();
+    EXPECT_TRUE(window.events->Await<CloseRequested>());
+    window->Show();
+    window->SetFrame({1, 2, 3, 4});
+    window->Activate();
+    window.window.reset();
+    fScreen.Close(fDisplay.IdOf(bar));
+    EXPECT_TRUE(bar.events->Await<CloseRequested>()) << "the display thread still works";
+}
+
+TEST_F(Windows, CanBeDestroyedByTheirSink) {
+    TestWindow window = fDisplay.Create(NormalSpec({200, 200, 400, 300}));
+    std::atomic<bool> isGone = false;
+    window.events->OnEvent([&](const WindowEvent& event) {
+        if (std::holds_alternative<CloseRequested>(event)) {
+            window.window.reset();
+            isGone = true;
+        }
+    });
+    window->Show();
+    ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
+    fScreen.Close(fDisplay.IdOf(window));
+    EXPECT_TRUE(WaitUntil([&] { return isGone.load(); }));
+    EXPECT_TRUE(WaitUntil([&] { return fDisplay.IdOf(window) == XCB_WINDOW_NONE; }));
+}
+
+TEST_F(Windows, NoEventComesAfterTheDestructor) {
+    std::atomic<bool> isEnding = false;
+    std::thread mover([&] {
+        Robot robot(fDesktop);
+        for (int i = 0; !isEnding; i++)
+            robot.MoveTo(100 + i % 100, 100);
+    });
+    for (int i = 0; i < 30; i++) {
+        TestWindow menu = fDisplay.Create(MenuSpec({100, 50, 200, 150}));
+        std::atomic<bool> isDestroyed = false, isLate = false;
+        menu.events->OnEvent([&](const WindowEvent&) { isLate = isLate || isDestroyed; });
+        menu->Show();
+        ASSERT_TRUE(menu.events->Await<PointerMoved>(3));
+        menu.window.reset();
+        isDestroyed = true;
+        fDisplay->Sync();
+        EXPECT_FALSE(isLate);
+    }
+    isEnding = true;
+    mover.join();
+}
+
+class BareDesktop : public testing::Test {
+protected:
+    PrivateDesktop fDesktop{{.windowManager = false}};
+    TestDisplay fDisplay{fDesktop};
+    test::Screen& fScreen = fDisplay.OnScreen();
+};
+
+TEST_F(BareDesktop, BarWorksWithoutAWindowManager) {
+    PixelRect frame{100, 80, 340, 112};
+    TestWindow bar = fDisplay.CreateShown(BarSpec(frame), 0x336699);
+    EXPECT_EQ(fDisplay.FrameOf(bar, 1), frame);
+    EXPECT_TRUE(WaitUntil([&] {
+        return fScreen.Pixel(100, 80) == 0x336699 && fScreen.Pixel(339, 111) == 0x336699 &&
+               fScreen.Pixel(340, 112) == 0;
+    }));
+    Robot robot(fDesktop);
+    robot.Click(110, 90);
+    ASSERT_TRUE(bar.events->Await<ButtonPressed>());
+    EXPECT_TRUE(WaitUntil([&] { return bar.events->Last<FocusChanged>().active; }));
+    robot.Type("x");
+    ASSERT_TRUE(bar.events->Await<KeyChanged>());
+    EXPECT_EQ(bar.events->All<KeyChanged>()[0].text, "x");
+
+    TestWindow other = fDisplay.CreateShown(NormalSpec({500, 80, 600, 200}));
+    other->Activate();
+    EXPECT_TRUE(WaitUntil([&] {
+        return other.events->Last<FocusChanged>().active &&
+               !bar.events->Last<FocusChanged>().active;
+    }));
+    PixelRect moved{10, 20, 250, 90};
+    bar->SetFrame(moved);
+    EXPECT_TRUE(WaitUntil([&] { return bar.events->Last<FrameChanged>().frame == moved; }));
+    EXPECT_EQ(fDisplay.FrameOf(bar, 1), moved);
+    bar->SetMinimized(true);
+    fDisplay->Sync();
+    EXPECT_TRUE(fDisplay.IsShown(bar)) << "nobody could bring it back";
+}
+
+} // namespace
+} // namespace host
