@@ -1,0 +1,33 @@
+#pragma once
+
+#include "kits/support/SupportDefs.h"
+
+// The codes of the messages that the system itself sends.
+enum : uint32 {
+    B_ABOUT_REQUESTED = '_ABR',
+    B_QUIT_REQUESTED = '_QRQ',
+    B_READY_TO_RUN = '_RTR',
+    B_REFS_RECEIVED = 'RREF',
+    B_SILENT_RELAUNCH = 'AREL',
+    B_PULSE = '_PUL',
+
+    B_WINDOW_ACTIVATED = '_ACT',
+    B_WINDOW_MOVED = '_WMV',
+    B_WINDOW_RESIZED = '_WRS',
+    B_MINIMIZE = '_WMN',
+    B_SCREEN_CHANGED = '_SCH',
+    B_WORKSPACES_CHANGED = '_WCG',
+
+    B_KEY_DOWN = '_KYD',
+    B_KEY_UP = '_KYU',
+    B_UNMAPPED_KEY_DOWN = '_UKD',
+    B_UNMAPPED_KEY_UP = '_UKU',
+    B_MODIFIERS_CHANGED = '_MCH',
+    B_MOUSE_DOWN = '_MDN',
+    B_MOUSE_UP = '_MUP',
+    B_MOUSE_MOVED = '_MMV',
+    B_MOUSE_WHEEL_CHANGED = '_MWC',
+
+    B_PASTE = 'PSTE',
+    B_NODE_MONITOR = 'NDMN',
+};

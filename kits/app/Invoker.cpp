@@ -1,0 +1,45 @@
+#include "kits/app/Invoker.h"
+
+BInvoker::BInvoker() = default;
+
+BInvoker::BInvoker(BMessage* message, const BMessenger& target)
+    : fMessage(message)
+    , fTarget(target) {}
+
+BInvoker::BInvoker(BMessage* message, const BHandler* handler, const BLooper* looper)
+    : BInvoker(message, BMessenger(handler, looper)) {}
+
+BInvoker::~BInvoker() = default;
+
+status_t BInvoker::SetMessage(BMessage* message) {
+    if (message != fMessage.get())
+        fMessage.reset(message);
+    return B_OK;
+}
+
+status_t BInvoker::SetTarget(const BMessenger& target) {
+    fTarget = target;
+    return B_OK;
+}
+
+status_t BInvoker::SetTarget(const BHandler* handler, const BLooper* looper) {
+    status_t status;
+    fTarget = BMessenger(handler, looper, &status);
+    return status;
+}
+
+BHandler* BInvoker::Target(BLooper** looper) const {
+    return fTarget.Target(looper);
+}
+
+status_t BInvoker::Invoke(BMessage* message) {
+    const BMessage* const invoked = message ? message : fMessage.get();
+    if (!invoked)
+        return B_BAD_VALUE;
+    BMessage copy(*invoked);
+    if (!copy.HasInt64("when"))
+        copy.AddInt64("when", system_time());
+    if (!copy.HasPointer("source"))
+        copy.AddPointer("source", this);
+    return fTarget.SendMessage(&copy);
+}

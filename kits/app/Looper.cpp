@@ -1,0 +1,260 @@
+#include "kits/app/Looper.h"
+
+#include <algorithm>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/HandlerRegistry.h"
+#include "kits/app/LooperState.h"
+#include "kits/app/Message.h"
+
+status_t BLooper::State::LockUnlessDeleted(bigtime_t timeout) {
+    const status_t status = lock.LockWithTimeout(timeout);
+    if (status != B_OK || !isDeleted)
+        return status;
+    lock.Unlock();
+    return B_BAD_VALUE;
+}
+
+void BLooper::State::UnlockFully() {
+    while (lock.IsLocked())
+        lock.Unlock();
+}
+
+BLooper::BLooper(const char* name)
+    : BHandler(name)
+    , fState(std::make_shared<State>()) {
+    fState->lock.Lock();
+    fHandlers.push_back(this);
+    HandlerRegistry::Shared().SetLooper(*this, this);
+}
+
+BLooper::~BLooper() {
+    fState->queue.Close();
+    while (!fHandlers.empty())
+        LetGo(*fHandlers.back());
+    fState->isDeleted = true;
+    fState->UnlockFully();
+}
+
+status_t BLooper::PostMessage(uint32 what) {
+    const BMessage message(what);
+    return PostMessage(&message);
+}
+
+status_t BLooper::PostMessage(const BMessage* message) {
+    return PostMessage(message, this);
+}
+
+status_t BLooper::PostMessage(uint32 what, BHandler* handler, BHandler* replyTo) {
+    const BMessage message(what);
+    return PostMessage(&message, handler, replyTo);
+}
+
+status_t BLooper::PostMessage(const BMessage* message, BHandler* handler, BHandler* replyTo) {
+    if (!message)
+        return B_BAD_VALUE;
+    if (handler && handler->Looper() != this)
+        return B_MISMATCHED_VALUES;
+    return Post(*fState, *message, handler ? handler->fToken : 0, replyTo) ? B_OK : B_BAD_PORT_ID;
+}
+
+bool BLooper::Post(State& state, const BMessage& message, int64 targetToken, BHandler* replyTo) {
+    auto copy = std::make_unique<BMessage>(message);
+    copy->fTargetToken = targetToken;
+    copy->fReplyTo = replyTo ? BMessenger(replyTo) : BMessenger();
+    return state.queue.Post(std::move(copy));
+}
+
+void BLooper::DispatchMessage(BMessage* message, BHandler* handler) {
+    if (message->what == B_QUIT_REQUESTED && handler == this) {
+        if (QuitRequested())
+            Quit();
+        return;
+    }
+    handler->MessageReceived(message);
+}
+
+BMessageQueue* BLooper::MessageQueue() const {
+    return &fState->queue;
+}
+
+void BLooper::AddHandler(BHandler* handler) {
+    if (!handler || handler->Looper())
+        return;
+    fHandlers.push_back(handler);
+    handler->SetNextHandler(this);
+    HandlerRegistry::Shared().SetLooper(*handler, this);
+}
+
+bool BLooper::RemoveHandler(BHandler* handler) {
+    if (!handler || handler == this || handler->Looper() != this)
+        return false;
+    LetGo(*handler);
+    return true;
+}
+
+void BLooper::LetGo(BHandler& handler) {
+    HandlerRegistry::Shared().SetLooper(handler, nullptr);
+    handler.fNextHandler = nullptr;
+    std::erase(fHandlers, &handler);
+    if (fPreferredHandler == &handler)
+        fPreferredHandler = nullptr;
+}
+
+int32 BLooper::CountHandlers() const {
+    return static_cast<int32>(fHandlers.size());
+}
+
+BHandler* BLooper::HandlerAt(int32 index) const {
+    return index >= 0 && index < CountHandlers() ? fHandlers[index] : nullptr;
+}
+
+int32 BLooper::IndexOf(BHandler* handler) const {
+    const auto found = std::find(fHandlers.begin(), fHandlers.end(), handler);
+    return found == fHandlers.end() ? -1 : static_cast<int32>(found - fHandlers.begin());
+}
+
+void BLooper::SetPreferredHandler(BHandler* handler) {
+    fPreferredHandler = handler && handler->Looper() == this ? handler : nullptr;
+}
+
+void BLooper::AddCommonFilter(BMessageFilter* filter) {
+    if (filter)
+        fCommonFilters.emplace_back(filter);
+}
+
+bool BLooper::RemoveCommonFilter(BMessageFilter* filter) {
+    return TakeOut(fCommonFilters, filter);
+}
+
+thread_id BLooper::Run() {
+    // The looper may be deleted as soon as it is unlocked.
+    const auto state = fState;
+    const thread_id thread = spawn_thread(RunThread, Name(), B_NORMAL_PRIORITY, this);
+    state->thread = thread;
+    const status_t status = resume_thread(thread);
+    if (status != B_OK) {
+        state->thread = B_BAD_THREAD_ID;
+        return status;
+    }
+    state->lock.Unlock();
+    return thread;
+}
+
+status_t BLooper::RunThread(void* data) {
+    BLooper* const looper = static_cast<BLooper*>(data);
+    // Whoever runs it may still hold it.
+    looper->Lock();
+    looper->Loop();
+    delete looper;
+    return B_OK;
+}
+
+void BLooper::Loop() {
+    // A hold of its own for the wait, when others may hold the looper.
+    const auto state = fState;
+    state->thread = find_thread(nullptr);
+    for (;;) {
+        state->lock.Unlock();
+        const auto message = state->queue.WaitForMessage();
+        state->lock.Lock();
+        if (!message || state->queue.IsClosed())
+            return;
+        Handle(*message);
+        if (state->queue.IsClosed())
+            return;
+    }
+}
+
+void BLooper::EndLoop() {
+    fState->queue.Close();
+}
+
+void BLooper::Handle(BMessage& message) {
+    fCurrentMessage = &message;
+    BHandler* target = PassFilters(message, TargetOf(message));
+    if (target)
+        DispatchMessage(&message, target);
+    if (!fState->queue.IsClosed())
+        MessageHandled();
+    fCurrentMessage = nullptr;
+}
+
+// Null if the target has gone, or is another looper's now.
+BHandler* BLooper::TargetOf(const BMessage& message) {
+    if (message.fTargetToken == 0)
+        return fPreferredHandler ? fPreferredHandler : this;
+    BHandler* const target = HandlerRegistry::Shared().Find(message.fTargetToken);
+    return IndexOf(target) >= 0 ? target : nullptr;
+}
+
+// The common filters', then the target's say; a handler that the target's filters name instead has
+// filters of its own. Null if the message was skipped.
+BHandler* BLooper::PassFilters(BMessage& message, BHandler* target) {
+    target = PassFilters(fCommonFilters, message, target);
+    for (size_t i = 0; target && i < fHandlers.size(); ++i) {
+        BHandler* const named = PassFilters(target->fFilters, message, target);
+        if (named == target)
+            return target;
+        target = named;
+    }
+    return target;
+}
+
+BHandler* BLooper::PassFilters(FilterList& filters, BMessage& message, BHandler* target) {
+    // By index: a filter may add filters or take itself out.
+    for (size_t i = 0; target && i < filters.size(); ++i) {
+        BMessageFilter& filter = *filters[i];
+        if (!filter.Concerns(message))
+            continue;
+        const filter_result result = filter.Filter(&message, &target);
+        if (result == B_SKIP_MESSAGE || IndexOf(target) < 0)
+            return nullptr;
+    }
+    return target;
+}
+
+void BLooper::Quit() {
+    const auto state = fState;
+    const thread_id thread = state->thread;
+    EndLoop();
+    if (thread == find_thread(nullptr))
+        return;
+    if (thread < 0) {
+        delete this;
+        return;
+    }
+    state->UnlockFully();
+    wait_for_thread(thread, nullptr);
+}
+
+bool BLooper::QuitRequested() {
+    return true;
+}
+
+bool BLooper::Lock() {
+    return LockWithTimeout(B_INFINITE_TIMEOUT) == B_OK;
+}
+
+status_t BLooper::LockWithTimeout(bigtime_t timeout) {
+    const auto state = fState;
+    return state->LockUnlessDeleted(timeout);
+}
+
+void BLooper::Unlock() {
+    // Not the looper's own: it may be deleted by the next holder before this returns.
+    const auto state = fState;
+    state->lock.Unlock();
+}
+
+bool BLooper::IsLocked() const {
+    return fState->lock.IsLocked();
+}
+
+thread_id BLooper::LockingThread() const {
+    return fState->lock.LockingThread();
+}
+
+thread_id BLooper::Thread() const {
+    return fState->thread;
+}

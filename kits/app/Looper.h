@@ -1,0 +1,116 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "kits/app/Handler.h"
+#include "kits/app/MessageQueue.h"
+#include "kits/kernel/OS.h"
+
+// A thread that handles messages in the order of their arrival, one at a time, and keeps itself
+// locked while it handles one. It is a handler of itself.
+//
+// It is constructed locked, by the constructing thread, and lives on the heap: Run() starts it and
+// gives that lock back, Quit() ends and deletes it. Whoever is not sure that it still exists goes
+// through a BMessenger.
+class BLooper : public BHandler {
+public:
+    // `name` is also the thread's.
+    explicit BLooper(const char* name = nullptr);
+    // Only Quit() deletes a looper that runs. Handlers in it are let go, not deleted; messages that
+    // wait are deleted.
+    ~BLooper() override;
+
+    // Puts a copy of the message into the queue; it is never blocked by the looper's lock, and may
+    // be called before Run(): the message waits. The target is the looper itself, or `handler`,
+    // which must belong to it; for a null handler the one that the looper prefers. B_BAD_VALUE
+    // without a message, B_MISMATCHED_VALUES for a handler of another looper, B_BAD_PORT_ID if the
+    // looper quits. Any thread.
+    status_t PostMessage(uint32 what);
+    status_t PostMessage(const BMessage* message);
+    status_t PostMessage(uint32 what, BHandler* handler, BHandler* replyTo = nullptr);
+    status_t PostMessage(const BMessage* message, BHandler* handler, BHandler* replyTo = nullptr);
+
+    // Hands a message that passed the filters to its handler; B_QUIT_REQUESTED for the looper
+    // itself asks QuitRequested() and quits. Looper's thread, locked.
+    virtual void DispatchMessage(BMessage* message, BHandler* handler);
+
+    // The message being handled, or null outside of that. The looper owns it. Looper's thread.
+    BMessage* CurrentMessage() const { return fCurrentMessage; }
+    // What waits. Any thread.
+    BMessageQueue* MessageQueue() const;
+
+    // Make a handler belong to the looper, with the looper as its next handler; and let it go
+    // (false if it was not here). A handler that belongs to a looper already is not added. Locked.
+    void AddHandler(BHandler* handler);
+    bool RemoveHandler(BHandler* handler);
+    // The looper itself counts, and has the index 0. -1 and null if there is none. Locked.
+    int32 CountHandlers() const;
+    BHandler* HandlerAt(int32 index) const;
+    int32 IndexOf(BHandler* handler) const;
+
+    // Who gets messages that name no handler; null: the looper itself. Must belong to it. Locked.
+    BHandler* PreferredHandler() const { return fPreferredHandler; }
+    void SetPreferredHandler(BHandler* handler);
+
+    // Filters that see the messages of all its handlers, before the handlers' own. Otherwise as
+    // AddFilter(). Locked.
+    virtual void AddCommonFilter(BMessageFilter* filter);
+    virtual bool RemoveCommonFilter(BMessageFilter* filter);
+
+    // Starts the thread and unlocks the looper once. The thread's id or a negative status.
+    virtual thread_id Run();
+
+    // Ends and deletes the looper, which the caller has locked; what waits in the queue is deleted
+    // unread. On the looper's own thread it returns, and the looper is deleted when the message
+    // being handled has been; no other message is handled. On another thread it returns when the
+    // looper is deleted and its thread has ended: the looper must not wait for a lock of the caller
+    // meanwhile. One that never ran is deleted at once.
+    virtual void Quit();
+    // Whether the looper agrees to quit. This one does. Looper's thread, locked.
+    virtual bool QuitRequested();
+
+    // As those of BLocker. Lock() is false if the looper was deleted while the caller waited.
+    bool Lock();
+    status_t LockWithTimeout(bigtime_t timeout);
+    void Unlock();
+    bool IsLocked() const;
+    thread_id LockingThread() const;
+
+    // The thread that handles its messages; B_BAD_THREAD_ID before Run(). Any thread.
+    thread_id Thread() const;
+
+protected:
+    // Called after each message, a skipped one too, unless the looper quits. This one does nothing.
+    // Looper's thread, locked.
+    virtual void MessageHandled() {}
+
+    // For a looper that runs on its caller's thread: handles messages until EndLoop(), then returns
+    // with the looper locked. Called with the looper locked once.
+    void Loop();
+    // Makes Loop() return after the message being handled. Any thread.
+    void EndLoop();
+
+private:
+    friend class BHandler;
+    friend class BMessenger;
+    friend class HandlerRegistry;
+
+    struct State;
+
+    static status_t RunThread(void* looper);
+    void Handle(BMessage& message);
+    BHandler* TargetOf(const BMessage& message);
+    BHandler* PassFilters(BMessage& message, BHandler* target);
+    BHandler* PassFilters(FilterList& filters, BMessage& message, BHandler* target);
+    // For 0 the target is the preferred handler. False if the looper quits.
+    static bool Post(State& state, const BMessage& message, int64 targetToken, BHandler* replyTo);
+    void LetGo(BHandler& handler);
+
+    const std::shared_ptr<State> fState;
+    // Looper locked.
+    BMessage* fCurrentMessage = nullptr;
+    BHandler* fPreferredHandler = nullptr;
+    std::vector<BHandler*> fHandlers;
+    FilterList fCommonFilters;
+};

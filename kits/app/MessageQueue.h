@@ -1,0 +1,60 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+
+#include "kits/support/SupportDefs.h"
+
+class BMessage;
+
+// Messages that wait, the oldest first. It owns the messages in it and has no bound. Any thread;
+// what FindMessage() found is safe to look at only while the caller holds the queue's lock. The
+// lock may be taken again by its holder, who must not wait for a looper's lock meanwhile.
+class BMessageQueue {
+public:
+    BMessageQueue();
+    ~BMessageQueue();
+
+    BMessageQueue(const BMessageQueue&) = delete;
+    BMessageQueue& operator=(const BMessageQueue&) = delete;
+
+    // Puts the message at the end and takes ownership of it, also when nobody will take it out any
+    // more.
+    void AddMessage(BMessage* message);
+    // Takes the message out, without deleting it: it is the caller's if it was there. Does nothing
+    // else.
+    bool RemoveMessage(BMessage* message);
+    // Takes the oldest one out, for the caller to delete; null if there is none.
+    BMessage* NextMessage();
+
+    // The message at `index`, 0 being the oldest, or at `index` among those with this code; null if
+    // there is none.
+    BMessage* FindMessage(int32 index) const;
+    BMessage* FindMessage(uint32 what, int32 index = 0) const;
+
+    int32 CountMessages() const;
+    bool IsEmpty() const { return CountMessages() == 0; }
+
+    bool Lock();
+    void Unlock();
+
+private:
+    friend class BLooper;
+    friend class BMessenger;
+
+    // AddMessage() that tells whether the queue still delivers.
+    bool Post(std::unique_ptr<BMessage> message);
+    // Waits for the oldest one; null once the queue was closed.
+    std::unique_ptr<BMessage> WaitForMessage();
+    // Nothing is delivered any more.
+    void Close();
+    bool IsClosed() const;
+
+    mutable std::recursive_mutex fMutex;
+    // Guarded by fMutex.
+    std::condition_variable_any fChanged;
+    std::deque<std::unique_ptr<BMessage>> fMessages;
+    bool fIsClosed = false;
+};

@@ -1,0 +1,73 @@
+#include "kits/app/Messenger.h"
+
+#include "host/session/InstanceSocket.h"
+#include "kits/app/HandlerRegistry.h"
+#include "kits/app/LooperState.h"
+#include "kits/app/Message.h"
+
+BMessenger::BMessenger(const BHandler* handler, const BLooper* looper, status_t* result) {
+    status_t status = B_OK;
+    if (!handler && !looper)
+        status = B_BAD_VALUE;
+    else if (handler && !handler->Looper())
+        status = B_BAD_HANDLER;
+    else if (handler && looper && handler->Looper() != looper)
+        status = B_MISMATCHED_VALUES;
+    if (status == B_OK) {
+        fToken = handler ? handler->fToken : looper->fToken;
+        fPreferred = !handler;
+    }
+    if (result)
+        *result = status;
+}
+
+BMessenger::BMessenger(const char* signature, status_t* result)
+    : fSignature(signature ? signature : "") {
+    if (result)
+        *result = fSignature.empty() ? B_BAD_VALUE : B_OK;
+}
+
+status_t BMessenger::SendMessage(uint32 what, BHandler* replyTo) const {
+    const BMessage message(what);
+    return SendMessage(&message, replyTo);
+}
+
+status_t BMessenger::SendMessage(const BMessage* message, BHandler* replyTo,
+                                 bigtime_t timeout) const {
+    if (!message)
+        return B_BAD_VALUE;
+    if (!fSignature.empty()) {
+        std::string text;
+        const status_t status = message->Flatten(&text);
+        return status == B_OK ? host::SendToInstance(fSignature, text, timeout) : status;
+    }
+    if (fToken == 0)
+        return B_BAD_PORT_ID;
+    const auto state = HandlerRegistry::Shared().StateOf(fToken);
+    const bool isPosted =
+        state && BLooper::Post(*state, *message, fPreferred ? 0 : fToken, replyTo);
+    return isPosted ? B_OK : B_BAD_HANDLER;
+}
+
+bool BMessenger::IsValid() const {
+    if (!fSignature.empty())
+        return host::InstanceRuns(fSignature);
+    const auto state = HandlerRegistry::Shared().StateOf(fToken);
+    return state && !state->queue.IsClosed();
+}
+
+BHandler* BMessenger::Target(BLooper** looper) const {
+    BHandler* const handler = HandlerRegistry::Shared().Find(fToken, looper);
+    return fPreferred ? nullptr : handler;
+}
+
+bool BMessenger::LockTarget() const {
+    HandlerRegistry& registry = HandlerRegistry::Shared();
+    const auto state = registry.StateOf(fToken);
+    if (!state || state->LockUnlessDeleted(B_INFINITE_TIMEOUT) != B_OK)
+        return false;
+    if (registry.StateOf(fToken) == state)
+        return true;
+    state->lock.Unlock();
+    return false;
+}

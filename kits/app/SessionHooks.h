@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+
+// What the application object asks of the windows. The interface kit sets these when it connects to
+// the display; a program without windows needs none, and an empty function stands for nothing to
+// do.
+struct session_hooks {
+    // Closes open menus and alerts as if cancelled and lets none open until the process ends. Any
+    // thread; must not wait for a looper.
+    std::function<void()> dismiss;
+
+    // Takes `dismiss` back, after a quit was refused. Any thread; must not wait for a looper.
+    std::function<void()> allow;
+
+    // Asks each window in turn whether it may quit, and quits them all unless one refuses; false
+    // if one refuses. The application's thread.
+    std::function<bool()> quit_windows;
+
+    // Brings the program's main window back: unminimised, active. Any thread; must not wait for a
+    // looper.
+    std::function<void()> wake;
+};
+
+// Replaces the hooks. Any thread.
+void set_session_hooks(session_hooks hooks);
+
+// A copy of the hooks. Any thread.
+session_hooks get_session_hooks();

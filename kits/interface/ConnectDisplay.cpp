@@ -1,0 +1,66 @@
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+#include "host/draw/Font.h"
+#include "host/x11/Display.h"
+#include "kits/app/AppResources.h"
+#include "kits/app/Application.h"
+#include "kits/app/SessionHooks.h"
+#include "kits/interface/Window.h"
+#include "kits/interface/WindowRoster.h"
+
+namespace {
+
+// "Name" of the signature "application/x-Vendor.Name".
+std::string ProgramName() {
+    const char* resource = get_app_resources()->signature;
+    std::string signature = be_app ? be_app->Signature() : resource ? resource : "";
+    return signature.substr(signature.find_last_of("./") + 1);
+}
+
+std::string LowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+    return text;
+}
+
+uint32 Premultiplied(uint32 color) {
+    uint32 alpha = color >> 24;
+    auto channel = [&](int shift) {
+        return ((color >> shift & 0xff) * alpha + 127) / 255 << shift;
+    };
+    return alpha << 24 | channel(16) | channel(8) | channel(0);
+}
+
+void SetIcons(host::Display& display) {
+    std::vector<std::vector<uint32>> pictures;
+    std::vector<host::Image> icons;
+    for (const app_icon& icon : {get_app_resources()->large_icon, get_app_resources()->mini_icon}) {
+        if (icon.pixels == nullptr || icon.size <= 0)
+            continue;
+        std::vector<uint32>& picture = pictures.emplace_back();
+        std::transform(icon.pixels, icon.pixels + icon.size * icon.size,
+                       std::back_inserter(picture), Premultiplied);
+        icons.push_back(
+            {reinterpret_cast<const uint8*>(picture.data()), icon.size, icon.size, icon.size * 4});
+    }
+    display.SetIcons(icons);
+}
+
+} // namespace
+
+status_t connect_display() {
+    host::PrepareText();
+    WindowRoster& roster = WindowRoster::Shared();
+    std::string name = ProgramName();
+    status_t status = host::Display::Open(&roster, LowerCase(name).c_str(), name.c_str());
+    if (status != B_OK)
+        return status;
+    SetIcons(*host::Display::Shared());
+    set_session_hooks({.dismiss = [&roster] { roster.Dismiss(); },
+                       .allow = [&roster] { roster.Allow(); },
+                       .quit_windows = [&roster] { return roster.QuitWindows(); },
+                       .wake = [&roster] { roster.Wake(); }});
+    return B_OK;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "host/x11/Display.h"
+#include "kits/app/Message.h"
+#include "kits/app/Messenger.h"
+
+// Codes of messages that a window sends itself; they never leave the kit.
+enum : uint32 {
+    kFrameChanged = '_kfc', // "left", "top", "right", "bottom" int32, device pixels
+    kPointerLeft = '_kpl',
+    kBringInside = '_kbi',
+};
+
+// Turns the host's events of one window into messages for its looper. While alerts block the
+// window, its presses and keys go nowhere; what was begun before can still end.
+class EventPoster : public host::WindowSink {
+public:
+    // The window manager's close of a window that `quitsProgram` is a quit request from outside the
+    // program, that of another one a quit request to the window.
+    EventPoster(const BMessenger& target, double scale, bool isBlockable, bool quitsProgram);
+
+    // Display thread.
+    void HandleEvent(const host::WindowEvent& event) override;
+
+private:
+    void Handle(const host::PointerMoved& event);
+    void Handle(const host::PointerLeft& event);
+    void Handle(const host::ButtonPressed& event);
+    void Handle(const host::ButtonReleased& event);
+    void Handle(const host::WheelTurned& event);
+    void Handle(const host::KeyChanged& event);
+    void Handle(const host::FocusChanged& event);
+    void Handle(const host::FrameChanged& event);
+    void Handle(const host::MinimizedChanged& event);
+    void Handle(const host::CloseRequested& event);
+
+    bool IsBlocked() const;
+    BMessage PointerMessage(uint32 what, const host::PointerMoved& at, bigtime_t when) const;
+    void LetKeysGo();
+
+    const BMessenger fTarget;
+    const double fScale;
+    const bool fIsBlockable;
+    const bool fQuitsProgram;
+    // The rest is the display thread's.
+    bool fIsPressed = false;
+};

@@ -1,0 +1,23 @@
+#include "kits/interface/PopUpMenu.h"
+
+#include "kits/interface/MenuRegistry.h"
+#include "kits/interface/MenuTracker.h"
+
+BPopUpMenu::BPopUpMenu(const char* name, bool radioMode, bool labelFromMarked, menu_layout layout)
+    : BMenu(name, layout) {
+    SetRadioMode(radioMode);
+    SetLabelFromMarked(labelFromMarked);
+}
+
+BMenuItem* BPopUpMenu::Go(BPoint where, bool deliversMessage, bool openAnyway, bool async) {
+    if (CountItems() == 0)
+        return nullptr;
+    const std::shared_ptr<MenuTracker> tracker =
+        MenuTracker::Open(*this, where, openAnyway, async && deliversMessage);
+    if (!tracker || async)
+        return nullptr;
+    BMenuItem* chosen = tracker->Wait();
+    if (chosen && deliversMessage)
+        chosen->Invoke();
+    return chosen;
+}

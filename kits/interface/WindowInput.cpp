@@ -1,0 +1,222 @@
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "kits/app/MessageQueue.h"
+#include "kits/interface/Button.h"
+#include "kits/interface/WindowState.h"
+#include "kits/kernel/OS.h"
+
+namespace {
+
+constexpr bigtime_t kReleaseDeadline = 200'000;
+
+bool IsMouseMessage(const BMessage* message) {
+    return message->what == B_MOUSE_DOWN || message->what == B_MOUSE_UP ||
+           message->what == B_MOUSE_MOVED;
+}
+
+uint32 ButtonsOf(const BMessage& message) {
+    return static_cast<uint32>(message.GetInt32("buttons", 0));
+}
+
+BPoint Floored(BPoint point) {
+    return {std::floor(point.x), std::floor(point.y)};
+}
+
+void CollectNavigable(BView* view, std::vector<BView*>& found) {
+    if (view->IsHidden())
+        return;
+    auto* control = dynamic_cast<BControl*>(view);
+    if ((view->Flags() & B_NAVIGABLE) && (control == nullptr || control->IsEnabled()))
+        found.push_back(view);
+    for (int32 i = 0; i < view->CountChildren(); i++)
+        CollectNavigable(view->ChildAt(i), found);
+}
+
+} // namespace
+
+BView* BWindow::State::ViewAt(BPoint where) {
+    BView* view = root.DeepestAt(where);
+    return view == &root ? nullptr : view;
+}
+
+void BWindow::State::MouseDown(BMessage& message) {
+    lastWhere = message.GetPoint("where", B_ORIGIN);
+    buttons = ButtonsOf(message);
+    MoveOver(ViewAt(lastWhere), lastWhere);
+    if (over != nullptr)
+        over->MouseDown(lastWhere - over->OriginInWindow());
+}
+
+void BWindow::State::MouseUp(BMessage& message) {
+    lastWhere = message.GetPoint("where", B_ORIGIN);
+    buttons = ButtonsOf(message);
+    BView* tracking = masked;
+    if (buttons == 0)
+        masked = nullptr;
+    if (tracking != nullptr)
+        tracking->MouseUp(lastWhere - tracking->OriginInWindow());
+    BView* under = ViewAt(lastWhere);
+    if (under != nullptr && under != tracking)
+        under->MouseUp(lastWhere - under->OriginInWindow());
+}
+
+void BWindow::State::MouseMoved(BMessage& message) {
+    buttons = ButtonsOf(message);
+    BPoint where = message.GetPoint("where", B_ORIGIN);
+    // A drag may have moved the window since the event: where the pointer is on the screen holds.
+    if (buttons != 0) {
+        where = Floored(message.GetPoint("screen_where", where + place) - place);
+        message.ReplacePoint("where", where);
+    }
+    lastWhere = where;
+    BView* before = over;
+    BView* now = ViewAt(where);
+    if (now != before)
+        MoveOver(now, where);
+    else if (now != nullptr)
+        now->MouseMoved(where - now->OriginInWindow(), B_INSIDE_VIEW, nullptr);
+    if (masked != nullptr && masked != over && masked != before)
+        masked->MouseMoved(where - masked->OriginInWindow(), B_OUTSIDE_VIEW, nullptr);
+}
+
+void BWindow::State::PointerLeft() {
+    MoveOver(nullptr, lastWhere);
+}
+
+void BWindow::State::MoveOver(BView* view, BPoint where) {
+    BView* before = std::exchange(over, view);
+    if (before == view)
+        return;
+    // A hook may delete views: Forget() then clears `over`.
+    if (before != nullptr)
+        before->MouseMoved(where - before->OriginInWindow(), B_EXITED_VIEW, nullptr);
+    if (over != nullptr)
+        over->MouseMoved(where - over->OriginInWindow(), B_ENTERED_VIEW, nullptr);
+}
+
+void BWindow::State::WheelTurned(BMessage& message) {
+    BView* view = ViewAt(message.GetPoint("where", B_ORIGIN));
+    if (view != nullptr)
+        view->MessageReceived(&message);
+    else
+        window->MessageReceived(&message);
+}
+
+void BWindow::State::KeyChanged(BMessage& message) {
+    const char* bytes = message.GetString("bytes", "");
+    int32 length = static_cast<int32>(strlen(bytes));
+    if (focus != nullptr && message.what == B_KEY_DOWN)
+        focus->KeyDown(bytes, length);
+    else if (focus != nullptr && message.what == B_KEY_UP)
+        focus->KeyUp(bytes, length);
+    else if (focus != nullptr)
+        focus->MessageReceived(&message);
+    else if (!KeyDownInWindow(message))
+        window->MessageReceived(&message);
+}
+
+bool BWindow::State::KeyDownInWindow(const BMessage& message) {
+    if (message.what != B_KEY_DOWN)
+        return false;
+    const char* bytes = message.GetString("bytes", "");
+    if (bytes[0] == B_ENTER && defaultButton != nullptr) {
+        // A key that was held down before the window came must not answer it.
+        if (!message.HasInt32("be:key_repeat") && defaultButton->IsEnabled())
+            defaultButton->Invoke();
+        return true;
+    }
+    if (bytes[0] != B_TAB)
+        return false;
+    FocusNext((message.GetInt32("modifiers", 0) & B_SHIFT_KEY) != 0);
+    return focus != nullptr;
+}
+
+void BWindow::State::FocusNext(bool backwards) {
+    std::vector<BView*> views;
+    CollectNavigable(&root, views);
+    if (views.empty())
+        return;
+    auto at = std::find(views.begin(), views.end(), focus);
+    size_t count = views.size();
+    size_t next = backwards ? count - 1 : 0;
+    if (at != views.end())
+        next = (static_cast<size_t>(at - views.begin()) + (backwards ? count - 1 : 1)) % count;
+    views[next]->MakeFocus(true);
+}
+
+void BWindow::State::Activated(bool isActiveNow, bigtime_t when) {
+    if (isActive == isActiveNow)
+        return;
+    activeSince = when;
+    isActive = isActiveNow;
+    window->WindowActivated(isActive);
+    root.ActivateAll(isActive);
+}
+
+void BWindow::State::GetMouse(BPoint* where, uint32* down, bool checkQueue) {
+    Present();
+    if (checkQueue && TakeMouseMessage(where, down))
+        return;
+    host::Display* display = host::Display::Shared();
+    host::Pointer pointer = display ? display->GetPointer() : host::Pointer{};
+    if (checkQueue && pointer.buttons == 0 && buttons != 0) {
+        // The release has happened; its message is on its way and would come as a surprise later.
+        bigtime_t end = system_time() + kReleaseDeadline;
+        while (system_time() < end) {
+            if (TakeMouseMessage(where, down))
+                return;
+            snooze(1000);
+        }
+        buttons = 0;
+        masked = nullptr;
+    }
+    *where = Floored({static_cast<float>((pointer.screenX - device.left) / scale),
+                      static_cast<float>((pointer.screenY - device.top) / scale)});
+    *down = pointer.buttons;
+}
+
+bool BWindow::State::TakeMouseMessage(BPoint* where, uint32* down) {
+    BMessageQueue* queue = window->MessageQueue();
+    queue->Lock();
+    std::unique_ptr<BMessage> taken;
+    for (int32 i = 0; BMessage* message = queue->FindMessage(i);) {
+        bool isNext = IsMouseMessage(message);
+        // A move that another mouse message follows tells nothing.
+        if (taken && (!isNext || taken->what != B_MOUSE_MOVED))
+            break;
+        if (isNext) {
+            queue->RemoveMessage(message);
+            taken.reset(message);
+        } else {
+            i++;
+        }
+    }
+    queue->Unlock();
+    if (!taken)
+        return false;
+    lastWhere = taken->GetPoint("where", B_ORIGIN);
+    buttons = ButtonsOf(*taken);
+    if (buttons == 0)
+        masked = nullptr;
+    *where = lastWhere;
+    *down = buttons;
+    return true;
+}
+
+void BWindow::State::Forget(BView& view) {
+    ClipChanged();
+    if (over == &view)
+        over = nullptr;
+    if (masked == &view)
+        masked = nullptr;
+    if (focus == &view)
+        focus = nullptr;
+    if (defaultButton == &view)
+        defaultButton = nullptr;
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+#include "host/x11/Display.h"
+#include "kits/app/Messenger.h"
+
+class BAlert;
+class BWindow;
+
+// All windows of the program, and what happens to all of them at once. It lives as long as the
+// process. Any thread may call; nothing here waits for a looper but QuitWindows().
+class WindowRoster : public host::DisplaySink {
+public:
+    static WindowRoster& Shared();
+
+    // The first window that is neither an alert nor a menu is the program's main window.
+    void Add(BWindow* window);
+    void Remove(BWindow* window);
+
+    // An alert opens: menus close, and none opens until it is gone. False while all are dismissed.
+    bool AddAlert(BAlert* alert);
+    void RemoveAlert(BAlert* alert);
+    bool HasAlert() const { return fHasAlert; }
+    // Shows the user that it is an alert that waits for an answer.
+    void PointAtAlert();
+
+    // The hooks of the application object.
+    void Dismiss();
+    void Allow();
+    bool QuitWindows();
+    void Wake();
+
+    // Where the main window is, for what belongs to it, in device pixels; empty without one.
+    host::PixelRect MainFrame() const;
+    void FrameChanged(const BWindow* window, const host::PixelRect& frame);
+
+    // Display thread.
+    void FocusLeftProgram() override;
+    void MonitorsChanged() override;
+    void DisplayLost() override;
+
+private:
+    WindowRoster() = default;
+
+    BWindow* MainWindow() const;
+    std::vector<BMessenger> Running() const;
+    void UpdateMenus();
+
+    std::atomic<bool> fHasAlert = false;
+    mutable std::mutex fMutex;
+    // Guarded by fMutex.
+    std::condition_variable fAlertRemoved;
+    std::vector<BWindow*> fWindows;
+    std::vector<BAlert*> fAlerts;
+    host::PixelRect fMainFrame;
+    bool fIsDismissed = false;
+};

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "host/files/NodeStatus.h"
+#include "kits/storage/StorageDefs.h"
+#include "kits/support/EntryRef.h"
+
+class BDirectory;
+class BPath;
+class BVolume;
+
+// A place in the file system: a directory and a name in it. Nothing need be there. It holds no
+// descriptor, so it names whatever is at that place when it is asked. A value; any thread may use
+// its own.
+class BEntry {
+public:
+    BEntry() = default;
+    explicit BEntry(const char* path, bool traverse = false);
+    explicit BEntry(const entry_ref* ref, bool traverse = false);
+    BEntry(const BDirectory* directory, const char* leaf, bool traverse = false);
+
+    // B_OK when a place is set, B_NO_INIT when none is, or what went wrong in the last SetTo.
+    status_t InitCheck() const { return fStatus; }
+
+    // Sets the place. With `traverse`, if a symbolic link is there, the place is the one that the
+    // link leads to in the end: B_ENTRY_NOT_FOUND if it dangles, B_LINK_LIMIT if it loops.
+    // A missing entry is no failure, nor is a missing directory on the way to it;
+    // B_NOT_A_DIRECTORY, B_PERMISSION_DENIED, B_NAME_TOO_LONG and B_BAD_VALUE (no path, a name with
+    // a slash) are. With an entry_ref, the directory must be known (see get_ref_for_path):
+    // B_ENTRY_NOT_FOUND otherwise.
+    status_t SetTo(const char* path, bool traverse = false);
+    status_t SetTo(const entry_ref* ref, bool traverse = false);
+    status_t SetTo(const BDirectory* directory, const char* leaf, bool traverse = false);
+    void Unset();
+
+    // Whether anything is there now; a link that dangles counts.
+    bool Exists() const;
+
+    // What is there; false when nothing is. For an entry that came from BDirectory::GetNextEntry
+    // this is what the directory said then, and costs no look at the disk if it said so.
+    bool IsFile() const;
+    bool IsDirectory() const;
+    bool IsSymLink() const;
+
+    status_t GetPath(BPath* path) const;
+    // Copies the name, which is less than B_FILE_NAME_LENGTH bytes with its NUL.
+    status_t GetName(char* buffer) const;
+    // Names the entry by the node of its directory, which must exist.
+    status_t GetRef(entry_ref* ref) const;
+    // Names the node that is there, a link itself if it is one. B_ENTRY_NOT_FOUND if nothing is.
+    status_t GetNodeRef(node_ref* ref) const;
+    // The directory that the entry is in; B_ENTRY_NOT_FOUND for "/".
+    status_t GetParent(BEntry* parent) const;
+    status_t GetParent(BDirectory* parent) const;
+    status_t GetVolume(BVolume* volume) const;
+
+    // Moves what is there to `path` (relative: in the same directory); the object then stands for
+    // the new place. B_FILE_EXISTS if something is there and `clobber` is false; with `clobber` it
+    // is replaced in one step, and the directory is on the disk when the call returns.
+    status_t Rename(const char* path, bool clobber = false);
+    // Removes the file, link or empty directory (B_DIRECTORY_NOT_EMPTY).
+    status_t Remove();
+
+private:
+    friend class BDirectory;
+
+    status_t SetToHostPath(std::string path, bool traverse);
+    host::NodeKind Kind() const;
+
+    std::string fHostPath;
+    status_t fStatus = B_NO_INIT;
+    // What the directory said is there; only set by a scan.
+    mutable std::optional<host::NodeKind> fKind;
+};
+
+// Names the entry at `path`, which need not exist; its directory must.
+//
+// The system opens files by path, refs name directories by number: the paths of the directories and
+// nodes whose numbers were handed out are remembered (some thousands; the longest unused are
+// forgotten), checked when they are used, and follow the renames that the node monitor sees.
+status_t get_ref_for_path(const char* path, entry_ref* ref);

@@ -1,0 +1,140 @@
+#include "kits/storage/Node.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "host/files/Attributes.h"
+#include "host/files/Files.h"
+#include "host/files/Links.h"
+#include "host/files/NodeStatus.h"
+#include "host/files/Paths.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/Path.h"
+
+BNode::BNode(const char* path) {
+    SetTo(path);
+}
+
+BNode::BNode(const entry_ref* ref) {
+    SetTo(ref);
+}
+
+BNode::BNode(const BEntry* entry) {
+    SetTo(entry);
+}
+
+BNode::BNode(const BDirectory* directory, const char* leaf) {
+    SetTo(directory, leaf);
+}
+
+status_t BNode::SetTo(const char* path) {
+    BEntry entry(path);
+    return SetTo(&entry);
+}
+
+status_t BNode::SetTo(const entry_ref* ref) {
+    BEntry entry(ref);
+    return SetTo(&entry);
+}
+
+status_t BNode::SetTo(const BDirectory* directory, const char* leaf) {
+    BEntry entry(directory, leaf);
+    return SetTo(&entry);
+}
+
+status_t BNode::SetTo(const BEntry* entry) {
+    BPath path;
+    status_t status = entry ? entry->GetPath(&path) : B_BAD_VALUE;
+    host::Descriptor node;
+    if (status == B_OK)
+        status = host::HoldNode(host::HostPath(path.Path()), node);
+    return status == B_OK ? SetToDescriptor(std::move(node)) : Fail(status);
+}
+
+void BNode::Unset() {
+    Fail(B_NO_INIT);
+}
+
+status_t BNode::SetToDescriptor(host::Descriptor descriptor) {
+    fDescriptor = std::move(descriptor);
+    return fStatus = B_OK;
+}
+
+status_t BNode::Fail(status_t status) {
+    fDescriptor = host::Descriptor();
+    return fStatus = status;
+}
+
+status_t BNode::GetNodeRef(node_ref* ref) const {
+    if (fStatus != B_OK)
+        return fStatus;
+    host::NodeStatus there;
+    status_t status = ref ? host::LookAt(fDescriptor.Get(), "", there) : B_BAD_VALUE;
+    if (status == B_OK)
+        *ref = there.ref;
+    return status;
+}
+
+ssize_t BNode::ReadAttr(const char* name, type_code, off_t offset, void* buffer,
+                        size_t length) const {
+    if (fStatus != B_OK)
+        return fStatus;
+    if (!name || !buffer || offset < 0)
+        return B_BAD_VALUE;
+    std::string value;
+    status_t status = host::ReadAttribute(fDescriptor.Get(), name, value);
+    if (status != B_OK)
+        return status;
+    size_t start = std::min(size_t(offset), value.size());
+    size_t count = std::min(length, value.size() - start);
+    memcpy(buffer, value.data() + start, count);
+    return ssize_t(count);
+}
+
+ssize_t BNode::WriteAttr(const char* name, type_code, off_t offset, const void* buffer,
+                         size_t length) {
+    if (fStatus != B_OK)
+        return fStatus;
+    if (!name || (!buffer && length > 0) || offset != 0)
+        return B_BAD_VALUE;
+    std::string value(static_cast<const char*>(buffer), length);
+    status_t status = host::WriteAttribute(fDescriptor.Get(), name, value);
+    return status == B_OK ? ssize_t(length) : status;
+}
+
+status_t BNode::RemoveAttr(const char* name) {
+    if (fStatus != B_OK)
+        return fStatus;
+    return name ? host::RemoveAttribute(fDescriptor.Get(), name) : B_BAD_VALUE;
+}
+
+status_t BNode::GetAttrInfo(const char* name, attr_info* info) const {
+    if (fStatus != B_OK)
+        return fStatus;
+    int64 size = 0;
+    status_t status =
+        name && info ? host::AttributeSize(fDescriptor.Get(), name, size) : B_BAD_VALUE;
+    if (status == B_OK)
+        *info = {B_STRING_TYPE, off_t(size)};
+    return status;
+}
+
+status_t BNode::GetPermissions(mode_t* permissions) const {
+    if (fStatus != B_OK)
+        return fStatus;
+    host::NodeStatus status;
+    const status_t result = host::LookAt(fDescriptor.Get(), "", status);
+    if (result == B_OK)
+        *permissions = status.mode & 07777;
+    return result;
+}
+
+status_t BNode::SetPermissions(mode_t permissions) {
+    if (fStatus != B_OK)
+        return fStatus;
+    return host::SetPermissions(fDescriptor.Get(), permissions & 07777);
+}
+
+status_t BNode::Sync() {
+    return fStatus == B_OK ? host::SyncNode(fDescriptor.Get()) : fStatus;
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include "host/files/Descriptor.h"
+#include "kits/storage/StorageDefs.h"
+#include "kits/support/EntryRef.h"
+#include "kits/support/TypeConstants.h"
+
+class BDirectory;
+class BEntry;
+
+// What GetAttrInfo tells of an attribute. The disk keeps no types: `type` is always B_STRING_TYPE.
+struct attr_info {
+    type_code type = B_STRING_TYPE;
+    off_t size = 0;
+};
+
+// A node itself, whatever its name becomes, and its attributes. Attributes are the extended
+// attributes of the "user." name space, byte for byte: "META:url" is "user.META:url".
+//
+// The node is held without being opened for reading or writing, so a FIFO does not block and
+// nothing is asked of the file's permissions but by the operations. Not copyable; one thread at a
+// time.
+class BNode {
+public:
+    BNode() = default;
+    explicit BNode(const char* path);
+    explicit BNode(const entry_ref* ref);
+    explicit BNode(const BEntry* entry);
+    BNode(const BDirectory* directory, const char* leaf);
+    virtual ~BNode() = default;
+
+    // B_OK when a node is held, B_NO_INIT when none is, or what went wrong in the last SetTo.
+    status_t InitCheck() const { return fStatus; }
+
+    // Holds the node that is there now; a symbolic link itself, not where it leads.
+    status_t SetTo(const char* path);
+    status_t SetTo(const entry_ref* ref);
+    status_t SetTo(const BEntry* entry);
+    status_t SetTo(const BDirectory* directory, const char* leaf);
+    void Unset();
+
+    status_t GetNodeRef(node_ref* ref) const;
+
+    // Copies at most `length` bytes of the attribute's value from byte `offset` on and returns how
+    // many; 0 behind the end or for an empty value. Any `type` reads any attribute.
+    // B_ENTRY_NOT_FOUND if there is no such attribute, B_UNSUPPORTED if the disk keeps none,
+    // B_NOT_ALLOWED for a node that can have none (a link, a FIFO).
+    ssize_t ReadAttr(const char* name, type_code type, off_t offset, void* buffer,
+                     size_t length) const;
+    // Replaces the whole value and returns `length`; the old value stays if that fails. `type` is
+    // not kept; `offset` must be 0 (B_BAD_VALUE). B_DEVICE_FULL also when the attributes of one
+    // file are more than its disk can keep, which on common disks is about 4,000 bytes together.
+    ssize_t WriteAttr(const char* name, type_code type, off_t offset, const void* buffer,
+                      size_t length);
+    status_t RemoveAttr(const char* name);
+    status_t GetAttrInfo(const char* name, attr_info* info) const;
+
+    // The permission bits, as chmod() takes them.
+    status_t GetPermissions(mode_t* permissions) const;
+    status_t SetPermissions(mode_t permissions);
+
+    // Returns when the node's contents and attributes are on the disk. Of a directory: its entries.
+    status_t Sync();
+
+    BNode(const BNode&) = delete;
+    BNode& operator=(const BNode&) = delete;
+
+protected:
+    status_t SetToDescriptor(host::Descriptor descriptor);
+    status_t Fail(status_t status);
+
+    host::Descriptor fDescriptor;
+
+private:
+    status_t fStatus = B_NO_INIT;
+};

@@ -1,0 +1,102 @@
+#include "kits/storage/Path.h"
+
+#include <unistd.h>
+
+#include "host/files/Files.h"
+#include "host/files/Paths.h"
+#include "kits/storage/Entry.h"
+
+namespace {
+
+std::string WorkingDirectory() {
+    std::string directory(4096, '\0');
+    if (!getcwd(directory.data(), directory.size()))
+        return "/";
+    return host::PlatformPath(directory.c_str());
+}
+
+} // namespace
+
+BPath::BPath(const char* path, const char* leaf, bool normalize) {
+    SetTo(path, leaf, normalize);
+}
+
+BPath::BPath(const BEntry* entry) {
+    SetTo(entry);
+}
+
+status_t BPath::SetTo(const char* path, const char* leaf, bool normalize) {
+    std::string text = path ? path : "";
+    std::string end = leaf ? leaf : "";
+    if (text.empty() || end.starts_with('/')) {
+        Unset();
+        return fStatus = B_BAD_VALUE;
+    }
+    if (!text.starts_with('/'))
+        text = WorkingDirectory() + "/" + text;
+    if (!end.empty())
+        text += "/" + end;
+    return SetToText(std::move(text), normalize);
+}
+
+status_t BPath::SetTo(const BEntry* entry) {
+    if (!entry) {
+        Unset();
+        return fStatus = B_BAD_VALUE;
+    }
+    return fStatus = entry->GetPath(this);
+}
+
+void BPath::Unset() {
+    fPath.clear();
+    fStatus = B_NO_INIT;
+}
+
+status_t BPath::Append(const char* path, bool normalize) {
+    if (fStatus != B_OK)
+        return fStatus;
+    if (!path || path[0] == '/')
+        return B_BAD_VALUE;
+    return SetToText(fPath + "/" + path, normalize);
+}
+
+std::string BPath::SystemPath() const {
+    return fStatus == B_OK ? host::HostPath(fPath) : std::string();
+}
+
+const char* BPath::Leaf() const {
+    return fStatus == B_OK ? fPath.c_str() + fPath.rfind('/') + 1 : nullptr;
+}
+
+status_t BPath::GetParent(BPath* parent) const {
+    if (fStatus != B_OK)
+        return fStatus;
+    if (!parent)
+        return B_BAD_VALUE;
+    std::string path = host::ParentPath(fPath);
+    return path.empty() ? B_ENTRY_NOT_FOUND : parent->SetTo(path.c_str());
+}
+
+bool BPath::operator==(const BPath& other) const {
+    return fPath == other.fPath;
+}
+
+status_t BPath::SetToText(std::string text, bool normalize) {
+    std::string plain = host::PlainPath(text);
+    if (normalize || host::HasParentComponent(plain)) {
+        std::string hostPath = host::HostPath(plain);
+        std::string leaf = host::LeafOf(hostPath);
+        // A leaf that is ".." is itself part of the directory.
+        std::string directory = leaf == ".." ? hostPath : host::ParentPath(hostPath);
+        status_t status = directory.empty() ? B_OK : host::ResolvePath(directory, directory);
+        if (status != B_OK) {
+            Unset();
+            return fStatus = status;
+        }
+        if (leaf != ".." && !leaf.empty())
+            directory = host::Join(directory, leaf);
+        plain = host::PlatformPath(directory.empty() ? "/" : directory);
+    }
+    fPath = plain;
+    return fStatus = B_OK;
+}

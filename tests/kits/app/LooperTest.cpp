@@ -1,0 +1,331 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "kits/app/AppDefs.h"
+#include "tests/kits/app/TestLooper.h"
+
+namespace test {
+namespace {
+
+TEST_F(LooperTest, HandlesMessagesInOrderAlsoThoseFromBeforeItRan) {
+    EXPECT_EQ(B_BAD_THREAD_ID, looper->Thread());
+    for (uint32 what = 0; what < 50; ++what)
+        EXPECT_EQ(B_OK, looper->PostMessage(what));
+    EXPECT_GT(looper->Run(), 0);
+    for (uint32 what = 50; what < 100; ++what)
+        EXPECT_EQ(B_OK, messenger.SendMessage(what));
+    ASSERT_TRUE(log.Reach(100));
+    const Codes seen = log.Seen();
+    for (uint32 what = 0; what < 100; ++what)
+        EXPECT_EQ(what, seen[what]);
+    looper->Lock();
+    EXPECT_EQ(100, looper->handled);
+    EXPECT_EQ(nullptr, looper->CurrentMessage());
+    looper->Unlock();
+}
+
+TEST_F(LooperTest, IsNotHeldUpWhileItsLockIsHeldByOthers) {
+    looper->Run();
+    looper->Lock();
+    EXPECT_EQ(B_OK, looper->PostMessage('wait'));
+    BMessageQueue* const queue = looper->MessageQueue();
+    queue->Lock();
+    // The looper has it in hand, or it waits.
+    EXPECT_LE(queue->CountMessages(), 1);
+    queue->Unlock();
+    EXPECT_TRUE(log.Seen().empty());
+    looper->Unlock();
+    EXPECT_TRUE(log.Reach(1));
+}
+
+TEST_F(LooperTest, SendsCopies) {
+    BMessage message('call');
+    message.AddInt32("n", 1);
+    message.SetSourceRemote(true);
+    std::atomic<int32> number = 0;
+    std::atomic<bool> isRemote = false;
+    looper->call = [&](BMessage* received) {
+        number = received->GetInt32("n", 0);
+        isRemote = received->IsSourceRemote();
+        EXPECT_EQ(BMessenger(looper), received->ReturnAddress());
+        log.Add('done');
+    };
+    EXPECT_EQ(B_OK, messenger.SendMessage(&message, looper));
+    message.ReplaceInt32("n", 2);
+    looper->Run();
+    ASSERT_TRUE(log.Reach(1));
+    EXPECT_EQ(1, number);
+    EXPECT_TRUE(isRemote);
+}
+
+TEST_F(LooperTest, HandsMessagesToTheHandlerTheyName) {
+    Log other;
+    LoggingHandler handler(other);
+    looper->AddHandler(&handler);
+    EXPECT_EQ(looper, handler.NextHandler());
+    EXPECT_EQ(2, looper->CountHandlers());
+    EXPECT_EQ(B_OK, looper->PostMessage('hand', &handler));
+    EXPECT_EQ(B_OK, looper->PostMessage('self', nullptr));
+    EXPECT_EQ(B_OK, BMessenger(nullptr, looper).SendMessage('slf2'));
+    looper->Run();
+    ASSERT_TRUE(log.Reach(2));
+    looper->Lock();
+    looper->SetPreferredHandler(&handler);
+    looper->Unlock();
+    looper->PostMessage('pref', nullptr);
+    BMessenger(nullptr, looper).SendMessage('prf2');
+    looper->PostMessage('self');
+    ASSERT_TRUE(log.Reach(3));
+    EXPECT_EQ(Codes({'hand', 'pref', 'prf2'}), other.Seen());
+    EXPECT_EQ(Codes({'self', 'slf2', 'self'}), log.Seen());
+    handler.LockLooper();
+    EXPECT_TRUE(looper->RemoveHandler(&handler));
+    EXPECT_EQ(nullptr, looper->PreferredHandler());
+    EXPECT_FALSE(handler.LockLooper());
+    looper->Unlock();
+}
+
+TEST_F(LooperTest, PassesWhatAHandlerDoesNotKnowAlongTheChain) {
+    BHandler first, second;
+    looper->AddHandler(&first);
+    looper->AddHandler(&second);
+    first.SetNextHandler(&second);
+    looper->PostMessage('pass', &first);
+    looper->Run();
+    ASSERT_TRUE(log.Reach(1));
+    looper->Lock();
+    looper->RemoveHandler(&first);
+    looper->RemoveHandler(&second);
+    looper->Unlock();
+}
+
+TEST_F(LooperTest, RefusesTargetsThatAreNotThere) {
+    BHandler stranger;
+    status_t status = B_OK;
+    EXPECT_EQ(B_MISMATCHED_VALUES, looper->PostMessage('xxxx', &stranger));
+    EXPECT_FALSE(BMessenger(&stranger, nullptr, &status).IsValid());
+    EXPECT_EQ(B_BAD_HANDLER, status);
+    BMessenger(nullptr, nullptr, &status);
+    EXPECT_EQ(B_BAD_VALUE, status);
+    BLooper* const other = new BLooper;
+    looper->AddHandler(&stranger);
+    EXPECT_FALSE(BMessenger(&stranger, other, &status).IsValid());
+    EXPECT_EQ(B_MISMATCHED_VALUES, status);
+    const BMessenger gone(other);
+    other->Quit();
+    EXPECT_EQ(B_BAD_HANDLER, gone.SendMessage('xxxx'));
+    EXPECT_FALSE(gone.LockTarget());
+    BLooper* found = looper;
+    EXPECT_EQ(nullptr, gone.Target(&found));
+    EXPECT_EQ(nullptr, found);
+    EXPECT_EQ(B_BAD_PORT_ID, BMessenger().SendMessage('xxxx'));
+    EXPECT_EQ(B_BAD_VALUE, messenger.SendMessage(nullptr));
+    EXPECT_FALSE(BMessenger() == gone);
+    EXPECT_EQ(BMessenger(looper), messenger);
+}
+
+TEST_F(LooperTest, DropsMessagesWhoseHandlerIsGone) {
+    Log other;
+    auto handler = std::make_unique<LoggingHandler>(other);
+    looper->AddHandler(handler.get());
+    const BMessenger toHandler(handler.get());
+    looper->PostMessage('lost', handler.get());
+    handler.reset();
+    EXPECT_EQ(B_BAD_HANDLER, toHandler.SendMessage('late'));
+    looper->PostMessage('next');
+    looper->Run();
+    ASSERT_TRUE(log.Reach(1));
+    EXPECT_TRUE(other.Seen().empty());
+}
+
+TEST_F(LooperTest, DropsOldMessagesOnRequest) {
+    looper->call = [&](BMessage* message) {
+        BMessageQueue* const queue = looper->MessageQueue();
+        queue->Lock();
+        BMessage* const next = queue->FindMessage(static_cast<int32>(0));
+        EXPECT_EQ('call', next->what);
+        EXPECT_EQ('keep', queue->FindMessage(uint32('keep'), 0)->what);
+        EXPECT_EQ(nullptr, queue->FindMessage(uint32('keep'), 1));
+        EXPECT_EQ(nullptr, queue->FindMessage(static_cast<int32>(2)));
+        EXPECT_FALSE(queue->RemoveMessage(message));
+        EXPECT_TRUE(queue->RemoveMessage(next));
+        queue->Unlock();
+        delete next;
+    };
+    looper->PostMessage('call');
+    looper->PostMessage('call');
+    looper->PostMessage('keep');
+    looper->Run();
+    ASSERT_TRUE(log.Reach(1));
+    EXPECT_EQ(Codes({'keep'}), log.Seen());
+}
+
+TEST_F(LooperTest, QuitsOnRequestIfItAgrees) {
+    looper->agreesToQuit = false;
+    looper->PostMessage(B_QUIT_REQUESTED);
+    looper->Run();
+    Settle();
+    EXPECT_TRUE(messenger.IsValid());
+    looper->Lock();
+    looper->agreesToQuit = true;
+    looper->PostMessage(B_QUIT_REQUESTED);
+    looper->PostMessage('late');
+    looper->Unlock();
+    ASSERT_TRUE(log.Reach(2));
+    EXPECT_EQ(Codes({'mark', 'gone'}), log.Seen());
+}
+
+TEST_F(LooperTest, ALooperInTheMiddleOfAMessageIsWaitedFor) {
+    std::atomic<bool> isBusy = false;
+    looper->call = [&](BMessage*) {
+        isBusy = true;
+        snooze(20'000);
+        log.Add('busy');
+    };
+    looper->PostMessage('call');
+    looper->PostMessage('lost');
+    looper->Run();
+    while (!isBusy)
+        snooze(500);
+    ASSERT_TRUE(looper->Lock());
+    looper->Lock();
+    looper->Quit();
+    EXPECT_EQ(Codes({'busy', 'gone'}), log.Seen());
+}
+
+TEST_F(LooperTest, QuitOnItsOwnThreadHandlesNoOtherMessage) {
+    looper->call = [&](BMessage*) {
+        looper->Quit();
+        log.Add('quit');
+    };
+    looper->PostMessage('call');
+    looper->PostMessage('lost');
+    looper->Run();
+    ASSERT_TRUE(log.Reach(2));
+    EXPECT_EQ(Codes({'quit', 'gone'}), log.Seen());
+}
+
+TEST_F(LooperTest, WhoWaitsForItsLockLearnsThatItWasDeleted) {
+    BHandler handler;
+    looper->AddHandler(&handler);
+    std::atomic<int> waiting = 0;
+    std::atomic<bool> isBusy = false;
+    looper->call = [&](BMessage*) {
+        isBusy = true;
+        while (waiting < 4)
+            snooze(500);
+        looper->Quit();
+    };
+    looper->PostMessage('call');
+    looper->Run();
+    while (!isBusy)
+        snooze(500);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&, i] {
+            ++waiting;
+            EXPECT_FALSE(i % 2 ? messenger.LockTarget() : handler.LockLooper());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(nullptr, handler.Looper());
+}
+
+// Gives the looper time to keep up.
+void PostUntilRefused(const BMessenger& messenger) {
+    while (messenger.SendMessage('post') == B_OK)
+        snooze(20);
+}
+
+TEST(LooperRaces, OthersLockItUntilItIsGone) {
+    for (int round = 0; round < 20; ++round) {
+        Log log;
+        auto* const looper = new TestLooper(log);
+        const BMessenger messenger(looper);
+        looper->Run();
+        std::atomic<int> locked = 0;
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&] {
+                while (messenger.LockTarget()) {
+                    EXPECT_TRUE(looper->IsLocked());
+                    ++locked;
+                    looper->Unlock();
+                }
+            });
+        }
+        while (locked < 50)
+            snooze(100);
+        ASSERT_TRUE(looper->Lock());
+        looper->Quit();
+        EXPECT_EQ(Codes({'gone'}), log.Seen());
+        for (std::thread& thread : threads)
+            thread.join();
+    }
+}
+
+TEST(LooperRaces, ManyThreadsPostWhileItQuits) {
+    for (int round = 0; round < 20; ++round) {
+        Log log;
+        auto* const looper = new TestLooper(log);
+        const BMessenger messenger(looper);
+        looper->Run();
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&] {
+                PostUntilRefused(messenger);
+                EXPECT_FALSE(messenger.IsValid());
+            });
+        }
+        log.Reach(20);
+        if (round % 2 == 0)
+            messenger.SendMessage(B_QUIT_REQUESTED);
+        else if (messenger.LockTarget())
+            looper->Quit();
+        for (std::thread& thread : threads)
+            thread.join();
+        while (log.Seen().back() != 'gone')
+            snooze(500);
+    }
+}
+
+TEST(LooperRaces, HandlersAreDeletedWhileMessagesAreUnderWay) {
+    Log log;
+    auto* const looper = new TestLooper(log);
+    looper->Run();
+    for (int round = 0; round < 100; ++round) {
+        Log other;
+        looper->Lock();
+        auto handler = std::make_unique<LoggingHandler>(other);
+        looper->AddHandler(handler.get());
+        const BMessenger messenger(handler.get());
+        looper->Unlock();
+        std::thread sender([&] { PostUntilRefused(messenger); });
+        other.Reach(1);
+        ASSERT_TRUE(messenger.LockTarget());
+        handler.reset();
+        looper->Unlock();
+        sender.join();
+    }
+    looper->Lock();
+    looper->Quit();
+}
+
+TEST(LooperRaces, AFloodedLooperStillGivesItsLockAway) {
+    Log log;
+    auto* const looper = new TestLooper(log);
+    looper->call = [&](BMessage*) { looper->PostMessage('call'); };
+    looper->PostMessage('call');
+    looper->Run();
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_EQ(B_OK, looper->LockWithTimeout(10'000'000));
+        looper->Unlock();
+    }
+    looper->Lock();
+    looper->Quit();
+}
+
+} // namespace
+} // namespace test

@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include "kits/support/List.h"
+#include "tests/kits/app/TestLooper.h"
+
+namespace test {
+namespace {
+
+using MessageFilterTest = LooperTest;
+
+// Adds a code to the log and gives a fixed answer.
+class LoggingFilter : public BMessageFilter {
+public:
+    template <typename... Conditions>
+    LoggingFilter(Log& log, uint32 entry, filter_result result, Conditions... conditions)
+        : BMessageFilter(conditions...)
+        , fLog(log)
+        , fEntry(entry)
+        , fResult(result) {}
+    ~LoggingFilter() override { fLog.Add('free'); }
+
+    filter_result Filter(BMessage*, BHandler** target) override {
+        fLog.Add(fEntry);
+        if (redirectTo)
+            *target = redirectTo;
+        return fResult;
+    }
+
+    BHandler* redirectTo = nullptr;
+
+private:
+    Log& fLog;
+    const uint32 fEntry;
+    const filter_result fResult;
+};
+
+TEST_F(MessageFilterTest, AsksCommonFiltersBeforeTheHandlersOwn) {
+    looper->AddFilter(new LoggingFilter(log, 'own1', B_DISPATCH_MESSAGE, uint32('abcd')));
+    looper->AddFilter(new LoggingFilter(log, 'own2', B_SKIP_MESSAGE, uint32('abcd')));
+    looper->AddFilter(new LoggingFilter(log, 'own3', B_DISPATCH_MESSAGE, uint32('abcd')));
+    looper->AddCommonFilter(
+        new LoggingFilter(log, 'comm', B_DISPATCH_MESSAGE, B_ANY_DELIVERY, B_ANY_SOURCE));
+    looper->PostMessage('abcd');
+    looper->PostMessage('else');
+    looper->Run();
+    ASSERT_TRUE(log.Reach(5));
+    EXPECT_EQ(Codes({'comm', 'own1', 'own2', 'comm', 'else'}), log.Seen());
+}
+
+TEST_F(MessageFilterTest, AsksFiltersOnlyAboutMessagesThatMeetTheirConditions) {
+    const auto add = [&](uint32 entry, message_delivery delivery, message_source source) {
+        looper->AddFilter(
+            new LoggingFilter(log, entry, B_DISPATCH_MESSAGE, delivery, source, uint32('abcd')));
+    };
+    add('remo', B_ANY_DELIVERY, B_REMOTE_SOURCE);
+    add('loca', B_ANY_DELIVERY, B_LOCAL_SOURCE);
+    add('drop', B_DROPPED_DELIVERY, B_ANY_SOURCE);
+    add('prog', B_PROGRAMMED_DELIVERY, B_ANY_SOURCE);
+    BMessage message('abcd');
+    looper->PostMessage(&message);
+    message.SetSourceRemote(true);
+    message.SetWasDropped(true);
+    looper->PostMessage(&message);
+    looper->PostMessage('else');
+    looper->Run();
+    ASSERT_TRUE(log.Reach(7));
+    EXPECT_EQ(Codes({'loca', 'prog', 'abcd', 'remo', 'drop', 'abcd', 'else'}), log.Seen());
+}
+
+TEST_F(MessageFilterTest, FiltersMayNameAnotherTarget) {
+    Log other;
+    LoggingHandler handler(other);
+    BHandler stranger;
+    looper->AddHandler(&handler);
+    handler.AddFilter(new LoggingFilter(other, 'filt', B_DISPATCH_MESSAGE, uint32('abcd')));
+    auto* redirect = new LoggingFilter(log, 'redi', B_DISPATCH_MESSAGE, uint32('abcd'));
+    redirect->redirectTo = &handler;
+    looper->AddFilter(redirect);
+    auto* astray = new LoggingFilter(log, 'astr', B_DISPATCH_MESSAGE, uint32('efgh'));
+    astray->redirectTo = &stranger;
+    looper->AddFilter(astray);
+    looper->PostMessage('abcd');
+    looper->PostMessage('efgh');
+    looper->PostMessage('last');
+    looper->Run();
+    ASSERT_TRUE(log.Reach(3));
+    EXPECT_EQ(Codes({'redi', 'astr', 'last'}), log.Seen());
+    EXPECT_EQ(Codes({'filt', 'abcd'}), other.Seen());
+    looper->Lock();
+    looper->RemoveHandler(&handler);
+    looper->Unlock();
+}
+
+filter_result SkipHook(BMessage*, BHandler**, BMessageFilter*) {
+    return B_SKIP_MESSAGE;
+}
+
+TEST_F(MessageFilterTest, FiltersAreOwnedUntilRemoved) {
+    Log filters;
+    auto* const kept = new LoggingFilter(filters, 'kept', B_DISPATCH_MESSAGE, uint32('abcd'));
+    looper->AddFilter(kept);
+    looper->AddFilter(new LoggingFilter(filters, 'lost', B_DISPATCH_MESSAGE, uint32('abcd')));
+    EXPECT_TRUE(looper->RemoveFilter(kept));
+    EXPECT_FALSE(looper->RemoveFilter(kept));
+    EXPECT_FALSE(looper->RemoveCommonFilter(kept));
+    auto* const list = new BList;
+    list->AddItem(kept);
+    list->AddItem(new BMessageFilter('skip', SkipHook));
+    looper->SetFilterList(list);
+    EXPECT_EQ(Codes({'free'}), filters.Seen());
+    looper->PostMessage('skip');
+    looper->PostMessage('abcd');
+    looper->Run();
+    ASSERT_TRUE(log.Reach(1));
+    EXPECT_EQ(Codes({'abcd'}), log.Seen());
+    looper->Lock();
+    looper->SetFilterList(nullptr);
+    looper->Unlock();
+    EXPECT_EQ(Codes({'free', 'kept', 'free'}), filters.Seen());
+}
+
+} // namespace
+} // namespace test

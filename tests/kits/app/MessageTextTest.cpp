@@ -1,0 +1,399 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+
+#include "kits/app/Message.h"
+#include "kits/support/DataIO.h"
+
+namespace {
+
+std::string Flattened(const BMessage& message) {
+    std::string text;
+    EXPECT_EQ(B_OK, message.Flatten(&text));
+    return text;
+}
+
+status_t Read(const std::string& text, BMessage& message) {
+    return message.Unflatten(text.data(), text.size());
+}
+
+// The message that comes back, which must be written the same way.
+BMessage RoundTrip(const BMessage& message) {
+    BMessage read;
+    const std::string text = Flattened(message);
+    EXPECT_EQ(B_OK, Read(text, read)) << text;
+    EXPECT_EQ(text, Flattened(read));
+    return read;
+}
+
+std::string WithField(const std::string& field) {
+    return R"({"what": 0, "fields": [)" + field + "]}";
+}
+
+std::string WithValue(const std::string& type, const std::string& value) {
+    return WithField(R"({"name": "n", "type": )" + type + R"(, "values": [)" + value + "]}");
+}
+
+BMessage OneOfEach() {
+    BMessage inner('innr');
+    inner.AddString("s", "deep");
+    BMessage message('qbAs');
+    message.AddBool("bool", true);
+    message.AddInt8("int8", INT8_MIN);
+    message.AddInt16("int16", INT16_MAX);
+    message.AddInt32("int32", INT32_MIN);
+    message.AddInt32("int32", INT32_MAX);
+    message.AddInt64("int64", INT64_MIN);
+    message.AddInt64("int64", INT64_MAX);
+    message.AddFloat("float", 0.1f);
+    message.AddDouble("double", 0.1);
+    message.AddString("string", "a \"quoted\" \\ line\n\xe2\x82\xac");
+    message.AddPoint("point", BPoint(30.5f, -1e-20f));
+    message.AddRect("rect", BRect(1, 2, 3, 4));
+    message.AddMessage("message", &inner);
+    message.AddData("color", B_RGB_COLOR_TYPE, "\xd8\xd8\xd8\0", 4);
+    message.AddData("raw", B_RAW_TYPE, "\0\xff\x10", 3, false);
+    message.AddData("mime", B_MIME_TYPE, "x", 1, false);
+    message.AddData("code", 1, "x", 1, false);
+    return message;
+}
+
+TEST(MessageText, BringsBackEveryType) {
+    const BMessage message = OneOfEach();
+    const BMessage read = RoundTrip(message);
+    EXPECT_EQ(message.what, read.what);
+    for (int32 i = 0; i < message.CountNames(B_ANY_TYPE); ++i) {
+        const char *name, *nameRead;
+        type_code type, typeRead;
+        int32 count, countRead;
+        ASSERT_EQ(B_OK, message.GetInfo(B_ANY_TYPE, i, &name, &type, &count));
+        ASSERT_EQ(B_OK, read.GetInfo(B_ANY_TYPE, i, &nameRead, &typeRead, &countRead));
+        EXPECT_STREQ(name, nameRead);
+        EXPECT_EQ(type, typeRead);
+        ASSERT_EQ(count, countRead);
+        for (int32 j = 0; type != B_MESSAGE_TYPE && j < count; ++j) {
+            const void *data, *dataRead;
+            ssize_t size, sizeRead;
+            ASSERT_EQ(B_OK, message.FindData(name, type, j, &data, &size));
+            ASSERT_EQ(B_OK, read.FindData(name, type, j, &dataRead, &sizeRead));
+            EXPECT_EQ(std::string(static_cast<const char*>(data), size),
+                      std::string(static_cast<const char*>(dataRead), sizeRead))
+                << name;
+        }
+    }
+    BMessage inner;
+    EXPECT_EQ(B_OK, read.FindMessage("message", &inner));
+    EXPECT_EQ('innr', inner.what);
+    EXPECT_STREQ("deep", inner.GetString("s"));
+}
+
+TEST(MessageText, IsReadable) {
+    BMessage message;
+    message.AddInt32("browser", 1);
+    message.AddPoint("pos", BPoint(30, 0.1f));
+    message.AddData("color", B_RGB_COLOR_TYPE, "\xd8\xd8\xd8\0", 4);
+    EXPECT_EQ(R"({
+    "what": 0,
+    "fields": [
+        {"name":"browser","type":"int32","values":[1]},
+        {"name":"pos","type":"point","values":[[30.0,0.1]]},
+        {"name":"color","type":"color","values":[[216,216,216,0]]}
+    ]
+}
+)",
+              Flattened(message));
+}
+
+TEST(MessageText, KeepsBytesThatAreNoText) {
+    const std::string strings[] = {
+        "\xff\xfe",
+        "\xc0\xaf",
+        "\xe0\x80\x80",
+        "\xed\xa0\x80",
+        "\xc3",
+        "\xf0\x9f\x98",
+        "\xf4\x90\x80\x80",
+        "\xf0\x9f\x98\x80 and \xc3\xa9",
+        "",
+        "\x01\x1f\x7f/",
+        "\x80",
+    };
+    for (const std::string& string : strings) {
+        BMessage message;
+        message.AddString(string.c_str(), string.c_str());
+        EXPECT_STREQ(string.c_str(), RoundTrip(message).GetString(string.c_str(), "lost"));
+    }
+    BMessage message;
+    message.AddData("unended", B_STRING_TYPE, "abc", 3);
+    message.AddData("ended twice", B_STRING_TYPE, "a\0b\0", 4);
+    message.AddData("empty", B_STRING_TYPE, "", 0);
+    message.AddData("odd colour", B_RGB_COLOR_TYPE, "abc", 3);
+    const BMessage read = RoundTrip(message);
+    const void* data;
+    ssize_t size;
+    EXPECT_EQ(B_OK, read.FindData("ended twice", B_STRING_TYPE, &data, &size));
+    EXPECT_EQ(4, size);
+    EXPECT_EQ(B_OK, read.FindData("empty", B_STRING_TYPE, &data, &size));
+    EXPECT_EQ(0, size);
+}
+
+TEST(MessageText, KeepsFloatsExactly) {
+    std::mt19937 random(20);
+    std::vector<float> floats = {0.0f,         -0.0f,    FLT_MAX,   -FLT_MAX,    FLT_MIN,
+                                 FLT_TRUE_MIN, INFINITY, -INFINITY, 16777216.0f, 1e-45f};
+    for (int i = 0; i < 5000; ++i) {
+        const uint32 bits = random();
+        float value;
+        memcpy(&value, &bits, sizeof(value));
+        if (!std::isnan(value))
+            floats.push_back(value);
+    }
+    BMessage message;
+    for (const float value : floats)
+        message.AddFloat("f", value);
+    message.AddDouble("d", DBL_MAX);
+    message.AddDouble("d", DBL_TRUE_MIN);
+    message.AddDouble("d", 0.1 + 0.2);
+    message.AddFloat("nan", NAN);
+    const BMessage read = RoundTrip(message);
+    for (size_t i = 0; i < floats.size(); ++i) {
+        float value = 1;
+        ASSERT_EQ(B_OK, read.FindFloat("f", i, &value));
+        EXPECT_EQ(0, memcmp(&floats[i], &value, sizeof(value))) << floats[i];
+    }
+    double sum = 0;
+    EXPECT_EQ(B_OK, read.FindDouble("d", 2, &sum));
+    EXPECT_EQ(0.1 + 0.2, sum);
+    EXPECT_TRUE(std::isnan(read.GetFloat("nan", 0)));
+}
+
+TEST(MessageText, LeavesOutWhatMeansNothingElsewhere) {
+    BMessage message;
+    message.AddPointer("pointer", &message);
+    message.AddMessenger("messenger", BMessenger());
+    message.AddInt32("n", 1);
+    EXPECT_EQ(1, RoundTrip(message).CountNames(B_ANY_TYPE));
+    BMessage read;
+    EXPECT_EQ(B_BAD_DATA, Read(WithValue(R"("'PNTR'")", R"({"hex":"0000000000000000"})"), read));
+    EXPECT_EQ(B_BAD_DATA, Read(WithValue(R"("'MSNG'")", R"({"hex":"00"})"), read));
+}
+
+TEST(MessageText, TakesNothingButOneWholeMessage) {
+    const std::string text = Flattened(OneOfEach());
+    BMessage message('kept');
+    message.AddInt32("n", 3);
+    message.SetSourceRemote(true);
+    const size_t end = text.rfind('}') + 1;
+    for (size_t length = 0; length < end; ++length)
+        ASSERT_EQ(B_BAD_DATA, Read(text.substr(0, length), message)) << length;
+    for (const char* tail : {"{}", "x", ",", "]", "}", "0"})
+        EXPECT_EQ(B_BAD_DATA, Read(text + tail, message)) << tail;
+    EXPECT_EQ(B_BAD_DATA, Read(text + std::string(1, '\0'), message));
+    EXPECT_EQ('kept', message.what);
+    EXPECT_EQ(3, message.GetInt32("n", 0));
+    EXPECT_TRUE(message.IsSourceRemote());
+    EXPECT_EQ(B_OK, Read(" \n" + text + "\r\n\t ", message));
+    EXPECT_FALSE(message.HasInt32("n"));
+    EXPECT_FALSE(message.IsSourceRemote());
+}
+
+TEST(MessageText, CanBeMendedByHand) {
+    BMessage message;
+    EXPECT_EQ(B_OK, Read(R"({"fields": [
+        {"values": [[30, 1.5e1]], "type": "point", "name": "pos"},
+        {"name": {"hex": "E9"}, "type": "float", "values": [3]}
+    ], "what": 1903326068})",
+                         message));
+    EXPECT_EQ('qrst', message.what);
+    EXPECT_EQ(BPoint(30, 15), message.GetPoint("pos", B_ORIGIN));
+    EXPECT_EQ(3.0f, message.GetFloat("\xe9", 0));
+}
+
+TEST(MessageText, RefusesWhatIsNotWellFormed) {
+    const std::string texts[] = {
+        "",
+        "null",
+        "[]",
+        "{}",
+        R"({"what": 0})",
+        R"({"fields": []})",
+        R"({"what": -1, "fields": []})",
+        R"({"what": 4294967296, "fields": []})",
+        R"({"what": 1.0, "fields": []})",
+        R"({"what": "abc", "fields": []})",
+        R"({"what": 0, "what": 0, "fields": []})",
+        R"({"what": 0, "fields": [], "more": 1})",
+        R"({"what": 0, "fields": {}})",
+        WithField("1"),
+        WithField("{}"),
+        WithField(R"({"name": "n", "type": "int32"})"),
+        WithField(R"({"name": "n", "type": "int32", "values": []})"),
+        WithField(R"({"name": "n", "type": "int32", "values": {}})"),
+        WithField(R"({"name": 1, "type": "int32", "values": [1]})"),
+        WithField(R"({"name": "a\u0000b", "type": "int32", "values": [1]})"),
+        WithField(R"({"name": "n", "name": "n", "type": "int32", "values": [1]})"),
+        WithField(R"({"name": "n", "type": "int32", "values": [1]},
+                     {"name": "n", "type": "bool", "values": [true]})"),
+        WithValue(R"("int33")", "1"),
+        WithValue(R"("'ABC'")", "1"),
+        WithValue(R"("'ANYT'")", R"({"hex":""})"),
+        WithValue("null", "1"),
+        WithValue(R"("bool")", "1"),
+        WithValue(R"("int32")", "true"),
+        WithValue(R"("int32")", "1.0"),
+        WithValue(R"("int32")", "2147483648"),
+        WithValue(R"("int32")", "-2147483649"),
+        WithValue(R"("int32")", "[1]"),
+        WithValue(R"("int8")", "128"),
+        WithValue(R"("uint8")", "-1"),
+        WithValue(R"("uint32")", "4294967296"),
+        WithValue(R"("int64")", "9223372036854775808"),
+        WithValue(R"("int64")", "99999999999999999999999999"),
+        WithValue(R"("float")", "1e39"),
+        WithValue(R"("double")", "1e999"),
+        WithValue(R"("double")", R"("1")"),
+        WithValue(R"("double")", "NaN"),
+        WithValue(R"("string")", "1"),
+        WithValue(R"("string")", R"("a\u0000b")"),
+        WithValue(R"("string")", "\"\xff\""),
+        WithValue(R"("string")", R"("\ud800")"),
+        WithValue(R"("string")", R"({"hex": "abc"})"),
+        WithValue(R"("string")", R"({"hex": "zz"})"),
+        WithValue(R"("raw")", R"({"hex": 1})"),
+        WithValue(R"("raw")", R"({"hex": "+1"})"),
+        WithValue(R"("raw")", R"({"hex": "00", "x": 1})"),
+        WithValue(R"("raw")", R"("00")"),
+        WithValue(R"("point")", "[1]"),
+        WithValue(R"("point")", "[1, 2, 3]"),
+        WithValue(R"("point")", R"([1, "x"])"),
+        WithValue(R"("rect")", "[1, 2, 3, null]"),
+        WithValue(R"("color")", "[1, 2, 3]"),
+        WithValue(R"("color")", "[1, 2, 3, 256]"),
+        WithValue(R"("message")", "{}"),
+        WithValue(R"("message")", "null"),
+    };
+    for (const std::string& text : texts) {
+        BMessage message;
+        EXPECT_EQ(B_BAD_DATA, Read(text, message)) << text;
+    }
+}
+
+std::string Repeated(const std::string& text, int count) {
+    std::string result;
+    for (int i = 0; i < count; ++i)
+        result += text;
+    return result;
+}
+
+std::string Nested(int depth) {
+    const std::string open = R"({"what":0,"fields":[{"name":"n","type":"message","values":[)";
+    return Repeated(open, depth - 1) + R"({"what":0,"fields":[]})" + Repeated("]}]}", depth - 1);
+}
+
+TEST(MessageText, BoundsDepthAndSize) {
+    BMessage message;
+    EXPECT_EQ(B_OK, Read(Nested(16), message));
+    EXPECT_EQ(B_BAD_DATA, Read(Nested(17), message));
+    for (const char* open : {"[", "{\"a\":", "[{\"a\":"})
+        EXPECT_EQ(B_BAD_DATA, Read(Repeated(open, 100'000), message));
+    EXPECT_EQ(B_BAD_DATA, Read(Repeated("[", 100'000) + Repeated("]", 100'000), message));
+    // Brackets in text are no depth.
+    EXPECT_EQ(B_OK,
+              Read(WithValue("\"string\"", "\"\\\\" + Repeated("[\\\"", 1000) + "\""), message));
+
+    const std::string text = Flattened(OneOfEach());
+    const std::string largest = text + std::string((1 << 20) - text.size(), ' ');
+    EXPECT_EQ(B_OK, Read(largest, message));
+    EXPECT_EQ(B_BAD_DATA, Read(largest + " ", message));
+    BMessage large;
+    large.AddString("s", std::string(1 << 20, 'x').c_str());
+    std::string kept = "kept";
+    EXPECT_EQ(B_BAD_VALUE, large.Flatten(&kept));
+    EXPECT_EQ("kept", kept);
+}
+
+TEST(MessageText, ManyFieldsAreReadInReasonableTime) {
+    BMessage message;
+    std::string fields;
+    for (int i = 0; fields.size() < (1 << 20) - 100; ++i)
+        fields += (i ? "," : "") + (R"({"name":")" + std::to_string(i)) +
+                  R"(","type":"bool","values":[true]})";
+    const bigtime_t start = system_time();
+    EXPECT_EQ(B_OK, Read(WithField(fields), message));
+    EXPECT_LT(system_time() - start, 10'000'000);
+}
+
+TEST(MessageText, SurvivesDamageToAnyByte) {
+    const std::string text = Flattened(OneOfEach());
+    std::mt19937 random(7);
+    for (int i = 0; i < 5000; ++i) {
+        std::string damaged = text;
+        for (int hits = 1 + random() % 3; hits > 0; --hits)
+            damaged[random() % damaged.size()] = static_cast<char>(random());
+        BMessage message;
+        // What is taken all the same is a message like any other.
+        if (Read(damaged, message) == B_OK)
+            RoundTrip(message);
+    }
+}
+
+// Moves a few bytes at a time, and fails at a position.
+class Stream : public BDataIO {
+public:
+    std::string bytes;
+    size_t position = 0;
+    size_t failsAt = SIZE_MAX;
+    ssize_t failure = B_IO_ERROR;
+
+    ssize_t Read(void* buffer, size_t size) override {
+        if (position >= failsAt)
+            return failure;
+        size = std::min({size, bytes.size() - position, size_t(7)});
+        memcpy(buffer, bytes.data() + position, size);
+        position += size;
+        return size;
+    }
+
+    ssize_t Write(const void* buffer, size_t size) override {
+        if (bytes.size() >= failsAt)
+            return failure;
+        size = std::min(size, size_t(7));
+        bytes.append(static_cast<const char*>(buffer), size);
+        return size;
+    }
+};
+
+TEST(MessageText, GoesThroughStreamsThatMoveLittle) {
+    Stream stream;
+    EXPECT_EQ(B_OK, OneOfEach().Flatten(&stream));
+    EXPECT_EQ(Flattened(OneOfEach()), stream.bytes);
+    BMessage read;
+    EXPECT_EQ(B_OK, read.Unflatten(&stream));
+    EXPECT_EQ(stream.bytes, Flattened(read));
+}
+
+TEST(MessageText, PassesTheErrorsOfStreamsOn) {
+    Stream full;
+    full.failsAt = 20;
+    full.failure = B_DEVICE_FULL;
+    EXPECT_EQ(B_DEVICE_FULL, OneOfEach().Flatten(&full));
+    full.failure = 0;
+    EXPECT_EQ(B_IO_ERROR, OneOfEach().Flatten(&full));
+    Stream broken;
+    broken.bytes = Flattened(OneOfEach());
+    broken.failsAt = 21;
+    BMessage message('kept');
+    EXPECT_EQ(B_IO_ERROR, message.Unflatten(&broken));
+    EXPECT_EQ('kept', message.what);
+    Stream endless;
+    endless.bytes.assign(2 << 20, ' ');
+    EXPECT_EQ(B_BAD_DATA, message.Unflatten(&endless));
+}
+
+} // namespace

@@ -1,0 +1,120 @@
+// A program for the tests of the application object: app_program SIGNATURE OPTION...
+// It writes a line to standard output for what happens to it.
+
+#include <unistd.h>
+
+#include <fstream>
+#include <semaphore>
+#include <set>
+#include <string>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/AppResources.h"
+#include "kits/app/Application.h"
+#include "kits/app/Message.h"
+#include "kits/app/SessionHooks.h"
+#include "kits/kernel/OS.h"
+
+namespace {
+
+std::set<std::string> sOptions;
+std::counting_semaphore<> sDismissed{0};
+int sRefusals = 0;
+
+bool Has(const char* option) {
+    return sOptions.contains(option);
+}
+
+void Say(std::string line) {
+    line += '\n';
+    if (write(STDOUT_FILENO, line.data(), line.size()) < 0)
+        _exit(99);
+}
+
+[[noreturn]] void Hang() {
+    for (;;)
+        pause();
+}
+
+class SourceFilter : public BMessageFilter {
+public:
+    explicit SourceFilter(message_source source)
+        : BMessageFilter(B_ANY_DELIVERY, source, B_QUIT_REQUESTED) {}
+    filter_result Filter(BMessage*, BHandler**) override {
+        const bool isLocal = MessageSource() == B_LOCAL_SOURCE;
+        Say(isLocal ? "local quit" : "remote quit");
+        return isLocal && Has("skip-local") ? B_SKIP_MESSAGE : B_DISPATCH_MESSAGE;
+    }
+};
+
+class Program : public BApplication {
+public:
+    explicit Program(const char* signature)
+        : BApplication(signature) {
+        AddFilter(new SourceFilter(B_REMOTE_SOURCE));
+        AddFilter(new SourceFilter(B_LOCAL_SOURCE));
+    }
+    ~Program() override { Say("destroyed"); }
+
+    void ReadyToRun() override {
+        Say("ready");
+        if (Has("hang"))
+            Hang();
+        if (Has("block"))
+            sDismissed.acquire();
+        if (Has("lose-display"))
+            QuitFromOutside(true);
+        if (Has("quit"))
+            PostMessage(B_QUIT_REQUESTED);
+    }
+    void AboutRequested() override { Say("about"); }
+    void MessageReceived(BMessage* message) override {
+        if (message->what == 'test')
+            Say(message->IsSourceRemote() ? "remote test" : "local test");
+        else
+            BApplication::MessageReceived(message);
+    }
+};
+
+void SetHooks() {
+    session_hooks hooks;
+    hooks.dismiss = [] {
+        Say("dismiss");
+        sDismissed.release();
+    };
+    hooks.allow = [] { Say("allow"); };
+    sRefusals = Has("refuse") ? 1 : 0;
+    hooks.wake = [] { Say("wake"); };
+    hooks.quit_windows = [] {
+        Say("quit windows");
+        return sRefusals-- <= 0;
+    };
+    set_session_hooks(hooks);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    sOptions.insert(argv + 2, argv + argc);
+    app_resources resources;
+    resources.signature = argv[1];
+    resources.launch_flags = Has("exclusive") ? B_EXCLUSIVE_LAUNCH : B_MULTIPLE_LAUNCH;
+    set_app_resources(&resources);
+
+    Program program(argv[1]);
+    Say("built");
+    program.PostMessage('test');
+    if (Has("wait")) {
+        char byte;
+        if (read(STDIN_FILENO, &byte, 1) < 0)
+            return 98;
+    }
+    SetHooks();
+    program.SetEmergencyAction([] {
+        Say("saved");
+        if (Has("hang-save"))
+            Hang();
+    });
+    program.Run();
+    return program.ExitStatus();
+}

@@ -1,0 +1,129 @@
+#include "tests/kits/interface/InterfaceTest.h"
+
+#include <X11/keysym.h>
+
+#include "kits/app/Message.h"
+#include "kits/interface/Button.h"
+
+namespace {
+
+constexpr uint32 kPressed = 'prss';
+
+class ButtonTest : public InterfaceTest {
+protected:
+    ButtonTest()
+        : window(new RecordingWindow(BRect(50, 50, 249, 149)))
+        , button(new BButton(BRect(10, 10, 89, 39), "button", "Press", new BMessage(kPressed)))
+        , other(new BButton(BRect(100, 10, 179, 39), "other", "Other", new BMessage('othr'))) {
+        auto* panel = new BView(window->Bounds(), "panel", B_FOLLOW_ALL, B_WILL_DRAW);
+        panel->SetViewColor(216, 216, 216);
+        panel->AddChild(button);
+        panel->AddChild(other);
+        window->AddChild(panel);
+        window->onMessage = [this](BMessage& message) {
+            void* source = nullptr;
+            message.FindPointer("source", &source);
+            if (source == static_cast<BControl*>(button) && message.HasInt64("when"))
+                fromButton++;
+        };
+        Show(window);
+    }
+
+    bool IsPressed() { return button->Value() == B_CONTROL_ON; }
+    int Count(uint32 what) {
+        int count = 0;
+        WithLock(window, [&] {
+            count = static_cast<int>(
+                std::count(window->received.begin(), window->received.end(), what));
+        });
+        return count;
+    }
+    // Input of the first button has been handled once that of the second has.
+    void PassInput() {
+        const int before = Count('othr');
+        ClickAt(other, BPoint(20, 20));
+        EXPECT_TRUE(test::WaitUntil([&] { return Count('othr') == before + 1; }));
+    }
+
+    RecordingWindow* const window;
+    BButton* const button;
+    BButton* const other;
+    int fromButton = 0;
+};
+
+} // namespace
+
+TEST_F(ButtonTest, IsInvokedOnceByAClick) {
+    ClickAt(button, BPoint(20, 15));
+    PassInput();
+    EXPECT_EQ(Count(kPressed), 1);
+    EXPECT_EQ(fromButton, 1);
+    ClickAt(button, BPoint(20, 15), 3);
+    PassInput();
+    EXPECT_EQ(Count(kPressed), 1);
+}
+
+TEST_F(ButtonTest, LooksPressedWhileThePointerIsOverIt) {
+    const uint32_t idle = PixelAt(button, BPoint(8, 8));
+    MoveOver(button, BPoint(20, 15));
+    robot.Press();
+    EXPECT_TRUE(WaitFor(window, [&] { return IsPressed(); }));
+    EXPECT_TRUE(test::WaitUntil([&] { return PixelAt(button, BPoint(8, 8)) != idle; }));
+    MoveOver(window->ChildAt(0), BPoint(20, 80));
+    EXPECT_TRUE(WaitFor(window, [&] { return !IsPressed(); }));
+    EXPECT_TRUE(WaitForPixel(button, BPoint(8, 8), idle));
+    MoveOver(button, BPoint(22, 15));
+    EXPECT_TRUE(WaitFor(window, [&] { return IsPressed(); }));
+    robot.Release();
+    EXPECT_TRUE(test::WaitUntil([&] { return Count(kPressed) == 1; }));
+    EXPECT_TRUE(WaitForPixel(button, BPoint(8, 8), idle));
+}
+
+TEST_F(ButtonTest, ReleasedOutsideDoesNothing) {
+    MoveOver(button, BPoint(20, 15));
+    robot.Press();
+    ASSERT_TRUE(WaitFor(window, [&] { return IsPressed(); }));
+    MoveOver(other, BPoint(20, 15));
+    robot.Release();
+    PassInput();
+    EXPECT_EQ(Count(kPressed), 0);
+    EXPECT_EQ(Count('othr'), 1);
+    WithLock(window, [&] { EXPECT_FALSE(IsPressed()); });
+}
+
+TEST_F(ButtonTest, DisabledTakesNoInput) {
+    WithLock(window, [&] { button->SetEnabled(false); });
+    ClickAt(button, BPoint(20, 15));
+    PassInput();
+    EXPECT_EQ(Count(kPressed), 0);
+}
+
+TEST_F(ButtonTest, KeysPressTheDefaultAndTheFocusedButton) {
+    window->Activate();
+    ASSERT_TRUE(WaitFor(window, [&] { return window->IsActive(); }));
+    WithLock(window, [&] { button->MakeDefault(true); });
+    robot.Key(XK_Return);
+    EXPECT_TRUE(test::WaitUntil([&] { return Count(kPressed) == 1; }));
+    robot.Key(XK_Tab);
+    EXPECT_TRUE(WaitFor(window, [&] { return button->IsFocus(); }));
+    robot.Key(XK_Tab);
+    EXPECT_TRUE(WaitFor(window, [&] { return other->IsFocus(); }));
+    robot.Key(XK_space);
+    EXPECT_TRUE(test::WaitUntil([&] { return Count('othr') == 1; }));
+    EXPECT_EQ(Count(kPressed), 1);
+    WithLock(window, [&] {
+        other->MakeDefault(true);
+        EXPECT_FALSE(button->IsDefault());
+        EXPECT_EQ(window->DefaultButton(), other);
+    });
+}
+
+TEST_F(ButtonTest, ItsPreferredSizeHoldsItsLabel) {
+    float width = 0;
+    float height = 0;
+    WithLock(window, [&] {
+        button->SetLabel("A label that is a good deal longer");
+        button->GetPreferredSize(&width, &height);
+        EXPECT_GT(width, button->StringWidth(button->Label()) + 6);
+    });
+}

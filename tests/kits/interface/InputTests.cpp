@@ -1,0 +1,215 @@
+#include "tests/kits/interface/InterfaceTest.h"
+
+#include <X11/keysym.h>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "kits/kernel/OS.h"
+
+namespace {
+
+// A window with two views beside each other, the left one with a child.
+class InputTest : public InterfaceTest {
+protected:
+    InputTest()
+        : window(new RecordingWindow(BRect(50, 50, 249, 149)))
+        , left(new RecordingView(BRect(0, 0, 79, 99), "left"))
+        , right(new RecordingView(BRect(100, 0, 199, 99), "right"))
+        , child(new RecordingView(BRect(10, 10, 29, 29), "child")) {
+        left->AddChild(child);
+        window->AddChild(left);
+        window->AddChild(right);
+        Show(window);
+    }
+
+    std::vector<std::string> EventsOf(RecordingView* view) {
+        std::vector<std::string> events;
+        WithLock(window, [&] { events = view->events; });
+        return events;
+    }
+    bool Sees(RecordingView* view, const std::string& event, int times = 1) {
+        return WaitFor(window, [&] { return view->CountOf(event) >= times; });
+    }
+    void Activate() {
+        window->Activate();
+        ASSERT_TRUE(WaitFor(window, [&] { return window->IsActive(); }));
+    }
+    int CountReceived(uint32 what) {
+        int count = 0;
+        WithLock(window, [&] {
+            count = static_cast<int>(
+                std::count(window->received.begin(), window->received.end(), what));
+        });
+        return count;
+    }
+
+    RecordingWindow* const window;
+    RecordingView* const left;
+    RecordingView* const right;
+    RecordingView* const child;
+};
+
+} // namespace
+
+TEST_F(InputTest, GoesToTheDeepestViewUnderThePointer) {
+    ClickAt(child, BPoint(3, 4));
+    EXPECT_TRUE(Sees(child, "up"));
+    EXPECT_EQ(child->lastWhere, BPoint(3, 4));
+    ClickAt(left, BPoint(40, 40));
+    EXPECT_TRUE(Sees(left, "up"));
+    WithLock(window, [&] { child->Hide(); });
+    ClickAt(left, BPoint(15, 15));
+    EXPECT_TRUE(Sees(left, "up", 2));
+    EXPECT_EQ(EventsOf(child).back(), "exited");
+    EXPECT_EQ(right->CountOf("down") + right->CountOf("entered"), 0);
+}
+
+TEST_F(InputTest, TellsHowThePointerCrossesViews) {
+    MoveOver(left, BPoint(50, 50));
+    ASSERT_TRUE(Sees(left, "entered"));
+    MoveOver(left, BPoint(55, 55));
+    ASSERT_TRUE(Sees(left, "inside"));
+    MoveOver(right, BPoint(50, 50));
+    ASSERT_TRUE(Sees(right, "entered"));
+    EXPECT_EQ(left->CountOf("exited"), 1);
+    robot.MoveTo(900, 700);
+    EXPECT_TRUE(Sees(right, "exited"));
+    // How many moves a way takes is the server's affair.
+    std::vector<std::string> events = EventsOf(left);
+    events.erase(std::unique(events.begin(), events.end()), events.end());
+    EXPECT_EQ(events, (std::vector<std::string>{"entered", "inside", "exited"}));
+}
+
+TEST_F(InputTest, AMaskDeliversEverythingUntilTheButtonsAreUp) {
+    WithLock(window, [&] { left->mask = B_POINTER_EVENTS; });
+    MoveOver(left, BPoint(50, 50));
+    robot.Press();
+    ASSERT_TRUE(Sees(left, "down"));
+    MoveOver(right, BPoint(50, 50));
+    ASSERT_TRUE(Sees(right, "entered"));
+    EXPECT_TRUE(Sees(left, "exited"));
+    MoveOver(right, BPoint(55, 50));
+    EXPECT_TRUE(Sees(left, "outside"));
+    robot.MoveTo(700, 700);
+    EXPECT_TRUE(WaitFor(window, [&] { return left->lastWhere == BPoint(650, 650); }));
+    robot.Release();
+    EXPECT_TRUE(Sees(left, "up"));
+    MoveOver(right, BPoint(20, 20));
+    ASSERT_TRUE(Sees(right, "entered", 2));
+    EXPECT_EQ(EventsOf(left).back(), "up");
+}
+
+TEST_F(InputTest, CountsClicks) {
+    MoveOver(left, BPoint(50, 50));
+    robot.DoubleClick(50 + 50, 50 + 50);
+    ASSERT_TRUE(Sees(left, "up", 2));
+    WithLock(window, [&] { EXPECT_EQ(left->lastClicks, 2); });
+    ClickAt(right, BPoint(50, 50));
+    ASSERT_TRUE(Sees(right, "up"));
+    WithLock(window, [&] { EXPECT_EQ(right->lastClicks, 1); });
+}
+
+TEST_F(InputTest, PollingTheMouseSeesTheReleaseAndUsesItUp) {
+    BPoint released;
+    WithLock(window, [&] {
+        left->onMouseDown = [&](BView& view) {
+            BPoint where;
+            uint32 buttons = 1;
+            while (buttons != 0) {
+                view.GetMouse(&where, &buttons);
+                snooze(2000);
+            }
+            released = where;
+            left->events.push_back("released");
+        };
+    });
+    MoveOver(left, BPoint(50, 50));
+    robot.Press();
+    MoveOver(left, BPoint(60, 70));
+    robot.Release();
+    ASSERT_TRUE(Sees(left, "released"));
+    EXPECT_EQ(released, BPoint(60, 70));
+    ClickAt(right, BPoint(10, 10));
+    ASSERT_TRUE(Sees(right, "up"));
+    EXPECT_EQ(left->CountOf("up"), 0);
+}
+
+// As a title bar drawn by the program does it: the place in the view moves with the window.
+TEST_F(InputTest, AWindowCanBeDraggedByAView) {
+    struct Handle : BView {
+        Handle()
+            : BView(BRect(0, 0, 99, 19), "handle", B_FOLLOW_NONE, B_WILL_DRAW) {}
+        void MouseDown(BPoint where) override {
+            fGrabbed = where;
+            SetMouseEventMask(B_POINTER_EVENTS, B_NO_POINTER_HISTORY);
+        }
+        void MouseMoved(BPoint where, uint32, const BMessage*) override {
+            if (Window()->CurrentMessage()->GetInt32("buttons", 0) == 0)
+                return;
+            Window()->MoveTo(ConvertToScreen(where) - fGrabbed);
+            Sync();
+        }
+        BPoint fGrabbed;
+    };
+    auto* dragged = new RecordingWindow(BRect(400, 400, 499, 449));
+    dragged->AddChild(new Handle);
+    Show(dragged);
+    robot.Drag(410, 405, 613, 529, 1, 40);
+    EXPECT_TRUE(WaitFor(dragged, [&] { return dragged->Frame().LeftTop() == BPoint(603, 524); }));
+    robot.MoveTo(800, 600);
+    ASSERT_TRUE(Settle(dragged));
+    WithLock(dragged, [&] { EXPECT_EQ(dragged->Frame().LeftTop(), BPoint(603, 524)); });
+}
+
+TEST_F(InputTest, KeysGoToTheWindowOrToItsFocus) {
+    Activate();
+    robot.Key(XK_7);
+    EXPECT_TRUE(test::WaitUntil([&] { return CountReceived(B_KEY_UP) == 1; }));
+    EXPECT_EQ(CountReceived(B_KEY_DOWN), 1);
+    WithLock(window, [&] { left->MakeFocus(); });
+    robot.Key(XK_b);
+    EXPECT_TRUE(Sees(left, "key b"));
+    EXPECT_EQ(CountReceived(B_KEY_DOWN), 1);
+    WithLock(window, [&] { left->MakeFocus(false); });
+    int32 key = 0;
+    WithLock(window, [&] {
+        window->onMessage = [&](BMessage& message) {
+            if (message.what == B_KEY_DOWN)
+                key = message.GetInt32("key", 0);
+        };
+    });
+    robot.Key(XK_7);
+    EXPECT_TRUE(WaitFor(window, [&] { return key == 0x18; }));
+}
+
+TEST_F(InputTest, AKeyHeldWhileTheFocusGoesIsLetGo) {
+    Activate();
+    robot.KeyDown(XK_7);
+    ASSERT_TRUE(test::WaitUntil([&] { return CountReceived(B_KEY_DOWN) >= 1; }));
+    test::PlainWindow other(desktop, {400, 300, 100, 100});
+    other.Activate();
+    EXPECT_TRUE(test::WaitUntil([&] { return CountReceived(B_KEY_UP) == 1; }));
+    robot.KeyUp(XK_7);
+}
+
+TEST_F(InputTest, OldMovesAreDroppedWhenTheWindowIsBusy) {
+    MoveOver(left, BPoint(40, 40));
+    ASSERT_TRUE(Sees(left, "entered"));
+    int before = left->CountOf("inside");
+    WithLock(window, [&] {
+        for (int i = 0; i < 200; i++)
+            robot.MoveTo(90 + i % 20, 90);
+        robot.MoveTo(120, 140);
+        // The last one has arrived once it is the queue's newest.
+        EXPECT_TRUE(test::WaitUntil([&] {
+            BMessageQueue* queue = window->MessageQueue();
+            queue->Lock();
+            BMessage* newest = queue->FindMessage(queue->CountMessages() - 1);
+            bool last = newest && newest->GetPoint("where", B_ORIGIN) == BPoint(70, 90);
+            queue->Unlock();
+            return last;
+        }));
+    });
+    EXPECT_TRUE(WaitFor(window, [&] { return left->lastWhere == BPoint(70, 90); }));
+    WithLock(window, [&] { EXPECT_LE(left->CountOf("inside"), before + 2); });
+}

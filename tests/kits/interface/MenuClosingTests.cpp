@@ -1,0 +1,244 @@
+#include <X11/keysym.h>
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <thread>
+#include <unistd.h>
+
+#include "host/x11/Display.h"
+#include "kits/interface/MenuTracking.h"
+#include "tests/kits/interface/MenuDesktop.h"
+
+using test::Box;
+using test::WaitUntil;
+
+namespace {
+
+using MenuClosing = MenuTest;
+
+size_t CountThreads() {
+    size_t count = 0;
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator("/proc/self/task"))
+        count++;
+    return count;
+}
+
+TEST_F(MenuClosing, AnOutsideClickClosesItAndReachesNobody) {
+    AddThree();
+    // Would open a second menu, if it got the click.
+    BPopUpMenu other("other", false, false);
+    other.AddItem(new BMenuItem("Other", nullptr));
+    auto* window = new OpeningWindow(other, BPoint(150, 0));
+    ShowActive(window);
+
+    Open();
+    robot.MoveTo(350, 350);
+    robot.Press();
+    ASSERT_TRUE(WaitForMenus(0));
+    robot.Release();
+    EXPECT_EQ(Answer(), nullptr);
+    EXPECT_TRUE(IsInputFree());
+    EXPECT_TRUE(window->Answers().empty());
+
+    // The next click is the window's again, and the only one it gets.
+    robot.Click(350, 350);
+    ASSERT_TRUE(WaitForMenus(1));
+    robot.Key(XK_Escape);
+    EXPECT_TRUE(WaitUntil([&] { return window->Answers().size() == 1; }));
+}
+
+TEST_F(MenuClosing, AnOutsidePressThatIsHeldGivesTheInputBack) {
+    AddThree();
+    Open();
+    robot.MoveTo(350, 350);
+    robot.Press();
+    EXPECT_EQ(Answer(), nullptr);
+    robot.Release();
+    EXPECT_TRUE(IsInputFree());
+}
+
+TEST_F(MenuClosing, LosingTheFocusClosesIt) {
+    AddThree();
+    test::PlainWindow other(desktop, {600, 400, 80, 80});
+    ASSERT_TRUE(WaitUntil([&] { return screen.ActiveWindow() == other.Id(); }));
+    // That the other one had the focus before is known once this one has it.
+    auto* window = new OpeningWindow(menu, BPoint(150, 0));
+    ShowActive(window);
+    Open();
+    other.Activate();
+    EXPECT_EQ(Answer(), nullptr);
+    EXPECT_TRUE(IsInputFree());
+}
+
+class MenuOnMonitors : public MenuTest {
+protected:
+    ~MenuOnMonitors() override { Set({desktop.Frame()}); }
+
+    void Set(const std::vector<Box>& monitors) {
+        desktop.SetMonitors(monitors);
+        EXPECT_TRUE(WaitUntil([&] {
+            std::vector<Box> known;
+            for (const host::PixelRect& frame : host::Display::Shared()->Monitors())
+                known.push_back({frame.left, frame.top, frame.Width(), frame.Height()});
+            return std::is_permutation(known.begin(), known.end(), monitors.begin(),
+                                       monitors.end());
+        }));
+    }
+};
+
+TEST_F(MenuOnMonitors, AChangeClosesIt) {
+    AddThree();
+    Open();
+    Set({{0, 0, 640, 900}, {640, 0, 640, 900}});
+    EXPECT_EQ(Answer(), nullptr);
+    EXPECT_TRUE(IsInputFree());
+}
+
+TEST_F(MenuOnMonitors, ItLiesInsideTheOneOfItsPoint) {
+    AddThree();
+    const Box left{0, 0, 640, 900};
+    Set({left, {640, 0, 640, 900}});
+    Open(630, 890);
+    EXPECT_TRUE(left.Contains(Menus().at(0).frame));
+    Click(menu.ItemAt(0));
+    EXPECT_EQ(Answer(), menu.ItemAt(0));
+}
+
+TEST_F(MenuClosing, DismissalFromAnotherThreadClosesAllLevels) {
+    AddSubmenu("Sub", 3);
+    Open();
+    Click(menu.ItemAt(0));
+    ASSERT_TRUE(WaitForMenus(2));
+    std::thread(close_all_menus).join();
+    EXPECT_EQ(Answer(), nullptr);
+    EXPECT_TRUE(Menus().empty());
+    EXPECT_TRUE(IsInputFree());
+}
+
+TEST_F(MenuClosing, NoneOpensWhileTheyAreNotAllowed) {
+    AddThree();
+    allow_menus(false);
+    EXPECT_EQ(menu.Go(BPoint(100, 100), false, true), nullptr);
+    allow_menus(true);
+    Open();
+    Click(menu.ItemAt(0));
+    EXPECT_EQ(Answer(), menu.ItemAt(0));
+}
+
+TEST_F(MenuClosing, ASecondMenuDoesNotOpenBesideAnOpenOne) {
+    AddThree();
+    BPopUpMenu other("other", false, false);
+    other.AddItem(new BMenuItem("Other", nullptr));
+    Open();
+    EXPECT_EQ(other.Go(BPoint(300, 300), false, true), nullptr);
+    EXPECT_EQ(Menus().size(), 1u);
+    Click(menu.ItemAt(0));
+    EXPECT_EQ(Answer(), menu.ItemAt(0));
+}
+
+TEST_F(MenuClosing, ItDoesNotOpenWhileAnotherProgramHoldsTheInput) {
+    AddThree();
+    xcb_connection_t* connection = desktop.Connection();
+    for (bool pointer : {true, false}) {
+        if (pointer) {
+            xcb_grab_pointer_unchecked(connection, 0, desktop.Root(), 0, XCB_GRAB_MODE_ASYNC,
+                                       XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+        } else {
+            xcb_grab_keyboard_unchecked(connection, 0, desktop.Root(), XCB_CURRENT_TIME,
+                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        }
+        desktop.Sync();
+        auto answer =
+            std::async(std::launch::async, [&] { return menu.Go(BPoint(100, 100), false, true); });
+        bool wasSeen = false;
+        WaitUntil([&] {
+            wasSeen = wasSeen || !Menus().empty();
+            return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        });
+        EXPECT_EQ(answer.get(), nullptr);
+        EXPECT_FALSE(wasSeen);
+        xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
+        xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
+        desktop.Sync();
+        EXPECT_TRUE(IsInputFree());
+    }
+    Open();
+    Click(menu.ItemAt(0));
+    EXPECT_EQ(Answer(), menu.ItemAt(0));
+}
+
+TEST_F(MenuClosing, AnItemChosenInAnAsynchronousMenuIsInvoked) {
+    AddThree();
+    MessageCatcher* catcher = MessageCatcher::Start();
+    menu.SetTargetForItems(catcher);
+    EXPECT_EQ(menu.Go(BPoint(100, 100), true, true, true), nullptr);
+    ASSERT_TRUE(WaitForMenus(1));
+    Click(menu.ItemAt(2));
+    EXPECT_EQ(catcher->WaitFor(1).size(), 1u);
+    EXPECT_TRUE(WaitForMenus(0));
+    delete_menu_windows();
+    catcher->Lock();
+    catcher->Quit();
+}
+
+TEST_F(MenuClosing, ItemsMayBeRelabelledWhileItIsOpen) {
+    for (int i = 0; i < 20; i++)
+        Add("Item");
+    Open();
+    const int width = Menus().at(0).frame.width;
+    for (int round = 0; round < 50; round++) {
+        ASSERT_TRUE(menu.LockLooper());
+        for (int i = 0; i < 20; i++)
+            menu.ItemAt(i)->SetLabel(
+                std::string(static_cast<size_t>(i * round % 260), 'x').c_str());
+        menu.UnlockLooper();
+        robot.Key(XK_Down);
+    }
+    ASSERT_TRUE(menu.LockLooper());
+    menu.ItemAt(0)->SetLabel("A label that is longer than it was before");
+    for (int i = 1; i < 20; i++)
+        menu.ItemAt(i)->SetLabel("Item");
+    menu.UnlockLooper();
+    EXPECT_TRUE(WaitUntil([&] {
+        const int now = Menus().at(0).frame.width;
+        return now > width && now < 600;
+    }));
+    Click(menu.ItemAt(7));
+    EXPECT_EQ(Answer(), menu.ItemAt(7));
+}
+
+TEST_F(MenuClosing, ManyOpeningsLeaveNothingBehind) {
+    AddThree();
+    AddSubmenu("Sub", 3);
+    auto openAndClose = [&](int round) {
+        Open();
+        robot.Key(XK_End);
+        robot.Key(XK_Right);
+        ASSERT_TRUE(WaitForMenus(2));
+        if (round % 3 == 0)
+            robot.Click(700, 700);
+        else if (round % 3 == 1)
+            robot.Key(XK_Return);
+        else
+            close_all_menus();
+        Answer();
+    };
+    auto countWindows = [&] {
+        return screen.Windows([](const auto& window) { return window.pid == getpid(); }).size();
+    };
+    openAndClose(0);
+    const size_t threads = CountThreads();
+    const size_t windows = countWindows();
+    for (int round = 0; round < 200; round++)
+        openAndClose(round);
+    EXPECT_TRUE(Menus().empty());
+    EXPECT_TRUE(IsInputFree());
+    EXPECT_TRUE(WaitUntil([&] { return CountThreads() <= threads; }));
+    EXPECT_EQ(countWindows(), windows);
+
+    delete_menu_windows();
+    EXPECT_EQ(countWindows(), windows - 2);
+}
+
+} // namespace

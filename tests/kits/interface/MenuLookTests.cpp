@@ -1,0 +1,63 @@
+#include "tests/kits/interface/MenuDesktop.h"
+
+using test::Box;
+using test::Picture;
+
+namespace {
+
+using MenuLook = MenuTest;
+
+TEST_F(MenuLook, OpensWithItsCornerAtThePoint) {
+    AddThree();
+    Open(123, 77);
+    const Box frame = Menus().at(0).frame;
+    EXPECT_EQ(frame.x, 123);
+    EXPECT_EQ(frame.y, 77);
+}
+
+TEST_F(MenuLook, IsMovedWhollyOntoTheScreenAtEachCorner) {
+    AddThree();
+    const Box whole = desktop.Frame();
+    for (int x : {-20, whole.width - 1}) {
+        for (int y : {-20, whole.height - 1}) {
+            robot.MoveTo(whole.CenterX(), whole.CenterY());
+            Open(x, y);
+            EXPECT_TRUE(whole.Contains(Menus().at(0).frame)) << x << ", " << y;
+            Click(menu.ItemAt(0));
+            EXPECT_EQ(Answer(), menu.ItemAt(0));
+        }
+    }
+}
+
+TEST_F(MenuLook, ALongLabelIsCutToTheScreen) {
+    AddThree();
+    menu.ItemAt(1)->SetLabel(std::string(255, 'W').c_str());
+    menu.ItemAt(2)->SetLabel("\xff\xfe not \n UTF-8 \xc3");
+    Open();
+    const Box frame = Menus().at(0).frame;
+    EXPECT_EQ(frame.width, desktop.Frame().width);
+    // No ink in the room right of a label.
+    const Box item = Place(menu.ItemAt(1));
+    const uint32_t background = screen.Pixel(item.x + 2, item.y + 2);
+    const Picture end = screen.Grab({item.x + item.width - 19, item.y, 19, item.height});
+    EXPECT_EQ(end.Count(background), end.pixels.size());
+    Click(menu.ItemAt(2));
+    EXPECT_EQ(Answer(), menu.ItemAt(2));
+}
+
+TEST_F(MenuLook, MarksAndDisabledItemsAreSeen) {
+    AddThree();
+    menu.ItemAt(0)->SetMarked(true);
+    menu.ItemAt(1)->SetEnabled(false);
+    Open();
+    auto blackLeftOfLabel = [&](int index) {
+        const Box item = Place(menu.ItemAt(index));
+        return screen.Grab({item.x, item.y, 18, item.height}).Count(0x000000);
+    };
+    EXPECT_TRUE(test::WaitUntil([&] { return blackLeftOfLabel(0) > 8; }));
+    EXPECT_EQ(blackLeftOfLabel(2), 0u);
+    EXPECT_GT(screen.Grab(Place(menu.ItemAt(2))).Count(0x000000), 0u);
+    EXPECT_EQ(screen.Grab(Place(menu.ItemAt(1))).Count(0x000000), 0u);
+}
+
+} // namespace

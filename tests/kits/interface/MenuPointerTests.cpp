@@ -1,0 +1,279 @@
+#include <chrono>
+#include <thread>
+
+#include "tests/kits/interface/MenuDesktop.h"
+
+using test::Box;
+using test::WaitUntil;
+
+namespace {
+
+using MenuPointer = MenuTest;
+
+TEST_F(MenuPointer, TheSelectionFollows) {
+    AddThree();
+    Open();
+    for (int i : {0, 2, 1}) {
+        PointAt(menu.ItemAt(i));
+        EXPECT_TRUE(WaitForHighlight(menu.ItemAt(i)));
+    }
+    EXPECT_FALSE(IsHighlighted(menu.ItemAt(0)));
+    EXPECT_FALSE(IsHighlighted(menu.ItemAt(2)));
+    robot.MoveTo(800, 800);
+    EXPECT_TRUE(WaitUntil([&] { return !IsHighlighted(menu.ItemAt(1)); }));
+    EXPECT_TRUE(IsOpen());
+}
+
+TEST_F(MenuPointer, PrimaryAndSecondaryClicksChoose) {
+    AddThree();
+    for (int button : {1, 3}) {
+        Open();
+        Click(menu.ItemAt(1), button);
+        EXPECT_EQ(Answer(), menu.ItemAt(1));
+        EXPECT_TRUE(Menus().empty());
+        EXPECT_TRUE(IsInputFree());
+    }
+}
+
+TEST_F(MenuPointer, TertiaryClickLeavesTheMenuOpen) {
+    AddThree();
+    Open();
+    Click(menu.ItemAt(0), 2);
+    Click(menu.ItemAt(1));
+    EXPECT_EQ(Answer(), menu.ItemAt(1));
+}
+
+TEST_F(MenuPointer, ClicksOnWhatCannotBeChosenLeaveTheMenuOpen) {
+    AddThree();
+    menu.AddSeparatorItem();
+    menu.ItemAt(0)->SetEnabled(false);
+    Open();
+    Click(menu.ItemAt(0));
+    Click(menu.ItemAt(3));
+    EXPECT_FALSE(IsHighlighted(menu.ItemAt(0)));
+    Click(menu.ItemAt(2));
+    EXPECT_EQ(Answer(), menu.ItemAt(2));
+}
+
+TEST_F(MenuPointer, PressDragReleaseInsideChoosesWhereItEnds) {
+    AddThree();
+    Open();
+    PointAt(menu.ItemAt(0));
+    robot.Press();
+    PointAt(menu.ItemAt(2));
+    robot.Release();
+    EXPECT_EQ(Answer(), menu.ItemAt(2));
+}
+
+TEST_F(MenuPointer, DraggingOutOfTheMenuCancels) {
+    AddThree();
+    Open();
+    PointAt(menu.ItemAt(0));
+    robot.Press();
+    robot.MoveTo(700, 700);
+    robot.Release();
+    EXPECT_EQ(Answer(), nullptr);
+}
+
+TEST_F(MenuPointer, TheChosenItemSendsItsMessageAfterTheMenuClosed) {
+    AddThree();
+    MessageCatcher* catcher = MessageCatcher::Start();
+    menu.SetTargetForItems(catcher);
+    Open(100, 100, true);
+    Click(menu.ItemAt(1));
+    const std::vector<BMessage> caught = catcher->WaitFor(1);
+    EXPECT_TRUE(Menus().empty());
+    ASSERT_EQ(caught.size(), 1u);
+    EXPECT_EQ(caught[0].GetInt32("index", -1), 1);
+    EXPECT_EQ(Answer(), menu.ItemAt(1));
+    catcher->Lock();
+    catcher->Quit();
+}
+
+// The opening click.
+
+class OpeningClick : public MenuTest {
+protected:
+    // The menu's first item is under the pointer with an offset of (-20, -10).
+    void Show(BPoint offset) {
+        AddThree();
+        fWindow = new OpeningWindow(menu, offset);
+        ShowActive(fWindow);
+    }
+    BMenuItem* WindowsAnswer() {
+        WaitUntil([&] { return !fWindow->Answers().empty(); });
+        const std::vector<BMenuItem*> answers = fWindow->Answers();
+        EXPECT_EQ(answers.size(), 1u);
+        return answers.empty() ? nullptr : answers[0];
+    }
+
+    OpeningWindow* fWindow = nullptr;
+};
+
+TEST_F(OpeningClick, ItsReleaseOverTheMenuChoosesNothing) {
+    Show(BPoint(-20, -10));
+    robot.MoveTo(350, 350);
+    robot.Press();
+    ASSERT_TRUE(WaitForMenus(1));
+    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(0)));
+    robot.MoveTo(351, 351);
+    robot.Release();
+    Click(menu.ItemAt(2));
+    EXPECT_EQ(WindowsAnswer(), menu.ItemAt(2));
+}
+
+TEST_F(OpeningClick, ItsReleaseBesideTheMenuLeavesItOpen) {
+    Show(BPoint(100, 0));
+    robot.MoveTo(350, 350);
+    robot.Press();
+    ASSERT_TRUE(WaitForMenus(1));
+    robot.MoveTo(360, 365);
+    robot.Release();
+    Click(menu.ItemAt(1));
+    EXPECT_EQ(WindowsAnswer(), menu.ItemAt(1));
+}
+
+TEST_F(OpeningClick, DraggedToAnItemItChooses) {
+    Show(BPoint(100, 0));
+    robot.MoveTo(350, 350);
+    robot.Press();
+    ASSERT_TRUE(WaitForMenus(1));
+    PointAt(menu.ItemAt(2));
+    robot.Release();
+    EXPECT_EQ(WindowsAnswer(), menu.ItemAt(2));
+}
+
+TEST_F(OpeningClick, TheWindowStaysPaintedWhileItsLooperWaits) {
+    Show(BPoint(150, 0));
+    robot.Click(350, 350);
+    ASSERT_TRUE(WaitForMenus(1));
+    xcb_connection_t* connection = desktop.Connection();
+    const xcb_window_t cover = xcb_generate_id(connection);
+    const uint32_t values[] = {0xff00ff, 1};
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, cover, desktop.Root(), 320, 320, 60, 60, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+    xcb_map_window(connection, cover);
+    ASSERT_TRUE(WaitUntil([&] { return screen.Pixel(350, 350) == 0xff00ff; }));
+    xcb_destroy_window(connection, cover);
+    EXPECT_TRUE(WaitUntil([&] { return screen.Pixel(350, 350) == 0x0ac81e; }));
+    Click(menu.ItemAt(0));
+    EXPECT_EQ(WindowsAnswer(), menu.ItemAt(0));
+}
+
+// Without openAnyway.
+TEST_F(MenuPointer, WithNoButtonDownAMenuForAPressStaysClosed) {
+    AddThree();
+    EXPECT_EQ(menu.Go(BPoint(100, 100)), nullptr);
+    EXPECT_TRUE(IsInputFree());
+}
+
+// Sub-menus.
+
+TEST_F(MenuPointer, HoveringOpensASubmenuWhoseItemsCanBeChosen) {
+    BMenu* submenu = AddSubmenu("Sub", 3);
+    AddThree();
+    Open();
+    PointAt(menu.ItemAt(0));
+    ASSERT_TRUE(WaitForMenus(2));
+    Click(submenu->ItemAt(1));
+    EXPECT_EQ(Answer(), submenu->ItemAt(1));
+    EXPECT_TRUE(Menus().empty());
+}
+
+TEST_F(MenuPointer, AClickOpensASubmenuAndLeavesItOpen) {
+    BMenu* submenu = AddSubmenu("Sub", 3);
+    Open();
+    Click(menu.ItemAt(0));
+    ASSERT_TRUE(WaitForMenus(2));
+    Click(submenu->ItemAt(2));
+    EXPECT_EQ(Answer(), submenu->ItemAt(2));
+}
+
+TEST_F(MenuPointer, ASubmenuStaysWhileThePointerTravelsTowardsIt) {
+    BMenu* submenu = AddSubmenu("Sub", 8);
+    AddThree();
+    Open();
+    PointAt(menu.ItemAt(0));
+    ASSERT_TRUE(WaitForMenus(2));
+    const Box from = Place(menu.ItemAt(0));
+    const Box to = Place(submenu->ItemAt(3));
+    const int goalX = to.x + 10;
+    constexpr int kSteps = 40;
+    for (int i = 1; i <= kSteps; i++) {
+        robot.MoveTo(from.CenterX() + (goalX - from.CenterX()) * i / kSteps,
+                     from.CenterY() + (to.CenterY() - from.CenterY()) * i / kSteps);
+        // A hand's pace, so that every place is seen.
+        std::this_thread::sleep_for(std::chrono::milliseconds(4));
+    }
+    EXPECT_TRUE(WaitForHighlight(submenu->ItemAt(3)));
+    EXPECT_TRUE(IsHighlighted(menu.ItemAt(0)));
+    robot.Press();
+    robot.Release();
+    EXPECT_EQ(Answer(), submenu->ItemAt(3));
+}
+
+TEST_F(MenuPointer, ASubmenuClosesWhenThePointerGoesToANeighbour) {
+    AddSubmenu("Sub", 8);
+    AddThree();
+    Open();
+    PointAt(menu.ItemAt(0));
+    ASSERT_TRUE(WaitForMenus(2));
+    PointAt(menu.ItemAt(3));
+    EXPECT_TRUE(WaitForMenus(1));
+    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(3)));
+}
+
+TEST_F(MenuPointer, APointerThatStopsOnItsWayGetsWhatItIsOn) {
+    AddSubmenu("Sub", 8);
+    AddThree();
+    Open();
+    const Box first = Place(menu.ItemAt(0));
+    robot.MoveTo(first.x + 10, first.CenterY());
+    ASSERT_TRUE(WaitForMenus(2));
+    const Box second = Place(menu.ItemAt(1));
+    robot.MoveTo(second.x + second.width - 10, second.CenterY());
+    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(1)));
+    EXPECT_TRUE(WaitForMenus(1));
+}
+
+TEST_F(MenuPointer, ASubmenuOpensToTheLeftAtTheRightEdge) {
+    AddSubmenu("Sub", 3);
+    Open(desktop.Frame().width - 5, 100);
+    const Box first = Menus().at(0).frame;
+    EXPECT_EQ(first.x + first.width, desktop.Frame().width);
+    Click(menu.ItemAt(0));
+    ASSERT_TRUE(WaitForMenus(2));
+    for (const test::WindowInfo& window : Menus())
+        EXPECT_TRUE(desktop.Frame().Contains(window.frame));
+}
+
+// Tall menus.
+
+TEST_F(MenuPointer, ATallMenuScrollsByTheWheelAndAtItsEnds) {
+    for (int i = 0; i < 200; i++)
+        Add("Item " + std::to_string(i));
+    Open(desktop.Frame().width / 2, desktop.Frame().height / 2);
+    const Box frame = Menus().at(0).frame;
+    EXPECT_TRUE(desktop.Frame().Contains(frame));
+    EXPECT_EQ(frame.height, desktop.Frame().height);
+
+    robot.MoveTo(frame.CenterX(), frame.CenterY());
+    const int top = Place(menu.ItemAt(0)).y;
+    robot.Press(5);
+    robot.Release(5);
+    EXPECT_TRUE(WaitUntil([&] { return Place(menu.ItemAt(0)).y < top; }));
+    robot.Press(4);
+    robot.Release(4);
+    EXPECT_TRUE(WaitUntil([&] { return Place(menu.ItemAt(0)).y == top; }));
+
+    robot.MoveTo(frame.CenterX(), frame.y + frame.height - 5);
+    EXPECT_TRUE(WaitUntil([&] { return Place(menu.ItemAt(0)).y < top - 300; }));
+    robot.MoveTo(frame.CenterX(), frame.y + 5);
+    EXPECT_TRUE(WaitUntil([&] { return Place(menu.ItemAt(0)).y == top; }));
+
+    Click(menu.ItemAt(3));
+    EXPECT_EQ(Answer(), menu.ItemAt(3));
+}
+
+} // namespace

@@ -1,0 +1,200 @@
+#include "tests/kits/interface/InterfaceTest.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr rgb_color kRed{255, 0, 0, 255};
+constexpr rgb_color kGreen{0, 255, 0, 255};
+constexpr rgb_color kBlue{0, 0, 255, 255};
+
+class ViewTest : public InterfaceTest {};
+
+} // namespace
+
+TEST_F(ViewTest, FollowsItsParentsSize) {
+    BView parent(BRect(0, 0, 99, 99), "parent", B_FOLLOW_NONE, 0);
+    auto add = [&](uint32 mode) {
+        auto* child = new BView(BRect(10, 10, 29, 29), "child", mode, 0);
+        parent.AddChild(child);
+        return child;
+    };
+    BView* stays = add(B_FOLLOW_NONE);
+    BView* corner = add(B_FOLLOW_RIGHT | B_FOLLOW_BOTTOM);
+    BView* sides = add(B_FOLLOW_ALL_SIDES);
+    BView* center = add(B_FOLLOW_H_CENTER | B_FOLLOW_TOP);
+    parent.ResizeTo(119, 109);
+    EXPECT_EQ(stays->Frame(), BRect(10, 10, 29, 29));
+    EXPECT_EQ(corner->Frame(), BRect(30, 20, 49, 39));
+    EXPECT_EQ(sides->Frame(), BRect(10, 10, 49, 39));
+    EXPECT_EQ(center->Frame(), BRect(20, 10, 39, 29));
+}
+
+TEST_F(ViewTest, DrawingWithoutAWindowDoesNothing) {
+    BView view(BRect(0, 0, 9, 9), "alone", B_FOLLOW_NONE, B_WILL_DRAW);
+    view.FillRect(view.Bounds());
+    view.StrokeLine(BPoint(1, 1), BPoint(7, 3));
+    EXPECT_EQ(view.PenLocation(), BPoint(7, 3));
+    view.DrawString("text", BPoint(0, 8));
+    EXPECT_GT(view.PenLocation().x, 0);
+    view.Invalidate();
+    view.Sync();
+    BPoint where(5, 5);
+    uint32 buttons = 7;
+    view.GetMouse(&where, &buttons);
+    EXPECT_EQ(buttons, 0u);
+    EXPECT_NE(view.SetMouseEventMask(B_POINTER_EVENTS), B_OK);
+}
+
+TEST_F(ViewTest, HooksRunWhenATreeIsAttachedAndDetached) {
+    struct Hooked : BView {
+        Hooked(const char* name, std::string& calls)
+            : BView(BRect(0, 0, 9, 9), name, B_FOLLOW_NONE, 0)
+            , fCalls(calls) {}
+        void AttachedToWindow() override { fCalls += std::string("+") + Name(); }
+        void AllAttached() override { fCalls += std::string("*") + Name(); }
+        void DetachedFromWindow() override { fCalls += std::string("-") + Name(); }
+        std::string& fCalls;
+    };
+    std::string calls;
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* parent = new Hooked("p", calls);
+    auto* child = new Hooked("c", calls);
+    parent->AddChild(child);
+    window->AddChild(parent);
+    EXPECT_EQ(calls, "+p+c*c*p");
+    EXPECT_EQ(child->Parent(), parent);
+    EXPECT_EQ(parent->Parent(), nullptr);
+    EXPECT_EQ(window->FindView("c"), child);
+    EXPECT_EQ(child->Looper(), window);
+    calls.clear();
+    EXPECT_TRUE(window->RemoveChild(parent));
+    EXPECT_EQ(calls, "-p-c");
+    EXPECT_EQ(child->Window(), nullptr);
+    EXPECT_EQ(child->Looper(), nullptr);
+    delete parent;
+    window->Quit();
+}
+
+TEST_F(ViewTest, IsClippedToItsParentsAndNotCoveredByThem) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* parent = new RecordingView(BRect(10, 10, 49, 49), "parent", kGreen);
+    auto* child = new RecordingView(BRect(30, 30, 69, 69), "child", kRed);
+    parent->onDraw = [](BView& view) {
+        view.SetHighColor(kBlue);
+        view.FillRect({-100, 20, 100, 100});
+    };
+    parent->AddChild(child);
+    window->AddChild(parent);
+    Show(window);
+    EXPECT_TRUE(WaitForPixel(parent, BPoint(35, 35), 0xff0000));
+    EXPECT_EQ(PixelAt(parent, BPoint(29, 29)), 0x0000ffu);
+    EXPECT_EQ(PixelAt(parent, BPoint(39, 39)), 0xff0000u);
+    EXPECT_EQ(PixelAt(parent, BPoint(0, 19)), 0x00ff00u);
+    EXPECT_EQ(PixelAt(parent, BPoint(0, 20)), 0x0000ffu);
+    EXPECT_EQ(PixelAt(parent, BPoint(-1, 25)), 0xffffffu);
+    EXPECT_EQ(PixelAt(parent, BPoint(40, 40)), 0xffffffu);
+}
+
+TEST_F(ViewTest, IsDrawnOnlyWhereItWasInvalidated) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* left = new RecordingView(BRect(0, 0, 39, 99), "left");
+    auto* right = new RecordingView(BRect(50, 0, 99, 99), "right");
+    window->AddChild(left);
+    window->AddChild(right);
+    Show(window);
+    WithLock(window, [&] {
+        left->draws.clear();
+        right->draws.clear();
+        right->SetViewColor(kRed);
+        right->Invalidate({10, 10, 19, 19});
+        right->Invalidate({15, 15, 24, 29});
+    });
+    ASSERT_TRUE(Settle(window));
+    EXPECT_TRUE(WaitForPixel(right, BPoint(24, 29), 0xff0000));
+    EXPECT_EQ(PixelAt(right, BPoint(9, 10)), 0xffffffu);
+    EXPECT_EQ(PixelAt(right, BPoint(10, 25)), 0xffffffu);
+    EXPECT_EQ(PixelAt(right, BPoint(24, 10)), 0xffffffu);
+    WithLock(window, [&] {
+        EXPECT_TRUE(left->draws.empty());
+        ASSERT_EQ(right->draws.size(), 1u);
+        EXPECT_EQ(right->draws[0], BRect(10, 10, 24, 29));
+    });
+}
+
+TEST_F(ViewTest, GrowingDrawsOnlyWhatIsNewUnlessAllIsAskedFor) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* view = new RecordingView(BRect(0, 0, 39, 39), "view");
+    window->AddChild(view);
+    Show(window);
+    auto drawsAfter = [&](float width) {
+        WithLock(window, [&] {
+            view->draws.clear();
+            view->ResizeTo(width, 39);
+        });
+        Settle(window);
+        std::vector<BRect> draws;
+        WithLock(window, [&] { draws = view->draws; });
+        return draws;
+    };
+    EXPECT_EQ(drawsAfter(59), std::vector{BRect(40, 0, 59, 39)});
+    WithLock(window, [&] { view->SetFlags(view->Flags() | B_FULL_UPDATE_ON_RESIZE); });
+    EXPECT_EQ(drawsAfter(69), std::vector{BRect(0, 0, 69, 39)});
+}
+
+TEST_F(ViewTest, MovingAndHidingUncoverWhatIsBehind) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* back = new RecordingView(BRect(0, 0, 99, 99), "back", kGreen);
+    auto* front = new RecordingView(BRect(10, 10, 29, 29), "front", kRed);
+    back->AddChild(front);
+    window->AddChild(back);
+    Show(window);
+    EXPECT_TRUE(WaitForPixel(back, BPoint(15, 15), 0xff0000));
+    WithLock(window, [&] {
+        front->MoveTo(50, 50);
+        window->UpdateIfNeeded();
+    });
+    EXPECT_TRUE(WaitForPixel(back, BPoint(55, 55), 0xff0000));
+    EXPECT_EQ(PixelAt(back, BPoint(15, 15)), 0x00ff00u);
+    WithLock(window, [&] {
+        front->Hide();
+        window->UpdateIfNeeded();
+    });
+    EXPECT_TRUE(WaitForPixel(back, BPoint(55, 55), 0x00ff00));
+}
+
+TEST_F(ViewTest, DrawingOutsideAnUpdateIsShownByFlush) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* view = new RecordingView(BRect(10, 10, 49, 49), "view", kGreen);
+    window->AddChild(view);
+    Show(window);
+    WithLock(window, [&] {
+        view->SetHighColor(kBlue);
+        view->FillRect({-20, 5, 200, 9});
+        view->Flush();
+    });
+    EXPECT_TRUE(WaitForPixel(view, BPoint(39, 9), 0x0000ff));
+    EXPECT_EQ(PixelAt(view, BPoint(-1, 7)), 0xffffffu);
+    EXPECT_EQ(PixelAt(view, BPoint(40, 7)), 0xffffffu);
+    EXPECT_EQ(PixelAt(view, BPoint(0, 10)), 0x00ff00u);
+}
+
+TEST_F(ViewTest, TextStaysInsideTheWidthItWasMeasuredWith) {
+    auto* window = new RecordingWindow(BRect(20, 20, 219, 69));
+    BFont bold(be_bold_font);
+    const float width = std::ceil(bold.StringWidth("Measured 0123"));
+    auto* view = new RecordingView(BRect(0, 0, 199, 49), "view");
+    view->onDraw = [](BView& drawn) {
+        drawn.SetFont(be_bold_font);
+        drawn.DrawString("Measured 0123", BPoint(10, 20));
+    };
+    window->AddChild(view);
+    Show(window);
+    auto inked = [&](int left, int right) {
+        const test::Picture part = screen.Grab({20 + left, 20, right - left, 50});
+        return part.pixels.size() - part.Count(0xffffff);
+    };
+    EXPECT_TRUE(test::WaitUntil([&] { return inked(10, 10 + static_cast<int>(width)) > 100; }));
+    EXPECT_EQ(inked(0, 10), 0u);
+    EXPECT_EQ(inked(11 + static_cast<int>(width), 200), 0u);
+}

@@ -1,0 +1,167 @@
+#include "tests/kits/interface/InterfaceTest.h"
+
+#include <cmath>
+#include <limits>
+
+#include "kits/app/AppDefs.h"
+#include "kits/interface/Alert.h"
+#include "kits/interface/Monitors.h"
+#include "kits/interface/Screen.h"
+
+namespace {
+
+class WindowTest : public InterfaceTest {
+protected:
+    // The content of the program's one visible window, as the server has it; the border is part of
+    // the server's window.
+    test::Box OnServer() {
+        auto windows = ShownWindows(screen);
+        if (windows.empty())
+            return {};
+        const test::Box whole = windows.back().frame;
+        return {whole.x + 1, whole.y + 1, whole.width - 2, whole.height - 2};
+    }
+};
+
+// In a process of its own: a process has one display and one scale.
+void RestorePlaces(int dpi) {
+    test::PrivateDesktop desktop({.dpi = dpi});
+    test::Screen screen(desktop);
+    if (connect_display() != B_OK)
+        _exit(2);
+    const int border = static_cast<int>(std::lround(dpi / 96.0));
+    for (int at = 100; at < 140; at += 7) {
+        // What a settings file keeps of a window at this pixel.
+        const float stored = static_cast<float>(at / (dpi / 96.0));
+        auto* window =
+            new RecordingWindow(BRect(stored, stored + 3, stored + 232, stored + 3 + 24));
+        window->Show();
+        auto shown = [&] {
+            auto windows = ShownWindows(screen);
+            return windows.size() == 1 && windows[0].frame.x == at - border;
+        };
+        if (!test::WaitUntil(shown))
+            _exit(3);
+        if (!window->Lock() || window->Frame().left != stored ||
+            window->Bounds() != BRect(0, 0, 232, 24))
+            _exit(4);
+        window->Quit();
+        if (!test::WaitUntil([&] { return ShownWindows(screen).empty(); }))
+            _exit(5);
+    }
+    _exit(0);
+}
+
+} // namespace
+
+TEST_F(WindowTest, IsWhereItsFrameSaysAndComesBackThere) {
+    auto* window = new RecordingWindow(BRect(33, 47, 33 + 232, 47 + 24));
+    Show(window);
+    EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{33, 47, 233, 25}; }));
+    WithLock(window, [&] {
+        window->MoveTo(201, 77);
+        window->ResizeTo(21, 263);
+        EXPECT_EQ(window->Frame(), BRect(201, 77, 222, 340));
+    });
+    EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{201, 77, 22, 264}; }));
+    ASSERT_TRUE(Settle(window));
+    WithLock(window, [&] { EXPECT_EQ(window->Frame(), BRect(201, 77, 222, 340)); });
+}
+
+TEST_F(WindowTest, StoredPlacesComeBackToThePixelAtEveryScale) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(RestorePlaces(96), ::testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(RestorePlaces(120), ::testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(RestorePlaces(144), ::testing::ExitedWithCode(0), "");
+}
+
+TEST_F(WindowTest, ImpossiblePlacesAreBroughtInside) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (BPoint place : {BPoint(5000, 10), BPoint(-4000, -4000), BPoint(infinity, -infinity),
+                         BPoint(nan, nan), BPoint(1e30f, 20)}) {
+        auto* window = new RecordingWindow(BRect(place.x, place.y, place.x + 99, place.y + 49));
+        WithLock(window, [&] { window->ResizeTo(99, 49); });
+        Show(window);
+        const test::Box whole = desktop.Frame();
+        EXPECT_TRUE(test::WaitUntil([&] { return whole.Contains(OnServer()); }))
+            << place.x << ", " << place.y;
+        WithLock(window, [&] {
+            EXPECT_TRUE(BScreen().Frame().Contains(window->Frame()));
+            window->Hide();
+        });
+        EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{}; }));
+    }
+}
+
+TEST_F(WindowTest, ComesBackWhenItsMonitorGoes) {
+    const test::Box whole = desktop.Frame();
+    const test::Box left{0, 0, whole.width / 2, whole.height};
+    const test::Box right{whole.width / 2, 0, whole.width / 2, whole.height};
+    desktop.SetMonitors({left, right});
+    auto* window = new RecordingWindow(BRect(900, 50, 999, 99));
+    Show(window);
+    EXPECT_TRUE(test::WaitUntil([&] { return OnServer().x == 900; }));
+    desktop.SetMonitors({left});
+    EXPECT_TRUE(test::WaitUntil([&] { return left.Contains(OnServer()); }));
+    desktop.SetMonitors({whole});
+}
+
+TEST_F(WindowTest, ShowsAgainAfterBeingHidden) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* view = new RecordingView(BRect(0, 0, 99, 99), "view", {255, 0, 0, 255});
+    window->AddChild(view);
+    Show(window);
+    EXPECT_TRUE(WaitForPixel(view, BPoint(50, 50), 0xff0000));
+    window->Hide();
+    EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{}; }));
+    WithLock(window, [&] {
+        view->SetViewColor(0, 0, 255);
+        view->Invalidate();
+    });
+    window->Show();
+    EXPECT_TRUE(WaitForPixel(view, BPoint(50, 50), 0x0000ff));
+}
+
+TEST_F(WindowTest, TellsItsViewsWhenTheFocusComesAndGoes) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
+    auto* view = new RecordingView(BRect(0, 0, 99, 99), "view");
+    window->AddChild(view);
+    Show(window);
+    window->Activate();
+    EXPECT_TRUE(WaitFor(window, [&] { return window->IsActive(); }));
+    EXPECT_TRUE(WaitFor(window, [&] { return view->CountOf("active") == 1; }));
+    test::PlainWindow other(desktop, {300, 300, 100, 100});
+    other.Activate();
+    EXPECT_TRUE(WaitFor(window, [&] { return !window->IsActive(); }));
+    EXPECT_TRUE(WaitFor(window, [&] { return view->CountOf("inactive") == 1; }));
+}
+
+TEST_F(WindowTest, IsMinimizedAndBack) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119), B_TITLED_WINDOW_LOOK);
+    Show(window);
+    window->Minimize(true);
+    EXPECT_TRUE(test::WaitUntil([&] { return window->IsMinimized(); }));
+    window->Activate();
+    EXPECT_TRUE(test::WaitUntil([&] { return !window->IsMinimized(); }));
+}
+
+TEST_F(WindowTest, TheWindowManagersCloseQuitsAnOrdinaryWindow) {
+    auto* window = new RecordingWindow(BRect(20, 20, 119, 119), B_TITLED_WINDOW_LOOK);
+    const BMessenger messenger(window);
+    Show(window);
+    auto shown = ShownWindows(screen);
+    ASSERT_EQ(shown.size(), 1u);
+    screen.Close(shown[0].id);
+    EXPECT_TRUE(test::WaitUntil([&] { return !messenger.IsValid(); }));
+}
+
+TEST(Monitors, AWindowIsMovedOnlyWhenNoMonitorShowsIt) {
+    const std::vector<host::PixelRect> monitors = {{0, 0, 1000, 800}, {1000, 200, 1800, 800}};
+    const host::PixelRect partly{-20, -20, 10, 10};
+    EXPECT_EQ(BroughtInside(monitors, partly), partly);
+    EXPECT_EQ(BroughtInside(monitors, {1900, 100, 2000, 150}),
+              (host::PixelRect{1700, 200, 1800, 250}));
+    EXPECT_EQ(BroughtInside(monitors, {-500, 900, -400, 950}), (host::PixelRect{0, 750, 100, 800}));
+    EXPECT_EQ(BroughtInside(monitors, {5000, 300, 7000, 2000}).left, 1000);
+}

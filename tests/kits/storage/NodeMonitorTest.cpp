@@ -1,0 +1,188 @@
+#include "kits/storage/NodeMonitor.h"
+
+#include <mutex>
+#include <vector>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Looper.h"
+#include "kits/app/Message.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/Node.h"
+#include "tests/kits/storage/StorageFixture.h"
+#include "tests/support/Wait.h"
+
+namespace test {
+
+class Collector : public BLooper {
+public:
+    void MessageReceived(BMessage* message) override {
+        std::lock_guard lock(fMutex);
+        fMessages.push_back(*message);
+    }
+
+    std::vector<BMessage> Messages() const {
+        std::lock_guard lock(fMutex);
+        return fMessages;
+    }
+
+private:
+    mutable std::mutex fMutex;
+    std::vector<BMessage> fMessages;
+};
+
+class NodeMonitorTest : public StorageTest {
+protected:
+    NodeMonitorTest() {
+        MakeFolder("folder");
+        MakeFolder("other");
+        MakeFile("folder/file");
+        fCollector->Run();
+        fMessenger = BMessenger(fCollector);
+    }
+    ~NodeMonitorTest() override { QuitCollector(); }
+
+    void QuitCollector() {
+        if (!fCollector)
+            return;
+        stop_watching(fMessenger);
+        fCollector->Lock();
+        fCollector->Quit();
+        fCollector = nullptr;
+    }
+
+    node_ref NodeOf(const std::string& name) const {
+        node_ref node;
+        EXPECT_EQ(BEntry(In(name).c_str()).GetNodeRef(&node), B_OK) << name;
+        return node;
+    }
+    // The message at `index`, when it has come.
+    BMessage Message(size_t index) const {
+        EXPECT_TRUE(WaitUntil([&] { return fCollector->Messages().size() > index; }));
+        auto messages = fCollector->Messages();
+        return index < messages.size() ? messages[index] : BMessage();
+    }
+    static int32 Int32(const BMessage& message, const char* field) {
+        int32 value = -1;
+        EXPECT_EQ(message.FindInt32(field, &value), B_OK) << field;
+        return value;
+    }
+    static int64 Int64(const BMessage& message, const char* field) {
+        int64 value = -1;
+        EXPECT_EQ(message.FindInt64(field, &value), B_OK) << field;
+        return value;
+    }
+    static std::string String(const BMessage& message, const char* field) {
+        const char* value = "";
+        EXPECT_EQ(message.FindString(field, &value), B_OK) << field;
+        return value;
+    }
+    void ExpectNode(const BMessage& message, int32 opcode, node_ref node) {
+        EXPECT_EQ(message.what, uint32(B_NODE_MONITOR));
+        EXPECT_EQ(Int32(message, "opcode"), opcode);
+        EXPECT_EQ(Int32(message, "device"), node.device);
+        EXPECT_EQ(Int64(message, "node"), node.node);
+    }
+    void Rename(const std::string& from, const std::string& to) const {
+        std::filesystem::rename(OnDisk(from), OnDisk(to));
+    }
+
+    Collector* fCollector = new Collector;
+    BMessenger fMessenger;
+};
+
+TEST_F(NodeMonitorTest, MessagesHaveTheirFields) {
+    node_ref folder = NodeOf("folder");
+    node_ref other = NodeOf("other");
+    node_ref file = NodeOf("folder/file");
+    ASSERT_EQ(watch_node(&folder, B_WATCH_NAME | B_WATCH_DIRECTORY, fMessenger), B_OK);
+    ASSERT_EQ(watch_node(&other, B_WATCH_DIRECTORY, fCollector), B_OK);
+    ASSERT_EQ(watch_node(&file, B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR, fMessenger), B_OK);
+
+    Rename("folder/file", "other/datei");
+    BMessage moved = Message(0);
+    ExpectNode(moved, B_ENTRY_MOVED, file);
+    EXPECT_EQ(Int64(moved, "from directory"), folder.node);
+    EXPECT_EQ(Int64(moved, "to directory"), other.node);
+    EXPECT_EQ(String(moved, "name"), "datei");
+    // The ref that the message makes leads to the file.
+    entry_ref ref(Int32(moved, "device"), Int64(moved, "to directory"), "datei");
+    EXPECT_TRUE(BEntry(&ref).Exists());
+
+    BNode(In("other/datei").c_str()).WriteAttr("META:url", B_STRING_TYPE, 0, "x", 2);
+    BMessage attribute = Message(1);
+    ExpectNode(attribute, B_ATTR_CHANGED, file);
+    EXPECT_EQ(String(attribute, "attr"), "META:url");
+    EXPECT_EQ(Int32(attribute, "cause"), B_ATTR_CREATED);
+
+    std::filesystem::resize_file(OnDisk("other/datei"), 10);
+    ExpectNode(Message(2), B_STAT_CHANGED, file);
+
+    std::filesystem::remove(OnDisk("other/datei"));
+    BMessage removed = Message(3);
+    ExpectNode(removed, B_ENTRY_REMOVED, file);
+    EXPECT_EQ(Int64(removed, "directory"), other.node);
+
+    MakeFolder("folder/new");
+    BMessage created = Message(4);
+    ExpectNode(created, B_ENTRY_CREATED, NodeOf("folder/new"));
+    EXPECT_EQ(Int64(created, "directory"), folder.node);
+    EXPECT_EQ(String(created, "name"), "new");
+}
+
+TEST_F(NodeMonitorTest, EachTargetIsToldOnItsOwn) {
+    node_ref folder = NodeOf("folder");
+    auto* second = new Collector;
+    second->Run();
+    ASSERT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, fMessenger), B_OK);
+    ASSERT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, second), B_OK);
+    MakeFolder("folder/one");
+    ASSERT_TRUE(WaitUntil([&] { return second->Messages().size() == 1; }));
+    Message(0);
+
+    ASSERT_EQ(watch_node(&folder, B_STOP_WATCHING, second), B_OK);
+    EXPECT_EQ(watch_node(&folder, B_STOP_WATCHING, second), B_BAD_VALUE);
+    MakeFolder("folder/two");
+    EXPECT_EQ(String(Message(1), "name"), "two");
+    EXPECT_EQ(second->Messages().size(), 1u);
+    ASSERT_EQ(stop_watching(fMessenger), B_OK);
+    EXPECT_EQ(stop_watching(fMessenger), B_BAD_VALUE);
+    second->Lock();
+    second->Quit();
+}
+
+TEST_F(NodeMonitorTest, TargetThatIsGoneIsForgotten) {
+    node_ref folder = NodeOf("folder");
+    auto* second = new Collector;
+    second->Run();
+    BMessenger gone(second);
+    ASSERT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, gone), B_OK);
+    second->Lock();
+    second->Quit();
+    ASSERT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, fMessenger), B_OK);
+    MakeFolder("folder/one");
+    EXPECT_EQ(String(Message(0), "name"), "one");
+    EXPECT_TRUE(WaitUntil([&] { return stop_watching(gone) == B_BAD_VALUE; }));
+    EXPECT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, gone), B_BAD_HANDLER);
+}
+
+TEST_F(NodeMonitorTest, RefFollowsARenamedFolder) {
+    node_ref home;
+    ASSERT_EQ(BEntry("/boot/home").GetNodeRef(&home), B_OK);
+    entry_ref ref;
+    ASSERT_EQ(get_ref_for_path(In("folder/file").c_str(), &ref), B_OK);
+    ASSERT_EQ(watch_node(&home, B_WATCH_DIRECTORY, fMessenger), B_OK);
+    Rename("folder", "renamed");
+    ExpectNode(Message(0), B_ENTRY_MOVED, NodeOf("renamed"));
+    EXPECT_TRUE(BEntry(&ref).Exists());
+}
+
+TEST_F(NodeMonitorTest, RefusesWhatMakesNoSense) {
+    node_ref folder = NodeOf("folder");
+    node_ref unknown = {folder.device, 1};
+    EXPECT_EQ(watch_node(nullptr, B_WATCH_NAME, fMessenger), B_BAD_VALUE);
+    EXPECT_EQ(watch_node(&folder, 0x1000, fMessenger), B_BAD_VALUE);
+    EXPECT_EQ(watch_node(&folder, B_WATCH_NAME, BMessenger()), B_BAD_HANDLER);
+    EXPECT_EQ(watch_node(&unknown, B_WATCH_NAME, fMessenger), B_ENTRY_NOT_FOUND);
+}
+
+} // namespace test
