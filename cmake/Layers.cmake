@@ -25,3 +25,12 @@ layer(host_x11 host/x11 LINKS host_loop host_draw PkgConfig::XCB PkgConfig::XKB)
 layer(kits_app kits/app LINKS kits_kernel host_session host_files nlohmann_json::nlohmann_json)
 layer(kits_storage kits/storage LINKS kits_app)
 layer(kits_interface kits/interface LINKS kits_storage host_x11 host_draw)
+layer(quillbar_base quillbar/app LINKS kits_interface
+    SOURCES ${PROJECT_SOURCE_DIR}/quillbar/app/Settings.cpp
+            ${PROJECT_SOURCE_DIR}/quillbar/app/SettingsFile.cpp
+            ${PROJECT_SOURCE_DIR}/quillbar/app/Commands.cpp
+            ${PROJECT_SOURCE_DIR}/quillbar/app/Trace.cpp)
+layer(quillbar_widgets quillbar/bar/widgets LINKS quillbar_base)
+layer(quillbar_store quillbar/store LINKS quillbar_widgets)
+layer(quillbar_bar quillbar/bar LINKS quillbar_store)
+layer(quillbar_app quillbar/app LINKS quillbar_bar EXCLUDE Settings.cpp SettingsFile.cpp Commands.cpp Trace.cpp main.cpp)

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/PrivateDesktop.h"
+
+namespace bench {
+
+// One of the programs that are compared.
+struct Subject {
+    std::string name;
+    std::string program;
+    // Somewhere in its window, and a press there.
+    int x;
+    int y;
+    bool hasMenu;
+    bool pressCloses; // the menu; otherwise Escape does
+    // The last of its menu's black pixels on the screen; learnt by a start that is not measured.
+    int menuX = 0;
+    int menuY = 0;
+
+    std::vector<double> start = {};     // process start to painted, ms
+    std::vector<double> firstMenu = {}; // press to painted menu, ms
+    std::vector<double> laterMenus = {};
+    std::vector<double> pss = {};          // KiB
+    std::vector<double> privateDirty = {}; // KiB
+    double wakeUps = 0;                    // a second, while nothing happens
+};
+
+// Measures programs on a desktop of its own, whose root is filled with a colour that no program
+// shows.
+class DesktopBench {
+public:
+    explicit DesktopBench(test::PrivateDesktop& desktop);
+
+    void LearnMenu(Subject& subject);
+    // One start, the memory after it, and the menu's first and later openings.
+    void Measure(Subject& subject);
+    void MeasureWakeUps(std::vector<Subject>& subjects, int seconds);
+
+private:
+    double OpenMenu(const Subject& subject);
+
+    test::PrivateDesktop& fDesktop;
+};
+
+} // namespace bench

@@ -1,0 +1,76 @@
+#include "quillbar/app/Application.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "kits/storage/Path.h"
+#include "quillbar/app/Commands.h"
+#include "quillbar/app/QuitFilters.h"
+#include "quillbar/app/Settings.h"
+#include "quillbar/bar/MainWindow.h"
+
+namespace {
+
+constexpr const char* kSettingsPath = "/boot/home/config/settings/Quillbar.settings";
+
+// No screen reaches further; what lies beyond is not a place that a window was moved to.
+constexpr float kFarthest = 32'000;
+
+BPoint PlaceOnScreen(BPoint stored) {
+    auto within = [](float value) {
+        return std::isfinite(value) ? std::clamp(value, -kFarthest, kFarthest) : 0;
+    };
+    return {within(stored.x), within(stored.y)};
+}
+
+} // namespace
+
+QBApp::QBApp()
+    : BApplication(kAppSig)
+    , fMainWindowActive(false) {}
+
+QBApp::~QBApp() {
+    if (!gSettings)
+        return;
+    gSettings->Save();
+    SetEmergencyAction({});
+    delete gSettings;
+    gSettings = nullptr;
+}
+
+void QBApp::ReadyToRun() {
+    gSettings = new QBSettings(BPath(kSettingsPath));
+    gSettings->Load();
+    SetEmergencyAction([settings = gSettings] { settings->Save(); });
+
+    const BPoint place = PlaceOnScreen(gSettings->GetPos());
+    auto* window = new QBMainWindow(BRect(place.x, place.y, 0, 0));
+    window->Show();
+
+    AddFilter(new QBRemoteFilter());
+    AddFilter(new QBLocalFilter());
+}
+
+bool QBApp::QuitRequested() {
+    return BApplication::QuitRequested();
+}
+
+void QBApp::MessageReceived(BMessage* message) {
+    switch (message->what) {
+    case kQBWindowActive:
+        fMainWindowActive = true;
+        break;
+    case kQBWindowInactive:
+        fMainWindowActive = false;
+        break;
+    case B_NODE_MONITOR:
+        // The window's refresh; what the message says is not passed on.
+        if (QBMainWindow::fMsgWindow)
+            QBMainWindow::fMsgWindow->SendMessage(B_NODE_MONITOR);
+        break;
+    default:
+        BApplication::MessageReceived(message);
+    }
+}

@@ -1,0 +1,150 @@
+#include "quillbar/bar/MainWindow.h"
+
+#include "kits/app/Message.h"
+#include "kits/app/Messenger.h"
+#include "kits/app/Roster.h"
+#include "kits/interface/Alert.h"
+#include "kits/interface/Font.h"
+#include "kits/interface/PopUpMenu.h"
+#include "kits/kernel/Locker.h"
+#include "kits/support/String.h"
+#include "quillbar/app/Settings.h"
+#include "quillbar/bar/Browsers.h"
+#include "quillbar/bar/widgets/Bar.h"
+#include "quillbar/bar/widgets/Button.h"
+#include "quillbar/store/Monitor.h"
+
+BMessenger* QBMainWindow::fMsgWindow = nullptr;
+QBMonitor* QBMainWindow::fMonitor = nullptr;
+BLocker* QBMainWindow::fLocker = nullptr;
+
+namespace {
+
+constexpr uint32 kFlags = B_NOT_RESIZABLE | B_NOT_CLOSABLE | B_NOT_ZOOMABLE |
+                          B_WILL_ACCEPT_FIRST_CLICK | B_AVOID_FRONT | B_ASYNCHRONOUS_CONTROLS;
+static_assert(kFlags == 0x800F2);
+
+constexpr float kButtonSize = 20;
+
+// Where things are in one of the two layouts.
+struct Layout {
+    BPoint size;
+    BPoint firstButton;
+    BPoint step;
+};
+constexpr float kBarThickness = 14;
+const Layout kRow{{232, 24}, {kBarThickness, 0}, {22, 0}};
+const Layout kColumn{{21, 263}, {1, kBarThickness}, {0, 25}};
+
+const Layout& LayoutOf(QBAlign align) {
+    return align == kQBAlignHorizontal ? kRow : kColumn;
+}
+
+BPoint ButtonPlace(const Layout& layout, int digit) {
+    const float count = static_cast<float>(digit);
+    return layout.firstButton + BPoint(layout.step.x * count, layout.step.y * count);
+}
+
+} // namespace
+
+QBMainWindow::QBMainWindow(BRect frame)
+    : BWindow(BRect(frame.LeftTop(), frame.LeftTop() + kColumn.size), "Quillbar",
+              B_BORDERED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL, kFlags, B_ALL_WORKSPACES)
+    , fKeyDown(false)
+    , fMainView(nullptr)
+    , fButtons{}
+    , fSettingsMenu(nullptr)
+    , fBrowserItem(nullptr)
+    , fShowURLYesItem(nullptr)
+    , fShowURLNoItem(nullptr)
+    , fAlignHItem(nullptr)
+    , fAlignVItem(nullptr)
+    , fOnTopItem(nullptr)
+    , fHotKeyItems{}
+    , fBar(nullptr) {
+    if (gSettings->GetAlign() == kQBAlignHorizontal)
+        ResizeTo(kRow.size.x, kRow.size.y);
+    if (gSettings->GetOnTop())
+        SetFeel(B_FLOATING_ALL_WINDOW_FEEL);
+    InitWindow();
+}
+
+QBMainWindow::~QBMainWindow() {
+    delete fMsgWindow;
+    fMsgWindow = nullptr;
+    gSettings->SetPos(Frame().LeftTop());
+    delete fMonitor;
+    fMonitor = nullptr;
+    delete fLocker;
+    fLocker = nullptr;
+    delete fSettingsMenu;
+}
+
+void QBMainWindow::InitWindow() {
+    fMonitor = new QBMonitor(this, BMessenger(this));
+    fMsgWindow = new BMessenger(this);
+    fLocker = new BLocker("store");
+    AddViews();
+    // The first message, handled when the window has been painted.
+    PostMessage(kQBPrepareMenus);
+    if (!ExistNetPos() && !ExistOpera())
+        WarnWithoutBrowser();
+    fKeyDown = false;
+}
+
+void QBMainWindow::AddViews() {
+    const rgb_color color = gSettings->GetColor();
+    const QBAlign align = gSettings->GetAlign();
+    const Layout& layout = LayoutOf(align);
+
+    fMainView = new BView(Bounds(), "qb_main_view", B_FOLLOW_NONE, B_WILL_DRAW);
+    AddChild(fMainView);
+    fMainView->SetViewColor(color);
+
+    fBar = new QBBar();
+    fMainView->AddChild(fBar);
+    fBar->SetAlign(align);
+
+    for (int digit = 0; digit < 10; ++digit) {
+        const BPoint place = ButtonPlace(layout, digit);
+        BString label;
+        label << static_cast<int32>(digit);
+        auto* button =
+            new QBButton(BRect(place, place + BPoint(kButtonSize, kButtonSize)), "qb_main_button",
+                         label.String(), new BMessage(QBFolder[digit]), B_FOLLOW_NONE, B_WILL_DRAW);
+        fMainView->AddChild(button);
+        fButtons[digit] = button;
+        button->SetTarget(this, nullptr);
+        button->SetFont(be_bold_font, B_FONT_ALL);
+        button->SetViewColor(color);
+    }
+}
+
+void QBMainWindow::WarnWithoutBrowser() {
+    auto* alert = new BAlert("",
+                             "I could not find Opera or NetPositive installed on your system! "
+                             "You will not be able to launch any bookmarks!",
+                             "Bummer!", nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
+    alert->Go();
+}
+
+void QBMainWindow::HandleAlignChange(QBAlign align) {
+    if (align == gSettings->GetAlign())
+        return;
+    gSettings->SetAlign(align);
+    const Layout& layout = LayoutOf(align);
+    ResizeTo(layout.size.x, layout.size.y);
+    fMainView->ResizeTo(layout.size.x, layout.size.y);
+    fBar->SetAlign(align);
+    fBar->Invalidate();
+    for (int digit = 0; digit < 10; ++digit)
+        fButtons[digit]->MoveTo(ButtonPlace(layout, digit));
+}
+
+bool QBMainWindow::ExistOpera() const {
+    return be_roster->FindApp(kOperaSignature, nullptr) == B_OK;
+}
+
+bool QBMainWindow::ExistNetPos() const {
+    return be_roster->FindApp(kNetPositiveSignature, nullptr) == B_OK;
+}

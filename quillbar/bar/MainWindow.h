@@ -1,0 +1,84 @@
+#pragma once
+
+#include "kits/interface/Window.h"
+#include "quillbar/app/Commands.h"
+
+class BLocker;
+class BMenuItem;
+class BMessenger;
+class BPopUpMenu;
+class BView;
+class QBBar;
+class QBButton;
+class QBMonitor;
+
+// The bar: a drag strip and ten folder buttons in a row or a column. It owns the store and carries
+// out the program's commands. The store, its menus and the settings are used on its thread.
+class QBMainWindow : public BWindow {
+public:
+    // Only the left-top corner of `frame` is used. Builds the store and the views, and warns when
+    // no browser is installed; the caller shows the window. The settings menu is built when the
+    // window has been painted, before any other message is handled.
+    explicit QBMainWindow(BRect frame);
+
+    // Keeps the window's place in the settings, and frees the store.
+    ~QBMainWindow() override;
+
+    void MessageReceived(BMessage* message) override;
+    void WorkspacesChanged(uint32 oldWorkspaces, uint32 newWorkspaces) override;
+    void WindowActivated(bool active) override;
+
+    void InitWindow();
+
+    // Lays the bar out anew, with its left-top corner where it is. Does nothing if it is laid out
+    // so.
+    void HandleAlignChange(QBAlign align);
+
+    // Opens the URL of a slot in the chosen browser. Both numbers count from one.
+    void Launch(int folder, int slot);
+
+    bool ExistOpera() const;
+    bool ExistNetPos() const;
+
+    BPopUpMenu* SettingsMenu() const { return fSettingsMenu; }
+
+    // To the bar window; null before it is there and after it has gone.
+    static BMessenger* fMsgWindow;
+    // The store, and the lock that whoever uses it holds. The lock is recursive.
+    static QBMonitor* fMonitor;
+    static BLocker* fLocker;
+
+private:
+    void AddViews();
+    void BuildSettingsMenu();
+    void AddBrowserItem(const char* label, uint32 command, QBBrowser browser, bool isInstalled,
+                        bool isOnly);
+    void WarnWithoutBrowser();
+    void PrepareMenus();
+
+    bool HandleFolderCode(BMessage* message);
+    void ShowFolderMenu(int digit);
+    void ShowSettingsMenu();
+    void ChooseAlign(QBAlign align);
+    void ChooseBrowser(QBBrowser browser, BMessage* message);
+    void ChooseShowURL(bool show);
+    void ToggleHotKey(uint32 command);
+    void ToggleOnTop();
+    void HandleNodeMonitor(BMessage* message);
+    void HandlePaste(BMessage* message);
+    void HandleKeyDown(BMessage* message);
+    void HandleUnmappedKeyDown(BMessage* message);
+
+    bool fKeyDown;
+    BView* fMainView;
+    QBButton* fButtons[10];
+    BPopUpMenu* fSettingsMenu;
+    BMenuItem* fBrowserItem;
+    BMenuItem* fShowURLYesItem;
+    BMenuItem* fShowURLNoItem;
+    BMenuItem* fAlignHItem;
+    BMenuItem* fAlignVItem;
+    BMenuItem* fOnTopItem;
+    BMenuItem* fHotKeyItems[6];
+    QBBar* fBar;
+};

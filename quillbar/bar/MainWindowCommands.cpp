@@ -1,0 +1,261 @@
+#include "kits/app/AppDefs.h"
+#include "kits/app/Application.h"
+#include "kits/app/Message.h"
+#include "kits/app/Messenger.h"
+#include "kits/app/Roster.h"
+#include "kits/interface/Alert.h"
+#include "kits/interface/MenuItem.h"
+#include "kits/interface/PopUpMenu.h"
+#include "kits/kernel/Locker.h"
+#include "kits/support/String.h"
+#include "quillbar/app/Settings.h"
+#include "quillbar/app/Trace.h"
+#include "quillbar/bar/Browsers.h"
+#include "quillbar/bar/HotKeys.h"
+#include "quillbar/bar/MainWindow.h"
+#include "quillbar/bar/Shortcuts.h"
+#include "quillbar/bar/widgets/Bar.h"
+#include "quillbar/bar/widgets/Button.h"
+#include "quillbar/bar/widgets/Menu.h"
+#include "quillbar/store/Item.h"
+#include "quillbar/store/Monitor.h"
+#include "quillbar/store/Path.h"
+
+void QBMainWindow::MessageReceived(BMessage* message) {
+    if (HandleFolderCode(message))
+        return;
+    switch (message->what) {
+    case kQBAlignHorizontally:
+        ChooseAlign(kQBAlignHorizontal);
+        break;
+    case kQBAlignVertically:
+        ChooseAlign(kQBAlignVertical);
+        break;
+    case kQBUseOpera:
+        ChooseBrowser(kQBOpera, message);
+        break;
+    case kQBUseNetPositive:
+        ChooseBrowser(kQBNetPositive, message);
+        break;
+    case kQBShowURLYes:
+        ChooseShowURL(true);
+        break;
+    case kQBShowURLNo:
+        ChooseShowURL(false);
+        break;
+    case kQBToggleAltKey:
+    case kQBToggleShiftKey:
+    case kQBToggleControlKey:
+    case kQBToggleWindowsKey:
+    case kQBToggleMenuKey:
+    case kQBToggleDeleteKey:
+        ToggleHotKey(message->what);
+        break;
+    case kQBToggleOnTop:
+        ToggleOnTop();
+        break;
+    case kQBShowSettings:
+        ShowSettingsMenu();
+        break;
+    case kQBPrepareMenus:
+        PrepareMenus();
+        break;
+    case B_NODE_MONITOR:
+        HandleNodeMonitor(message);
+        break;
+    case B_PASTE:
+        HandlePaste(message);
+        break;
+    case B_KEY_DOWN:
+        HandleKeyDown(message);
+        break;
+    case B_KEY_UP:
+        fKeyDown = false;
+        break;
+    case B_UNMAPPED_KEY_DOWN:
+        HandleUnmappedKeyDown(message);
+        break;
+    default:
+        BWindow::MessageReceived(message);
+    }
+}
+
+void QBMainWindow::WindowActivated(bool active) {
+    for (QBButton* button : fButtons)
+        button->Invalidate();
+    fBar->Invalidate();
+    be_app_messenger.SendMessage(active ? kQBWindowActive : kQBWindowInactive);
+}
+
+void QBMainWindow::WorkspacesChanged(uint32, uint32 newWorkspaces) {
+    SetWorkspaces(newWorkspaces);
+}
+
+bool QBMainWindow::HandleFolderCode(BMessage* message) {
+    for (int digit = 0; digit < 10; ++digit) {
+        if (message->what != QBFolder[digit])
+            continue;
+        int32 slot = 0;
+        if (message->FindInt32("slot", &slot) != B_OK)
+            ShowFolderMenu(digit);
+        else if (slot >= 1 && slot <= 10)
+            Launch(digit + 1, slot);
+        return true;
+    }
+    return false;
+}
+
+// The store stays locked while the menu is up, so that it does not change under it.
+void QBMainWindow::ShowFolderMenu(int digit) {
+    fLocker->Lock();
+    QBButton* button = fButtons[digit];
+    const BRect bounds = button->Bounds();
+    const bool isRow = gSettings->GetAlign() == kQBAlignHorizontal;
+    const BPoint point = button->ConvertToScreen(isRow ? bounds.LeftBottom() : bounds.RightTop());
+    Trace(__PRETTY_FUNCTION__, "Showing menu");
+    fMonitor->fPaths[digit]->Menu()->Go(point, true, true, false);
+    Trace(__PRETTY_FUNCTION__, "Menu shown");
+    fLocker->Unlock();
+}
+
+void QBMainWindow::ShowSettingsMenu() {
+    const BPoint point = fBar->ConvertToScreen(fBar->Bounds().RightTop());
+    fSettingsMenu->Go(point, true, true, false);
+}
+
+void QBMainWindow::PrepareMenus() {
+    BuildSettingsMenu();
+    fLocker->Lock();
+    for (QBPath* folder : fMonitor->fPaths)
+        folder->Menu()->PrepareLayout();
+    fLocker->Unlock();
+    fSettingsMenu->PrepareLayout();
+}
+
+void QBMainWindow::ChooseAlign(QBAlign align) {
+    fAlignHItem->SetMarked(align == kQBAlignHorizontal);
+    fAlignVItem->SetMarked(align != kQBAlignHorizontal);
+    HandleAlignChange(align);
+}
+
+void QBMainWindow::ChooseBrowser(QBBrowser browser, BMessage* message) {
+    gSettings->SetBrowser(browser);
+    void* source = nullptr;
+    if (message->FindPointer("source", &source) != B_OK)
+        return;
+    if (fBrowserItem)
+        fBrowserItem->SetMarked(false);
+    fBrowserItem = static_cast<BMenuItem*>(source);
+    fBrowserItem->SetMarked(true);
+}
+
+void QBMainWindow::ChooseShowURL(bool show) {
+    if (gSettings->GetShowURL() == show)
+        return;
+    gSettings->SetShowURL(show);
+    fLocker->Lock();
+    fMonitor->UpdateMenus();
+    fLocker->Unlock();
+    fShowURLYesItem->SetMarked(show);
+    fShowURLNoItem->SetMarked(!show);
+}
+
+void QBMainWindow::ToggleHotKey(uint32 command) {
+    int index = 0;
+    while (kHotKeys[index].command != command)
+        ++index;
+    const int32 bit = kHotKeys[index].bit;
+    BMenuItem* item = fHotKeyItems[index];
+    const int32 keys = gSettings->GetHotKey();
+
+    if (!item->IsMarked()) {
+        gSettings->SetHotKey(keys | bit);
+        item->SetMarked(true);
+        return;
+    }
+    if ((keys & ~bit) != 0) {
+        gSettings->SetHotKey(keys & ~bit);
+        item->SetMarked(false);
+        return;
+    }
+    auto* alert =
+        new BAlert("", "You must have a least one hot key set to be able to use this feature!",
+                   "OK", nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
+    if (command == kQBToggleWindowsKey)
+        alert->Go(nullptr);
+    else
+        alert->Go();
+}
+
+void QBMainWindow::ToggleOnTop() {
+    const bool onTop = !gSettings->GetOnTop();
+    gSettings->SetOnTop(onTop);
+    fOnTopItem->SetMarked(onTop);
+    SetFeel(onTop ? B_FLOATING_ALL_WINDOW_FEEL : B_NORMAL_WINDOW_FEEL);
+}
+
+void QBMainWindow::HandleNodeMonitor(BMessage* message) {
+    fLocker->Lock();
+    fMonitor->HandleNodeMessage(message);
+    fLocker->Unlock();
+}
+
+void QBMainWindow::HandlePaste(BMessage* message) {
+    const void* data = nullptr;
+    ssize_t size = 0;
+    if (message->FindData("RGBColor", B_RGB_COLOR_TYPE, &data, &size) != B_OK ||
+        size < static_cast<ssize_t>(sizeof(rgb_color)))
+        return;
+    const rgb_color color = *static_cast<const rgb_color*>(data);
+    for (QBButton* button : fButtons) {
+        button->SetViewColor(color);
+        button->Invalidate();
+    }
+    fMainView->SetViewColor(color);
+    fMainView->Invalidate();
+    fBar->SetViewColor(color);
+    fBar->Invalidate();
+    gSettings->SetColor(color);
+}
+
+void QBMainWindow::HandleKeyDown(BMessage* message) {
+    if (fKeyDown)
+        return;
+    fKeyDown = true;
+    int32 key = 0;
+    if (message->FindInt32("key", &key) != B_OK)
+        return;
+    const int digit = FolderOfKey(key);
+    if (digit >= 0)
+        fButtons[digit]->Invoke();
+    else if (key == kSettingsKey)
+        fBar->Invoke();
+}
+
+void QBMainWindow::HandleUnmappedKeyDown(BMessage* message) {
+    int32 key = 0;
+    if (message->FindInt32("key", &key) == B_OK && key == kKeypad5)
+        fButtons[5]->Invoke();
+}
+
+void QBMainWindow::Launch(int folder, int slot) {
+    if (!ExistNetPos() && !ExistOpera())
+        return;
+    fLocker->Lock();
+    const BString url = fMonitor->fPaths[folder - 1]->Items()[slot - 1]->Url();
+    fLocker->Unlock();
+
+    const char* signature = nullptr;
+    switch (gSettings->GetBrowser()) {
+    case kQBOpera:
+        signature = kOperaSignature;
+        break;
+    case kQBNetPositive:
+        signature = kNetPositiveSignature;
+        break;
+    default:
+        return;
+    }
+    const char* const arguments[] = {url.String()};
+    be_roster->Launch(signature, 1, arguments);
+}

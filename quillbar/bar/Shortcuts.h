@@ -1,0 +1,11 @@
+#pragma once
+
+#include "kits/support/SupportDefs.h"
+
+// The bar's keyboard shortcuts, by the platform's raw key codes.
+inline constexpr int32 kSettingsKey = 0x50; // "B"
+inline constexpr int32 kKeypad5 = 0x49;
+
+// The digit of the folder whose menu the key opens, or -1: the digits of the main row and of the
+// keypad.
+int FolderOfKey(int32 key);

@@ -1,0 +1,37 @@
+#include "quillbar/bar/widgets/Bevel.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kStep = 80;
+
+rgb_color Shifted(rgb_color color, int by) {
+    auto shift = [by](uint8 channel) {
+        return static_cast<uint8>(std::clamp(channel + by, 0, 255));
+    };
+    return {shift(color.red), shift(color.green), shift(color.blue), color.alpha};
+}
+
+} // namespace
+
+BevelPair BevelOf(rgb_color base) {
+    return {Shifted(base, kStep), Shifted(base, -kStep)};
+}
+
+void StrokeLeftTop(BView* view, BRect frame, rgb_color color) {
+    view->SetHighColor(color);
+    view->StrokeLine(frame.RightTop(), frame.LeftTop());
+    view->StrokeLine(frame.LeftTop(), frame.LeftBottom());
+}
+
+void StrokeRightBottom(BView* view, BRect frame, rgb_color color) {
+    view->SetHighColor(color);
+    view->StrokeLine(frame.LeftBottom(), frame.RightBottom());
+    view->StrokeLine(frame.RightBottom(), frame.RightTop());
+}
+
+void FillWith(BView* view, BRect rect, rgb_color color) {
+    view->SetHighColor(color);
+    view->FillRect(rect);
+}

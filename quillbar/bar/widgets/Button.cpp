@@ -1,0 +1,75 @@
+#include "quillbar/bar/widgets/Button.h"
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "kits/app/Messenger.h"
+#include "kits/interface/Font.h"
+#include "kits/interface/Window.h"
+#include "quillbar/bar/widgets/Bevel.h"
+
+QBButton::QBButton(BRect frame, const char* name, const char* label, BMessage* message,
+                   uint32 resizingMode, uint32 flags)
+    : BButton(frame, name, label, message, resizingMode, flags)
+    , fPressed(false)
+    , fTracking(false) {}
+
+void QBButton::MessageReceived(BMessage* message) {
+    if (message->what != B_PASTE) {
+        BButton::MessageReceived(message);
+        return;
+    }
+    BMessenger(Window()).SendMessage(message, static_cast<BHandler*>(nullptr), B_INFINITE_TIMEOUT);
+}
+
+void QBButton::Draw(BRect) {
+    const BRect bounds = Bounds();
+    rgb_color fill = ViewColor();
+    auto [light, dark] = BevelOf(fill);
+    const float tint = fPressed                ? B_DARKEN_2_TINT
+                       : !Window()->IsActive() ? B_DARKEN_1_TINT
+                                               : B_NO_TINT;
+    fill = tint_color(fill, tint);
+    light = tint_color(light, tint);
+    dark = tint_color(dark, tint);
+
+    StrokeLeftTop(this, bounds, light);
+    StrokeRightBottom(this, bounds, dark);
+    FillWith(this, bounds.InsetByCopy(1, 1), fill);
+
+    font_height metrics;
+    GetFontHeight(&metrics);
+    const int height = static_cast<int>(metrics.ascent + metrics.descent + metrics.leading);
+    const float x = bounds.left + (bounds.Width() - StringWidth(Label())) / 2;
+    const float y = (bounds.Height() + bounds.top) / 2 + (bounds.Height() - height) / 2;
+    SetHighColor(rgb_color{0, 0, 0, 255});
+    SetLowColor(fill);
+    DrawString(Label(), BPoint(x, y));
+}
+
+void QBButton::MouseDown(BPoint) {
+    fPressed = true;
+    fTracking = true;
+    Window()->Activate(true);
+    SetMouseEventMask(B_POINTER_EVENTS, B_LOCK_WINDOW_FOCUS | B_NO_POINTER_HISTORY);
+    Invalidate();
+}
+
+void QBButton::MouseUp(BPoint where) {
+    const bool chosen = fPressed && Bounds().Contains(where);
+    if (chosen)
+        Invoke();
+    fTracking = false;
+    fPressed = false;
+    Invalidate();
+}
+
+void QBButton::MouseMoved(BPoint, uint32 transit, const BMessage*) {
+    if (!fTracking || (transit != B_EXITED_VIEW && transit != B_ENTERED_VIEW))
+        return;
+    fPressed = transit == B_ENTERED_VIEW;
+    Invalidate();
+}
+
+status_t QBButton::Invoke(BMessage* message) {
+    return BControl::Invoke(message);
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "kits/interface/Button.h"
+
+// A folder button of the bar: bevelled, flat, darker while it is pressed or its window inactive.
+class QBButton : public BButton {
+public:
+    QBButton(BRect frame, const char* name, const char* label, BMessage* message,
+             uint32 resizingMode, uint32 flags);
+
+    // A dropped colour goes on to the window.
+    void MessageReceived(BMessage* message) override;
+    void Draw(BRect updateRect) override;
+    void MouseDown(BPoint where) override;
+    void MouseUp(BPoint where) override;
+    void MouseMoved(BPoint where, uint32 transit, const BMessage* message) override;
+    // At once: the base's moment of looking pressed would not be seen, and the menu would wait.
+    status_t Invoke(BMessage* message = nullptr) override;
+
+private:
+    bool fPressed;
+    bool fTracking;
+};

@@ -1,0 +1,69 @@
+#include "quillbar/bar/widgets/Menu.h"
+
+#include "kits/app/Message.h"
+#include "kits/interface/Window.h"
+#include "quillbar/app/Trace.h"
+#include "quillbar/bar/widgets/MenuItem.h"
+
+namespace {
+
+constexpr int32 kEscape = 1;
+constexpr int32 kKeypadSlash = 35;
+// The title and the separator come before the slots.
+constexpr int32 kFirstSlot = 2;
+
+// The digit on a key of the keypad, or 0 for any other key.
+char KeypadDigit(int32 key) {
+    switch (key) {
+    case 100:
+        return '0';
+    case 88:
+    case 89:
+    case 90:
+        return static_cast<char>('1' + key - 88);
+    case 72:
+    case 73:
+    case 74:
+        return static_cast<char>('4' + key - 72);
+    case 55:
+    case 56:
+    case 57:
+        return static_cast<char>('7' + key - 55);
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+QBMenu::QBMenu(const char* name, bool radioMode, bool labelFromMarked, menu_layout layout)
+    : BPopUpMenu(name, radioMode, labelFromMarked, layout) {}
+
+void QBMenu::KeyDown(const char*, int32) {
+    const BMessage* message = Window() ? Window()->CurrentMessage() : nullptr;
+    int32 key = 0;
+    if (!message || message->FindInt32("key", &key) != B_OK)
+        return;
+    Trace(__PRETTY_FUNCTION__, "Key = 0x%x", static_cast<unsigned>(key));
+    if (key == kEscape || key == kKeypadSlash)
+        Hide();
+    else if (const char digit = KeypadDigit(key))
+        Choose(digit);
+}
+
+void QBMenu::Choose(char digit) {
+    Trace(__PRETTY_FUNCTION__, "Digit = %c", digit);
+    for (int32 i = kFirstSlot; i < CountItems(); ++i) {
+        auto* item = dynamic_cast<QBMenuItem*>(ItemAt(i));
+        if (!item)
+            continue;
+        const char first = item->Label()[0];
+        Trace(__PRETTY_FUNCTION__, "First character = %c", first);
+        if (first == digit) {
+            Trace(__PRETTY_FUNCTION__, "Found the item");
+            item->Invoke();
+            Hide();
+            return;
+        }
+    }
+}

@@ -1,0 +1,5 @@
+#include "quillbar/bar/widgets/MenuItem.h"
+
+status_t QBMenuItem::Invoke(BMessage*) {
+    return BMenuItem::Invoke();
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "kits/interface/MenuItem.h"
+
+// The head of a folder menu: the folder's name in bold. It sends nothing.
+class QBTitleItem : public BMenuItem {
+public:
+    QBTitleItem(const char* label, BMessage* message, char shortcut, uint32 modifiers);
+
+    // The height of the label's tallest glyph.
+    float FindTallest() const;
+
+protected:
+    void GetContentSize(float* width, float* height) override;
+    void DrawContent() override;
+};

@@ -1,0 +1,4 @@
+#pragma once
+
+// Ends the process at once, with status 1, without asking the windows. The settings are saved.
+[[noreturn]] void EndProgram();

@@ -1,0 +1,135 @@
+#include "quillbar/store/Item.h"
+
+#include <vector>
+
+#include "kits/app/Message.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/Node.h"
+#include "kits/storage/NodeMonitor.h"
+#include "quillbar/app/Commands.h"
+#include "quillbar/app/Settings.h"
+#include "quillbar/app/Trace.h"
+#include "quillbar/bar/widgets/MenuItem.h"
+#include "quillbar/store/StoreNames.h"
+
+namespace {
+
+constexpr const char* kEmptyLabel = "Add Bookmark Here";
+
+// False if the node has no such attribute. One that cannot be read is the empty string.
+bool ReadText(BNode& node, const char* name, BString& text) {
+    attr_info info;
+    if (node.GetAttrInfo(name, &info) != B_OK)
+        return false;
+    std::vector<char> buffer(static_cast<size_t>(info.size));
+    const ssize_t read = node.ReadAttr(name, B_STRING_TYPE, 0, buffer.data(), buffer.size());
+    buffer.resize(read > 0 ? static_cast<size_t>(read) : 0);
+    buffer.push_back('\0');
+    text = buffer.data();
+    return true;
+}
+
+} // namespace
+
+QBItem::QBItem(BHandler* target, int number, int folder)
+    : fNumber(number)
+    , fFolder(folder)
+    , fValid(false)
+    , fMessage(nullptr)
+    , fTarget(target)
+    , fMenuItem(nullptr) {
+    Trace(__PRETTY_FUNCTION__, "Number = %d, Folder = %d", number, folder);
+    CreateMenuItem(kEmptyLabel, kQBAddBookmarkHere);
+    fMessage->AddInt32("folder", fFolder);
+    fMessage->AddInt32("slot", fNumber);
+}
+
+QBItem::QBItem(const char* path, int number, int folder, BHandler* target)
+    : fNumber(number)
+    , fFolder(folder)
+    , fValid(false)
+    , fMessage(nullptr)
+    , fTarget(target)
+    , fMenuItem(nullptr) {
+    Trace(__PRETTY_FUNCTION__, "Number = %d, Folder = %d", number, folder);
+    SetFile(path);
+    fMessage->AddInt32("folder", fFolder);
+    fMessage->AddInt32("slot", fNumber);
+}
+
+void QBItem::CreateMenuItem(const char* label, uint32 what) {
+    fMessage = new BMessage(what);
+    fMenuItem = new QBMenuItem(label, fMessage);
+    fMenuItem->SetTarget(fTarget, nullptr);
+}
+
+bool QBItem::SetFile(const char* path) {
+    if (!fMenuItem)
+        CreateMenuItem("", QBFolder[fFolder - 1]);
+
+    BEntry entry(path, false);
+    node_ref file;
+    if (entry.InitCheck() != B_OK || !entry.Exists() || entry.GetRef(&fRaw.ref) != B_OK ||
+        entry.GetNodeRef(&file) != B_OK)
+        return false;
+    fRaw.node = file.node;
+    fName = GetName(path);
+
+    BNode node(&entry);
+    if (!HasBookmarkType(entry) || !ReadText(node, kUrlAttribute, fUrl) ||
+        !ReadText(node, kKeywordsAttribute, fKeywords))
+        return false;
+    fPath.SetTo(path);
+    return true;
+}
+
+BString QBItem::FilledLabel() {
+    BString label;
+    label << fNumber - 1 << " - " << fName;
+    if (gSettings->GetShowURL() && fUrl.Length() > 0)
+        label << " [" << ParseURL(fUrl) << "]";
+    return label;
+}
+
+void QBItem::SetValid(bool valid) {
+    if (valid == fValid)
+        return;
+    fValid = valid;
+    if (valid) {
+        UpdateItem();
+        return;
+    }
+    fMenuItem->SetLabel(kEmptyLabel);
+    fMessage->what = kQBAddBookmarkHere;
+    fUrl = "";
+    fName = "";
+    fKeywords = "";
+}
+
+void QBItem::UpdateItem() {
+    if (!fValid)
+        return;
+    fMenuItem->SetLabel(FilledLabel().String());
+    fMessage->what = QBFolder[fFolder - 1];
+}
+
+bool QBItem::Watch(BMessenger messenger) {
+    const node_ref file = NodeRef();
+    fWatched = watch_node(&file, B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR, messenger) == B_OK;
+    return fWatched;
+}
+
+void QBItem::StopWatching(BMessenger messenger) {
+    const node_ref file = NodeRef();
+    watch_node(&file, B_STOP_WATCHING, messenger);
+    fWatched = false;
+}
+
+void QBItem::SetTarget(BHandler* target) {
+    fTarget = target;
+    fMenuItem->SetTarget(target, nullptr);
+}
+
+BMenuItem* QBItem::MenuItem() {
+    return fMenuItem;
+}

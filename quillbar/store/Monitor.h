@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+
+#include "kits/app/Message.h"
+#include "kits/app/MessageRunner.h"
+#include "kits/app/Messenger.h"
+#include "quillbar/store/RawItem.h"
+
+class BEntry;
+class BHandler;
+class QBPath;
+
+// The store of bookmarks: the ten folders, and what keeps them in step with the disk. Removals are
+// not applied one by one: one second after the last, all folders are read again.
+//
+// The bar window's thread only, with the store locked.
+class QBMonitor {
+public:
+    // Makes the root and the folders that are missing, reads them and starts to watch them. The
+    // slots' menu items send to `target`, notifications go to `messenger`. When the root cannot be
+    // made, tells the user and ends the program.
+    QBMonitor(BHandler* target, BMessenger messenger);
+
+    // The folders go, and with them the watches of their files; a rebuild that is due is dropped.
+    virtual ~QBMonitor();
+
+    QBMonitor(const QBMonitor&) = delete;
+
+    // Applies a notification of the node monitor, or rebuilds the store when the message is the one
+    // that says so. Anything else is ignored. Always true.
+    bool HandleNodeMessage(BMessage* msg);
+
+    // Labels all slots again.
+    void UpdateMenus();
+
+    // Node monitoring of the root, the folders and the filled slots. False if one of them failed.
+    bool Watch();
+    void StopWatching(bool folders, bool items);
+
+private:
+    void FindRootOrEnd();
+    void BindFolders(BHandler* target);
+    void WarnWithoutAttributes() const;
+
+    void EntryCreated(BMessage* msg);
+    void EntryRemoved();
+    void EntryMoved(BMessage* msg);
+    void EntryRenamedIn(int64 directory, int64 node, BMessage* msg);
+    void EntryMovedBetween(int64 from, int64 to, int64 node, BMessage* msg);
+    void AttributeChanged(BMessage* msg);
+
+    void Rebuild();
+    void RestartStore();
+    bool WatchRoot();
+    void RereadFolders();
+    bool Rebind(QBPath* folder);
+    void SetRaw(const BEntry& root);
+    QBPath* FolderOf(int64 directory);
+
+    raw_item fRaw;
+
+public:
+    // By digit; all ten are there.
+    QBPath* fPaths[10];
+
+private:
+    BMessenger fMessenger;
+    std::unique_ptr<BMessageRunner> fRunner;
+    std::unique_ptr<BMessage> fRunnerMsg;
+};

@@ -1,0 +1,299 @@
+#include "quillbar/store/Path.h"
+
+#include "kits/app/Message.h"
+#include "kits/interface/SeparatorItem.h"
+#include "kits/storage/Directory.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/NodeMonitor.h"
+#include "quillbar/app/Trace.h"
+#include "quillbar/bar/widgets/Menu.h"
+#include "quillbar/bar/widgets/TitleItem.h"
+#include "quillbar/store/StoreNames.h"
+#include "quillbar/store/Walk.h"
+
+QBPath::QBPath(int number, BHandler* target)
+    : fNumber(number)
+    , fTarget(target)
+    , fItems{}
+    , fTitleItem(nullptr)
+    , fMenu(nullptr) {
+    FindYourSelf();
+    AssembleMenu();
+}
+
+QBPath::QBPath(const char* path, int number, BHandler* target)
+    : fNumber(number)
+    , fTarget(target)
+    , fItems{}
+    , fTitleItem(nullptr)
+    , fMenu(nullptr) {
+    SetPath(path);
+    AssembleMenu();
+}
+
+QBPath::~QBPath() {
+    for (QBItem* slot : fItems) {
+        if (slot->IsWatched())
+            slot->StopWatching(fMessenger);
+        delete slot;
+    }
+    delete fMenu;
+}
+
+void QBPath::CreateMenu() {
+    fMenu = new QBMenu("", false, false, B_ITEMS_IN_COLUMN);
+    fTitleItem = new QBTitleItem("", nullptr, 0, 0);
+    for (int digit = 0; digit < 10; ++digit)
+        fItems[digit] = new QBItem(fTarget, digit + 1, fNumber);
+}
+
+void QBPath::AssembleMenu() {
+    if (!fMenu) {
+        CreateMenu();
+        fTitleItem->SetLabel(EmptyFolderName(fNumber).String());
+    }
+    fMenu->AddItem(fTitleItem);
+    fMenu->AddSeparatorItem();
+    for (QBItem* slot : fItems)
+        fMenu->AddItem(slot->MenuItem());
+}
+
+bool QBPath::SetPath(const char* path) {
+    if (!fMenu) {
+        CreateMenu();
+    } else {
+        for (QBItem* slot : fItems)
+            EmptySlot(slot);
+    }
+
+    BEntry entry(path, false);
+    if (entry.InitCheck() != B_OK || !BindTo(entry, path))
+        return false;
+    BDirectory directory(&entry);
+    if (directory.InitCheck() != B_OK)
+        return false;
+    ReadSlots(entry);
+
+    node_ref node;
+    entry.GetRef(&fRaw.ref);
+    entry.GetNodeRef(&node);
+    fRaw.node = node.node;
+    fName = GetName(fPath.Path());
+    fTitleItem->SetLabel(fPath.Leaf());
+    return true;
+}
+
+// Sets fPath to `path`, or, if nothing is there, `entry` and fPath to a new directory beside it.
+bool QBPath::BindTo(BEntry& entry, const char* path) {
+    if (entry.Exists()) {
+        fPath.SetTo(path);
+        return true;
+    }
+    BPath created;
+    if (BPath(path).GetParent(&created) != B_OK)
+        return false;
+    BEntry parent(created.Path());
+    if (parent.InitCheck() != B_OK)
+        return false;
+    if (!parent.Exists() && create_directory(created.Path(), kDirectoryMode) != B_OK)
+        return false;
+    created.Append(EmptyFolderName(fNumber).String());
+    if (create_directory(created.Path(), kDirectoryMode) != B_OK ||
+        entry.SetTo(created.Path(), false) != B_OK)
+        return false;
+    fPath = created;
+    return true;
+}
+
+void QBPath::ReadSlots(const BEntry& directory) {
+    bool found[10] = {};
+    int count = 0;
+    Walk(directory, Links::Followed, [&](BEntry& entry, const char* path) {
+        const int digit = GetNumber(path);
+        if (digit < 0 || found[digit] || !entry.IsFile())
+            return true;
+        found[digit] = true;
+        fItems[digit]->SetFile(path);
+        return ++count < 10;
+    });
+    for (int digit = 0; digit < 10; ++digit)
+        fItems[digit]->SetValid(found[digit]);
+}
+
+bool QBPath::FindYourSelf() {
+    BEntry root;
+    if (FindRoot(root) != B_OK)
+        return false;
+    BPath rootPath;
+    if (root.GetPath(&rootPath) != B_OK)
+        return false;
+
+    BString own;
+    const status_t status = Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
+        if (GetNumber(path) != fNumber - 1 || !entry.IsDirectory())
+            return true;
+        own = path;
+        return false;
+    });
+    if (status != B_OK)
+        return false;
+    if (own.Length() == 0) {
+        rootPath.Append(EmptyFolderName(fNumber).String());
+        own = rootPath.Path();
+    }
+    return SetPath(own.String());
+}
+
+void QBPath::EmptySlots() {
+    for (QBItem* slot : fItems)
+        slot->SetValid(false);
+}
+
+void QBPath::EmptySlot(QBItem* slot) {
+    if (slot->IsWatched())
+        slot->StopWatching(fMessenger);
+    slot->SetValid(false);
+}
+
+bool QBPath::ItemCreated(BMessage*) {
+    const BString path(Path());
+    if (!SetPath(path.String()))
+        return false;
+    for (QBItem* slot : fItems) {
+        if (slot->IsValid())
+            slot->Watch(fMessenger);
+    }
+    return true;
+}
+
+bool QBPath::ItemRemoved(BMessage* msg) {
+    int64 node = 0;
+    if (msg->FindInt64("node", &node) != B_OK)
+        return false;
+    for (QBItem* slot : fItems) {
+        if (slot->RawItem()->node == node) {
+            EmptySlot(slot);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool QBPath::ItemMoved(BMessage* msg) {
+    int64 from = 0;
+    int64 to = 0;
+    msg->FindInt64("from directory", &from);
+    msg->FindInt64("to directory", &to);
+    if (from != to) {
+        const BString path(Path());
+        return SetPath(path.String());
+    }
+
+    node_ref file;
+    msg->FindInt32("device", &file.device);
+    msg->FindInt64("node", &file.node);
+    for (int digit = 0; digit < 10; ++digit) {
+        QBItem* slot = fItems[digit];
+        if (slot->NodeRef() != file || slot->RawItem()->ref.directory != to)
+            continue;
+        EmptySlot(slot);
+        return FillSlot(slot, digit);
+    }
+    return AdoptRenamed(msg);
+}
+
+// Fills an empty slot with the first complete bookmark in the directory that carries its digit.
+bool QBPath::FillSlot(QBItem* slot, int digit) {
+    bool filled = false;
+    Walk(BEntry(Path(), false), Links::Left, [&](BEntry& entry, const char* path) {
+        filled = GetNumber(path) == digit && entry.IsFile() && slot->SetFile(path);
+        return !filled;
+    });
+    if (filled) {
+        slot->SetValid(true);
+        slot->Watch(fMessenger);
+    }
+    return filled;
+}
+
+// A file that filled no slot has been renamed: it fills an empty one if its new name says so.
+bool QBPath::AdoptRenamed(const BMessage* msg) {
+    Trace(__PRETTY_FUNCTION__, "Not an existing item");
+    entry_ref ref;
+    const char* name = nullptr;
+    msg->FindInt32("device", &ref.device);
+    msg->FindInt64("to directory", &ref.directory);
+    if (msg->FindString("name", &name) != B_OK)
+        return false;
+    ref.name = name;
+
+    BEntry entry(&ref, false);
+    BPath path;
+    if (entry.InitCheck() != B_OK || entry.GetPath(&path) != B_OK)
+        return false;
+    const int digit = GetNumber(path.Path());
+    if (digit < 0 || fItems[digit]->IsValid())
+        return false;
+    QBItem* slot = fItems[digit];
+    EmptySlot(slot);
+    slot->SetFile(path.Path());
+    slot->SetValid(true);
+    slot->Watch(fMessenger);
+    return true;
+}
+
+bool QBPath::ItemRenamed(BMessage* msg) {
+    node_ref file;
+    msg->FindInt32("device", &file.device);
+    msg->FindInt64("node", &file.node);
+    for (QBItem* slot : fItems) {
+        if (slot->NodeRef() != file)
+            continue;
+        EmptySlot(slot);
+        // The slot's own path is that of the last complete bookmark, not of one that becomes it
+        // now.
+        const entry_ref ref = slot->Ref();
+        BPath path;
+        if (BEntry(&ref).GetPath(&path) == B_OK && slot->SetFile(path.Path()))
+            slot->SetValid(true);
+        // Also an incomplete one: whoever makes a bookmark by hand completes it step by step.
+        slot->Watch(fMessenger);
+        return true;
+    }
+    return false;
+}
+
+void QBPath::UpdateMenu() {
+    for (QBItem* slot : fItems)
+        slot->UpdateItem();
+}
+
+// A file that is gone already must not keep the others unwatched.
+bool QBPath::Watch(bool folder, bool items) {
+    bool all = true;
+    if (items) {
+        for (QBItem* slot : fItems)
+            all = (!slot->IsValid() || slot->Watch(fMessenger)) && all;
+    }
+    if (!folder)
+        return all;
+    const node_ref directory = fRaw.Node();
+    return watch_node(&directory, B_WATCH_NAME | B_WATCH_DIRECTORY, fMessenger) == B_OK && all;
+}
+
+void QBPath::StopWatching(bool items) {
+    const node_ref directory = fRaw.Node();
+    watch_node(&directory, B_STOP_WATCHING, fMessenger);
+    if (!items)
+        return;
+    for (QBItem* slot : fItems) {
+        if (slot->IsWatched())
+            slot->StopWatching(fMessenger);
+    }
+}
+
+void QBPath::SetTarget(BHandler* target) {
+    fTarget = target;
+    for (QBItem* slot : fItems)
+        slot->SetTarget(target);
+}

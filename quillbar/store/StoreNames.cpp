@@ -1,0 +1,111 @@
+#include "quillbar/store/StoreNames.h"
+
+#include <cstring>
+
+#include "kits/storage/Directory.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/Node.h"
+#include "kits/storage/NodeInfo.h"
+#include "kits/storage/Path.h"
+#include "quillbar/store/Walk.h"
+
+namespace {
+
+constexpr int32 kLongestShownUrl = 50;
+constexpr const char* kEllipsis = "....";
+
+bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+const char* NameIn(const char* path) {
+    const char* slash = std::strrchr(path, '/');
+    return slash ? slash + 1 : path;
+}
+
+} // namespace
+
+int GetNumber(const char* path) {
+    const char* name = NameIn(path);
+    if (!std::strchr(name, '-') || !IsDigit(name[0]) || IsDigit(name[1]))
+        return -1;
+    return name[0] - '0';
+}
+
+int GetNumber(BString& path) {
+    return GetNumber(path.String());
+}
+
+BString GetName(const char* path) {
+    const char* hyphen = std::strchr(NameIn(path), '-');
+    if (!hyphen)
+        return BString();
+    const char* name = hyphen + 1;
+    return BString(*name == ' ' ? name + 1 : name);
+}
+
+BString GetName(BString& path) {
+    return GetName(path.String());
+}
+
+BString ParseURL(const char* url) {
+    const int32 length = static_cast<int32>(std::strlen(url));
+    if (length <= kLongestShownUrl)
+        return BString(url);
+    BString shortened(url, kLongestShownUrl - static_cast<int32>(std::strlen(kEllipsis)));
+    shortened << kEllipsis;
+    return shortened;
+}
+
+BString ParseURL(BString& url) {
+    return ParseURL(url.String());
+}
+
+BString EmptyFolderName(int number) {
+    BString name;
+    name << static_cast<int32>(number - 1) << " -";
+    return name;
+}
+
+status_t FindRoot(BEntry& root) {
+    const status_t status = root.SetTo(kBookmarkRoot, false);
+    if (status == B_OK && root.IsSymLink()) {
+        BEntry target(kBookmarkRoot, true);
+        if (target.IsDirectory())
+            root = target;
+    }
+    return status;
+}
+
+bool HasBookmarkType(const BEntry& entry) {
+    BNode node(&entry);
+    BNodeInfo info(&node);
+    char type[B_MIME_TYPE_LENGTH];
+    return node.InitCheck() == B_OK && info.InitCheck() == B_OK && info.GetType(type) == B_OK &&
+           BString(type).ICompare(kBookmarkType) == 0;
+}
+
+BString FindItem(int folder, int slot) {
+    BEntry root;
+    BString found;
+    if (FindRoot(root) != B_OK)
+        return found;
+    Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
+        if (GetNumber(path) != folder - 1 || !entry.IsDirectory())
+            return true;
+        found = path;
+        return false;
+    });
+    if (found.Length() == 0 || slot < 1)
+        return found;
+
+    BEntry directory(found.String());
+    found = "";
+    Walk(directory, Links::Left, [&](BEntry& entry, const char* path) {
+        if (GetNumber(path) != slot - 1 || !entry.IsFile() || !HasBookmarkType(entry))
+            return true;
+        found = path;
+        return false;
+    });
+    return found;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "kits/support/String.h"
+
+class BDirectory;
+class BEntry;
+
+// The directory that holds the ten folders of bookmarks.
+inline constexpr const char* kBookmarkRoot = "/boot/home/config/settings/Quillbar";
+
+// The permission bits of the directories that the program makes.
+inline constexpr uint32 kDirectoryMode = 0777;
+
+inline constexpr const char* kBookmarkType = "application/x-vnd.Be-bookmark";
+inline constexpr const char* kUrlAttribute = "META:url";
+inline constexpr const char* kKeywordsAttribute = "META:keyw";
+
+// The number of the entry at `path`: its name's leading digit, 0 to 9, if a hyphen follows
+// somewhere and no second digit at once; -1 otherwise. A path without "/" is a name.
+int GetNumber(const char* path);
+int GetNumber(BString& path);
+
+// What the entry at `path` is called: what follows its name's first hyphen and one blank, or the
+// empty string.
+BString GetName(const char* path);
+BString GetName(BString& path);
+
+// The URL as a menu label shows it: at most 50 bytes.
+BString ParseURL(const char* url);
+BString ParseURL(BString& url);
+
+// The name "N -" of the directory that stands for a folder which has none. `number` counts from
+// one.
+BString EmptyFolderName(int number);
+
+// Sets `root` to the bookmark root, which need not exist. A root that is a symbolic link to a
+// directory elsewhere stands for that directory.
+status_t FindRoot(BEntry& root);
+
+// Whether the entry's node says that it is a bookmark.
+bool HasBookmarkType(const BEntry& entry);
+
+// The full path of the folder (`slot` below 1), or of the bookmark file that fills the slot. Both
+// count from one. The empty string if there is none.
+BString FindItem(int folder, int slot);

@@ -1,0 +1,127 @@
+// The bar's own widgets: the drag bar, the close box, the two looks.
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+
+namespace {
+
+constexpr uint32_t kActive = 0xd8d8d8;
+constexpr uint32_t kInactive = 0xb8b8b8; // B_DARKEN_1_TINT
+
+class BarTest : public DesktopTest {
+protected:
+    void SetUp() override {
+        DesktopTest::SetUp();
+        fProgram.Start();
+    }
+    bool ButtonTurns(uint32_t colour) {
+        const Box button = fProgram.Button(0);
+        return WaitUntil([&] { return fScreen.Pixel(button.x + 2, button.y + 2) == colour; });
+    }
+};
+
+TEST_F(BarTest, TheGrabbedPointStaysUnderThePointer) {
+    fRobot.MoveTo(30 + 15, 30 + 7);
+    fRobot.Press();
+    for (const auto& [x, y] : {std::pair{300, 200}, {1000, 500}, {640, 333}}) {
+        fRobot.MoveTo(x, y);
+        EXPECT_TRUE(WaitUntil([&] {
+            return fProgram.Content() == Box{x - 15, y - 7, 22, 264};
+        })) << x
+            << ", " << y << " against " << fProgram.Content().x << ", " << fProgram.Content().y;
+    }
+    fRobot.Release();
+    fRobot.MoveTo(100, 100);
+    fRobot.Click(640, 340); // whatever waits for the drag bar has been handled when this has
+    ASSERT_TRUE(ButtonTurns(kActive));
+    EXPECT_EQ(fProgram.Content(), (Box{625, 326, 22, 264}));
+}
+
+TEST_F(BarTest, ItsWidgetsDimWhileItIsInactive) {
+    PlainWindow other(fDesktop, {400, 300, 200, 100});
+    other.Activate();
+    EXPECT_TRUE(ButtonTurns(kInactive));
+    const Box bar = fProgram.DragBar();
+    fRobot.Click(bar.x + 15, bar.y + 11);
+    EXPECT_TRUE(ButtonTurns(kActive));
+    other.Activate();
+    EXPECT_TRUE(ButtonTurns(kInactive));
+}
+
+TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInIt) {
+    ActivateBar();
+    ASSERT_TRUE(ButtonTurns(kActive));
+    const Box button = fProgram.Button(0);
+    fRobot.MoveTo(button.CenterX(), button.CenterY());
+    fRobot.Press();
+    EXPECT_TRUE(ButtonTurns(0x989898)); // B_DARKEN_2_TINT
+    fRobot.MoveTo(600, 600);
+    EXPECT_TRUE(ButtonTurns(kActive));
+    fRobot.MoveTo(button.CenterX(), button.CenterY());
+    EXPECT_TRUE(ButtonTurns(0x989898));
+    fRobot.MoveTo(600, 600);
+    fRobot.Release();
+    EXPECT_TRUE(ButtonTurns(kActive));
+    ClickButton(1);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    CloseMenus();
+}
+
+TEST_F(BarTest, ADoubleClickMinimisesAndTheTaskBarBringsItBack) {
+    const Box bar = fProgram.DragBar();
+    fRobot.DoubleClick(bar.x + 15, bar.y + 11);
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fProgram.Bar().id); }));
+    fScreen.Activate(fProgram.Bar().id);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().viewable; }));
+    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+    EXPECT_TRUE(ButtonTurns(kActive));
+}
+
+TEST_F(BarTest, TheFirstClickOnTheCloseBoxOnlyActivates) {
+    PlainWindow other(fDesktop, {400, 300, 200, 100});
+    other.Activate();
+    ASSERT_TRUE(ButtonTurns(kInactive));
+    const Box box = fProgram.CloseBox();
+    fRobot.Click(box.CenterX(), box.CenterY());
+    ASSERT_TRUE(ButtonTurns(kActive));
+
+    // Pressed, moved out and released: nothing; released inside: the end.
+    fRobot.Drag(box.CenterX(), box.CenterY(), 600, 600);
+    ClickButton(3);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    CloseMenus();
+    fRobot.Click(box.CenterX(), box.CenterY());
+    EXPECT_EQ(fProgram.WaitForEnd(), 0);
+    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
+}
+
+TEST_F(BarTest, TheCloseBoxIsDrawnPressed) {
+    ActivateBar();
+    const Box box = fProgram.CloseBox();
+    const auto middle = [&] { return fScreen.Pixel(box.CenterX(), box.CenterY()); };
+    fRobot.MoveTo(box.CenterX(), box.CenterY());
+    fRobot.Press();
+    EXPECT_TRUE(WaitUntil([&] { return middle() == kInactive; }));
+    fRobot.MoveTo(600, 600);
+    EXPECT_TRUE(WaitUntil([&] { return middle() == kActive; }));
+    fRobot.Release();
+}
+
+TEST_F(BarTest, CoveredAndUncoveredItShowsItself) {
+    const Picture before = SettledPicture(fScreen, fProgram.Content());
+    ActivateBar();
+    {
+        PlainWindow cover(fDesktop, {10, 10, 200, 400});
+        cover.Activate();
+        ASSERT_TRUE(WaitUntil([&] {
+            return fScreen.Grab({30, 60, 22, 50}).Count(0xffffff) == 22u * 50;
+        }));
+    }
+    ActivateBar();
+    PlainWindow other(fDesktop, {400, 300, 200, 100});
+    other.Activate();
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.Grab(fProgram.Content()) == before; }));
+}
+
+} // namespace

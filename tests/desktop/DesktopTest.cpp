@@ -1,0 +1,120 @@
+#include "tests/desktop/DesktopTest.h"
+
+#include <iostream>
+
+using namespace test;
+
+DesktopTest::DesktopTest(PrivateDesktop& desktop)
+    : fDesktop(desktop) {}
+
+void DesktopTest::SetUp() {
+    fApps.InstallBrowser();
+    fApps.InstallOpera();
+    fRobot.MoveTo(fDesktop.Frame().width - 2, fDesktop.Frame().height - 2);
+}
+
+void DesktopTest::TearDown() {
+    if (HasFailure()) {
+        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+        const std::string picture =
+            testing::TempDir() + info->test_suite_name() + "." + info->name() + ".png";
+        std::string file = picture;
+        std::replace(file.begin() + testing::TempDir().size(), file.end(), '/', '-');
+        fScreen.Grab().SavePng(file);
+        std::cerr << "screen at the end: " << file << ", the program "
+                  << (fProgram.IsRunning() ? "runs" : "has ended") << "\n"
+                  << fProgram.Errors();
+    }
+    if (fProgram.IsRunning()) {
+        EXPECT_EQ(fProgram.Stop(), 0);
+    }
+}
+
+std::filesystem::path DesktopTest::BookmarkPath(int folder, const std::string& name) const {
+    return fProgram.Root() / (std::to_string(folder) + " - Folder") / name;
+}
+
+void DesktopTest::AddBookmark(int folder, const std::string& name, const std::string& url) const {
+    MakeBookmark(BookmarkPath(folder, name), url);
+}
+
+void DesktopTest::ActivateBar() {
+    fScreen.Activate(fProgram.Bar().id);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.IsBarActive(); }));
+}
+
+void DesktopTest::ClickButton(int digit) {
+    const Box button = fProgram.Button(digit);
+    fRobot.Click(button.CenterX(), button.CenterY());
+}
+
+FolderMenu DesktopTest::OpenFolder(int digit) {
+    ClickButton(digit);
+    return FolderMenu(fDesktop, fProgram);
+}
+
+void DesktopTest::ChooseSlot(int folder, int slot) {
+    const Box place = OpenFolder(folder).Slot(slot);
+    fRobot.Click(place.CenterX(), place.CenterY());
+    EXPECT_TRUE(MenusClosed());
+}
+
+bool DesktopTest::MenusClosed() {
+    return WaitUntil([&] { return fProgram.Menus().empty(); });
+}
+
+void DesktopTest::CloseMenus() {
+    fRobot.Key(XK_Escape);
+    ASSERT_TRUE(MenusClosed());
+}
+
+void DesktopTest::OpenSettings() {
+    const Box bar = fProgram.DragBar();
+    fRobot.Click(bar.x + bar.width - 2, bar.y + bar.height - 2, 3);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    SettledPicture(fScreen, fProgram.Menus()[0].frame);
+}
+
+void DesktopTest::ChooseSetting(int downs, int inside) {
+    OpenSettings();
+    for (int i = 0; i < downs; ++i)
+        fRobot.Key(XK_Down);
+    if (inside > 0) {
+        fRobot.Key(XK_Right);
+        ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 2; }));
+        // The first item is marked when a sub-menu was opened by the keyboard.
+        for (int i = 1; i < inside; ++i)
+            fRobot.Key(XK_Down);
+    }
+    fRobot.Key(XK_Return);
+    ASSERT_TRUE(MenusClosed());
+}
+
+bool DesktopTest::AlertOpens() {
+    return WaitUntil([&] { return !fProgram.Alerts().empty(); });
+}
+
+void DesktopTest::DismissAlert() {
+    ASSERT_TRUE(AlertOpens());
+    const WindowInfo alert = fProgram.Alerts()[0];
+    fScreen.Activate(alert.id);
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == alert.id; }));
+    fRobot.Key(XK_Return);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Alerts().empty(); }));
+}
+
+// The slots that are empty all look the same; slot 9 of the folder must be one of them.
+bool DesktopTest::SlotBecomes(int folder, int slot, bool filled) {
+    return WaitUntil([&] {
+        const FolderMenu menu = OpenFolder(folder);
+        CloseMenus();
+        return menu.SameLabel(slot, 9) != filled;
+    });
+}
+
+std::string DesktopTest::LastUrl(size_t launches) const {
+    const auto all = fApps.WaitForLaunches(launches);
+    if (all.size() != launches || all.back().arguments.size() != 1)
+        return "";
+    return all.back().arguments[0];
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+
+#include "tests/desktop/FolderMenu.h"
+#include "tests/desktop/Program.h"
+#include "tests/support/Bookmarks.h"
+#include "tests/support/RecordedApps.h"
+
+// A home folder with a default browser and Opera in it, and the program, which a test starts
+// itself. What still runs at the end is asked to quit and must end with status 0.
+class DesktopTest : public testing::Test {
+protected:
+    explicit DesktopTest(test::PrivateDesktop& desktop = test::PrivateDesktop::Shared());
+
+    void SetUp() override;
+    void TearDown() override;
+
+    std::filesystem::path BookmarkPath(int folder, const std::string& name) const;
+    void AddBookmark(int folder, const std::string& name, const std::string& url) const;
+
+    void ActivateBar();
+    void ClickButton(int digit);
+    FolderMenu OpenFolder(int digit);
+    void ChooseSlot(int folder, int slot);
+    // Waits until no menu is open.
+    bool MenusClosed();
+    void CloseMenus();
+
+    // Opens the settings menu with the secondary button, goes down by the arrow key that many
+    // times and presses Enter; with `inside`, opens that item's sub-menu and does the same there.
+    void OpenSettings();
+    void ChooseSetting(int downs, int inside = 0);
+    bool AlertOpens();
+    void DismissAlert();
+
+    // Opens and closes the folder's menu until its slot shows a bookmark, or shows none.
+    bool SlotBecomes(int folder, int slot, bool filled);
+    // What the browser was last started with.
+    std::string LastUrl(size_t launches) const;
+
+    test::PrivateDesktop& fDesktop;
+    test::TemporaryHome fHome;
+    test::RecordedApps fApps{fHome};
+    test::Screen fScreen{fDesktop};
+    test::Robot fRobot{fDesktop};
+    Program fProgram{fDesktop, fHome};
+};
+
+// How often the arrow key goes down to the entries of the settings menu when both browsers are
+// there.
+namespace setting {
+enum {
+    kAlignHorizontally = 1,
+    kAlignVertically,
+    kUseOpera,
+    kUseNetPositive,
+    kAddBookmark,
+    kShowUrl,
+    kHotKey,
+    kAlwaysOnTop,
+    kAbout,
+    kQuit,
+};
+enum { kYes = 1, kNo };
+enum { kAltKey = 1, kShiftKey, kControlKey, kWindowsKey, kMenuKey, kDeleteKey };
+} // namespace setting

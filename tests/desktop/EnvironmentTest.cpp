@@ -1,0 +1,107 @@
+// Desktops unlike the usual one.
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+
+namespace {
+
+struct OwnDesktop {
+    explicit OwnDesktop(const PrivateDesktop::Options& options)
+        : fOwn(options) {}
+    PrivateDesktop fOwn;
+};
+
+class WithoutWindowManagerTest : private OwnDesktop, public DesktopTest {
+protected:
+    WithoutWindowManagerTest()
+        : OwnDesktop(PrivateDesktop::Options{.windowManager = false})
+        , DesktopTest(fOwn) {}
+};
+
+TEST_F(WithoutWindowManagerTest, TheBarWorks) {
+    AddBookmark(3, "5 - Site", "http://five.example/");
+    fProgram.Start();
+    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+    ChooseSlot(3, 5);
+    EXPECT_EQ(LastUrl(1), "http://five.example/");
+    OpenFolder(3);
+    CloseMenus();
+    fRobot.Drag(45, 40, 345, 240);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{330, 230, 22, 264}; }));
+}
+
+class ScaledDesktopTest : private OwnDesktop, public DesktopTest {
+protected:
+    ScaledDesktopTest()
+        : OwnDesktop(PrivateDesktop::Options{.dpi = 192})
+        , DesktopTest(fOwn) {}
+};
+
+TEST_F(ScaledDesktopTest, EverythingIsTwiceAsLarge) {
+    AddBookmark(3, "5 - Site", "http://five.example/");
+    fProgram.Start();
+    EXPECT_EQ(fProgram.Content(), (Box{60, 60, 44, 528}));
+    const FolderMenu menu = OpenFolder(3);
+    const Box button = fProgram.Button(3);
+    EXPECT_NEAR(menu.Frame().x, button.x + 2 * 20, 4);
+    EXPECT_NEAR(menu.Frame().y, button.y, 4);
+    EXPECT_GE(menu.Slot(0).height, 24);
+    const Box place = menu.Slot(5);
+    fRobot.Click(place.CenterX(), place.CenterY());
+    EXPECT_EQ(LastUrl(1), "http://five.example/");
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
+}
+
+class TwoMonitorsTest : private OwnDesktop, public DesktopTest {
+protected:
+    static constexpr Box kLeft = {0, 0, 700, 900};
+    static constexpr Box kRight = {700, 0, 700, 700};
+
+    TwoMonitorsTest()
+        : OwnDesktop(
+              PrivateDesktop::Options{.width = 1400, .height = 900, .monitors = {kLeft, kRight}})
+        , DesktopTest(fOwn) {}
+    void SetMonitors(const std::vector<Box>& monitors) { fOwn.SetMonitors(monitors); }
+    void StartAt(float x, float y) {
+        BMessage settings;
+        settings.AddPoint("pos", BPoint(x, y));
+        fProgram.WriteSettings(settings);
+        fProgram.Start();
+    }
+};
+
+TEST_F(TwoMonitorsTest, AMenuStaysOnTheMonitorOfItsButton) {
+    StartAt(670, 400);
+    EXPECT_TRUE(kLeft.Contains(OpenFolder(3).Frame()));
+    CloseMenus();
+    EXPECT_TRUE(kLeft.Contains(OpenFolder(9).Frame()));
+    CloseMenus();
+}
+
+TEST_F(TwoMonitorsTest, TheBarComesBackFromAMonitorThatIsGone) {
+    StartAt(1000, 100);
+    EXPECT_EQ(fProgram.Content().x, 1000);
+    SetMonitors({kLeft});
+    EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
+}
+
+TEST_F(TwoMonitorsTest, NorIsItPutWhereNoMonitorIs) {
+    StartAt(1000, 850); // below the right one
+    const Box content = fProgram.Content();
+    EXPECT_TRUE(kLeft.Contains(content) || kRight.Contains(content))
+        << content.x << ", " << content.y;
+}
+
+TEST(NoDisplayTest, TheProgramSaysSoAndEndsWithOne) {
+    const TemporaryHome home;
+    ChildProcess program({.arguments = {QUILLBAR_BINARY},
+                          .environment = {{"DISPLAY", ":987654"}},
+                          .output = "/dev/null",
+                          .errors = home.Path() / "errors"});
+    EXPECT_EQ(program.Wait().value_or(-1), 1);
+    EXPECT_GT(std::filesystem::file_size(home.Path() / "errors"), 0u);
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+#include "tests/desktop/FolderMenu.h"
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+
+using namespace test;
+
+Picture SettledPicture(const Screen& screen, const Box& frame) {
+    Picture last;
+    WaitUntil([&] {
+        const Picture now = screen.Grab(frame);
+        const bool settled =
+            now == last && std::set(now.pixels.begin(), now.pixels.end()).size() > 2;
+        last = now;
+        return settled;
+    });
+    return last;
+}
+
+namespace {
+
+// The rows in which a column of pixels differs, if they lie together.
+struct Band {
+    int first = 0;
+    int height = 0;
+    bool operator==(const Band&) const = default;
+};
+
+Band Difference(const Picture& before, const Picture& after, int column) {
+    Band band;
+    if (before.height != after.height)
+        return band;
+    for (int y = 0; y < before.height; ++y) {
+        if (before.At(column, y) == after.At(column, y))
+            continue;
+        if (band.height == 0)
+            band.first = y;
+        if (y != band.first + band.height)
+            return {};
+        ++band.height;
+    }
+    return band;
+}
+
+} // namespace
+
+FolderMenu::FolderMenu(PrivateDesktop& desktop, const Program& program) {
+    if (!WaitUntil([&] { return !program.Menus().empty(); }))
+        throw std::runtime_error("no menu opened");
+    fWindow = program.Menus().back();
+    const Screen screen(desktop);
+    Robot robot(desktop);
+    const int column = fWindow.frame.width - 5;
+    Picture plain;
+    Band band;
+    // A menu that opened under the pointer has an item marked until the pointer is seen to leave,
+    // which gives a second band.
+    const bool marked = WaitUntil([&] {
+        robot.MoveTo(0, desktop.Frame().height - 1);
+        plain = SettledPicture(screen, fWindow.frame);
+        robot.MoveTo(fWindow.frame.x + column, fWindow.frame.y + fWindow.frame.height - 5);
+        return WaitUntil(
+            [&] {
+                const Band before = band;
+                band = Difference(plain, screen.Grab(fWindow.frame), column);
+                return band.height >= 8 && band == before;
+            },
+            std::chrono::milliseconds(500));
+    });
+    if (!marked)
+        throw std::runtime_error("the menu does not mark the item under the pointer");
+    fHeight = band.height;
+    fBottom = fWindow.frame.y + band.first + band.height;
+    if (!Frame().Contains(Slot(0)))
+        throw std::runtime_error("the menu is too low for ten items");
+    for (int digit = 0; digit < kSlots; ++digit) {
+        const Box slot = Slot(digit);
+        Picture picture{slot.width, slot.height, {}};
+        const int top = slot.y - fWindow.frame.y;
+        picture.pixels.assign(plain.pixels.begin() + static_cast<ptrdiff_t>(top) * plain.width,
+                              plain.pixels.begin() +
+                                  static_cast<ptrdiff_t>(top + slot.height) * plain.width);
+        fSlots.push_back(picture);
+    }
+    const int above = Slot(0).y - fWindow.frame.y;
+    fTitle = {plain.width, above, {}};
+    fTitle.pixels.assign(plain.pixels.begin(),
+                         plain.pixels.begin() + static_cast<ptrdiff_t>(above) * plain.width);
+}
+
+Box FolderMenu::Slot(int digit) const {
+    return {fWindow.frame.x, fBottom - (kSlots - digit) * fHeight, fWindow.frame.width, fHeight};
+}
+
+bool FolderMenu::SameLabel(int digit, int otherDigit) const {
+    return fSlots.at(digit) == fSlots.at(otherDigit);
+}

@@ -1,0 +1,154 @@
+// Files and settings that nobody meant to be there: nothing crashes, hangs or is lost.
+
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <limits>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+namespace fs = std::filesystem;
+
+namespace {
+
+class HostileInputTest : public DesktopTest {
+protected:
+    // The bar can be reached: its content lies on the screen at least in part, and a click works.
+    void ExpectReachable() {
+        const Box content = fProgram.Content();
+        const Box screen = fDesktop.Frame();
+        EXPECT_LT(content.x, screen.width);
+        EXPECT_LT(content.y, screen.height);
+        EXPECT_GT(content.x + content.width, 0);
+        EXPECT_GT(content.y + content.height, 0);
+        EXPECT_EQ(fProgram.StartAgain(), 0);
+    }
+    void RestartWith(const std::string& settings) {
+        std::ofstream(fProgram.SettingsFile(), std::ios::binary) << settings;
+        fProgram.Start();
+        ExpectReachable();
+        EXPECT_EQ(fProgram.Stop(), 0);
+        EXPECT_TRUE(fProgram.Settings().HasPoint("pos"));
+    }
+};
+
+TEST_F(HostileInputTest, SettingsThatAreNoMessage) {
+    fProgram.Start();
+    EXPECT_EQ(fProgram.Stop(), 0);
+    std::ifstream file(fProgram.SettingsFile());
+    const std::string whole{std::istreambuf_iterator<char>(file), {}};
+    ASSERT_FALSE(whole.empty());
+
+    RestartWith("");
+    RestartWith("garbage \x01\xff\n");
+    RestartWith(whole.substr(0, whole.size() / 2));
+    RestartWith(whole + whole);
+    RestartWith(std::string(3 << 20, '['));
+    RestartWith(std::string(100'000, '\0'));
+}
+
+TEST_F(HostileInputTest, SettingsOfWrongTypesAndHugeValues) {
+    const float huge = std::numeric_limits<float>::max();
+    const float infinite = std::numeric_limits<float>::infinity();
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    for (const BPoint place : {BPoint(huge, huge), BPoint(-huge, 30), BPoint(1e6f, -1e6f),
+                               BPoint(infinite, 0), BPoint(none, none), BPoint(5000, 5000)}) {
+        BMessage settings;
+        settings.AddPoint("pos", place);
+        settings.AddInt32("align", std::numeric_limits<int32>::min());
+        settings.AddInt32("browser", 77);
+        settings.AddInt32("hotkey", -1);
+        settings.AddString("url", "yes");
+        settings.AddInt32("ontop", 1);
+        settings.AddString("color", std::string(1000, 'x').c_str());
+        std::string text;
+        settings.Flatten(&text);
+        RestartWith(text);
+    }
+}
+
+TEST_F(HostileInputTest, OddThingsInTheFolders) {
+    const fs::path folder = BookmarkPath(1, "x").parent_path();
+    fs::create_directories(folder);
+    const auto bookmark = [&](const std::string& name) {
+        MakeBookmark(folder / name, "http://odd.example/");
+    };
+    bookmark("0 - \xff\xfe not UTF-8");
+    bookmark("1 - new\nline\ttab \x1b[31m");
+    bookmark("2 - " + std::string(251, 'w'));
+    bookmark("3 -");
+    fs::create_directories(folder / "4 - Folder");
+    SetAttribute(folder / "4 - Folder", "mime_type", kBookmarkType);
+    mkfifo((folder / "5 - Pipe").c_str(), 0600);
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    const fs::path socketPath = fHome.Path() / "s";
+    socketPath.native().copy(address.sun_path, sizeof address.sun_path - 1);
+    bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    close(listener);
+    fs::rename(socketPath, folder / "6 - Socket");
+    fs::create_symlink("nowhere", folder / "7 - Dangling");
+    fs::create_symlink("8 - Loop", folder / "8 - Loop");
+    mkfifo((fProgram.Root() / "9 - Pipe").c_str(), 0600);
+    fs::create_symlink(fProgram.Root(), fProgram.Root() / "8 - Circle");
+
+    fProgram.Start();
+    const FolderMenu menu = OpenFolder(1);
+    EXPECT_TRUE(fDesktop.Frame().Contains(menu.Frame()));
+    for (int slot = 0; slot < 9; ++slot)
+        EXPECT_EQ(menu.SameLabel(slot, 9), slot > 3) << slot;
+    const Box place = menu.Slot(2);
+    fRobot.Click(place.CenterX(), place.CenterY());
+    EXPECT_EQ(LastUrl(1), "http://odd.example/");
+
+    // The same while it runs.
+    mkfifo((folder / "9 - Late pipe").c_str(), 0600);
+    AddBookmark(1, "6 - After the pipe", "http://after.example/");
+    EXPECT_TRUE(WaitUntil([&] {
+        const FolderMenu again = OpenFolder(1);
+        CloseMenus();
+        return !again.SameLabel(6, 9);
+    }));
+}
+
+TEST_F(HostileInputTest, OddAttributes) {
+    const auto path = [&](int slot) { return BookmarkPath(1, std::to_string(slot) + " - A"); };
+    for (int slot = 0; slot < 4; ++slot)
+        AddBookmark(1, std::to_string(slot) + " - A", "x");
+    SetAttribute(path(0), "META:url", "");
+    SetAttribute(path(1), "META:url", "http://no.nul.example/");
+    SetAttribute(path(2), "META:url", std::string("http://after\0nul", 16));
+    SetAttribute(path(3), "META:url", "http://" + std::string(3000, 'e'));
+    SetAttribute(path(3), "META:keyw", std::string(500, '\xff'));
+
+    fProgram.Start();
+    EXPECT_TRUE(fDesktop.Frame().Contains(OpenFolder(1).Frame()));
+    CloseMenus();
+    ChooseSlot(1, 1);
+    EXPECT_EQ(LastUrl(1), "http://no.nul.example/");
+    ChooseSlot(1, 2);
+    EXPECT_EQ(LastUrl(2), "http://after");
+    ChooseSlot(1, 3);
+    EXPECT_EQ(LastUrl(3), "http://" + std::string(3000, 'e'));
+}
+
+TEST_F(HostileInputTest, ARootThatCannotBeRead) {
+    fs::create_directories(fProgram.Root());
+    fs::permissions(fProgram.Root(), fs::perms::none);
+    fProgram.Launch(true);
+    // An error alert or an empty bar; in no case a crash or a hang.
+    ASSERT_TRUE(WaitUntil([&] {
+        return !fProgram.IsRunning() || fProgram.Bar().viewable || !fProgram.Alerts().empty();
+    }));
+    ASSERT_TRUE(fProgram.IsRunning()) << fProgram.Errors();
+    fProgram.Signal(SIGTERM);
+    EXPECT_EQ(fProgram.WaitForEnd(std::chrono::seconds(5)), 0);
+}
+
+} // namespace

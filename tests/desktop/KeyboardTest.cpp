@@ -1,0 +1,73 @@
+// The bar's keyboard shortcuts.
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+
+namespace {
+
+class KeyboardTest : public DesktopTest {
+protected:
+    void SetUp() override {
+        DesktopTest::SetUp();
+        fProgram.Start();
+        ActivateBar();
+    }
+    bool MenuOpens() {
+        return WaitUntil([&] { return !fProgram.Menus().empty(); });
+    }
+    bool MenuIsAt(int digit) {
+        const Box button = fProgram.Button(digit);
+        const auto menus = fProgram.Menus();
+        return menus.size() == 1 && std::abs(menus[0].frame.y - button.y) <= 2;
+    }
+};
+
+TEST_F(KeyboardTest, DigitsOfBothRowsOpenTheirFolder) {
+    const std::pair<uint32_t, int> keys[] = {{XK_1, 1},    {XK_7, 7},    {XK_0, 0},   {XK_KP_0, 0},
+                                             {XK_KP_1, 1}, {XK_KP_5, 5}, {XK_KP_8, 8}};
+    for (const auto& [key, digit] : keys) {
+        fRobot.Key(key);
+        ASSERT_TRUE(MenuOpens()) << digit;
+        EXPECT_TRUE(MenuIsAt(digit)) << digit;
+        CloseMenus();
+    }
+}
+
+TEST_F(KeyboardTest, AHeldKeyOpensItsMenuOnce) {
+    fRobot.KeyDown(XK_7);
+    ASSERT_TRUE(MenuOpens());
+    const Box corner = fDesktop.Frame();
+    fRobot.Click(corner.width - 2, corner.height - 2);
+    ASSERT_TRUE(MenusClosed());
+    // The server repeats the key after two thirds of a second.
+    EXPECT_FALSE(
+        WaitUntil([&] { return !fProgram.Menus().empty(); }, std::chrono::milliseconds(1200)));
+    fRobot.KeyUp(XK_7);
+    ASSERT_TRUE(WaitUntil([&] {
+        fRobot.Key(XK_7);
+        return !fProgram.Menus().empty();
+    }));
+    CloseMenus();
+}
+
+TEST_F(KeyboardTest, BOpensTheSettings) {
+    fRobot.Key(XK_b);
+    ASSERT_TRUE(MenuOpens());
+    const Box bar = fProgram.DragBar();
+    const Box menu = fProgram.Menus()[0].frame;
+    EXPECT_NEAR(menu.x, bar.x + bar.width - 1, 2);
+    EXPECT_NEAR(menu.y, bar.y, 2);
+    CloseMenus();
+}
+
+TEST_F(KeyboardTest, OtherKeysDoNothing) {
+    for (const uint32_t key : {XK_a, XK_space, XK_F1, XK_Return, XK_Tab})
+        fRobot.Key(key);
+    fRobot.Key(XK_2);
+    ASSERT_TRUE(MenuOpens());
+    EXPECT_TRUE(MenuIsAt(2));
+    CloseMenus();
+}
+
+} // namespace

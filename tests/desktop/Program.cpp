@@ -1,0 +1,168 @@
+#include "tests/desktop/Program.h"
+
+#include <csignal>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <unistd.h>
+
+using namespace test;
+
+namespace {
+
+constexpr char kUtility[] = "_NET_WM_WINDOW_TYPE_UTILITY";
+constexpr char kPopUp[] = "_NET_WM_WINDOW_TYPE_POPUP_MENU";
+
+std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void GiveAway(const std::filesystem::path& path) {
+    const uid_t user = ChildProcess::OrdinaryUser();
+    if (lchown(path.c_str(), user, user) != 0)
+        throw std::runtime_error("cannot give away " + path.string());
+}
+
+} // namespace
+
+Program::Program(PrivateDesktop& desktop, const TemporaryHome& home)
+    : fHome(home)
+    , fDesktop(desktop)
+    , fScreen(desktop) {}
+
+BMessage Program::Settings() const {
+    const std::string text = ReadFile(SettingsFile());
+    BMessage settings;
+    settings.Unflatten(text.data(), text.size());
+    return settings;
+}
+
+void Program::WriteSettings(const BMessage& settings) const {
+    std::string text;
+    settings.Flatten(&text);
+    std::ofstream(SettingsFile(), std::ios::binary) << text;
+}
+
+void Program::Launch(bool asOrdinaryUser) {
+    ChildProcess::Options options;
+    options.arguments = {QUILLBAR_BINARY};
+    options.output = "/dev/null";
+    options.errors = fHome.Path() / "errors";
+    options.ordinaryUser = asOrdinaryUser;
+    if (asOrdinaryUser) {
+        GiveAway(fHome.Path());
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(fHome.Path()))
+            GiveAway(entry.path());
+    }
+    fProcess = std::make_unique<ChildProcess>(options);
+}
+
+void Program::Start() {
+    Launch();
+    if (!WaitForBar())
+        throw std::runtime_error("the bar did not come up: " + Errors());
+}
+
+bool Program::WaitForBar() {
+    return WaitUntil([this] {
+               if (!IsRunning())
+                   return true;
+               if (!Bar().viewable)
+                   return false;
+               const Box button = Button(9);
+               return fScreen.Pixel(button.x + button.width - 2, button.y + 2) != 0;
+           }) &&
+           IsRunning();
+}
+
+bool Program::IsRunning() {
+    return fProcess && fProcess->IsRunning();
+}
+
+int Program::WaitForEnd(std::chrono::milliseconds deadline) {
+    return fProcess->Wait(deadline).value_or(-1);
+}
+
+int Program::Stop() {
+    fProcess->Signal(SIGTERM);
+    return WaitForEnd();
+}
+
+int Program::StartAgain() {
+    ChildProcess::Options options;
+    options.arguments = {QUILLBAR_BINARY};
+    ChildProcess second(options);
+    return second.Wait().value_or(-1);
+}
+
+std::string Program::Errors() const {
+    return ReadFile(fHome.Path() / "errors");
+}
+
+WindowInfo Program::Bar() const {
+    const auto bars = fScreen.Windows([this](const WindowInfo& window) {
+        return window.pid == Pid() && window.HasType(kUtility);
+    });
+    return bars.empty() ? WindowInfo{} : bars[0];
+}
+
+std::vector<WindowInfo> Program::Menus() const {
+    return fScreen.Windows([this](const WindowInfo& window) {
+        return window.viewable && window.overrideRedirect && window.pid == Pid() &&
+               window.HasType(kPopUp);
+    });
+}
+
+std::vector<WindowInfo> Program::Alerts() const {
+    return fScreen.Windows([this](const WindowInfo& window) {
+        return window.viewable && !window.overrideRedirect && window.pid == Pid() &&
+               !window.HasType(kUtility);
+    });
+}
+
+bool Program::IsBarActive() const {
+    return fScreen.ActiveWindow() == Bar().id;
+}
+
+// The window is its content of 22 by 264 or 233 by 25 units, and the border around it.
+Box Program::Content() const {
+    Box frame = Bar().frame;
+    const int border = (std::min(frame.width, frame.height) -
+                        static_cast<int>((IsHorizontal() ? 25 : 22) * Scale())) /
+                       2;
+    return {frame.x + border, frame.y + border, frame.width - 2 * border,
+            frame.height - 2 * border};
+}
+
+bool Program::IsHorizontal() const {
+    const Box frame = Bar().frame;
+    return frame.width > frame.height;
+}
+
+double Program::Scale() const {
+    const std::string resources = fScreen.Text(fDesktop.Root(), "RESOURCE_MANAGER");
+    const size_t at = resources.find("Xft.dpi:");
+    return at == std::string::npos ? 1 : std::stod(resources.substr(at + 8)) / 96;
+}
+
+Box Program::InBar(int x, int y, int width, int height) const {
+    const Box content = Content();
+    const double scale = Scale();
+    return {content.x + static_cast<int>(x * scale), content.y + static_cast<int>(y * scale),
+            static_cast<int>(width * scale), static_cast<int>(height * scale)};
+}
+
+Box Program::Button(int digit) const {
+    return IsHorizontal() ? InBar(14 + 22 * digit, 0, 21, 21) : InBar(1, 14 + 25 * digit, 21, 21);
+}
+
+Box Program::DragBar() const {
+    return IsHorizontal() ? InBar(0, 0, 14, 25) : InBar(0, 0, 22, 14);
+}
+
+Box Program::CloseBox() const {
+    return InBar(2, 2, 9, 9);
+}

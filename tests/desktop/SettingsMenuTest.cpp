@@ -1,0 +1,146 @@
+// The settings menu: its entries, their marks and what they do.
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+
+namespace {
+
+class SettingsMenuTest : public DesktopTest {
+protected:
+    void SetUp() override {
+        DesktopTest::SetUp();
+        AddBookmark(2, "1 - Site", "http://a.long.example/with/a/long/path");
+        fProgram.Start();
+        ActivateBar();
+    }
+    Picture MenuPicture() {
+        OpenSettings();
+        const Picture picture = SettledPicture(fScreen, fProgram.Menus()[0].frame);
+        CloseMenus();
+        return picture;
+    }
+    int FolderMenuWidth(int folder) {
+        const int width = OpenFolder(folder).Frame().width;
+        CloseMenus();
+        return width;
+    }
+};
+
+TEST_F(SettingsMenuTest, AlignmentChangesTheBarAndKeepsItsCorner) {
+    const Picture vertical = MenuPicture();
+    ChooseSetting(setting::kAlignHorizontally);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{30, 30, 233, 25}; }));
+    EXPECT_NE(MenuPicture(), vertical) << "the mark did not move";
+    ChooseSetting(setting::kAlignVertically);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{30, 30, 22, 264}; }));
+    EXPECT_EQ(MenuPicture(), vertical);
+}
+
+TEST_F(SettingsMenuTest, TheBrowserIsTheChosenOne) {
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "browser");
+    const Picture before = MenuPicture();
+    ChooseSetting(setting::kUseOpera);
+    EXPECT_NE(MenuPicture(), before);
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(2).at(1).app, "opera");
+    ChooseSetting(setting::kUseNetPositive);
+    EXPECT_EQ(MenuPicture(), before);
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(3).at(2).app, "browser");
+}
+
+TEST_F(SettingsMenuTest, AddressesAreShownOrNot) {
+    const int with = FolderMenuWidth(2);
+    ChooseSetting(setting::kShowUrl, setting::kNo);
+    EXPECT_LT(FolderMenuWidth(2), with);
+    ChooseSetting(setting::kShowUrl, setting::kYes);
+    EXPECT_EQ(FolderMenuWidth(2), with);
+}
+
+TEST_F(SettingsMenuTest, AlwaysOnTopFloatsTheBar) {
+    const auto isAbove = [&] { return fScreen.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); };
+    ChooseSetting(setting::kAlwaysOnTop);
+    EXPECT_TRUE(WaitUntil(isAbove));
+    PlainWindow other(fDesktop, {10, 10, 300, 300});
+    other.Activate();
+    EXPECT_EQ(fScreen.Stacking().back(), fProgram.Bar().id);
+    ActivateBar();
+    ChooseSetting(setting::kAlwaysOnTop);
+    EXPECT_TRUE(WaitUntil([&] { return !isAbove(); }));
+    other.Activate();
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.Stacking().back() == other.Id(); }));
+}
+
+TEST_F(SettingsMenuTest, TheLastHotKeyCannotBeTakenAway) {
+    ChooseSetting(setting::kHotKey, setting::kWindowsKey);
+    DismissAlert();
+    ActivateBar();
+    ChooseSetting(setting::kHotKey, setting::kControlKey);
+    ChooseSetting(setting::kHotKey, setting::kWindowsKey);
+    ChooseSetting(setting::kHotKey, setting::kControlKey);
+    DismissAlert();
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 4);
+}
+
+TEST_F(SettingsMenuTest, TheSubMenuOpensUnderThePointer) {
+    OpenSettings();
+    const Box menu = fProgram.Menus()[0].frame;
+    // Somewhere below the middle lie "Show URL" and "Hot Key".
+    bool opened = false;
+    for (int y = menu.y + 4; y < menu.y + menu.height - 4 && !opened; y += 6) {
+        fRobot.MoveTo(menu.x + 20, y);
+        opened =
+            WaitUntil([&] { return fProgram.Menus().size() == 2; }, std::chrono::milliseconds(400));
+    }
+    ASSERT_TRUE(opened);
+    const Box inside = fProgram.Menus().back().frame;
+    EXPECT_NEAR(inside.x, menu.x + menu.width, 6);
+    fRobot.Key(XK_Escape); // closes the inner one
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    CloseMenus();
+}
+
+TEST_F(SettingsMenuTest, QuitEndsTheProgram) {
+    ChooseSetting(setting::kQuit);
+    EXPECT_EQ(fProgram.WaitForEnd(), 0);
+    EXPECT_TRUE(std::filesystem::exists(fProgram.SettingsFile()));
+}
+
+class BrowserTest : public DesktopTest {};
+
+TEST_F(BrowserTest, TheOnlyInstalledBrowserIsUsed) {
+    fApps.Uninstall("browser");
+    AddBookmark(2, "1 - Site", "http://site.example/");
+    fProgram.Start();
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_EQ(fProgram.Settings().GetInt32("browser", -1), 0);
+}
+
+TEST_F(BrowserTest, ASignatureInADesktopEntryGoesFirst) {
+    fApps.Install("mine", "%u", {"X-Be-Signature=application/x-vnd.Be-NPOS"});
+    AddBookmark(2, "1 - Site", "http://site.example/");
+    fProgram.Start();
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "mine");
+}
+
+TEST_F(BrowserTest, WithoutABrowserAnAlertSaysSoBeforeTheBarComes) {
+    fApps.Uninstall("browser");
+    fApps.Uninstall("opera");
+    AddBookmark(2, "1 - Site", "http://site.example/");
+    fProgram.Launch();
+    ASSERT_TRUE(AlertOpens());
+    EXPECT_FALSE(fProgram.Bar().viewable);
+    DismissAlert();
+    ASSERT_TRUE(fProgram.WaitForBar());
+    ChooseSlot(2, 1);
+    EXPECT_TRUE(fProgram.Alerts().empty());
+    EXPECT_TRUE(fApps.Launches().empty());
+}
+
+} // namespace

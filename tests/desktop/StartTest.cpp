@@ -1,0 +1,140 @@
+// First start, what the window manager is told, and what lasts over a restart.
+
+#include <sys/stat.h>
+
+#include "kits/support/Color.h"
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+
+namespace {
+
+constexpr uint32_t kGrey = 0xd8d8d8;
+
+class StartTest : public DesktopTest {};
+
+TEST_F(StartTest, FirstStartMakesTheFoldersAndStandsAtItsPlace) {
+    fProgram.Start();
+
+    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(fProgram.Root())) {
+        EXPECT_TRUE(entry.is_directory());
+        names.push_back(entry.path().filename());
+    }
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"0 -", "1 -", "2 -", "3 -", "4 -", "5 -", "6 -",
+                                               "7 -", "8 -", "9 -"}));
+    EXPECT_FALSE(std::filesystem::exists(fProgram.SettingsFile()));
+
+    EXPECT_EQ(fProgram.Stop(), 0);
+    const BMessage settings = fProgram.Settings();
+    EXPECT_EQ(settings.GetInt32("browser", -1), 1);
+    EXPECT_EQ(settings.GetInt32("align", -1), 1);
+    EXPECT_EQ(settings.GetInt32("hotkey", -1), 8);
+    EXPECT_EQ(settings.GetPoint("pos", BPoint(-1, -1)), BPoint(30, 30));
+    EXPECT_TRUE(settings.GetBool("url", false));
+    EXPECT_FALSE(settings.GetBool("ontop", true));
+}
+
+TEST_F(StartTest, TheWindowManagerIsToldWhatTheBarIs) {
+    PlainWindow other(fDesktop, {400, 300, 200, 100});
+    other.Activate();
+    fProgram.Start();
+
+    const WindowInfo bar = fProgram.Bar();
+    EXPECT_EQ(bar.title, "Quillbar");
+    EXPECT_FALSE(bar.className.empty());
+    EXPECT_FALSE(bar.overrideRedirect);
+    EXPECT_EQ(fScreen.Cardinals(bar.id, "_NET_WM_DESKTOP"), std::vector<uint32_t>{0xffffffff});
+    EXPECT_EQ(fScreen.Cardinals(bar.id, "_NET_FRAME_EXTENTS"), std::vector<uint32_t>(4, 0));
+    EXPECT_FALSE(fScreen.HasState(bar.id, "_NET_WM_STATE_SKIP_TASKBAR"));
+    EXPECT_FALSE(fScreen.HasState(bar.id, "_NET_WM_STATE_ABOVE"));
+    EXPECT_TRUE(fScreen.HasProperty(bar.id, "_NET_WM_ICON"));
+    EXPECT_EQ(fScreen.ActiveWindow(), other.Id());
+}
+
+TEST_F(StartTest, TheBarIsDrawnAsBevelsOnItsColour) {
+    fProgram.Start();
+    ActivateBar();
+    fRobot.MoveTo(600, 600);
+    const uint32_t light = 0xffffff;
+    const uint32_t dark = 0x888888;
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.Pixel(32, 46) == kGrey; }));
+
+    const Picture bar = SettledPicture(fScreen, {29, 29, 24, 266});
+    for (int y = 0; y < bar.height; ++y) {
+        EXPECT_EQ(bar.At(0, y), 0u) << y;
+        EXPECT_EQ(bar.At(23, y), 0u) << y;
+    }
+    for (int digit = 0; digit < 10; ++digit) {
+        const int top = 1 + 14 + 25 * digit;
+        EXPECT_EQ(bar.At(2, top), light) << digit;
+        EXPECT_EQ(bar.At(2, top + 19), light) << digit;
+        EXPECT_EQ(bar.At(3, top + 20), dark) << digit;
+        EXPECT_EQ(bar.At(22, top + 10), dark) << digit;
+        EXPECT_EQ(bar.At(3, top + 1), kGrey) << digit;
+        EXPECT_GT(fScreen.Grab(fProgram.Button(digit)).Count(0), 5u) << "label " << digit;
+    }
+    // The close box: a sunken frame around a raised one.
+    EXPECT_EQ(bar.At(3, 3), dark);
+    EXPECT_EQ(bar.At(11, 11), light);
+    EXPECT_EQ(bar.At(4, 4), light);
+    EXPECT_EQ(bar.At(10, 10), dark);
+    EXPECT_EQ(bar.At(7, 7), kGrey);
+}
+
+TEST_F(StartTest, EverySettingLastsOverARestart) {
+    AddBookmark(2, "1 - Site", "http://site.example/");
+    BMessage settings;
+    const rgb_color blue = {100, 150, 200, 255};
+    settings.AddData("color", B_RGB_COLOR_TYPE, &blue, sizeof blue);
+    fProgram.WriteSettings(settings);
+    fProgram.Start();
+    ActivateBar();
+    const Box bar = fProgram.DragBar();
+    fRobot.Drag(bar.x + 15, bar.y + 10, bar.x + 15 + 417, bar.y + 10 + 123);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 447; }));
+    ChooseSetting(setting::kAlignHorizontally);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.IsHorizontal(); }));
+    ChooseSetting(setting::kUseOpera);
+    ChooseSetting(setting::kShowUrl, setting::kNo);
+    ChooseSetting(setting::kHotKey, setting::kAltKey);
+    ChooseSetting(setting::kAlwaysOnTop);
+    EXPECT_EQ(fProgram.Stop(), 0);
+
+    const BMessage saved = fProgram.Settings();
+    EXPECT_EQ(saved.GetInt32("hotkey", -1), 9);
+    EXPECT_FALSE(saved.GetBool("url", true));
+
+    fProgram.Start();
+    EXPECT_EQ(fProgram.Content(), (Box{447, 153, 233, 25}));
+    EXPECT_TRUE(
+        WaitUntil([&] { return fScreen.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
+    ActivateBar();
+    const Box button = fProgram.Button(4);
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(button.x + 2, button.y + 2) == 0x6496c8; }));
+    ChooseSlot(2, 1);
+    const auto launches = fApps.WaitForLaunches(1);
+    ASSERT_EQ(launches.size(), 1u);
+    EXPECT_EQ(launches[0].app, "opera");
+
+    EXPECT_EQ(fProgram.Stop(), 0);
+    fProgram.Start();
+    EXPECT_EQ(fProgram.Content(), (Box{447, 153, 233, 25}));
+}
+
+TEST_F(StartTest, ASecondStartWakesTheFirst) {
+    fProgram.Start();
+    const Box bar = fProgram.DragBar();
+    fRobot.DoubleClick(bar.x + 15, bar.y + 11);
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fProgram.Bar().id); }));
+
+    EXPECT_EQ(fProgram.StartAgain(), 0);
+
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().viewable && fProgram.IsBarActive(); }));
+    EXPECT_FALSE(fScreen.IsMinimized(fProgram.Bar().id));
+    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+}
+
+} // namespace

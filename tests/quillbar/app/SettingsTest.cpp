@@ -1,0 +1,316 @@
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+#include <sstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "kits/app/Message.h"
+#include "quillbar/app/Settings.h"
+#include "tests/support/TemporaryHome.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class SettingsTest : public testing::Test {
+protected:
+    void SetUp() override { fs::create_directories(fHome.Config()); }
+
+    fs::path File() const { return fHome.Config() / "Quillbar.settings"; }
+    fs::path Neighbour() const { return fHome.Config() / "Quillbar.settings.new"; }
+    fs::path Bad() const { return fHome.Config() / "Quillbar.settings.bad"; }
+
+    static BPath Path() { return BPath("/boot/home/config/settings/Quillbar.settings"); }
+
+    void Write(const std::string& text) {
+        std::ofstream(File(), std::ios::binary | std::ios::trunc) << text;
+    }
+    std::string Read(const fs::path& path) const {
+        std::ostringstream text;
+        text << std::ifstream(path, std::ios::binary).rdbuf();
+        return text.str();
+    }
+    void WriteMessage(const BMessage& message) {
+        std::string text;
+        ASSERT_EQ(message.Flatten(&text), B_OK);
+        Write(text);
+    }
+    static void Save(int32 hotKey) {
+        QBSettings settings(Path());
+        settings.SetHotKey(hotKey);
+        settings.Save();
+    }
+    // What a new start reads; -1 if there is nothing to read.
+    static int32 LoadedHotKey() {
+        QBSettings settings(Path());
+        return settings.Load() ? settings.GetHotKey() : -1;
+    }
+    static void ExpectDefaults(const QBSettings& settings, uint8 alpha) {
+        EXPECT_EQ(settings.GetBrowser(), kQBNetPositive);
+        EXPECT_EQ(settings.GetPos(), BPoint(30, 30));
+        EXPECT_EQ(settings.GetAlign(), kQBAlignVertical);
+        EXPECT_TRUE(settings.GetShowURL());
+        EXPECT_FALSE(settings.GetOnTop());
+        EXPECT_EQ(settings.GetHotKey(), 8);
+        EXPECT_EQ(settings.GetColor(), (rgb_color{216, 216, 216, alpha}));
+    }
+
+    test::TemporaryHome fHome;
+};
+
+// Runs `work` in a child process and answers its status.
+int InChild(const std::function<void()>& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        work();
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+// The same as a user whom permissions hold back.
+int InChildOfNoRights(const std::function<void()>& work) {
+    return InChild([&] {
+        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
+            _exit(1);
+        work();
+    });
+}
+
+TEST_F(SettingsTest, StartWithDefaults) {
+    QBSettings settings(Path());
+    ExpectDefaults(settings, 0);
+    EXPECT_FALSE(settings.Load());
+    ExpectDefaults(settings, 0);
+    EXPECT_TRUE(fs::is_empty(fHome.Config()));
+}
+
+TEST_F(SettingsTest, WhatWasSetComesBackFromTheFile) {
+    {
+        QBSettings settings(Path());
+        settings.SetBrowser(kQBOpera);
+        settings.SetPos({-12.5f, 700});
+        settings.SetAlign(kQBAlignHorizontal);
+        settings.SetShowURL(false);
+        settings.SetOnTop(true);
+        settings.SetHotKey(63);
+        settings.SetColor({1, 2, 3, 4});
+        settings.Save();
+    }
+    QBSettings settings(Path());
+    ASSERT_TRUE(settings.Load());
+    EXPECT_EQ(settings.GetBrowser(), kQBOpera);
+    EXPECT_EQ(settings.GetPos(), BPoint(-12.5f, 700));
+    EXPECT_EQ(settings.GetAlign(), kQBAlignHorizontal);
+    EXPECT_FALSE(settings.GetShowURL());
+    EXPECT_TRUE(settings.GetOnTop());
+    EXPECT_EQ(settings.GetHotKey(), 63);
+    EXPECT_EQ(settings.GetColor(), (rgb_color{1, 2, 3, 4}));
+}
+
+TEST_F(SettingsTest, FileHoldsTheFieldsInOrder) {
+    QBSettings(Path()).Save();
+    BMessage message;
+    const std::string text = Read(File());
+    ASSERT_EQ(message.Unflatten(text.data(), text.size()), B_OK);
+    EXPECT_EQ(message.what, 0u);
+    const char* const names[] = {"browser", "pos", "align", "url", "ontop", "hotkey", "color"};
+    ASSERT_EQ(message.CountNames(B_ANY_TYPE), static_cast<int32>(std::size(names)));
+    for (int32 i = 0; i < static_cast<int32>(std::size(names)); ++i) {
+        const char* name = nullptr;
+        ASSERT_EQ(message.GetInfo(B_ANY_TYPE, i, &name, nullptr), B_OK);
+        EXPECT_STREQ(name, names[i]);
+    }
+}
+
+TEST_F(SettingsTest, MissingFieldsGiveDefaultsAndCanBeSet) {
+    BMessage message;
+    message.AddInt32("align", 0);
+    WriteMessage(message);
+    QBSettings settings(Path());
+    ASSERT_TRUE(settings.Load());
+    EXPECT_EQ(settings.GetAlign(), kQBAlignHorizontal);
+    settings.SetAlign(kQBAlignVertical);
+    ExpectDefaults(settings, 255);
+    settings.SetHotKey(3);
+    settings.Save();
+    EXPECT_EQ(LoadedHotKey(), 3);
+}
+
+TEST_F(SettingsTest, FieldsOfAnotherTypeAreLeftAlone) {
+    BMessage message;
+    for (const char* name : {"browser", "pos", "align", "url", "ontop", "hotkey", "color"})
+        message.AddString(name, "text");
+    WriteMessage(message);
+    const std::string before = Read(File());
+    QBSettings settings(Path());
+    ASSERT_TRUE(settings.Load());
+    settings.SetBrowser(kQBOpera);
+    settings.SetPos({1, 1});
+    settings.SetAlign(kQBAlignHorizontal);
+    settings.SetShowURL(false);
+    settings.SetOnTop(true);
+    settings.SetHotKey(1);
+    settings.SetColor({1, 1, 1, 1});
+    ExpectDefaults(settings, 255);
+    settings.Save();
+    EXPECT_EQ(Read(File()), before);
+}
+
+TEST_F(SettingsTest, GarbageIsPutAsideAndDefaultsStay) {
+    QBSettings(Path()).Save();
+    const std::string whole = Read(File());
+    const std::string cases[] = {"{", "\xff\xfe\0garbage", whole.substr(0, whole.size() / 2),
+                                 whole + whole, std::string(2 << 20, ' ')};
+    for (const std::string& text : cases) {
+        Write(text);
+        QBSettings settings(Path());
+        EXPECT_FALSE(settings.Load());
+        ExpectDefaults(settings, 0);
+        EXPECT_EQ(Read(Bad()), text);
+        settings.Save();
+        EXPECT_EQ(LoadedHotKey(), 8);
+    }
+    fs::remove(Bad());
+    Write("");
+    EXPECT_FALSE(QBSettings(Path()).Load());
+    EXPECT_FALSE(fs::exists(Bad()));
+}
+
+TEST_F(SettingsTest, ShorterContentLeavesNothingOfTheLonger) {
+    BMessage message;
+    message.AddString("comment", std::string(10'000, 'x').c_str());
+    WriteMessage(message);
+    Save(5);
+    EXPECT_EQ(LoadedHotKey(), 5);
+    EXPECT_LT(fs::file_size(File()), 5'000u);
+}
+
+TEST_F(SettingsTest, LinkStaysALink) {
+    fs::create_directories(fHome.Path() / "dotfiles");
+    const fs::path target = fHome.Path() / "dotfiles" / "quillbar";
+    for (const fs::path& link : {target, fs::path("../dotfiles/quillbar")}) {
+        fs::remove(target);
+        fs::remove(File());
+        fs::create_symlink(link, File());
+        // It dangles at first.
+        Save(5);
+        EXPECT_TRUE(fs::is_symlink(File()));
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
+        Save(6);
+        EXPECT_TRUE(fs::is_symlink(File()));
+        EXPECT_EQ(LoadedHotKey(), 6);
+        EXPECT_FALSE(fs::exists(Neighbour()));
+    }
+    fs::remove(File());
+    fs::create_symlink("Quillbar.settings", File());
+    Save(7);
+    EXPECT_TRUE(fs::is_symlink(File()));
+}
+
+TEST_F(SettingsTest, PermissionBitsAreKept) {
+    Save(5);
+    fs::permissions(File(), fs::perms(0640));
+    Save(6);
+    EXPECT_EQ(fs::status(File()).permissions(), fs::perms(0640));
+    EXPECT_EQ(LoadedHotKey(), 6);
+}
+
+TEST_F(SettingsTest, DirectoryThatCannotBeWrittenKeepsTheOldFile) {
+    Save(5);
+    fs::permissions(fHome.Path(), fs::perms(0755));
+    fs::permissions(fHome.Config(), fs::perms(0555));
+    EXPECT_EQ(InChildOfNoRights([] { Save(6); }), 0);
+    fs::permissions(fHome.Config(), fs::perms(0755));
+    EXPECT_EQ(LoadedHotKey(), 5);
+    EXPECT_FALSE(fs::exists(Neighbour()));
+}
+
+// The directory would allow to replace them.
+TEST_F(SettingsTest, FilesThatMayNotBeReadOrWrittenAreNotReplaced) {
+    fs::permissions(fHome.Path(), fs::perms(0755));
+    fs::permissions(fHome.Config(), fs::perms(0777));
+    for (const fs::perms mode : {fs::perms(0000), fs::perms(0444)}) {
+        Save(5);
+        fs::permissions(File(), mode);
+        EXPECT_EQ(InChildOfNoRights([] {
+                      QBSettings settings(Path());
+                      settings.Load();
+                      settings.SetHotKey(6);
+                      settings.Save();
+                  }),
+                  0);
+        fs::permissions(File(), fs::perms(0644));
+        EXPECT_EQ(LoadedHotKey(), 5);
+    }
+}
+
+TEST_F(SettingsTest, WhatIsNoFileIsNeitherReadNorReplaced) {
+    ASSERT_EQ(mkfifo(File().c_str(), 0600), 0);
+    QBSettings settings(Path());
+    EXPECT_FALSE(settings.Load());
+    settings.Save();
+    EXPECT_TRUE(fs::is_fifo(File()));
+    // It is in nobody's way any more.
+    fs::remove(File());
+    settings.Save();
+    EXPECT_EQ(LoadedHotKey(), 8);
+
+    fs::remove(File());
+    fs::create_directories(File() / "inside");
+    QBSettings again(Path());
+    EXPECT_FALSE(again.Load());
+    again.Save();
+    EXPECT_TRUE(fs::is_directory(File() / "inside"));
+}
+
+TEST_F(SettingsTest, FullDiskKeepsTheOldFile) {
+    Save(5);
+    const int status = InChild([] {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{100, 100};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        Save(6);
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(LoadedHotKey(), 5);
+    EXPECT_FALSE(fs::exists(Neighbour()));
+}
+
+TEST_F(SettingsTest, KilledAtAnyMomentTheFileIsWhole) {
+    Save(0);
+    std::mt19937 random(1);
+    for (int round = 0; round < 60; ++round) {
+        const pid_t child = fork();
+        if (child == 0) {
+            for (int32 i = 0;; ++i)
+                Save(i);
+        }
+        usleep(random() % 8000);
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        ASSERT_GE(LoadedHotKey(), 0) << "round " << round;
+    }
+    Save(77);
+    EXPECT_EQ(LoadedHotKey(), 77);
+    EXPECT_FALSE(fs::exists(Neighbour()));
+}
+
+TEST_F(SettingsTest, NeighbourThatIsALinkIsNotFollowed) {
+    std::ofstream(fHome.Path() / "precious") << "precious";
+    fs::create_symlink(fHome.Path() / "precious", Neighbour());
+    Save(5);
+    EXPECT_EQ(Read(fHome.Path() / "precious"), "precious");
+    EXPECT_EQ(LoadedHotKey(), 5);
+    EXPECT_FALSE(fs::is_symlink(File()));
+}
+
+} // namespace

@@ -1,0 +1,82 @@
+#include "quillbar/store/StoreNames.h"
+#include "tests/quillbar/store/Store.h"
+
+namespace {
+
+TEST(Names, NumberIsOneLeadingDigitBeforeAHyphen) {
+    const std::pair<const char*, int> cases[] = {
+        {"/x/0 - a", 0},     {"/x/9 - a", 9},     {"/x/3-x", 3},       {"/x/3x - a", 3},
+        {"/x/3 -", 3},       {"/x/3- News", 3},   {"/x/10 - a", -1},   {"/x/12 - News", -1},
+        {"/x/3 a", -1},      {"/x/3", -1},        {"/x/ 3 - a", -1},   {"/x/-3 News", -1},
+        {"/x/News - 3", -1}, {"/x - y/3", -1},    {"/x - y/News", -1}, {"/", -1},
+        {"/3 - a/4 - b", 4}, {"/x/\xff - a", -1}, {"/x/3\n - a", 3},
+    };
+    for (const auto& [path, number] : cases) {
+        EXPECT_EQ(GetNumber(path), number) << path;
+        BString string(path);
+        EXPECT_EQ(GetNumber(string), number) << path;
+    }
+}
+
+TEST(Names, NameFollowsTheFirstHyphenAndOneBlank) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"/x/3 - News", "News"},
+        {"/x/3 -", ""},
+        {"/x/3 - ", ""},
+        {"/x/3-News", "News"},
+        {"/x/3 - a - b", "a - b"},
+        {"/x/3 -  News", " News"},
+        {"/x/Misc - Links", "Links"},
+        {"/x - y/News", ""},
+    };
+    for (const auto& [path, name] : cases) {
+        EXPECT_STREQ(GetName(path).String(), name) << path;
+        BString string(path);
+        EXPECT_STREQ(GetName(string).String(), name) << path;
+    }
+}
+
+TEST(Names, LongUrlIsCutToFiftyBytes) {
+    const std::string fifty(50, 'u');
+    EXPECT_STREQ(ParseURL(fifty.c_str()).String(), fifty.c_str());
+    BString longer((fifty + "v").c_str());
+    EXPECT_EQ(std::string(ParseURL(longer).String()), std::string(46, 'u') + "....");
+    EXPECT_STREQ(ParseURL("").String(), "");
+}
+
+class FindItemTest : public StoreTest {};
+
+TEST_F(FindItemTest, FindsFoldersAndBookmarksByDigit) {
+    EXPECT_STREQ(FindItem(1, 0).String(), "");
+    test::MakeBookmark(Root() / "2 - News" / "4 - LWN", "http://lwn.net");
+    EXPECT_STREQ(FindItem(3, 0).String(), "/boot/home/config/settings/Quillbar/2 - News");
+    EXPECT_STREQ(FindItem(3, 5).String(), "/boot/home/config/settings/Quillbar/2 - News/4 - LWN");
+    EXPECT_STREQ(FindItem(3, 1).String(), "");
+    EXPECT_STREQ(FindItem(4, 0).String(), "");
+}
+
+TEST_F(FindItemTest, OnlyTypedFilesAnswerForASlot) {
+    const fs::path folder = Root() / "0 - x";
+    fs::create_directories(folder / "1 - directory");
+    test::SetAttribute(folder / "1 - directory", "mime_type", test::kBookmarkType);
+    test::MakeBookmark(folder / "2 - plain", "http://x");
+    test::SetAttribute(folder / "2 - plain", "mime_type", "text/plain");
+    test::MakeBookmark(folder / "3 - loud", "http://x");
+    test::SetAttribute(folder / "3 - loud", "mime_type", "Application/X-VND.Be-Bookmark");
+    fs::create_symlink(folder / "3 - loud", folder / "4 - link");
+    EXPECT_STREQ(FindItem(1, 2).String(), "");
+    EXPECT_STREQ(FindItem(1, 3).String(), "");
+    EXPECT_STREQ(FindItem(1, 4).String(), "/boot/home/config/settings/Quillbar/0 - x/3 - loud");
+    EXPECT_STREQ(FindItem(1, 5).String(), "");
+
+    test::MakeBookmark(folder / "2 - real", "http://x");
+    EXPECT_STREQ(FindItem(1, 3).String(), "/boot/home/config/settings/Quillbar/0 - x/2 - real");
+}
+
+TEST_F(FindItemTest, RootMayBeALink) {
+    test::MakeBookmark(fHome.Path() / "elsewhere" / "2 - News" / "4 - LWN", "http://lwn.net");
+    fs::create_symlink(fHome.Path() / "elsewhere", Root());
+    EXPECT_STREQ(FindItem(3, 5).String(), "/boot/home/elsewhere/2 - News/4 - LWN");
+}
+
+} // namespace

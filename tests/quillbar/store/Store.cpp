@@ -1,0 +1,104 @@
+#include "tests/quillbar/store/Store.h"
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "quillbar/bar/widgets/Menu.h"
+#include "quillbar/bar/widgets/MenuItem.h"
+#include "quillbar/store/StoreNames.h"
+
+StoreLooper::StoreLooper()
+    : BLooper("store")
+    , fMonitor(new QBMonitor(this, BMessenger(this))) {}
+
+StoreLooper::~StoreLooper() {
+    delete fMonitor;
+}
+
+void StoreLooper::MessageReceived(BMessage* message) {
+    if (message->what != B_NODE_MONITOR)
+        return BLooper::MessageReceived(message);
+    ++fMessages;
+    if (message->GetInt32("opcode", 0) == 'qbRM')
+        ++fRebuilds;
+    fMonitor->HandleNodeMessage(message);
+}
+
+void StoreTest::SetUp() {
+    fs::create_directories(fHome.Config());
+    gSettings = new QBSettings(BPath("/boot/home/config/settings/Quillbar.settings"));
+    gSettings->SetShowURL(false);
+}
+
+void StoreTest::TearDown() {
+    Stop();
+    delete gSettings;
+    gSettings = nullptr;
+}
+
+void StoreTest::Start() {
+    fStore = new StoreLooper;
+    fStore->Run();
+}
+
+void StoreTest::Stop() {
+    if (fStore && fStore->Lock())
+        fStore->Quit();
+    fStore = nullptr;
+}
+
+fs::path StoreTest::Folder(int digit) const {
+    for (const auto& entry : fs::directory_iterator(Root())) {
+        if (GetNumber(entry.path().c_str()) == digit && entry.is_directory())
+            return entry.path();
+    }
+    return {};
+}
+
+std::string StoreTest::Label(int folder, int slot) {
+    return Labels(folder).at(slot);
+}
+
+std::vector<std::string> StoreTest::Labels(int folder) {
+    std::vector<std::string> labels;
+    fStore->Lock();
+    QBMenu* menu = fStore->fMonitor->fPaths[folder]->Menu();
+    for (int32 i = 2; i < menu->CountItems(); ++i)
+        labels.push_back(menu->ItemAt(i)->Label());
+    fStore->Unlock();
+    return labels;
+}
+
+std::string StoreTest::Title(int folder) {
+    fStore->Lock();
+    std::string title = fStore->fMonitor->fPaths[folder]->Menu()->ItemAt(0)->Label();
+    fStore->Unlock();
+    return title;
+}
+
+std::string StoreTest::Url(int folder, int slot) {
+    fStore->Lock();
+    std::string url = fStore->fMonitor->fPaths[folder]->Items()[slot]->Url().String();
+    fStore->Unlock();
+    return url;
+}
+
+uint32 StoreTest::Code(int folder, int slot) {
+    fStore->Lock();
+    const uint32 code = fStore->fMonitor->fPaths[folder]->Items()[slot]->MenuItem()->Command();
+    fStore->Unlock();
+    return code;
+}
+
+int StoreTest::Rebuilds() {
+    fStore->Lock();
+    const int rebuilds = fStore->fRebuilds;
+    fStore->Unlock();
+    return rebuilds;
+}
+
+testing::AssertionResult StoreTest::Becomes(int folder, int slot, const std::string& label) {
+    if (test::WaitUntil([&] { return Label(folder, slot) == label; }))
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << "slot " << slot << " of folder " << folder << " is \"" << Label(folder, slot) << '"';
+}
