@@ -37,6 +37,11 @@ void BTextView::SetTextRect(BRect rect) {
     Layout();
 }
 
+void BTextView::SetWordWrap(bool wrap) {
+    fWordWrap = wrap;
+    Layout();
+}
+
 void BTextView::SetStylable(bool stylable) {
     fStylable = stylable;
 }
@@ -79,10 +84,22 @@ int32 BTextView::CountLines() const {
     return static_cast<int32>(fLines.size());
 }
 
+float BTextView::LineWidth(int32 line) const {
+    if (line < 0 || line >= CountLines())
+        return 0;
+    const Line& measured = fLines[static_cast<size_t>(line)];
+    return Width(measured.start, measured.end);
+}
+
 float BTextView::TextHeight() const {
+    return TextHeight(0, CountLines() - 1);
+}
+
+float BTextView::TextHeight(int32 firstLine, int32 lastLine) const {
     float height = 0;
-    for (const Line& line : fLines)
-        height += line.height;
+    const int32 last = std::min(lastLine, CountLines() - 1);
+    for (int32 line = std::max<int32>(firstLine, 0); line <= last; line++)
+        height += fLines[static_cast<size_t>(line)].height;
     return height;
 }
 
@@ -154,6 +171,8 @@ BTextView::Line BTextView::Measured(int32 start, int32 end) const {
 
 // As many words as fit, or else as many characters, one at least.
 int32 BTextView::LineEnd(int32 start, int32 limit) const {
+    if (!fWordWrap)
+        return limit;
     float room = fTextRect.Width() + 1;
     int32 fitting = start;
     int32 word = start;

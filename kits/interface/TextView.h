@@ -19,6 +19,11 @@ public:
     void SetTextRect(BRect rect);
     BRect TextRect() const { return fTextRect; }
 
+    // Whether lines also end where the text rectangle does, as they do at first, or only at new
+    // lines.
+    void SetWordWrap(bool wrap);
+    bool DoesWordWrap() const { return fWordWrap; }
+
     // Whether parts of the text can have fonts and colours of their own; at first they cannot, and
     // fonts and colours go to the whole text.
     void SetStylable(bool stylable);
@@ -36,8 +41,11 @@ public:
     void SetFont(const BFont* font, uint32 mask = B_FONT_ALL) override;
 
     int32 CountLines() const;
-    // Of all lines, in logical pixels.
+    // In logical pixels; 0 for a line that is not there.
+    float LineWidth(int32 line) const;
+    // Of all lines, or of those from `firstLine` to `lastLine`, both counted, in logical pixels.
     float TextHeight() const;
+    float TextHeight(int32 firstLine, int32 lastLine) const;
 
     void Draw(BRect updateRect) override;
 
@@ -68,6 +76,7 @@ private:
     std::string fText;
     BRect fTextRect;
     bool fStylable = false;
+    bool fWordWrap = true;
     std::vector<Run> fRuns;
     std::vector<Line> fLines;
 };

@@ -27,6 +27,19 @@ TEST_F(TextViewTest, WrapsAtWordsAndAtNewLines) {
     EXPECT_EQ(text.CountLines(), 1);
 }
 
+TEST_F(TextViewTest, MeasuresTheLinesOfAnUnwrappedText) {
+    text.SetText("a line that is wider than two hundred pixels of a text rectangle\nii\n");
+    text.SetWordWrap(false);
+    EXPECT_EQ(text.CountLines(), 3);
+    EXPECT_GT(text.LineWidth(0), 200);
+    EXPECT_GT(text.LineWidth(1), 0);
+    EXPECT_LT(text.LineWidth(1), 20);
+    EXPECT_EQ(text.LineWidth(2), 0);
+    EXPECT_EQ(text.LineWidth(3), 0);
+    EXPECT_FLOAT_EQ(text.TextHeight(0, 2000000), text.TextHeight());
+    EXPECT_FLOAT_EQ(text.TextHeight(1, 2) * 3, text.TextHeight() * 2);
+}
+
 TEST_F(TextViewTest, BreaksWordsThatFitNoLineWhateverTheirBytes) {
     text.SetText(std::string(255, 'm').c_str());
     EXPECT_GT(text.CountLines(), 5);
