@@ -55,13 +55,12 @@ TextLayouts::TextLayouts() {
     cairo_font_options_destroy(options);
 }
 
-TextLayouts::Entry TextLayouts::MakeEntry(FontKey font, std::string_view text) {
-    Entry entry{font, std::string(text), nullptr};
-    entry.layout.reset(pango_layout_new(fContext.get()));
-    pango_layout_set_font_description(entry.layout.get(), Describe(font).get());
+TextLayouts::Layout TextLayouts::MakeLayout(FontKey font, std::string_view text) {
+    Layout layout(pango_layout_new(fContext.get()));
+    pango_layout_set_font_description(layout.get(), Describe(font).get());
     std::string visible = VisibleText(text);
-    pango_layout_set_text(entry.layout.get(), visible.data(), static_cast<int>(visible.size()));
-    return entry;
+    pango_layout_set_text(layout.get(), visible.data(), static_cast<int>(visible.size()));
+    return layout;
 }
 
 PangoLayoutLine* TextLayouts::LineOf(FontKey font, std::string_view text) {
@@ -70,7 +69,7 @@ PangoLayoutLine* TextLayouts::LineOf(FontKey font, std::string_view text) {
     if (found != fEntries.end()) {
         fEntries.splice(fEntries.begin(), fEntries, found);
     } else {
-        fEntries.push_front(MakeEntry(font, text));
+        fEntries.push_front({font, std::string(text), MakeLayout(font, text)});
         if (fEntries.size() > kKeptLayouts)
             fEntries.pop_back();
     }

@@ -28,6 +28,8 @@ public:
         bool operator==(const FontKey&) const = default;
     };
 
+    using Layout = std::unique_ptr<PangoLayout, ReleaseObject>;
+
     static TextLayouts& Shared();
     static FontKey KeyOf(const FontSpec& font, double scale);
 
@@ -36,6 +38,9 @@ public:
     // `text` as VisibleText shows it, on one line. Kept for the next call with the same text.
     PangoLayoutLine* LineOf(FontKey font, std::string_view text);
 
+    // The same for a text that is not likely to be asked for again: it is not kept.
+    Layout MakeLayout(FontKey font, std::string_view text);
+
     // In device pixels.
     cairo_font_extents_t ExtentsOf(FontKey font);
 
@@ -43,7 +48,7 @@ private:
     struct Entry {
         FontKey font;
         std::string text; // as it was given
-        std::unique_ptr<PangoLayout, ReleaseObject> layout;
+        Layout layout;
     };
     struct Extents {
         FontKey font;
@@ -51,7 +56,6 @@ private:
     };
 
     TextLayouts();
-    Entry MakeEntry(FontKey font, std::string_view text);
 
     std::mutex fLock;
     std::unique_ptr<PangoContext, ReleaseObject> fContext;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 namespace host {
 
@@ -61,6 +62,10 @@ bool IsControl(char32_t code) {
     return code < 0x20 || (code >= 0x7f && code < 0xa0) || code == 0x2028 || code == 0x2029;
 }
 
+bool IsLineEnd(char32_t code) {
+    return code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029;
+}
+
 } // namespace
 
 std::string VisibleText(std::string_view text) {
@@ -77,6 +82,30 @@ std::string VisibleText(std::string_view text) {
         text.remove_prefix(character.length);
     }
     return visible;
+}
+
+std::string LineOf(std::string_view text) {
+    std::string line;
+    size_t blanks = 0; // waiting for a character behind them
+    char32_t before = 0;
+    while (!text.empty()) {
+        Character character = Decode(text);
+        bool isSecondOfPair = before == '\r' && character.code == '\n';
+        before = character.code;
+        if (IsLineEnd(character.code) || character.code == '\t') {
+            blanks += !isSecondOfPair;
+        } else if (character.code == kInvalid || !IsControl(character.code)) {
+            line.append(std::exchange(blanks, 0), ' ');
+            line +=
+                character.code == kInvalid ? kReplacementMark : text.substr(0, character.length);
+        }
+        text.remove_prefix(character.length);
+    }
+    return line;
+}
+
+int ShownLength(std::string_view text) {
+    return Decode(text).length;
 }
 
 int CharacterLength(char lead) {
