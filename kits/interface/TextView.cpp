@@ -17,7 +17,7 @@ BTextView::BTextView(BRect frame, const char* name, BRect textRect, uint32 resiz
                      uint32 flags)
     : BView(frame, name, resizingMode, flags)
     , fTextRect(textRect) {
-    SetText("");
+    BTextView::SetText("");
 }
 
 void BTextView::SetText(const char* text) {
@@ -29,7 +29,7 @@ void BTextView::SetText(const char* text) {
 }
 
 int32 BTextView::TextLength() const {
-    return static_cast<int32>(fText.size());
+    return Length();
 }
 
 void BTextView::SetTextRect(BRect rect) {
@@ -47,17 +47,17 @@ void BTextView::SetStylable(bool stylable) {
 }
 
 void BTextView::SetFontAndColor(const BFont* font, uint32 mode, const rgb_color* color) {
-    SetFontAndColor(0, TextLength(), font, mode, color);
+    SetFontAndColor(0, Length(), font, mode, color);
 }
 
 void BTextView::SetFontAndColor(int32 start, int32 end, const BFont* font, uint32 mode,
                                 const rgb_color* color) {
-    start = fStylable ? std::clamp(start, 0, TextLength()) : 0;
-    end = fStylable ? std::clamp(end, 0, TextLength()) : TextLength();
-    if (start > end || (start == end && TextLength() > 0))
+    start = fStylable ? std::clamp(start, 0, Length()) : 0;
+    end = fStylable ? std::clamp(end, 0, Length()) : Length();
+    if (start > end || (start == end && Length() > 0))
         return;
     size_t first = SplitAt(start);
-    size_t behind = end == TextLength() ? fRuns.size() : SplitAt(end);
+    size_t behind = end == Length() ? fRuns.size() : SplitAt(end);
     for (size_t i = first; i < behind; i++) {
         if (font != nullptr)
             fRuns[i].font.SetTo(*font, mode);
@@ -122,7 +122,7 @@ size_t BTextView::SplitAt(int32 offset) {
 }
 
 int32 BTextView::RunEnd(size_t run) const {
-    return run + 1 < fRuns.size() ? fRuns[run + 1].start : TextLength();
+    return run + 1 < fRuns.size() ? fRuns[run + 1].start : Length();
 }
 
 float BTextView::Width(int32 start, int32 end) const {
@@ -140,7 +140,7 @@ void BTextView::Layout() {
     int32 start = 0;
     while (true) {
         size_t found = fText.find('\n', static_cast<size_t>(start));
-        int32 limit = found == std::string::npos ? TextLength() : static_cast<int32>(found);
+        int32 limit = found == std::string::npos ? Length() : static_cast<int32>(found);
         int32 end = LineEnd(start, limit);
         fLines.push_back(Measured(start, end));
         if (end == limit) {

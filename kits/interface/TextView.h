@@ -12,9 +12,9 @@ public:
     // The text is wrapped to the width of `textRect` and starts at its left-top corner.
     BTextView(BRect frame, const char* name, BRect textRect, uint32 resizingMode, uint32 flags);
 
-    void SetText(const char* text);
-    const char* Text() const { return fText.c_str(); }
-    int32 TextLength() const;
+    virtual void SetText(const char* text);
+    virtual const char* Text() const { return fText.c_str(); }
+    virtual int32 TextLength() const;
 
     void SetTextRect(BRect rect);
     BRect TextRect() const { return fTextRect; }
@@ -33,8 +33,8 @@ public:
     // null.
     void SetFontAndColor(const BFont* font, uint32 mode = B_FONT_ALL,
                          const rgb_color* color = nullptr);
-    void SetFontAndColor(int32 start, int32 end, const BFont* font, uint32 mode = B_FONT_ALL,
-                         const rgb_color* color = nullptr);
+    virtual void SetFontAndColor(int32 start, int32 end, const BFont* font,
+                                 uint32 mode = B_FONT_ALL, const rgb_color* color = nullptr);
     // Those of the byte at `offset`; either may be null.
     void GetFontAndColor(int32 offset, BFont* font, rgb_color* color = nullptr) const;
     // The same as the first SetFontAndColor().
@@ -62,6 +62,7 @@ private:
         float height;
     };
 
+    int32 Length() const { return static_cast<int32>(fText.size()); }
     size_t RunAt(int32 offset) const;
     size_t SplitAt(int32 offset);
     int32 RunEnd(size_t run) const;

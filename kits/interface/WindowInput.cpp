@@ -142,7 +142,10 @@ void BWindow::State::FocusNext(bool backwards) {
     CollectNavigable(&root, views);
     if (views.empty())
         return;
-    auto at = std::find(views.begin(), views.end(), focus);
+    auto at = views.end();
+    // A control's focus may be in a view inside it.
+    for (BView* view = focus; view != nullptr && at == views.end(); view = view->fParent)
+        at = std::find(views.begin(), views.end(), view);
     size_t count = views.size();
     size_t next = backwards ? count - 1 : 0;
     if (at != views.end())

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "kits/interface/EditKeys.h"
+#include "kits/interface/TextLine.h"
+#include "kits/interface/TextView.h"
+#include "kits/interface/UndoHistory.h"
+
+class BTextControl;
+
+// The field of a BTextControl: one line of text in one font and colour that scrolls sideways.
+// Offsets count bytes and stand between two characters as a person sees them.
+class TextField : public BTextView {
+public:
+    explicit TextField(BTextControl& control);
+
+    void SetText(const char* text) override;
+    const char* Text() const override { return fLine.Text().c_str(); }
+    int32 TextLength() const override { return fLine.Length(); }
+    // The range does not matter.
+    void SetFontAndColor(int32 start, int32 end, const BFont* font, uint32 mode = B_FONT_ALL,
+                         const rgb_color* color = nullptr) override;
+    void SetFont(const BFont* font, uint32 mask = B_FONT_ALL) override;
+
+    // The caret is at `end`, which may be before `start`.
+    void Select(int32 start, int32 end);
+    void SelectAll();
+    void GetSelection(int32* start, int32* end) const;
+    // In the place of what is selected, as if the user had done it: new lines become blanks, other
+    // control characters are left out.
+    void Insert(const char* text);
+    void Undo();
+    void Redo();
+
+    void SetEnabled(bool enabled);
+    // The window is active and the keys go here.
+    bool ShowsFocus() const;
+    // Where the text stands, from the field's top edge.
+    float Baseline() const;
+
+    void Draw(BRect updateRect) override;
+    void MakeFocus(bool focus = true) override;
+    void WindowActivated(bool active) override;
+    void KeyDown(const char* bytes, int32 numBytes) override;
+    void MouseDown(BPoint where) override;
+    void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage) override;
+    void MouseUp(BPoint where) override;
+    void FrameResized(float width, float height) override;
+
+private:
+    enum class Drag { None, Characters, Words };
+
+    // Drawing and the place of the text (TextField.cpp).
+    TextLine::Range Selection() const;
+    float TextRoom() const;
+    void DrawSelection(float left, float right);
+    void DrawCaret();
+    void ShowCaret();
+    float LinePlaceOf(BPoint where) const;
+
+    // Changes (TextField.cpp).
+    void SetCaret(int32 caret, bool extends);
+    void Change(TextLine::Range range, std::string_view text, UndoHistory::Kind kind);
+
+    // Input (TextFieldInput.cpp).
+    bool HandleKey(EditKey key, std::string_view typed);
+    bool Move(EditKey key);
+    bool Erase(EditAction action);
+    void DragTo(BPoint where);
+
+    BTextControl& fControl;
+    TextLine fLine;
+    UndoHistory fHistory;
+    int32 fAnchor = 0; // the end of the selection that stays
+    int32 fCaret = 0;
+    float fScroll = 0; // of the text to the left
+    bool fIsEnabled = true;
+    Drag fDrag = Drag::None;
+    TextLine::Range fDragStart; // the word that a drag began with
+};
