@@ -211,7 +211,6 @@ void QBMonitor::RestartStore() {
     RereadFolders();
 }
 
-// Each folder is watched while it is read: what changes meanwhile would be missed otherwise.
 void QBMonitor::RereadFolders() {
     for (QBPath* folder : fPaths) {
         folder->EmptySlots();
@@ -228,7 +227,7 @@ bool QBMonitor::Rebind(QBPath* folder) {
     const bool found = folder->FindYourSelf();
     if (!FolderOf(before.node))
         watch_node(&before, B_STOP_WATCHING, fMessenger);
-    folder->Watch(true, true);
+    folder->Watch(false, true);
     folder->UpdateMenu();
     return found;
 }

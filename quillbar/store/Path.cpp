@@ -72,12 +72,15 @@ bool QBPath::SetPath(const char* path) {
     BDirectory directory(&entry);
     if (directory.InitCheck() != B_OK)
         return false;
-    ReadSlots(entry);
 
     node_ref node;
     entry.GetRef(&fRaw.ref);
     entry.GetNodeRef(&node);
     fRaw.node = node.node;
+    // Before it is read: what changes meanwhile would be missed otherwise.
+    if (fIsWatching)
+        Watch(true, false);
+    ReadSlots(entry);
     fName = GetName(fPath.Path());
     fTitleItem->SetLabel(fPath.Leaf());
     return true;
@@ -277,6 +280,7 @@ bool QBPath::Watch(bool folder, bool items) {
     }
     if (!folder)
         return all;
+    fIsWatching = true;
     const node_ref directory = fRaw.Node();
     return watch_node(&directory, B_WATCH_NAME | B_WATCH_DIRECTORY, fMessenger) == B_OK && all;
 }
@@ -284,6 +288,7 @@ bool QBPath::Watch(bool folder, bool items) {
 void QBPath::StopWatching(bool items) {
     const node_ref directory = fRaw.Node();
     watch_node(&directory, B_STOP_WATCHING, fMessenger);
+    fIsWatching = false;
     if (!items)
         return;
     for (QBItem* slot : fItems) {

@@ -31,7 +31,8 @@ public:
     QBPath(const QBPath&) = delete;
 
     // Makes the directory the folder's and reads it. A directory that is missing is made, as "N -"
-    // in the same parent. Starts no watch; on failure all slots are empty.
+    // in the same parent. It is watched if the folder's directory was; its files are not. On
+    // failure all slots are empty.
     bool SetPath(const char* path);
 
     // Looks for the directory by its digit and makes it if there is none.
@@ -49,7 +50,8 @@ public:
     // Empties all slots. Ends no watch.
     void EmptySlots();
 
-    // Node monitoring of the filled slots and of the directory. False if one of them failed.
+    // Node monitoring of the filled slots and of the directory, whichever it is until
+    // StopWatching(). False if one of them failed.
     bool Watch(bool folder, bool items);
     void StopWatching(bool items);
 
@@ -80,6 +82,7 @@ private:
     raw_item fRaw;
     BPath fPath;
     int32 fNumber;
+    bool fIsWatching = false; // the directory
     BHandler* fTarget;
     BMessenger fMessenger;
     QBItem* fItems[10];
