@@ -39,6 +39,7 @@ BWindow::State::State(BWindow* window_, BRect frame, const char* title_, window_
     , scale(DisplayScale())
     , title(title_ ? title_ : "")
     , look(look_)
+    , builtFeel(feel_)
     , feel(feel_)
     , flags(flags_)
     , workspaces(workspaces_)

@@ -18,8 +18,8 @@ struct BWindow::State {
     State(BWindow* window, BRect frame, const char* title, window_look look, window_feel feel,
           uint32 flags, uint32 workspaces);
 
-    bool IsMenu() const { return feel == kMenuWindowFeel; }
-    bool IsAlert() const { return feel == B_MODAL_APP_WINDOW_FEEL; }
+    bool IsMenu() const { return builtFeel == kMenuWindowFeel; }
+    bool IsAlert() const { return builtFeel == B_MODAL_APP_WINDOW_FEEL; }
     bool IsVisible() const { return hideCount == 0; }
     host::PixelRect DeviceFrame() const;
     host::WindowSpec Spec() const;
@@ -63,6 +63,7 @@ struct BWindow::State {
     const double scale;
     std::string title;
     const window_look look;
+    const window_feel builtFeel; // constant: other threads ask which kind of window this is
     window_feel feel;
     const uint32 flags;
     uint32 workspaces;
