@@ -34,6 +34,7 @@ enum : uint32 {
     B_NAVIGABLE = 0x02000000,             // Tab gives it the focus
     B_FULL_UPDATE_ON_RESIZE = 0x80000000, // all of it is drawn again, not only what is new
     B_FRAME_EVENTS = 0x04000000,          // FrameMoved() and FrameResized() are called
+    B_NAVIGABLE_JUMP = 0x08000000,        // Control-Tab goes from this group of views to the next
 };
 
 // What `transit` of MouseMoved() says about the pointer.
@@ -82,7 +83,8 @@ public:
     virtual void MouseUp(BPoint where);
     virtual void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage);
     // For the focus view. `bytes` is what the key types. Tab moves the focus to the next view that
-    // is B_NAVIGABLE; every other key is handed to the window's MessageReceived().
+    // is B_NAVIGABLE; every other key is handed to the window's MessageReceived(). The shortcuts of
+    // the window's menus and the key of its default button never come here.
     virtual void KeyDown(const char* bytes, int32 numBytes);
     virtual void KeyUp(const char* bytes, int32 numBytes);
     virtual void WindowActivated(bool active);
