@@ -1,6 +1,7 @@
 #include "kits/interface/Control.h"
 
 #include "kits/app/Message.h"
+#include "kits/interface/Button.h"
 #include "kits/interface/Window.h"
 #include "kits/kernel/OS.h"
 
@@ -27,7 +28,9 @@ void BControl::MouseDown(BPoint) {
 }
 
 void BControl::KeyDown(const char* bytes, int32 numBytes) {
-    bool invokes = numBytes == 1 && (bytes[0] == B_ENTER || bytes[0] == B_SPACE);
+    BButton* byEnter = Window() ? Window()->DefaultButton() : nullptr;
+    bool isForThis = byEnter == nullptr || byEnter == this;
+    bool invokes = numBytes == 1 && (bytes[0] == B_SPACE || (bytes[0] == B_ENTER && isForThis));
     if (!invokes) {
         BView::KeyDown(bytes, numBytes);
         return;

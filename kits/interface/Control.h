@@ -23,7 +23,7 @@ public:
     void DetachedFromWindow() override;
     // Has the control get the release of the button wherever it happens.
     void MouseDown(BPoint where) override;
-    // Space and Enter invoke it.
+    // Space invokes it, and Enter if the window has no default button.
     void KeyDown(const char* bytes, int32 numBytes) override;
     void MakeFocus(bool focus = true) override;
 

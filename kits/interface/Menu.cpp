@@ -7,13 +7,18 @@
 #include "host/draw/Canvas.h"
 #include "kits/app/Message.h"
 #include "kits/interface/HostFont.h"
+#include "kits/interface/MenuField.h"
 #include "kits/interface/MenuMetrics.h"
+#include "kits/interface/MenuShortcut.h"
 #include "kits/interface/MenuTracker.h"
 #include "kits/interface/MenuWindow.h"
 #include "kits/interface/SeparatorItem.h"
 
 BMenu::BMenu(const char* name, menu_layout)
-    : BView(BRect(0, 0, 0, 0), name, B_FOLLOW_NONE, B_WILL_DRAW) {
+    : BMenu(BRect(0, 0, 0, 0), name, B_FOLLOW_NONE, B_WILL_DRAW) {}
+
+BMenu::BMenu(BRect frame, const char* name, uint32 resizingMode, uint32 flags)
+    : BView(frame, name, resizingMode, flags) {
     SetViewColor(ui_color(B_MENU_BACKGROUND_COLOR));
     BView::SetFont(be_plain_font);
 }
@@ -226,6 +231,8 @@ void BMenu::ItemChanged(bool size) {
     const bool wasLaidOut = fLaidOut;
     if (size)
         fLaidOut = false;
+    if (fField)
+        fField->Invalidate();
     if (!Window())
         return;
     Invalidate();
@@ -242,6 +249,28 @@ void BMenu::ItemMarked(BMenuItem* marked) {
     }
     if (fLabelFromMarked && fSuperitem)
         fSuperitem->SetLabel(marked->Label());
+}
+
+void BMenu::GiveDefaultTarget(const BMessenger& target) {
+    for (BMenuItem* item : fItems) {
+        if (!item->Messenger().IsValid())
+            item->SetTarget(target);
+        if (item->fSubmenu)
+            item->fSubmenu->GiveDefaultTarget(target);
+    }
+}
+
+BMenuItem* BMenu::ItemOfShortcut(char character, uint32 modifiers) const {
+    for (BMenuItem* item : fItems) {
+        if (item->fShortcut != 0 && item->fModifiers == modifiers &&
+            IsSameShortcut(item->fShortcut, character))
+            return item;
+        BMenuItem* below =
+            item->fSubmenu ? item->fSubmenu->ItemOfShortcut(character, modifiers) : nullptr;
+        if (below)
+            return below;
+    }
+    return nullptr;
 }
 
 BMenuItem* BMenu::NextSelectable(int32 index, int32 step) const {

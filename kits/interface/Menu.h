@@ -6,9 +6,11 @@
 #include "kits/interface/MenuItem.h"
 #include "kits/interface/View.h"
 
+class BMenuField;
 class MenuTracker;
 
 enum menu_layout {
+    B_ITEMS_IN_ROW = 0, // of a menu bar
     B_ITEMS_IN_COLUMN = 1,
 };
 
@@ -80,9 +82,16 @@ public:
     void Draw(BRect updateRect) override;
     void SetFont(const BFont* font, uint32 mask = B_FONT_ALL) override;
 
+protected:
+    // A view of a window that is not a menu's.
+    BMenu(BRect frame, const char* name, uint32 resizingMode, uint32 flags);
+
 private:
+    friend class BMenuBar;
+    friend class BMenuField;
     friend class BMenuItem;
     friend class BMenuWindow;
+    friend class BWindow;
     friend class BPopUpMenu;
     friend class MenuTracker;
 
@@ -91,10 +100,16 @@ private:
     void ItemChanged(bool size);
     void ItemMarked(BMenuItem* marked);
 
+    // Items without a target, here and below, get this one.
+    void GiveDefaultTarget(const BMessenger& target);
+    // The item that the key of this character with these modifiers invokes, here or below; or null.
+    BMenuItem* ItemOfShortcut(char character, uint32 modifiers) const;
+
     // Layout and scrolling (MenuLayout.cpp). Lengths count pixels, as a rectangle's do not.
     void Layout();
     float ContentWidth() const { return fContentWidth; }
     float ContentHeight() const { return fContentHeight; }
+    float RoomBehindLabels() const;
     bool NeedsScrolling() const;
     BRect Viewport() const;
     float MaxScroll() const;
@@ -114,6 +129,7 @@ private:
 
     std::vector<BMenuItem*> fItems;
     BMenuItem* fSuperitem = nullptr;
+    BMenuField* fField = nullptr; // that shows what is marked
     BMenuItem* fSelected = nullptr;
     bool fRadioMode = false;
     bool fLabelFromMarked = false;
@@ -122,6 +138,7 @@ private:
     bool fDrawing = false;
     float fContentWidth = 0;
     float fContentHeight = 0;
+    float fShortcutWidth = 0;
     float fScroll = 0; // how far the items are moved up
 
     // Not null while the menu is open. Written with its window locked.

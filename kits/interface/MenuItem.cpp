@@ -5,12 +5,13 @@
 #include "kits/app/Message.h"
 #include "kits/interface/Menu.h"
 #include "kits/interface/MenuMetrics.h"
+#include "kits/interface/MenuShortcut.h"
 
 BMenuItem::BMenuItem(const char* label, BMessage* message, char shortcut, uint32 modifiers)
     : BInvoker(message, BMessenger())
     , fLabel(label ? label : "")
     , fShortcut(shortcut)
-    , fModifiers(modifiers) {}
+    , fModifiers(shortcut != 0 ? modifiers | B_COMMAND_KEY : 0) {}
 
 BMenuItem::BMenuItem(BMenu* submenu, BMessage* message)
     : BInvoker(message, BMessenger())
@@ -103,19 +104,16 @@ void BMenuItem::Draw() {
         DrawMark();
     if (fSubmenu)
         DrawSubmenuArrow();
+    if (fShortcut != 0)
+        DrawShortcut();
     DrawContent();
 }
 
 void BMenuItem::DrawContent() {
     BFont font;
     fMenu->GetFont(&font);
-    font_height height;
-    font.GetHeight(&height);
-    const float lineHeight = std::ceil(height.ascent + height.descent + height.leading);
-    const float above = std::floor((Frame().Height() + 1 - lineHeight) / 2);
-    const BPoint baseline(ContentLocation().x, Frame().top + above + std::ceil(height.ascent));
-
-    const float room = Frame().Width() + 1 - kItemLeft - kItemRight;
+    const BPoint baseline(ContentLocation().x, Baseline());
+    const float room = Frame().Width() + 1 - kItemLeft - fMenu->RoomBehindLabels();
     if (fContentWidth <= room) {
         fMenu->DrawString(Label(), baseline);
         return;
@@ -123,6 +121,14 @@ void BMenuItem::DrawContent() {
     std::string cut = fLabel;
     font.TruncateString(&cut, B_TRUNCATE_END, room);
     fMenu->DrawString(cut.c_str(), baseline);
+}
+
+float BMenuItem::Baseline() const {
+    font_height height;
+    fMenu->GetFontHeight(&height);
+    const float lineHeight = std::ceil(height.ascent + height.descent + height.leading);
+    const float above = std::floor((Frame().Height() + 1 - lineHeight) / 2);
+    return Frame().top + above + std::ceil(height.ascent);
 }
 
 void BMenuItem::Highlight(bool) {
@@ -145,6 +151,10 @@ void BMenuItem::Measure() {
     GetContentSize(&fContentWidth, &fHeight);
     fContentWidth = std::ceil(fContentWidth);
     fHeight = std::ceil(fHeight) + kItemTop + kItemBottom;
+    fShortcutWidth =
+        fShortcut == 0
+            ? 0
+            : std::ceil(fMenu->StringWidth(ShortcutLabel(fShortcut, fModifiers).c_str()));
 }
 
 void BMenuItem::DrawMark() {
@@ -163,4 +173,10 @@ void BMenuItem::DrawSubmenuArrow() {
     const BPoint arrow[] = {
         {frame.right - 11, middle - 4}, {frame.right - 7, middle}, {frame.right - 11, middle + 4}};
     fMenu->FillPolygon(arrow, 3);
+}
+
+// All shortcuts of a menu end at one line.
+void BMenuItem::DrawShortcut() {
+    const float left = Frame().right + 1 - kShortcutRight - fShortcutWidth;
+    fMenu->DrawString(ShortcutLabel(fShortcut, fModifiers).c_str(), BPoint(left, Baseline()));
 }

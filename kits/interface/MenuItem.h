@@ -16,7 +16,9 @@ class MenuTracker;
 // of an open menu are used with the menu's window locked.
 class BMenuItem : public BInvoker {
 public:
-    // `shortcut` and `modifiers` are kept for whoever asks. The label is copied.
+    // The label is copied. In a menu of a menu bar or a menu field, the key of the character
+    // `shortcut` (a digit, or a letter in either case), pressed with the Command key and
+    // `modifiers`, invokes the item while its window has the keyboard.
     BMenuItem(const char* label, BMessage* message, char shortcut = 0, uint32 modifiers = 0);
     // Named like the sub-menu.
     explicit BMenuItem(BMenu* submenu, BMessage* message = nullptr);
@@ -32,6 +34,7 @@ public:
     // A mark is a tick before the label. In a menu in radio mode, marking one unmarks the others.
     virtual void SetMarked(bool marked);
     bool IsMarked() const { return fMarked; }
+    // 0 if there is none. `modifiers` include B_COMMAND_KEY.
     char Shortcut(uint32* modifiers = nullptr) const;
 
     // Null if there is none.
@@ -50,6 +53,8 @@ public:
 
 protected:
     friend class BMenu;
+    friend class BMenuField;
+    friend class BWindow;
     friend class MenuTracker;
 
     // The room that DrawContent() needs, in logical pixels. Asked again after SetLabel() and after
@@ -70,8 +75,10 @@ protected:
 private:
     void Changed(bool size);
     void Measure();
+    float Baseline() const;
     void DrawMark();
     void DrawSubmenuArrow();
+    void DrawShortcut();
 
     std::string fLabel;
     char fShortcut = 0;
@@ -84,6 +91,7 @@ private:
     // Kept by the menu's layout, in logical pixels; the place is as if nothing was scrolled.
     bool fMeasured = false;
     float fContentWidth = 0;
+    float fShortcutWidth = 0;
     float fHeight = 0;
     float fTop = 0;
 };

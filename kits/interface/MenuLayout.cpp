@@ -10,16 +10,24 @@ void BMenu::Layout() {
     fLaidOut = true;
     float width = 0;
     float top = 0;
+    fShortcutWidth = 0;
     for (BMenuItem* item : fItems) {
         item->Measure();
         width = std::max(width, item->fContentWidth);
+        fShortcutWidth = std::max(fShortcutWidth, item->fShortcutWidth);
         item->fTop = top;
         top += item->fHeight;
     }
-    fContentWidth = width + kItemLeft + kItemRight + 2 * kMenuInset;
+    fContentWidth = width + kItemLeft + RoomBehindLabels() + 2 * kMenuInset;
     fContentHeight = top + 2 * kMenuInset;
     if (Window() == nullptr)
         ResizeTo(fContentWidth - 1, fContentHeight - 1);
+}
+
+float BMenu::RoomBehindLabels() const {
+    return fShortcutWidth == 0
+               ? kItemRight
+               : std::max(kItemRight, kShortcutGap + fShortcutWidth + kShortcutRight);
 }
 
 bool BMenu::NeedsScrolling() const {

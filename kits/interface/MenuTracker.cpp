@@ -16,46 +16,60 @@ constexpr bigtime_t kGrabTimeout = 300'000;
 
 } // namespace
 
-MenuTracker::MenuTracker(BMenu& menu, bool invokes)
-    : fMenu(menu)
-    , fInvokes(invokes)
+MenuTracker::MenuTracker(bool invokes)
+    : fInvokes(invokes)
     , fWindow(BMenuWindow::Take())
     , fMessenger(fWindow) {}
 
 std::shared_ptr<MenuTracker> MenuTracker::Open(BMenu& menu, BPoint where, bool openAnyway,
-                                               bool invokes) {
-    std::shared_ptr<MenuTracker> tracker(new MenuTracker(menu, invokes));
-    if (!MenuRegistry::Shared().Add(tracker)) {
-        BMenuWindow::GiveBack(tracker->fWindow);
+                                               bool invokes, BMenuItem* selected) {
+    std::shared_ptr<MenuTracker> tracker(new MenuTracker(invokes));
+    if (!Register(tracker))
         return nullptr;
-    }
-    return tracker->OpenMenu(where, openAnyway) ? tracker : nullptr;
+    const MenuLock lock(*tracker->fWindow);
+    if (!tracker->Begin(openAnyway))
+        return nullptr;
+    tracker->OpenMenu(menu, where, selected);
+    return tracker;
 }
 
-bool MenuTracker::OpenMenu(BPoint where, bool openAnyway) {
-    const MenuLock lock(*fWindow);
+bool MenuTracker::Register(const std::shared_ptr<MenuTracker>& tracker) {
+    const bool isOnly = MenuRegistry::Shared().Add(tracker);
+    if (!isOnly)
+        BMenuWindow::GiveBack(tracker->fWindow);
+    return isOnly;
+}
+
+bool MenuTracker::Begin(bool openAnyway) {
     fWindow->SetTracker(shared_from_this());
     host::Display* display = host::Display::Shared();
     // The server holds the buttons' state, so a press of the moment before counts.
-    if (fCancelled || !display || (!openAnyway && display->GetPointer().buttons == 0) ||
-        fWindow->GrabInput(kGrabTimeout) != B_OK) {
-        Finish(nullptr);
-        return false;
-    }
-    fMenu.Layout();
-    fWindow->Open(
-        fMenu,
-        PlaceMenu(where, fMenu.ContentWidth(), fMenu.ContentHeight(), BScreen::MonitorFrame(where)),
-        *this);
-    fLevels.push_back({fWindow, &fMenu});
+    if (!fCancelled && display && (openAnyway || display->GetPointer().buttons != 0) &&
+        fWindow->GrabInput(kGrabTimeout) == B_OK)
+        return true;
+    Finish(nullptr);
+    return false;
+}
 
-    const host::Pointer pointer = display->GetPointer();
-    const auto scale = static_cast<float>(display->Scale());
+void MenuTracker::OpenMenu(BMenu& menu, BPoint where, BMenuItem* selected) {
+    menu.Layout();
+    fWindow->Open(
+        menu,
+        PlaceMenu(where, menu.ContentWidth(), menu.ContentHeight(), BScreen::MonitorFrame(where)),
+        *this);
+    fLevels.push_back({fWindow, &menu});
+
+    const host::Display& display = *host::Display::Shared();
+    const host::Pointer pointer = display.GetPointer();
+    const auto scale = static_cast<float>(display.Scale());
     StartAt(BPoint(static_cast<float>(pointer.screenX) / scale,
                    static_cast<float>(pointer.screenY) / scale),
             pointer.buttons);
+    if (selected) {
+        menu.Select(selected);
+        menu.ScrollToShow(*selected);
+    }
     fWindow->UpdateIfNeeded();
-    return true;
 }
 
 BMenuItem* MenuTracker::Wait() {

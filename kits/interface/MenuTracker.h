@@ -16,17 +16,31 @@ class BMenuItem;
 class BMenuWindow;
 class BMessage;
 
-// One menu that is open, with its sub-menus, from BPopUpMenu::Go() until it is closed.
+// A title that a menu hangs below; the place is the title's, on the screen.
+struct MenuTitle {
+    BMenu* menu;
+    BRect frame;
+};
+
+// One menu that is open, with its sub-menus, from BPopUpMenu::Go() until it is closed; or one after
+// the other of those of a menu bar.
 //
 // All input comes to the first menu's window, which has grabbed it, and is handled by that window's
 // thread. It locks the windows of sub-menus one at a time, after its own; nothing else is locked,
 // in particular no looper of the program.
 class MenuTracker : public std::enable_shared_from_this<MenuTracker> {
 public:
-    // Opens the menu; null if it cannot be opened. With `invokes` the chosen item is invoked by the
-    // menu's thread. Any thread.
+    // Opens the menu, with `selected` (may be null) selected; null if it cannot be opened. With
+    // `invokes` the chosen item is invoked by the menu's thread. Any thread.
     static std::shared_ptr<MenuTracker> Open(BMenu& menu, BPoint where, bool openAnyway,
-                                             bool invokes);
+                                             bool invokes, BMenuItem* selected = nullptr);
+    // Opens the menu of `titles[first]`; those of the others follow as the pointer or the arrow
+    // keys go there. The titles' menus stay what they are until it is closed.
+    static std::shared_ptr<MenuTracker> OpenTitle(std::vector<MenuTitle> titles, size_t first);
+
+    // Waits until another title's menu than that of `shown` is open, and answers which; nothing
+    // once the menus are closed.
+    std::optional<size_t> WaitForTitle(size_t shown);
 
     // Waits until the menu is closed. The chosen item, or null.
     BMenuItem* Wait();
@@ -51,9 +65,18 @@ private:
     // What a timer waits for.
     enum class Timer { OpenSubmenu, StopAiming, Scroll, StopSwallowing };
 
-    MenuTracker(BMenu& menu, bool invokes);
+    explicit MenuTracker(bool invokes);
 
-    bool OpenMenu(BPoint where, bool openAnyway);
+    static bool Register(const std::shared_ptr<MenuTracker>& tracker);
+    // Takes the input; false, and the end of the tracker, if the menu cannot be opened.
+    bool Begin(bool openAnyway);
+    void OpenMenu(BMenu& menu, BPoint where, BMenuItem* selected);
+
+    // Titles (MenuTrackerTitles.cpp).
+    std::optional<size_t> TitleAt(BPoint where) const;
+    void ShowTitle(size_t index, bool selects);
+    bool FollowTitles(BPoint where);
+    void StepTitle(int step);
     bool HandleInput(const BMessage& message);
     void UpdateSubmenus();
 
@@ -89,13 +112,13 @@ private:
     void StopTimer();
     void TimerFired();
 
-    BMenu& fMenu;
     const bool fInvokes;
+    std::vector<MenuTitle> fTitles; // constant once the menu is open
     BMenuWindow* const fWindow;
     const BMessenger fMessenger; // to fWindow
     std::atomic<bool> fCancelled = false;
 
-    // With fWindow locked. The first level is fMenu's.
+    // With fWindow locked. The first level is that of the menu that opened first.
     std::vector<Level> fLevels;
     bool fFinished = false;
     BPoint fOrigin; // where the pointer was when the menu opened
@@ -115,5 +138,6 @@ private:
     // Guarded by fMutex.
     std::condition_variable fClosed;
     bool fIsClosed = false;
+    size_t fShownTitle = 0;
     BMenuItem* fChosen = nullptr;
 };

@@ -91,10 +91,14 @@ void MenuTracker::KeyDown(BMenu& menu, const char* bytes, int32 numBytes) {
     case B_RIGHT_ARROW:
         if (selected && selected->Submenu())
             OpenSubmenu(level, *selected, true);
+        else
+            StepTitle(1);
         break;
     case B_LEFT_ARROW:
         if (fLevels.size() > 1)
             CloseAbove(fLevels.size() - 2);
+        else
+            StepTitle(-1);
         break;
     case B_ESCAPE:
         if (fLevels.size() > 1)

@@ -34,7 +34,7 @@ void MenuTracker::PointerMoved(BPoint where) {
         return;
     const BPoint before = fPointer;
     NotePlace(where);
-    if (!IsAiming(before, where))
+    if (!FollowTitles(where) && !IsAiming(before, where))
         Follow(where);
 }
 
@@ -87,7 +87,7 @@ void MenuTracker::ReleasedAt(BPoint where, uint32 released, bool wasOpening) {
     const auto level = LevelAt(where);
     if (!level) {
         // Someone who dragged out of the menu has changed their mind.
-        if (fEntered)
+        if (fEntered && !TitleAt(where))
             Finish(nullptr);
         return;
     }

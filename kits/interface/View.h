@@ -83,8 +83,8 @@ public:
     virtual void MouseUp(BPoint where);
     virtual void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage);
     // For the focus view. `bytes` is what the key types. Tab moves the focus to the next view that
-    // is B_NAVIGABLE; every other key is handed to the window's MessageReceived(). The shortcuts of
-    // the window's menus and the key of its default button never come here.
+    // is B_NAVIGABLE, Enter presses the default button; every other key is handed to the window's
+    // MessageReceived(). The shortcuts of the window's menus never come here.
     virtual void KeyDown(const char* bytes, int32 numBytes);
     virtual void KeyUp(const char* bytes, int32 numBytes);
     virtual void WindowActivated(bool active);

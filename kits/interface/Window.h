@@ -113,7 +113,7 @@ public:
 
     // The view that gets the keys, or null: then the window's MessageReceived() gets them.
     BView* CurrentFocus() const;
-    // The button that Enter presses, or null.
+    // The button that Enter presses, whichever view has the focus; or null.
     void SetDefaultButton(BButton* button);
     BButton* DefaultButton() const;
 

@@ -8,6 +8,9 @@
 #include "kits/app/Message.h"
 #include "kits/app/MessageQueue.h"
 #include "kits/interface/Button.h"
+#include "kits/interface/MenuBar.h"
+#include "kits/interface/MenuField.h"
+#include "kits/interface/MenuShortcut.h"
 #include "kits/interface/WindowState.h"
 #include "kits/kernel/OS.h"
 
@@ -32,10 +35,28 @@ void CollectNavigable(BView* view, std::vector<BView*>& found) {
     if (view->IsHidden())
         return;
     auto* control = dynamic_cast<BControl*>(view);
-    if ((view->Flags() & B_NAVIGABLE) && (control == nullptr || control->IsEnabled()))
+    auto* field = dynamic_cast<BMenuField*>(view);
+    bool isDisabled =
+        (control != nullptr && !control->IsEnabled()) || (field != nullptr && !field->IsEnabled());
+    if ((view->Flags() & B_NAVIGABLE) && !isDisabled)
         found.push_back(view);
     for (int32 i = 0; i < view->CountChildren(); i++)
         CollectNavigable(view->ChildAt(i), found);
+}
+
+// The nearest group that the view is in, or null.
+const BView* GroupOf(const BView* view) {
+    while (view != nullptr && (view->Flags() & B_NAVIGABLE_JUMP) == 0)
+        view = view->Parent();
+    return view;
+}
+
+// The menu that `view` shows, if it is one of those with shortcuts.
+BMenu* MenuOf(BView* view) {
+    if (auto* bar = dynamic_cast<BMenuBar*>(view))
+        return bar;
+    auto* field = dynamic_cast<BMenuField*>(view);
+    return field != nullptr ? field->Menu() : nullptr;
 }
 
 } // namespace
@@ -111,6 +132,8 @@ void BWindow::State::WheelTurned(BMessage& message) {
 void BWindow::State::KeyChanged(BMessage& message) {
     const char* bytes = message.GetString("bytes", "");
     int32 length = static_cast<int32>(strlen(bytes));
+    if (message.what == B_KEY_DOWN && InvokeShortcut(message))
+        return;
     if (focus != nullptr && message.what == B_KEY_DOWN)
         focus->KeyDown(bytes, length);
     else if (focus != nullptr && message.what == B_KEY_UP)
@@ -133,11 +156,39 @@ bool BWindow::State::KeyDownInWindow(const BMessage& message) {
     }
     if (bytes[0] != B_TAB)
         return false;
-    FocusNext((message.GetInt32("modifiers", 0) & B_SHIFT_KEY) != 0);
+    auto held = static_cast<uint32>(message.GetInt32("modifiers", 0));
+    FocusNext((held & B_SHIFT_KEY) != 0, (held & B_CONTROL_KEY) != 0);
     return focus != nullptr;
 }
 
-void BWindow::State::FocusNext(bool backwards) {
+bool BWindow::State::InvokeShortcut(const BMessage& message) {
+    constexpr uint32 kModifiers = B_COMMAND_KEY | B_SHIFT_KEY | B_CONTROL_KEY | B_OPTION_KEY;
+    uint32 held = static_cast<uint32>(message.GetInt32("modifiers", 0)) & kModifiers;
+    char character = ShortcutCharacter(message.GetInt32("key", 0), message.GetString("bytes", ""));
+    if ((held & B_COMMAND_KEY) == 0 || character == 0)
+        return false;
+    BMenuItem* item = ItemOfShortcut(root, character, held);
+    if (item == nullptr)
+        return false;
+    if (item->IsSelectable() && !message.HasInt32("be:key_repeat"))
+        item->Invoke();
+    return true;
+}
+
+BMenuItem* BWindow::State::ItemOfShortcut(BView& view, char character, uint32 modifiers) {
+    if (BMenu* menu = MenuOf(&view)) {
+        menu->GiveDefaultTarget(BMessenger(window));
+        return menu->ItemOfShortcut(character, modifiers);
+    }
+    for (BView* child : view.fChildren) {
+        if (BMenuItem* item = ItemOfShortcut(*child, character, modifiers))
+            return item;
+    }
+    return nullptr;
+}
+
+// From the focus to the next view that can have it, or to the first one of the next group.
+void BWindow::State::FocusNext(bool backwards, bool byGroup) {
     std::vector<BView*> views;
     CollectNavigable(&root, views);
     if (views.empty())
@@ -148,8 +199,15 @@ void BWindow::State::FocusNext(bool backwards) {
         at = std::find(views.begin(), views.end(), view);
     size_t count = views.size();
     size_t next = backwards ? count - 1 : 0;
-    if (at != views.end())
-        next = (static_cast<size_t>(at - views.begin()) + (backwards ? count - 1 : 1)) % count;
+    size_t step = backwards ? count - 1 : 1;
+    if (at != views.end()) {
+        auto start = static_cast<size_t>(at - views.begin());
+        next = (start + step) % count;
+        while (byGroup && next != start && GroupOf(views[next]) == GroupOf(views[start]))
+            next = (next + step) % count;
+    }
+    while (byGroup && backwards && next > 0 && GroupOf(views[next - 1]) == GroupOf(views[next]))
+        next--;
     views[next]->MakeFocus(true);
 }
 

@@ -12,6 +12,8 @@
 #include "kits/interface/View.h"
 #include "kits/interface/Window.h"
 
+class BMenuItem;
+
 // The inside of a window. Everything is used with the window locked, but what is marked as
 // constant.
 struct BWindow::State {
@@ -53,7 +55,9 @@ struct BWindow::State {
     void WheelTurned(BMessage& message);
     void KeyChanged(BMessage& message);
     bool KeyDownInWindow(const BMessage& message);
-    void FocusNext(bool backwards);
+    bool InvokeShortcut(const BMessage& message);
+    BMenuItem* ItemOfShortcut(BView& view, char character, uint32 modifiers);
+    void FocusNext(bool backwards, bool byGroup);
     void Activated(bool isActive, bigtime_t when);
     void GetMouse(BPoint* where, uint32* buttons, bool checkQueue);
     bool TakeMouseMessage(BPoint* where, uint32* buttons);

@@ -73,6 +73,7 @@ protected:
     void MoveOver(BView* view, BPoint where);
     // Returns when the window is about to handle the release.
     void ClickAt(BView* view, BPoint where, int button = 1);
+    BPoint OnScreen(BView* view, BPoint where);
     uint32_t PixelAt(BView* view, BPoint where);
     bool WaitForPixel(BView* view, BPoint where, uint32_t color);
 
@@ -81,8 +82,6 @@ protected:
     test::Screen screen;
 
 private:
-    BPoint OnScreen(BView* view, BPoint where);
-
     std::vector<BMessenger> fWindows;
     std::atomic<int> fReleases = 0;
 };
