@@ -101,6 +101,23 @@ TEST_F(MonitorTest, BookmarkMadeStepByStepEndsComplete) {
     }
 }
 
+// Whoever waits for a folder to be made anew puts his bookmark there in the same moment.
+TEST_F(MonitorTest, BookmarkPutIntoADirectoryAsItAppearsIsSeen) {
+    Start();
+    for (int round = 0; round < 5; ++round) {
+        fs::rename(Root(), fHome.Config() / ("old " + std::to_string(round)));
+        for (int folder = 0; folder < 10; ++folder) {
+            const fs::path directory = Root() / (std::to_string(folder) + " -");
+            const auto end = std::chrono::steady_clock::now() + test::kDeadline;
+            while (!fs::exists(directory) && std::chrono::steady_clock::now() < end)
+                std::this_thread::yield();
+            test::MakeBookmark(directory / "2 - New", "http://new");
+        }
+        for (int folder = 0; folder < 10; ++folder)
+            EXPECT_TRUE(Becomes(folder, 2, "2 - New")) << round;
+    }
+}
+
 TEST_F(MonitorTest, DeletedBookmarksLeaveWithOneRebuild) {
     for (int slot = 0; slot < 5; ++slot)
         test::MakeBookmark(Root() / "1 - x" / (std::to_string(slot) + " - gone"), "http://x");
