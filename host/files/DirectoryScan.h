@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "host/files/Descriptor.h"
 #include "host/files/NodeStatus.h"
+#include "host/loop/Descriptor.h"
 
 namespace host {
 

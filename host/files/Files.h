@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "host/files/Descriptor.h"
+#include "host/loop/Descriptor.h"
 #include "kits/support/SupportDefs.h"
 
 namespace host {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "host/files/Descriptor.h"
+#include "host/loop/Descriptor.h"
 #include "kits/support/SupportDefs.h"
 
 namespace host {

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-#include "host/files/Descriptor.h"
+#include "host/loop/Descriptor.h"
 #include "kits/support/EntryRef.h"
 #include "kits/support/SupportDefs.h"
 

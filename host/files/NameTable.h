@@ -4,8 +4,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/files/Descriptor.h"
 #include "host/files/NodeStatus.h"
+#include "host/loop/Descriptor.h"
 
 namespace host {
 

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string_view>
 
-#include "host/session/Descriptor.h"
+#include "host/loop/Descriptor.h"
 
 namespace host {
 

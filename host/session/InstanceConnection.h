@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/loop/Descriptor.h"
 #include "host/loop/ServiceLoop.h"
-#include "host/session/Descriptor.h"
 
 namespace host {
 

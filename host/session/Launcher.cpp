@@ -11,7 +11,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "host/session/Descriptor.h"
+#include "host/loop/Descriptor.h"
 
 namespace host {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/session/Descriptor.h"
+#include "host/loop/Descriptor.h"
 #include "kits/support/SupportDefs.h"
 
 namespace host {

@@ -3,8 +3,8 @@
 #include <functional>
 #include <memory>
 
+#include "host/loop/Descriptor.h"
 #include "host/loop/ServiceLoop.h"
-#include "host/session/Descriptor.h"
 
 namespace host {
 

@@ -2,7 +2,7 @@
 
 #include <sys/types.h>
 
-#include "host/files/Descriptor.h"
+#include "host/loop/Descriptor.h"
 #include "kits/storage/StorageDefs.h"
 #include "kits/support/EntryRef.h"
 #include "kits/support/TypeConstants.h"

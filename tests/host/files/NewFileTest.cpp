@@ -8,7 +8,7 @@
 
 #include <chrono>
 
-#include "host/files/Descriptor.h"
+#include "host/loop/Descriptor.h"
 #include "host/loop/ServiceLoop.h"
 #include "tests/host/files/MonitorFixture.h"
 

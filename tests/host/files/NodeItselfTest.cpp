@@ -5,8 +5,8 @@
 
 #include <thread>
 
-#include "host/files/Descriptor.h"
 #include "host/files/NodeMonitor.h"
+#include "host/loop/Descriptor.h"
 #include "host/loop/ServiceLoop.h"
 #include "tests/host/files/MonitorFixture.h"
 #include "tests/support/Wait.h"

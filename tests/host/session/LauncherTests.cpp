@@ -8,7 +8,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "host/session/Descriptor.h"
+#include "host/loop/Descriptor.h"
 #include "host/session/Launcher.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Wait.h"

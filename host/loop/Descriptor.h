@@ -6,11 +6,10 @@
 
 namespace host {
 
-// Owns a file descriptor, or none.
+// Owns a file descriptor, or none (-1).
 class Descriptor {
 public:
-    Descriptor() = default;
-    explicit Descriptor(int descriptor)
+    explicit Descriptor(int descriptor = -1)
         : fDescriptor(descriptor) {}
     Descriptor(Descriptor&& other) noexcept
         : fDescriptor(std::exchange(other.fDescriptor, -1)) {}
@@ -18,17 +17,18 @@ public:
         std::swap(fDescriptor, other.fDescriptor);
         return *this;
     }
-    ~Descriptor() {
-        if (fDescriptor >= 0)
-            close(fDescriptor);
-    }
+    ~Descriptor() { Close(); }
 
     explicit operator bool() const { return fDescriptor >= 0; }
     int Get() const { return fDescriptor; }
     int Release() { return std::exchange(fDescriptor, -1); }
+    void Close() {
+        if (fDescriptor >= 0)
+            close(Release());
+    }
 
 private:
-    int fDescriptor = -1;
+    int fDescriptor;
 };
 
 } // namespace host
