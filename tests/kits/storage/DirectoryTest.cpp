@@ -52,19 +52,6 @@ TEST_F(DirectoryTest, WalkSeesEveryEntryOnce) {
     EXPECT_EQ(Walk(true), expected);
 }
 
-TEST_F(DirectoryTest, WalkStartsAnew) {
-    MakeFile("folder/file");
-    BDirectory directory(In("folder").c_str());
-    BEntry entry;
-    EXPECT_EQ(directory.GetNextEntry(&entry), B_OK);
-    EXPECT_EQ(directory.GetNextEntry(&entry), B_ENTRY_NOT_FOUND);
-    EXPECT_EQ(directory.Rewind(), B_OK);
-    EXPECT_EQ(directory.GetNextEntry(&entry), B_OK);
-    BPath path;
-    ASSERT_EQ(entry.GetPath(&path), B_OK);
-    EXPECT_EQ(path, BPath(In("folder/file").c_str()));
-}
-
 TEST_F(DirectoryTest, OnlyDirectoriesAreOpened) {
     MakeFile("file");
     MakeLink("link", "folder");
@@ -92,17 +79,6 @@ TEST_F(DirectoryTest, MakesFilesAndDirectories) {
     EXPECT_EQ(std::filesystem::file_size(OnDisk("folder/inner/file")), 4u);
     EXPECT_EQ(inner.CreateFile("file", nullptr), B_OK);
     EXPECT_EQ(std::filesystem::file_size(OnDisk("folder/inner/file")), 0u);
-    EXPECT_TRUE(directory.Contains("inner/file"));
-    EXPECT_FALSE(directory.Contains("file"));
-    EXPECT_EQ(directory.Sync(), B_OK);
-    BEntry entry;
-    ASSERT_EQ(inner.GetEntry(&entry), B_OK);
-    char name[B_FILE_NAME_LENGTH];
-    ASSERT_EQ(entry.GetName(name), B_OK);
-    EXPECT_STREQ(name, "inner");
-}
-
-TEST_F(DirectoryTest, CreatesTheWholeWay) {
     EXPECT_EQ(create_directory(In("config/settings/a/b").c_str(), 0777), B_OK);
     EXPECT_TRUE(std::filesystem::is_directory(fHome.Config() / "a/b"));
     EXPECT_EQ(create_directory(In("config/settings/a/b").c_str(), 0777), B_OK);

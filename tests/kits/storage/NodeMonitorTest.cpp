@@ -39,15 +39,10 @@ protected:
         fCollector->Run();
         fMessenger = BMessenger(fCollector);
     }
-    ~NodeMonitorTest() override { QuitCollector(); }
-
-    void QuitCollector() {
-        if (!fCollector)
-            return;
+    ~NodeMonitorTest() override {
         stop_watching(fMessenger);
         fCollector->Lock();
         fCollector->Quit();
-        fCollector = nullptr;
     }
 
     node_ref NodeOf(const std::string& name) const {
@@ -163,26 +158,6 @@ TEST_F(NodeMonitorTest, TargetThatIsGoneIsForgotten) {
     EXPECT_EQ(String(Message(0), "name"), "one");
     EXPECT_TRUE(WaitUntil([&] { return stop_watching(gone) == B_BAD_VALUE; }));
     EXPECT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, gone), B_BAD_HANDLER);
-}
-
-TEST_F(NodeMonitorTest, RefFollowsARenamedFolder) {
-    node_ref home;
-    ASSERT_EQ(BEntry("/boot/home").GetNodeRef(&home), B_OK);
-    entry_ref ref;
-    ASSERT_EQ(get_ref_for_path(In("folder/file").c_str(), &ref), B_OK);
-    ASSERT_EQ(watch_node(&home, B_WATCH_DIRECTORY, fMessenger), B_OK);
-    Rename("folder", "renamed");
-    ExpectNode(Message(0), B_ENTRY_MOVED, NodeOf("renamed"));
-    EXPECT_TRUE(BEntry(&ref).Exists());
-}
-
-TEST_F(NodeMonitorTest, RefusesWhatMakesNoSense) {
-    node_ref folder = NodeOf("folder");
-    node_ref unknown = {folder.device, 1};
-    EXPECT_EQ(watch_node(nullptr, B_WATCH_NAME, fMessenger), B_BAD_VALUE);
-    EXPECT_EQ(watch_node(&folder, 0x1000, fMessenger), B_BAD_VALUE);
-    EXPECT_EQ(watch_node(&folder, B_WATCH_NAME, BMessenger()), B_BAD_HANDLER);
-    EXPECT_EQ(watch_node(&unknown, B_WATCH_NAME, fMessenger), B_ENTRY_NOT_FOUND);
 }
 
 } // namespace test
