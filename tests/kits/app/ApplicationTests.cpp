@@ -95,15 +95,6 @@ TEST_F(ApplicationTest, SignalsAreRemoteQuitRequests) {
     }
 }
 
-TEST_F(ApplicationTest, ManySignalsAreOneQuit) {
-    Program program(fHome, {});
-    ASSERT_TRUE(program.Says("ready"));
-    for (int i = 0; i < 20; i++)
-        program.Process().Signal(i % 2 ? SIGINT : SIGTERM);
-    EXPECT_EQ(0, program.End(SIGHUP));
-    EXPECT_EQ("destroyed", program.Said().back());
-}
-
 TEST_F(ApplicationTest, ASignalDuringReadyToRunDismissesWhatItWaitsFor) {
     Program program(fHome, {"block"});
     ASSERT_TRUE(program.Says("ready"));
@@ -124,16 +115,6 @@ TEST_F(ApplicationTest, ASignalBeforeRunIsKept) {
     EXPECT_EQ(0, program.Process().Wait());
     EXPECT_THAT(program.Said(), Contains("remote quit"));
     EXPECT_EQ("destroyed", program.Said().back());
-}
-
-TEST_F(ApplicationTest, SignalsIgnoredFromOutsideStayIgnored) {
-    Program program(fHome, {"exclusive"}, {"/bin/sh", "-c", "trap '' HUP; exec \"$@\"", "sh"});
-    ASSERT_TRUE(program.Says("ready"));
-    program.Process().Signal(SIGHUP);
-    EXPECT_EQ(B_OK, BMessenger(kSignature).SendMessage('test'));
-    ASSERT_TRUE(program.Says("remote test"));
-    EXPECT_THAT(program.Said(), Not(Contains("dismiss")));
-    EXPECT_EQ(0, program.End(SIGTERM));
 }
 
 TEST_F(ApplicationTest, ARefusedQuitGoesOnAndTheNextOneCounts) {
@@ -174,18 +155,6 @@ TEST_F(ApplicationTest, ALostDisplayShowsInTheExitStatus) {
     EXPECT_EQ("destroyed", program.Said().back());
     EXPECT_EQ(1, refusing.Process().Wait());
     EXPECT_EQ("saved", refusing.Said().back());
-}
-
-TEST_F(ApplicationTest, ASecondStartWakesTheFirst) {
-    Program first(fHome, {"exclusive"});
-    ASSERT_TRUE(first.Says("ready"));
-    Program second(fHome, {"exclusive"});
-    EXPECT_EQ(0, second.Process().Wait());
-    EXPECT_TRUE(second.Said().empty());
-    EXPECT_TRUE(second.Errors().empty());
-    EXPECT_TRUE(first.Says("wake"));
-    EXPECT_EQ(0, first.End(SIGTERM));
-    EXPECT_FALSE(host::InstanceRuns(kSignature));
 }
 
 TEST_F(ApplicationTest, OfManyStartsAtOnceOneRuns) {

@@ -9,7 +9,6 @@ namespace test {
 namespace {
 
 TEST_F(LooperTest, HandlesMessagesInOrderAlsoThoseFromBeforeItRan) {
-    EXPECT_EQ(B_BAD_THREAD_ID, looper->Thread());
     for (uint32 what = 0; what < 50; ++what)
         EXPECT_EQ(B_OK, looper->PostMessage(what));
     EXPECT_GT(looper->Run(), 0);
@@ -19,84 +18,29 @@ TEST_F(LooperTest, HandlesMessagesInOrderAlsoThoseFromBeforeItRan) {
     const Codes seen = log.Seen();
     for (uint32 what = 0; what < 100; ++what)
         EXPECT_EQ(what, seen[what]);
-    looper->Lock();
-    EXPECT_EQ(100, looper->handled);
-    EXPECT_EQ(nullptr, looper->CurrentMessage());
-    looper->Unlock();
-}
-
-TEST_F(LooperTest, IsNotHeldUpWhileItsLockIsHeldByOthers) {
-    looper->Run();
-    looper->Lock();
-    EXPECT_EQ(B_OK, looper->PostMessage('wait'));
-    BMessageQueue* const queue = looper->MessageQueue();
-    queue->Lock();
-    // The looper has it in hand, or it waits.
-    EXPECT_LE(queue->CountMessages(), 1);
-    queue->Unlock();
-    EXPECT_TRUE(log.Seen().empty());
-    looper->Unlock();
-    EXPECT_TRUE(log.Reach(1));
-}
-
-TEST_F(LooperTest, SendsCopies) {
-    BMessage message('call');
-    message.AddInt32("n", 1);
-    message.SetSourceRemote(true);
-    std::atomic<int32> number = 0;
-    std::atomic<bool> isRemote = false;
-    looper->call = [&](BMessage* received) {
-        number = received->GetInt32("n", 0);
-        isRemote = received->IsSourceRemote();
-        EXPECT_EQ(BMessenger(looper), received->ReturnAddress());
-        log.Add('done');
-    };
-    EXPECT_EQ(B_OK, messenger.SendMessage(&message, looper));
-    message.ReplaceInt32("n", 2);
-    looper->Run();
-    ASSERT_TRUE(log.Reach(1));
-    EXPECT_EQ(1, number);
-    EXPECT_TRUE(isRemote);
 }
 
 TEST_F(LooperTest, HandsMessagesToTheHandlerTheyName) {
     Log other;
     LoggingHandler handler(other);
     looper->AddHandler(&handler);
-    EXPECT_EQ(looper, handler.NextHandler());
-    EXPECT_EQ(2, looper->CountHandlers());
+
     EXPECT_EQ(B_OK, looper->PostMessage('hand', &handler));
     EXPECT_EQ(B_OK, looper->PostMessage('self', nullptr));
-    EXPECT_EQ(B_OK, BMessenger(nullptr, looper).SendMessage('slf2'));
     looper->Run();
-    ASSERT_TRUE(log.Reach(2));
+    ASSERT_TRUE(log.Reach(1));
     looper->Lock();
     looper->SetPreferredHandler(&handler);
     looper->Unlock();
     looper->PostMessage('pref', nullptr);
-    BMessenger(nullptr, looper).SendMessage('prf2');
     looper->PostMessage('self');
-    ASSERT_TRUE(log.Reach(3));
-    EXPECT_EQ(Codes({'hand', 'pref', 'prf2'}), other.Seen());
-    EXPECT_EQ(Codes({'self', 'slf2', 'self'}), log.Seen());
+    ASSERT_TRUE(log.Reach(2));
+    EXPECT_EQ(Codes({'hand', 'pref'}), other.Seen());
+    EXPECT_EQ(Codes({'self', 'self'}), log.Seen());
     handler.LockLooper();
     EXPECT_TRUE(looper->RemoveHandler(&handler));
     EXPECT_EQ(nullptr, looper->PreferredHandler());
     EXPECT_FALSE(handler.LockLooper());
-    looper->Unlock();
-}
-
-TEST_F(LooperTest, PassesWhatAHandlerDoesNotKnowAlongTheChain) {
-    BHandler first, second;
-    looper->AddHandler(&first);
-    looper->AddHandler(&second);
-    first.SetNextHandler(&second);
-    looper->PostMessage('pass', &first);
-    looper->Run();
-    ASSERT_TRUE(log.Reach(1));
-    looper->Lock();
-    looper->RemoveHandler(&first);
-    looper->RemoveHandler(&second);
     looper->Unlock();
 }
 
@@ -106,8 +50,6 @@ TEST_F(LooperTest, RefusesTargetsThatAreNotThere) {
     EXPECT_EQ(B_MISMATCHED_VALUES, looper->PostMessage('xxxx', &stranger));
     EXPECT_FALSE(BMessenger(&stranger, nullptr, &status).IsValid());
     EXPECT_EQ(B_BAD_HANDLER, status);
-    BMessenger(nullptr, nullptr, &status);
-    EXPECT_EQ(B_BAD_VALUE, status);
     BLooper* const other = new BLooper;
     looper->AddHandler(&stranger);
     EXPECT_FALSE(BMessenger(&stranger, other, &status).IsValid());
@@ -120,9 +62,6 @@ TEST_F(LooperTest, RefusesTargetsThatAreNotThere) {
     EXPECT_EQ(nullptr, gone.Target(&found));
     EXPECT_EQ(nullptr, found);
     EXPECT_EQ(B_BAD_PORT_ID, BMessenger().SendMessage('xxxx'));
-    EXPECT_EQ(B_BAD_VALUE, messenger.SendMessage(nullptr));
-    EXPECT_FALSE(BMessenger() == gone);
-    EXPECT_EQ(BMessenger(looper), messenger);
 }
 
 TEST_F(LooperTest, DropsMessagesWhoseHandlerIsGone) {
@@ -137,28 +76,6 @@ TEST_F(LooperTest, DropsMessagesWhoseHandlerIsGone) {
     looper->Run();
     ASSERT_TRUE(log.Reach(1));
     EXPECT_TRUE(other.Seen().empty());
-}
-
-TEST_F(LooperTest, DropsOldMessagesOnRequest) {
-    looper->call = [&](BMessage* message) {
-        BMessageQueue* const queue = looper->MessageQueue();
-        queue->Lock();
-        BMessage* const next = queue->FindMessage(static_cast<int32>(0));
-        EXPECT_EQ('call', next->what);
-        EXPECT_EQ('keep', queue->FindMessage(uint32('keep'), 0)->what);
-        EXPECT_EQ(nullptr, queue->FindMessage(uint32('keep'), 1));
-        EXPECT_EQ(nullptr, queue->FindMessage(static_cast<int32>(2)));
-        EXPECT_FALSE(queue->RemoveMessage(message));
-        EXPECT_TRUE(queue->RemoveMessage(next));
-        queue->Unlock();
-        delete next;
-    };
-    looper->PostMessage('call');
-    looper->PostMessage('call');
-    looper->PostMessage('keep');
-    looper->Run();
-    ASSERT_TRUE(log.Reach(1));
-    EXPECT_EQ(Codes({'keep'}), log.Seen());
 }
 
 TEST_F(LooperTest, QuitsOnRequestIfItAgrees) {

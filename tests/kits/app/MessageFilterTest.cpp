@@ -67,30 +67,6 @@ TEST_F(MessageFilterTest, AsksFiltersOnlyAboutMessagesThatMeetTheirConditions) {
     EXPECT_EQ(Codes({'loca', 'prog', 'abcd', 'remo', 'drop', 'abcd', 'else'}), log.Seen());
 }
 
-TEST_F(MessageFilterTest, FiltersMayNameAnotherTarget) {
-    Log other;
-    LoggingHandler handler(other);
-    BHandler stranger;
-    looper->AddHandler(&handler);
-    handler.AddFilter(new LoggingFilter(other, 'filt', B_DISPATCH_MESSAGE, uint32('abcd')));
-    auto* redirect = new LoggingFilter(log, 'redi', B_DISPATCH_MESSAGE, uint32('abcd'));
-    redirect->redirectTo = &handler;
-    looper->AddFilter(redirect);
-    auto* astray = new LoggingFilter(log, 'astr', B_DISPATCH_MESSAGE, uint32('efgh'));
-    astray->redirectTo = &stranger;
-    looper->AddFilter(astray);
-    looper->PostMessage('abcd');
-    looper->PostMessage('efgh');
-    looper->PostMessage('last');
-    looper->Run();
-    ASSERT_TRUE(log.Reach(3));
-    EXPECT_EQ(Codes({'redi', 'astr', 'last'}), log.Seen());
-    EXPECT_EQ(Codes({'filt', 'abcd'}), other.Seen());
-    looper->Lock();
-    looper->RemoveHandler(&handler);
-    looper->Unlock();
-}
-
 filter_result SkipHook(BMessage*, BHandler**, BMessageFilter*) {
     return B_SKIP_MESSAGE;
 }

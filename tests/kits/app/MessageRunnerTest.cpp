@@ -42,13 +42,5 @@ TEST_F(MessageRunnerTest, StopWithTheirDestructorOrTheirTarget) {
     EXPECT_EQ(count, log.Seen().size());
 }
 
-TEST_F(MessageRunnerTest, TellWhatIsWrong) {
-    const BMessage message('tick');
-    EXPECT_EQ(B_BAD_VALUE, BMessageRunner(messenger, nullptr, 1000).InitCheck());
-    EXPECT_EQ(B_BAD_VALUE, BMessageRunner(messenger, &message, 0).InitCheck());
-    EXPECT_EQ(B_BAD_VALUE, BMessageRunner(messenger, &message, 1000, 0).InitCheck());
-    EXPECT_EQ(B_BAD_HANDLER, BMessageRunner(BMessenger(), &message, 1000).InitCheck());
-}
-
 } // namespace
 } // namespace test

@@ -51,7 +51,7 @@ private:
     Log& fLog;
 };
 
-// Answers 'last' by a log entry like any other, and 'call' by calling what the test gave it.
+// Logs messages, and answers 'call' by calling what the test gave it.
 class TestLooper : public BLooper {
 public:
     explicit TestLooper(Log& log)
@@ -72,13 +72,6 @@ public:
 
     std::function<void(BMessage*)> call = [](BMessage*) {};
     bool agreesToQuit = true;
-    std::atomic<int> handled = 0;
-
-protected:
-    void MessageHandled() override {
-        EXPECT_TRUE(IsLocked());
-        ++handled;
-    }
 
 private:
     Log& fLog;
