@@ -30,19 +30,15 @@ protected:
     }
 };
 
-TEST_F(MoveTest, RenameIsToldOnceWithTheNodeAndTheNewName) {
-    int64 node = NodeOf("a/one");
-    Rename("a/one", "a/uno");
-    Flush();
-    ASSERT_EQ(Told(), Texts{"moved uno from a to a"});
-    EXPECT_EQ(Changes().front().node.node, node);
-}
-
 TEST_F(MoveTest, MoveBetweenWatchedFoldersIsToldOnceWithBoth) {
+    int64 node = NodeOf("a/one");
     Rename("a/one", "b/uno");
     Rename("b/three", "a/drei");
+    Rename("a/two", "a/zwei");
     Flush();
-    EXPECT_EQ(Told(), (Texts{"moved uno from a to b", "moved drei from b to a"}));
+    ASSERT_EQ(Told(),
+              (Texts{"moved uno from a to b", "moved drei from b to a", "moved zwei from a to a"}));
+    EXPECT_EQ(Changes().front().node.node, node);
 }
 
 TEST_F(MoveTest, MoveInHasNoSource) {
@@ -59,6 +55,12 @@ TEST_F(MoveTest, MoveOutOfAWatchedFileIsToldAtOnce) {
     Flush();
     ASSERT_EQ(Told(), Texts{"moved one from a to ?"});
     EXPECT_EQ(Changes().front().toDirectory, 0);
+    // It is watched no more.
+    fRecorder->Clear();
+    SetAttribute("away/one", "META:url", "x");
+    Remove("away/one");
+    Flush();
+    EXPECT_EQ(Told(), Texts());
 }
 
 TEST_F(MoveTest, MoveOutOfAnUnwatchedFileIsToldAfterTheGraceTime) {
@@ -70,30 +72,16 @@ TEST_F(MoveTest, MoveOutOfAnUnwatchedFileIsToldAfterTheGraceTime) {
     EXPECT_EQ(Changes().front().node.node, node);
 }
 
-TEST_F(MoveTest, FileThatMovedOutIsWatchedNoMore) {
-    Rename("a/one", "away/one");
-    Flush();
-    fRecorder->Clear();
-    SetAttribute("away/one", "META:url", "x");
-    Remove("away/one");
-    Flush();
-    EXPECT_EQ(Told(), Texts());
-}
-
 TEST_F(MoveTest, ReplacedTargetIsRemovedBeforeTheMove) {
-    int64 replaced = NodeOf("a/two");
-    Rename("a/one", "a/two");
-    Flush();
-    ASSERT_EQ(Told(), (Texts{"removed a/two", "moved two from a to a"}));
-    EXPECT_EQ(Changes().front().node.node, replaced);
-}
-
-TEST_F(MoveTest, ReplacementFromOutsideRemovesTheOldNode) {
-    int64 replaced = NodeOf("a/two");
-    Rename("away/stranger", "a/two");
-    Flush();
-    ASSERT_EQ(Told(), (Texts{"removed a/two", "moved two from ? to a"}));
-    EXPECT_EQ(Changes().front().node.node, replaced);
+    for (const auto& [from, source] : {std::pair{"a/one", "a"}, {"away/stranger", "?"}}) {
+        int64 replaced = NodeOf("a/two");
+        fRecorder->Clear();
+        Rename(from, "a/two");
+        Flush();
+        ASSERT_EQ(Told(),
+                  (Texts{"removed a/two", std::string("moved two from ") + source + " to a"}));
+        EXPECT_EQ(Changes().front().node.node, replaced);
+    }
 }
 
 TEST_F(MoveTest, ExchangeIsTwoMovesAndBothNamesStayKnown) {

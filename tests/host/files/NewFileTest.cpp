@@ -60,18 +60,6 @@ TEST_F(NewFileTest, FoldersAndOddNodesAreAnnouncedAtOnceAndNeverOpened) {
         Watch(name, kFile);
 }
 
-TEST_F(NewFileTest, FileThatIsGoneBeforeItIsQuietIsNeverTold) {
-    MakeFile("a/file");
-    Flush();
-    Remove("a/file");
-    MakeFile("a/last");
-    ASSERT_TRUE(WaitForLast("created a/last"));
-    // On a busy machine it may have been quiet for long enough.
-    EXPECT_THAT(Told(),
-                testing::AnyOf(Texts{"created a/last"},
-                               Texts{"created a/file", "removed a/file", "created a/last"}));
-}
-
 TEST_F(NewFileTest, NewFileThatIsRenamedIsAnnouncedByItsLastName) {
     MakeFile("a/temporary");
     Flush();
