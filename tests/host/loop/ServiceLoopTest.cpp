@@ -59,12 +59,6 @@ TEST(ServiceLoop, RunsTasksInTheOrderOfTheCalls) {
     EXPECT_FALSE(loop.IsCurrentThread());
 }
 
-TEST(ServiceLoop, RunsTasksThatTasksAdd) {
-    Calls calls;
-    ServiceLoop::Shared().Invoke([&] { ServiceLoop::Shared().Invoke([&] { calls.Add(); }); });
-    EXPECT_TRUE(calls.Reach(1));
-}
-
 TEST(Timer, ElapsesAfterItsDelayAndThenRegularly) {
     Calls calls;
     const auto start = std::chrono::steady_clock::now();
@@ -73,15 +67,6 @@ TEST(Timer, ElapsesAfterItsDelayAndThenRegularly) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
     ASSERT_TRUE(calls.Reach(4));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 35ms);
-}
-
-TEST(Timer, WithoutIntervalElapsesOnce) {
-    Calls once, marker;
-    const Timer timer(1000, 0, [&] { once.Add(); });
-    ASSERT_TRUE(once.Reach(1));
-    const Timer later(20'000, 0, [&] { marker.Add(); });
-    ASSERT_TRUE(marker.Reach(1));
-    EXPECT_EQ(1, once.Count());
 }
 
 TEST(Timer, NeverRunsOnceItsDestructorReturned) {
@@ -150,21 +135,6 @@ public:
 private:
     const int fDescriptor = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
 };
-
-TEST(DescriptorWatch, RunsWheneverTheDescriptorCanBeRead) {
-    Event event;
-    Calls calls;
-    const DescriptorWatch watch(event.Descriptor(), [&] {
-        event.Clear();
-        calls.Add();
-    });
-    for (int i = 1; i <= 3; ++i) {
-        event.Raise();
-        ASSERT_TRUE(calls.Reach(i));
-    }
-    Settle();
-    EXPECT_EQ(3, calls.Count());
-}
 
 TEST(DescriptorWatch, RunsWhenThePeerHangsUp) {
     int ends[2];
