@@ -62,9 +62,11 @@ void InstanceSocket::State::AcceptAll() {
         if (connection) {
             Serve(std::move(connection));
         } else if ((errno == EMFILE || errno == ENFILE) && reserve) {
+            // Just one that waits: without descriptors, the system says the same when none does.
             reserve.Close();
             Descriptor(accept4(listener.Get(), nullptr, nullptr, SOCK_CLOEXEC)).Close();
             reserve = OpenReserve();
+            return;
         } else if (errno != EINTR && errno != ECONNABORTED) {
             return;
         }
