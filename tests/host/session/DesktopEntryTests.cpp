@@ -41,17 +41,11 @@ TEST_F(DesktopEntryTest, TheLinkIsOneArgument) {
     EXPECT_EQ((Words{"--new", "--url=" + link[0], "end"}), Expand("--new --url=%u end", link));
     EXPECT_EQ((Words{"a b", "100%", link[0]}), Expand("\"a b\" 100%% %u", link));
     EXPECT_EQ((Words{link[0]}), Expand("%u %U", link)) << "once only";
-}
-
-TEST_F(DesktopEntryTest, SeveralArgumentsGoWhereSeveralFit) {
     const Words links = {"http://1", "http://2"};
     EXPECT_EQ(links, Expand("%U", links));
-    EXPECT_EQ(links, Expand("", links));
     EXPECT_EQ((Words{"http://1"}), Expand("%u", links));
-}
-
-TEST_F(DesktopEntryTest, WithoutArgumentsCodesVanish) {
-    EXPECT_EQ((Words{"-a", "", "z"}), Expand("-a %u \"\" %U z", {}));
+    EXPECT_EQ((Words{"-a", "", "z"}), Expand("-a %u \"\" %U z", {}))
+        << "without arguments codes vanish";
 }
 
 TEST_F(DesktopEntryTest, OtherCodes) {
@@ -80,14 +74,6 @@ TEST_F(DesktopEntryTest, OnlyInstalledProgramsCount) {
     EXPECT_FALSE(Load("Exec=echo \"unfinished\n"));
     EXPECT_FALSE(Load("Exec=\n"));
     EXPECT_FALSE(Load("Type=Link\nExec=echo\n"));
-}
-
-TEST_F(DesktopEntryTest, WorkingDirectoryIsTheEntrysOrHome) {
-    Command command;
-    ASSERT_EQ(B_OK, Load("Exec=echo\n")->MakeCommand({}, command));
-    EXPECT_EQ(fHome.Path().string(), command.directory);
-    ASSERT_EQ(B_OK, Load("Exec=echo\nPath=/usr\n")->MakeCommand({}, command));
-    EXPECT_EQ("/usr", command.directory);
 }
 
 TEST_F(DesktopEntryTest, FilesThatAreNoEntriesAreNotUsed) {

@@ -21,10 +21,9 @@ protected:
         fs::create_directories(path.parent_path());
         std::ofstream(path) << content;
     }
-    void Install(const std::string& file, const std::string& keys = "",
-                 const std::string& exec = "echo") {
+    void Install(const std::string& file, const std::string& keys = "") {
         Write(fHome.Data() / "applications" / file,
-              "[Desktop Entry]\nType=Application\nName=x\nExec=" + exec + "\n" + keys);
+              "[Desktop Entry]\nType=Application\nName=x\nExec=echo\n" + keys);
     }
     void InstallForAll(const std::string& file, const std::string& keys = "") {
         Write(fHome.Path() / "share/applications" / file,
@@ -50,13 +49,9 @@ TEST_F(ProgramsTest, OperaIsTheFirstInstalledOfItsPackages) {
         InstallForAll(package + ".desktop");
         EXPECT_EQ(package + ".desktop", Find(kOpera));
     }
-}
-
-TEST_F(ProgramsTest, AnUnusablePackageGivesWayToTheNext) {
+    // One that cannot be used gives way to the next, also if it hides a usable one of all users.
     Install("opera.desktop", "TryExec=no-such-program\n");
-    EXPECT_EQ("", Find(kOpera));
-    Install("opera-beta.desktop");
-    EXPECT_EQ("opera-beta.desktop", Find(kOpera));
+    EXPECT_EQ("com.opera.Opera.desktop", Find(kOpera));
 }
 
 TEST_F(ProgramsTest, TypesHaveTheDesktopsDefaults) {
@@ -119,7 +114,7 @@ TEST_F(ProgramsTest, AnEntryWithTheSignatureGoesBeforeAll) {
 
 TEST_F(ProgramsTest, ChangesAreSeenAtOnce) {
     const std::string key = std::string("X-Be-Signature=") + kOpera + "\n";
-    for (int round = 0; round < 20; round++) {
+    for (int round = 0; round < 3; round++) {
         Install("opera.desktop");
         EXPECT_EQ("opera.desktop", Find(kOpera));
         Install("chosen.desktop", "Comment=" + std::to_string(round) + "\n");
