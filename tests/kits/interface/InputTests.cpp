@@ -99,16 +99,6 @@ TEST_F(InputTest, AMaskDeliversEverythingUntilTheButtonsAreUp) {
     EXPECT_EQ(EventsOf(left).back(), "up");
 }
 
-TEST_F(InputTest, CountsClicks) {
-    MoveOver(left, BPoint(50, 50));
-    robot.DoubleClick(50 + 50, 50 + 50);
-    ASSERT_TRUE(Sees(left, "up", 2));
-    WithLock(window, [&] { EXPECT_EQ(left->lastClicks, 2); });
-    ClickAt(right, BPoint(50, 50));
-    ASSERT_TRUE(Sees(right, "up"));
-    WithLock(window, [&] { EXPECT_EQ(right->lastClicks, 1); });
-}
-
 TEST_F(InputTest, PollingTheMouseSeesTheReleaseAndUsesItUp) {
     BPoint released;
     WithLock(window, [&] {
@@ -134,33 +124,6 @@ TEST_F(InputTest, PollingTheMouseSeesTheReleaseAndUsesItUp) {
     EXPECT_EQ(left->CountOf("up"), 0);
 }
 
-// As a title bar drawn by the program does it: the place in the view moves with the window.
-TEST_F(InputTest, AWindowCanBeDraggedByAView) {
-    struct Handle : BView {
-        Handle()
-            : BView(BRect(0, 0, 99, 19), "handle", B_FOLLOW_NONE, B_WILL_DRAW) {}
-        void MouseDown(BPoint where) override {
-            fGrabbed = where;
-            SetMouseEventMask(B_POINTER_EVENTS, B_NO_POINTER_HISTORY);
-        }
-        void MouseMoved(BPoint where, uint32, const BMessage*) override {
-            if (Window()->CurrentMessage()->GetInt32("buttons", 0) == 0)
-                return;
-            Window()->MoveTo(ConvertToScreen(where) - fGrabbed);
-            Sync();
-        }
-        BPoint fGrabbed;
-    };
-    auto* dragged = new RecordingWindow(BRect(400, 400, 499, 449));
-    dragged->AddChild(new Handle);
-    Show(dragged);
-    robot.Drag(410, 405, 613, 529, 1, 40);
-    EXPECT_TRUE(WaitFor(dragged, [&] { return dragged->Frame().LeftTop() == BPoint(603, 524); }));
-    robot.MoveTo(800, 600);
-    ASSERT_TRUE(Settle(dragged));
-    WithLock(dragged, [&] { EXPECT_EQ(dragged->Frame().LeftTop(), BPoint(603, 524)); });
-}
-
 TEST_F(InputTest, KeysGoToTheWindowOrToItsFocus) {
     Activate();
     robot.Key(XK_7);
@@ -170,16 +133,6 @@ TEST_F(InputTest, KeysGoToTheWindowOrToItsFocus) {
     robot.Key(XK_b);
     EXPECT_TRUE(Sees(left, "key b"));
     EXPECT_EQ(CountReceived(B_KEY_DOWN), 1);
-    WithLock(window, [&] { left->MakeFocus(false); });
-    int32 key = 0;
-    WithLock(window, [&] {
-        window->onMessage = [&](BMessage& message) {
-            if (message.what == B_KEY_DOWN)
-                key = message.GetInt32("key", 0);
-        };
-    });
-    robot.Key(XK_7);
-    EXPECT_TRUE(WaitFor(window, [&] { return key == 0x18; }));
 }
 
 TEST_F(InputTest, AKeyHeldWhileTheFocusGoesIsLetGo) {

@@ -1,6 +1,4 @@
 #include <X11/keysym.h>
-#include <atomic>
-#include <chrono>
 
 #include "tests/kits/interface/MenuDesktop.h"
 
@@ -54,15 +52,11 @@ TEST_F(MenuKeys, AResumedPointerTakesTheSelectionBack) {
     EXPECT_TRUE(WaitForHighlight(menu.ItemAt(1)));
 }
 
-TEST_F(MenuKeys, ALetterChoosesTheOnlyItemThatStartsWithIt) {
+TEST_F(MenuKeys, ALetterChoosesTheOnlyItemWithItOrSelectsSeveralInTurn) {
     AddThree();
     Open();
     robot.Type("o");
     EXPECT_EQ(Answer(), menu.ItemAt(0));
-}
-
-TEST_F(MenuKeys, ALetterOfSeveralItemsSelectsThemInTurn) {
-    AddThree();
     Open();
     robot.Type("t");
     EXPECT_TRUE(WaitForHighlight(menu.ItemAt(1)));
@@ -74,7 +68,7 @@ TEST_F(MenuKeys, ALetterOfSeveralItemsSelectsThemInTurn) {
     EXPECT_EQ(Answer(), menu.ItemAt(1));
 }
 
-TEST_F(MenuKeys, SubmenusOpenAndCloseByArrows) {
+TEST_F(MenuKeys, SubmenusOpenAndCloseByKeys) {
     AddThree();
     BMenu* submenu = AddSubmenu("Sub", 3);
     Open();
@@ -90,11 +84,8 @@ TEST_F(MenuKeys, SubmenusOpenAndCloseByArrows) {
     EXPECT_TRUE(WaitForHighlight(submenu->ItemAt(1)));
     robot.Key(XK_Return);
     EXPECT_EQ(Answer(), submenu->ItemAt(1));
-}
 
-TEST_F(MenuKeys, EscapeClosesOneMenuAtATime) {
-    AddThree();
-    AddSubmenu("Sub", 3);
+    // Escape closes one menu at a time.
     Open();
     robot.Key(XK_Up);
     robot.Key(XK_Right);
@@ -120,82 +111,6 @@ TEST_F(MenuKeys, TheSelectionStaysVisibleInATallMenu) {
     EXPECT_TRUE(WaitUntil([&] { return frame.Contains(Place(menu.ItemAt(130))); }));
     robot.Key(XK_Home);
     EXPECT_TRUE(WaitForHighlight(menu.ItemAt(0)));
-}
-
-// A menu with keys of its own, as a program makes it.
-class OwnKeys : public BPopUpMenu {
-public:
-    OwnKeys()
-        : BPopUpMenu("own", false, false) {}
-
-    void KeyDown(const char*, int32) override {
-        const int32 key = Window()->CurrentMessage()->GetInt32("key", -1);
-        keys++;
-        if (key == 0x58)
-            ItemAt(0)->Invoke();
-        if (key == 0x58 || key == 0x23)
-            Hide();
-    }
-
-    std::atomic<int> keys = 0;
-};
-
-class OwnMenuKeys : public MenuTest {
-protected:
-    OwnMenuKeys() {
-        fOwn.AddItem(new BMenuItem("One", new BMessage('one ')));
-        fOwn.ItemAt(0)->SetTarget(fCatcher);
-    }
-    ~OwnMenuKeys() override {
-        fCatcher->Lock();
-        fCatcher->Quit();
-    }
-    std::future<BMenuItem*> Go() {
-        auto answer = std::async(std::launch::async,
-                                 [this] { return fOwn.Go(BPoint(100, 100), true, true); });
-        EXPECT_TRUE(WaitForMenus(1));
-        return answer;
-    }
-
-    MessageCatcher* fCatcher = MessageCatcher::Start();
-    OwnKeys fOwn;
-};
-
-TEST_F(OwnMenuKeys, SeeTheRawKeyAndMayInvokeAndClose) {
-    auto answer = Go();
-    robot.Key(XK_KP_1);
-    EXPECT_EQ(answer.get(), nullptr);
-    EXPECT_EQ(fCatcher->WaitFor(1).size(), 1u);
-    EXPECT_TRUE(IsInputFree());
-}
-
-TEST_F(OwnMenuKeys, ReplaceThoseOfTheMenu) {
-    auto answer = Go();
-    robot.Key(XK_Down);
-    robot.Key(XK_Return);
-    robot.Key(XK_Escape);
-    EXPECT_TRUE(WaitUntil([&] { return fOwn.keys == 3; }));
-    robot.Key(XK_KP_Divide);
-    EXPECT_EQ(answer.get(), nullptr);
-    EXPECT_TRUE(fCatcher->Caught().empty());
-}
-
-TEST_F(OwnMenuKeys, AKeyThatOpenedTheMenuDoesNotChooseByRepeating) {
-    auto* window = new OpeningWindow(fOwn, BPoint(150, 0));
-    ShowActive(window);
-    robot.Click(350, 350);
-    ASSERT_TRUE(WaitForMenus(1));
-    robot.Key(XK_KP_Divide);
-    ASSERT_TRUE(WaitForMenus(0));
-
-    robot.KeyDown(XK_KP_1);
-    ASSERT_TRUE(WaitForMenus(1));
-    const int before = fOwn.keys;
-    // Longer than the server waits before it repeats.
-    EXPECT_FALSE(WaitUntil([&] { return fOwn.keys != before; }, std::chrono::milliseconds(1000)));
-    robot.KeyUp(XK_KP_1);
-    robot.Key(XK_KP_1);
-    EXPECT_EQ(fCatcher->WaitFor(1).size(), 1u);
 }
 
 } // namespace

@@ -7,28 +7,6 @@ namespace {
 
 using MenuLook = MenuTest;
 
-TEST_F(MenuLook, OpensWithItsCornerAtThePoint) {
-    AddThree();
-    Open(123, 77);
-    const Box frame = Menus().at(0).frame;
-    EXPECT_EQ(frame.x, 123);
-    EXPECT_EQ(frame.y, 77);
-}
-
-TEST_F(MenuLook, IsMovedWhollyOntoTheScreenAtEachCorner) {
-    AddThree();
-    const Box whole = desktop.Frame();
-    for (int x : {-20, whole.width - 1}) {
-        for (int y : {-20, whole.height - 1}) {
-            robot.MoveTo(whole.CenterX(), whole.CenterY());
-            Open(x, y);
-            EXPECT_TRUE(whole.Contains(Menus().at(0).frame)) << x << ", " << y;
-            Click(menu.ItemAt(0));
-            EXPECT_EQ(Answer(), menu.ItemAt(0));
-        }
-    }
-}
-
 TEST_F(MenuLook, ALongLabelIsCutToTheScreen) {
     AddThree();
     menu.ItemAt(1)->SetLabel(std::string(255, 'W').c_str());

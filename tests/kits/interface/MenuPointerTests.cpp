@@ -10,20 +10,6 @@ namespace {
 
 using MenuPointer = MenuTest;
 
-TEST_F(MenuPointer, TheSelectionFollows) {
-    AddThree();
-    Open();
-    for (int i : {0, 2, 1}) {
-        PointAt(menu.ItemAt(i));
-        EXPECT_TRUE(WaitForHighlight(menu.ItemAt(i)));
-    }
-    EXPECT_FALSE(IsHighlighted(menu.ItemAt(0)));
-    EXPECT_FALSE(IsHighlighted(menu.ItemAt(2)));
-    robot.MoveTo(800, 800);
-    EXPECT_TRUE(WaitUntil([&] { return !IsHighlighted(menu.ItemAt(1)); }));
-    EXPECT_TRUE(IsOpen());
-}
-
 TEST_F(MenuPointer, PrimaryAndSecondaryClicksChoose) {
     AddThree();
     for (int button : {1, 3}) {
@@ -35,14 +21,6 @@ TEST_F(MenuPointer, PrimaryAndSecondaryClicksChoose) {
     }
 }
 
-TEST_F(MenuPointer, TertiaryClickLeavesTheMenuOpen) {
-    AddThree();
-    Open();
-    Click(menu.ItemAt(0), 2);
-    Click(menu.ItemAt(1));
-    EXPECT_EQ(Answer(), menu.ItemAt(1));
-}
-
 TEST_F(MenuPointer, ClicksOnWhatCannotBeChosenLeaveTheMenuOpen) {
     AddThree();
     menu.AddSeparatorItem();
@@ -50,18 +28,9 @@ TEST_F(MenuPointer, ClicksOnWhatCannotBeChosenLeaveTheMenuOpen) {
     Open();
     Click(menu.ItemAt(0));
     Click(menu.ItemAt(3));
+    Click(menu.ItemAt(1), 2); // nor does the tertiary button choose
     EXPECT_FALSE(IsHighlighted(menu.ItemAt(0)));
     Click(menu.ItemAt(2));
-    EXPECT_EQ(Answer(), menu.ItemAt(2));
-}
-
-TEST_F(MenuPointer, PressDragReleaseInsideChoosesWhereItEnds) {
-    AddThree();
-    Open();
-    PointAt(menu.ItemAt(0));
-    robot.Press();
-    PointAt(menu.ItemAt(2));
-    robot.Release();
     EXPECT_EQ(Answer(), menu.ItemAt(2));
 }
 
@@ -181,15 +150,6 @@ TEST_F(MenuPointer, HoveringOpensASubmenuWhoseItemsCanBeChosen) {
     EXPECT_TRUE(Menus().empty());
 }
 
-TEST_F(MenuPointer, AClickOpensASubmenuAndLeavesItOpen) {
-    BMenu* submenu = AddSubmenu("Sub", 3);
-    Open();
-    Click(menu.ItemAt(0));
-    ASSERT_TRUE(WaitForMenus(2));
-    Click(submenu->ItemAt(2));
-    EXPECT_EQ(Answer(), submenu->ItemAt(2));
-}
-
 TEST_F(MenuPointer, ASubmenuStaysWhileThePointerTravelsTowardsIt) {
     BMenu* submenu = AddSubmenu("Sub", 8);
     AddThree();
@@ -213,17 +173,6 @@ TEST_F(MenuPointer, ASubmenuStaysWhileThePointerTravelsTowardsIt) {
     EXPECT_EQ(Answer(), submenu->ItemAt(3));
 }
 
-TEST_F(MenuPointer, ASubmenuClosesWhenThePointerGoesToANeighbour) {
-    AddSubmenu("Sub", 8);
-    AddThree();
-    Open();
-    PointAt(menu.ItemAt(0));
-    ASSERT_TRUE(WaitForMenus(2));
-    PointAt(menu.ItemAt(3));
-    EXPECT_TRUE(WaitForMenus(1));
-    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(3)));
-}
-
 TEST_F(MenuPointer, APointerThatStopsOnItsWayGetsWhatItIsOn) {
     AddSubmenu("Sub", 8);
     AddThree();
@@ -235,17 +184,6 @@ TEST_F(MenuPointer, APointerThatStopsOnItsWayGetsWhatItIsOn) {
     robot.MoveTo(second.x + second.width - 10, second.CenterY());
     EXPECT_TRUE(WaitForHighlight(menu.ItemAt(1)));
     EXPECT_TRUE(WaitForMenus(1));
-}
-
-TEST_F(MenuPointer, ASubmenuOpensToTheLeftAtTheRightEdge) {
-    AddSubmenu("Sub", 3);
-    Open(desktop.Frame().width - 5, 100);
-    const Box first = Menus().at(0).frame;
-    EXPECT_EQ(first.x + first.width, desktop.Frame().width);
-    Click(menu.ItemAt(0));
-    ASSERT_TRUE(WaitForMenus(2));
-    for (const test::WindowInfo& window : Menus())
-        EXPECT_TRUE(desktop.Frame().Contains(window.frame));
 }
 
 // Tall menus.

@@ -1,7 +1,5 @@
 #include "tests/kits/interface/InterfaceTest.h"
 
-#include <cmath>
-
 namespace {
 
 constexpr rgb_color kRed{255, 0, 0, 255};
@@ -44,36 +42,6 @@ TEST_F(ViewTest, DrawingWithoutAWindowDoesNothing) {
     view.GetMouse(&where, &buttons);
     EXPECT_EQ(buttons, 0u);
     EXPECT_NE(view.SetMouseEventMask(B_POINTER_EVENTS), B_OK);
-}
-
-TEST_F(ViewTest, HooksRunWhenATreeIsAttachedAndDetached) {
-    struct Hooked : BView {
-        Hooked(const char* name, std::string& calls)
-            : BView(BRect(0, 0, 9, 9), name, B_FOLLOW_NONE, 0)
-            , fCalls(calls) {}
-        void AttachedToWindow() override { fCalls += std::string("+") + Name(); }
-        void AllAttached() override { fCalls += std::string("*") + Name(); }
-        void DetachedFromWindow() override { fCalls += std::string("-") + Name(); }
-        std::string& fCalls;
-    };
-    std::string calls;
-    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
-    auto* parent = new Hooked("p", calls);
-    auto* child = new Hooked("c", calls);
-    parent->AddChild(child);
-    window->AddChild(parent);
-    EXPECT_EQ(calls, "+p+c*c*p");
-    EXPECT_EQ(child->Parent(), parent);
-    EXPECT_EQ(parent->Parent(), nullptr);
-    EXPECT_EQ(window->FindView("c"), child);
-    EXPECT_EQ(child->Looper(), window);
-    calls.clear();
-    EXPECT_TRUE(window->RemoveChild(parent));
-    EXPECT_EQ(calls, "-p-c");
-    EXPECT_EQ(child->Window(), nullptr);
-    EXPECT_EQ(child->Looper(), nullptr);
-    delete parent;
-    window->Quit();
 }
 
 TEST_F(ViewTest, IsClippedToItsParentsAndNotCoveredByThem) {
@@ -177,24 +145,4 @@ TEST_F(ViewTest, DrawingOutsideAnUpdateIsShownByFlush) {
     EXPECT_EQ(PixelAt(view, BPoint(-1, 7)), 0xffffffu);
     EXPECT_EQ(PixelAt(view, BPoint(40, 7)), 0xffffffu);
     EXPECT_EQ(PixelAt(view, BPoint(0, 10)), 0x00ff00u);
-}
-
-TEST_F(ViewTest, TextStaysInsideTheWidthItWasMeasuredWith) {
-    auto* window = new RecordingWindow(BRect(20, 20, 219, 69));
-    BFont bold(be_bold_font);
-    const float width = std::ceil(bold.StringWidth("Measured 0123"));
-    auto* view = new RecordingView(BRect(0, 0, 199, 49), "view");
-    view->onDraw = [](BView& drawn) {
-        drawn.SetFont(be_bold_font);
-        drawn.DrawString("Measured 0123", BPoint(10, 20));
-    };
-    window->AddChild(view);
-    Show(window);
-    auto inked = [&](int left, int right) {
-        const test::Picture part = screen.Grab({20 + left, 20, right - left, 50});
-        return part.pixels.size() - part.Count(0xffffff);
-    };
-    EXPECT_TRUE(test::WaitUntil([&] { return inked(10, 10 + static_cast<int>(width)) > 100; }));
-    EXPECT_EQ(inked(0, 10), 0u);
-    EXPECT_EQ(inked(11 + static_cast<int>(width), 200), 0u);
 }

@@ -94,19 +94,6 @@ TEST_F(WindowTest, ImpossiblePlacesAreBroughtInside) {
     }
 }
 
-TEST_F(WindowTest, ComesBackWhenItsMonitorGoes) {
-    const test::Box whole = desktop.Frame();
-    const test::Box left{0, 0, whole.width / 2, whole.height};
-    const test::Box right{whole.width / 2, 0, whole.width / 2, whole.height};
-    desktop.SetMonitors({left, right});
-    auto* window = new RecordingWindow(BRect(900, 50, 999, 99));
-    Show(window);
-    EXPECT_TRUE(test::WaitUntil([&] { return OnServer().x == 900; }));
-    desktop.SetMonitors({left});
-    EXPECT_TRUE(test::WaitUntil([&] { return left.Contains(OnServer()); }));
-    desktop.SetMonitors({whole});
-}
-
 TEST_F(WindowTest, ShowsAgainAfterBeingHidden) {
     auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
     auto* view = new RecordingView(BRect(0, 0, 99, 99), "view", {255, 0, 0, 255});
@@ -121,29 +108,6 @@ TEST_F(WindowTest, ShowsAgainAfterBeingHidden) {
     });
     window->Show();
     EXPECT_TRUE(WaitForPixel(view, BPoint(50, 50), 0x0000ff));
-}
-
-TEST_F(WindowTest, TellsItsViewsWhenTheFocusComesAndGoes) {
-    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
-    auto* view = new RecordingView(BRect(0, 0, 99, 99), "view");
-    window->AddChild(view);
-    Show(window);
-    window->Activate();
-    EXPECT_TRUE(WaitFor(window, [&] { return window->IsActive(); }));
-    EXPECT_TRUE(WaitFor(window, [&] { return view->CountOf("active") == 1; }));
-    test::PlainWindow other(desktop, {300, 300, 100, 100});
-    other.Activate();
-    EXPECT_TRUE(WaitFor(window, [&] { return !window->IsActive(); }));
-    EXPECT_TRUE(WaitFor(window, [&] { return view->CountOf("inactive") == 1; }));
-}
-
-TEST_F(WindowTest, IsMinimizedAndBack) {
-    auto* window = new RecordingWindow(BRect(20, 20, 119, 119), B_TITLED_WINDOW_LOOK);
-    Show(window);
-    window->Minimize(true);
-    EXPECT_TRUE(test::WaitUntil([&] { return window->IsMinimized(); }));
-    window->Activate();
-    EXPECT_TRUE(test::WaitUntil([&] { return !window->IsMinimized(); }));
 }
 
 TEST_F(WindowTest, TheWindowManagersCloseQuitsAnOrdinaryWindow) {
