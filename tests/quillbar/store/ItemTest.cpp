@@ -98,43 +98,4 @@ TEST_F(ItemTest, WhatWasReadBeforeAMissingPartStays) {
     EXPECT_STREQ(fItem.Name().String(), "Directory");
 }
 
-TEST_F(ItemTest, NothingButFilesIsOpened) {
-    ASSERT_EQ(mkfifo(FilePath("0 - Fifo").c_str(), 0600), 0);
-    EXPECT_FALSE(SetFile("0 - Fifo"));
-    fs::create_symlink("nowhere", FilePath("0 - Dangling"));
-    EXPECT_FALSE(SetFile("0 - Dangling"));
-    fs::create_symlink("0 - Loop", FilePath("0 - Loop"));
-    EXPECT_FALSE(SetFile("0 - Loop"));
-}
-
-TEST_F(ItemTest, AttributesOfAnyShapeAreRead) {
-    const fs::path file = FilePath("0 - Odd");
-    test::MakeBookmark(file, "http://home");
-    const std::pair<std::string, std::string> cases[] = {
-        {"", ""},
-        {std::string("\0", 1), ""},
-        {"http://without.nul", "http://without.nul"},
-        {std::string("http://a\0b", 10), "http://a"},
-        {std::string(3000, 'x'), std::string(3000, 'x')},
-        {"\xff\xfe\n", "\xff\xfe\n"},
-    };
-    for (const auto& [written, read] : cases) {
-        test::SetAttribute(file, "META:url", written);
-        EXPECT_TRUE(SetFile("0 - Odd"));
-        EXPECT_EQ(std::string(fItem.Url().String()), read);
-    }
-}
-
-TEST_F(ItemTest, NamesOfAnyBytesAreShown) {
-    const std::string names[] = {"0 - \xff\xfe\x80", "0 - two\nlines", "0 -",
-                                 "0 - " + std::string(251, 'n')};
-    for (const std::string& name : names) {
-        test::MakeBookmark(FilePath(name), "http://x");
-        ASSERT_TRUE(SetFile(name)) << name;
-        fItem.SetValid(true);
-        EXPECT_EQ(ItemLabel(), name == "0 -" ? "0 - " : name);
-        fItem.SetValid(false);
-    }
-}
-
 } // namespace

@@ -26,18 +26,6 @@ protected:
     }
 };
 
-TEST_F(MonitorTest, FirstStartMakesTheRootAndTenFolders) {
-    Start();
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(Root()))
-        names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    std::vector<std::string> expected;
-    for (int digit = 0; digit < 10; ++digit)
-        expected.push_back(std::to_string(digit) + " -");
-    EXPECT_EQ(names, expected);
-}
-
 TEST_F(MonitorTest, ExistingFoldersAreTakenAndOthersIgnored) {
     test::MakeBookmark(Root() / "4 - a" / "0 - from a", "http://a");
     fs::create_directories(Root() / "no number");
@@ -57,27 +45,6 @@ TEST_F(MonitorTest, RootMayBeALinkToADirectory) {
     EXPECT_TRUE(Becomes(4, 1, "1 - later"));
     fs::rename(fHome.Path() / "synced" / "4 - a", fHome.Path() / "synced" / "4 - b");
     EXPECT_TRUE(TitleBecomes(4, "4 - b"));
-}
-
-TEST_F(MonitorTest, CreatedBookmarkAppears) {
-    Start();
-    test::MakeBookmark(Folder(7) / "2 - New", "http://new");
-    EXPECT_TRUE(Becomes(7, 2, "2 - New"));
-    EXPECT_TRUE(test::WaitUntil([&] { return Url(7, 2) == "http://new"; }));
-    EXPECT_EQ(Code(7, 2), static_cast<uint32>('qbf7'));
-}
-
-// As a program copies that sets the attributes last.
-TEST_F(MonitorTest, SlowlyCopiedBookmarkEndsComplete) {
-    Start();
-    const fs::path file = Folder(7) / "2 - Slow";
-    test::MakeBookmark(fHome.Path() / "new", "http://slow");
-    test::RemoveAttribute(fHome.Path() / "new", "mime_type");
-    fs::rename(fHome.Path() / "new", file);
-    EXPECT_TRUE(Becomes(7, 2, "2 - Slow"));
-    test::SetAttribute(file, "mime_type", test::kBookmarkType);
-    EXPECT_TRUE(test::WaitUntil([&] { return Url(7, 2) == "http://slow"; }));
-    EXPECT_TRUE(Becomes(7, 2, "2 - Slow"));
 }
 
 // As by hand with the system's tools, each step seen by the store before the next one.
@@ -144,17 +111,6 @@ TEST_F(MonitorTest, RemovalIsAppliedAfterASecond) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(950));
 }
 
-TEST_F(MonitorTest, RenamedBookmarkIsRelabelled) {
-    test::MakeBookmark(Root() / "1 - x" / "3 - old", "http://x");
-    Start();
-    fs::rename(Folder(1) / "3 - old", Folder(1) / "3 - new");
-    EXPECT_TRUE(Becomes(1, 3, "3 - new"));
-    EXPECT_EQ(Rebuilds(), 0);
-    // And once more: the watch is still there.
-    fs::rename(Folder(1) / "3 - new", Folder(1) / "3 - newer");
-    EXPECT_TRUE(Becomes(1, 3, "3 - newer"));
-}
-
 TEST_F(MonitorTest, DigitTakenAwayEmptiesTheSlotOrFillsItWithAnother) {
     test::MakeBookmark(Root() / "1 - x" / "3 - one", "http://one");
     Start();
@@ -184,27 +140,6 @@ TEST_F(MonitorTest, UnknownFileRenamedToADigitFillsItsEmptySlot) {
     EXPECT_EQ(Label(1, 4), "4 - taken");
 }
 
-TEST_F(MonitorTest, AttributeChangeRereadsItsSlot) {
-    test::MakeBookmark(Root() / "1 - x" / "3 - x", "http://old");
-    Start();
-    test::SetUrl(Folder(1) / "3 - x", "http://new");
-    EXPECT_TRUE(test::WaitUntil([&] { return Url(1, 3) == "http://new"; }));
-    EXPECT_EQ(Rebuilds(), 0);
-    test::RemoveAttribute(Folder(1) / "3 - x", "META:url");
-    EXPECT_TRUE(Becomes(1, 3, kEmptyLabel));
-}
-
-TEST_F(MonitorTest, BookmarksMoveInAndOutOfTheStore) {
-    test::MakeBookmark(fHome.Path() / "2 - outside", "http://x");
-    Start();
-    fs::rename(fHome.Path() / "2 - outside", Folder(6) / "2 - outside");
-    EXPECT_TRUE(Becomes(6, 2, "2 - outside"));
-    const int rebuilds = Rebuilds();
-    fs::rename(Folder(6) / "2 - outside", fHome.Path() / "2 - outside");
-    EXPECT_TRUE(Becomes(6, 2, kEmptyLabel));
-    EXPECT_EQ(Rebuilds(), rebuilds);
-}
-
 TEST_F(MonitorTest, MoveBetweenFoldersUpdatesTheFirstOfTheTwo) {
     test::MakeBookmark(Root() / "2 - a" / "0 - x", "http://x");
     test::MakeBookmark(Root() / "5 - b" / "1 - y", "http://y");
@@ -226,19 +161,6 @@ TEST_F(MonitorTest, ReplacedBookmarkIsReadAnew) {
     fs::rename(fHome.Path() / "new", Folder(1) / "3 - x");
     EXPECT_TRUE(test::WaitUntil([&] { return Url(1, 3) == "http://new"; }));
     EXPECT_EQ(Label(1, 3), "3 - x");
-}
-
-TEST_F(MonitorTest, RenamedFolderKeepsItsBookmarks) {
-    test::MakeBookmark(Root() / "4 - old" / "3 - x", "http://x");
-    Start();
-    fs::rename(Folder(4), Root() / "4 - new");
-    EXPECT_TRUE(TitleBecomes(4, "4 - new"));
-    EXPECT_TRUE(Becomes(4, 3, "3 - x"));
-    // What happens in it is still seen.
-    fs::rename(Folder(4) / "3 - x", Folder(4) / "3 - y");
-    EXPECT_TRUE(Becomes(4, 3, "3 - y"));
-    test::MakeBookmark(Folder(4) / "8 - z", "http://z");
-    EXPECT_TRUE(Becomes(4, 8, "8 - z"));
 }
 
 TEST_F(MonitorTest, FolderThatLosesItsDigitIsReplaced) {
@@ -268,17 +190,6 @@ TEST_F(MonitorTest, FolderMovedOutIsReplacedByAnotherOrMade) {
     EXPECT_EQ(Rebuilds(), 0);
 }
 
-TEST_F(MonitorTest, DeletedFolderIsMadeAgain) {
-    test::MakeBookmark(Root() / "4 - x" / "3 - x", "http://x");
-    Start();
-    fs::remove_all(Folder(4));
-    EXPECT_TRUE(TitleBecomes(4, "4 -"));
-    EXPECT_EQ(Labels(4), std::vector<std::string>(10, kEmptyLabel));
-    EXPECT_TRUE(fs::is_directory(Root() / "4 -"));
-    test::MakeBookmark(Root() / "4 -" / "1 - back", "http://x");
-    EXPECT_TRUE(Becomes(4, 1, "1 - back"));
-}
-
 TEST_F(MonitorTest, NewFolderIsNotAdoptedBeforeARebuild) {
     Start();
     fs::create_directories(Root() / "0 - second");
@@ -287,38 +198,6 @@ TEST_F(MonitorTest, NewFolderIsNotAdoptedBeforeARebuild) {
     EXPECT_EQ(Title(0), "0 -");
     fs::remove_all(Root() / "0 -");
     EXPECT_TRUE(TitleBecomes(0, "0 - second"));
-}
-
-TEST_F(MonitorTest, RenamedRootIsLeftAloneAndReplaced) {
-    test::MakeBookmark(Root() / "4 - x" / "3 - x", "http://x");
-    Start();
-    fs::rename(Root(), fHome.Config() / "Renamed");
-    EXPECT_TRUE(Becomes(4, 3, kEmptyLabel));
-    EXPECT_TRUE(TitleBecomes(4, "4 -"));
-    EXPECT_TRUE(fs::exists(fHome.Config() / "Renamed" / "4 - x" / "3 - x"));
-    EXPECT_TRUE(fs::is_directory(Root() / "9 -"));
-    test::MakeBookmark(Root() / "4 -" / "1 - new", "http://x");
-    EXPECT_TRUE(Becomes(4, 1, "1 - new"));
-}
-
-TEST_F(MonitorTest, MovedRootIsReplaced) {
-    test::MakeBookmark(Root() / "4 - x" / "3 - x", "http://x");
-    Start();
-    fs::rename(Root(), fHome.Path() / "Moved");
-    EXPECT_TRUE(Becomes(4, 3, kEmptyLabel));
-    EXPECT_TRUE(TitleBecomes(4, "4 -"));
-    test::MakeBookmark(Root() / "4 -" / "1 - new", "http://x");
-    EXPECT_TRUE(Becomes(4, 1, "1 - new"));
-}
-
-TEST_F(MonitorTest, DeletedRootIsMadeAgain) {
-    test::MakeBookmark(Root() / "4 - x" / "3 - x", "http://x");
-    Start();
-    fs::remove_all(Root());
-    EXPECT_TRUE(TitleBecomes(4, "4 -"));
-    EXPECT_TRUE(fs::is_directory(Root() / "9 -"));
-    test::MakeBookmark(Root() / "4 -" / "1 - new", "http://x");
-    EXPECT_TRUE(Becomes(4, 1, "1 - new"));
 }
 
 TEST_F(MonitorTest, MessagesWithoutTheirFieldsChangeNothing) {

@@ -44,18 +44,6 @@ TEST_F(PathTest, OneOfSeveralFilesWithADigitFillsTheSlot) {
     EXPECT_EQ(Label(3, 4), first);
 }
 
-TEST_F(PathTest, IncompleteBookmarkStillFillsItsSlot) {
-    test::MakeBookmark(fFolder / "1 - plain", "http://x");
-    test::SetAttribute(fFolder / "1 - plain", "mime_type", "text/plain");
-    test::MakeBookmark(fFolder / "2 - keyless", "http://keyless");
-    test::RemoveAttribute(fFolder / "2 - keyless", "META:keyw");
-    Start();
-    EXPECT_EQ(Label(3, 1), "1 - plain");
-    EXPECT_EQ(Url(3, 1), "");
-    EXPECT_EQ(Label(3, 2), "2 - keyless");
-    EXPECT_EQ(Url(3, 2), "http://keyless");
-}
-
 TEST_F(PathTest, LinksCountAsWhatTheyPointTo) {
     const fs::path elsewhere = fHome.Path() / "elsewhere";
     test::MakeBookmark(elsewhere / "6 - target", "http://target");
@@ -70,31 +58,6 @@ TEST_F(PathTest, LinksCountAsWhatTheyPointTo) {
     expected[6] = "6 - target";
     expected[8] = "8 - after";
     EXPECT_EQ(Labels(3), expected);
-}
-
-TEST_F(PathTest, LargestAttributesAndNamesAreKept) {
-    const std::string name = "0 - " + std::string(251, 'n');
-    test::MakeBookmark(fFolder / name, "http://" + std::string(2500, 'u'));
-    test::MakeBookmark(fFolder / "1 - \xff\xfe", "\xff\xfe");
-    test::MakeBookmark(fFolder / "2 - a\nb", "http://x");
-    Start();
-    EXPECT_EQ(Label(3, 0), name);
-    EXPECT_EQ(Url(3, 0).size(), 2507u);
-    EXPECT_EQ(Label(3, 1), "1 - \xff\xfe");
-    EXPECT_EQ(Label(3, 2), "2 - a\nb");
-}
-
-TEST_F(PathTest, MenuHoldsTitleSeparatorAndTenSlots) {
-    Start();
-    fStore->Lock();
-    for (int digit = 0; digit < 10; ++digit) {
-        QBPath* folder = fStore->fMonitor->fPaths[digit];
-        EXPECT_EQ(Labels(digit).size(), 10u);
-        EXPECT_STREQ(folder->Name(), "");
-        EXPECT_EQ(folder->Leaf(), std::to_string(digit) + " -");
-        EXPECT_EQ(Title(digit), std::to_string(digit) + " -");
-    }
-    fStore->Unlock();
 }
 
 TEST_F(PathTest, ForeignFilesInGreatNumberAreReadOver) {

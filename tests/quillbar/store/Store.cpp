@@ -17,7 +17,6 @@ StoreLooper::~StoreLooper() {
 void StoreLooper::MessageReceived(BMessage* message) {
     if (message->what != B_NODE_MONITOR)
         return BLooper::MessageReceived(message);
-    ++fMessages;
     if (message->GetInt32("opcode", 0) == 'qbRM')
         ++fRebuilds;
     fMonitor->HandleNodeMessage(message);

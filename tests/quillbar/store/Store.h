@@ -26,7 +26,6 @@ public:
 
     QBMonitor* fMonitor;
     int fRebuilds = 0;
-    int fMessages = 0;
 };
 
 // A fresh home with the program's settings, and the store when a test wants it.
