@@ -150,15 +150,6 @@ void BarTest::Activate() {
     Settle();
 }
 
-void BarTest::Deactivate() {
-    AppMessages().Clear();
-    fOther = std::make_unique<test::PlainWindow>(test::PrivateDesktop::Shared(),
-                                                 test::Box{700, 600, 50, 50});
-    fOther->Activate();
-    ASSERT_TRUE(test::WaitUntil([&] { return AppMessages().Count(kQBWindowInactive) > 0; }));
-    Settle();
-}
-
 void BarTest::Locked(const std::function<void()>& work) {
     ASSERT_TRUE(fWindow->Lock());
     work();
@@ -250,12 +241,6 @@ bool BarTest::IsMarked(const char* label) {
     bool marked = false;
     Locked([&] { marked = fWindow->SettingsMenu()->FindItem(label)->IsMarked(); });
     return marked;
-}
-
-bool BarTest::IsEnabled(const char* label) {
-    bool enabled = false;
-    Locked([&] { enabled = fWindow->SettingsMenu()->FindItem(label)->IsEnabled(); });
-    return enabled;
 }
 
 std::vector<test::WindowInfo> BarTest::Menus() {

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -50,7 +49,6 @@ protected:
 
     // The window is not active until it was clicked or this was called.
     void Activate();
-    void Deactivate();
 
     // Runs `work` with the window locked.
     void Locked(const std::function<void()>& work);
@@ -71,7 +69,6 @@ protected:
     testing::AssertionResult PixelBecomes(float x, float y, rgb_color color);
 
     bool IsMarked(const char* label);
-    bool IsEnabled(const char* label);
     // Windows of menus, of alerts.
     std::vector<test::WindowInfo> Menus();
     std::vector<test::WindowInfo> Alerts();
@@ -87,6 +84,4 @@ protected:
     test::Screen fScreen{test::PrivateDesktop::Shared()};
     Recorder fHeld;
     QBMainWindow* fWindow = nullptr;
-    // Has the focus when the bar does not.
-    std::unique_ptr<test::PlainWindow> fOther;
 };
