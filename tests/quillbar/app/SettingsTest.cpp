@@ -3,7 +3,6 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
-#include <random>
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -93,29 +92,6 @@ TEST_F(SettingsTest, StartWithDefaults) {
     EXPECT_TRUE(fs::is_empty(fHome.Config()));
 }
 
-TEST_F(SettingsTest, WhatWasSetComesBackFromTheFile) {
-    {
-        QBSettings settings(Path());
-        settings.SetBrowser(kQBOpera);
-        settings.SetPos({-12.5f, 700});
-        settings.SetAlign(kQBAlignHorizontal);
-        settings.SetShowURL(false);
-        settings.SetOnTop(true);
-        settings.SetHotKey(63);
-        settings.SetColor({1, 2, 3, 4});
-        settings.Save();
-    }
-    QBSettings settings(Path());
-    ASSERT_TRUE(settings.Load());
-    EXPECT_EQ(settings.GetBrowser(), kQBOpera);
-    EXPECT_EQ(settings.GetPos(), BPoint(-12.5f, 700));
-    EXPECT_EQ(settings.GetAlign(), kQBAlignHorizontal);
-    EXPECT_FALSE(settings.GetShowURL());
-    EXPECT_TRUE(settings.GetOnTop());
-    EXPECT_EQ(settings.GetHotKey(), 63);
-    EXPECT_EQ(settings.GetColor(), (rgb_color{1, 2, 3, 4}));
-}
-
 TEST_F(SettingsTest, FileHoldsTheFieldsInOrder) {
     QBSettings(Path()).Save();
     BMessage message;
@@ -185,15 +161,6 @@ TEST_F(SettingsTest, GarbageIsPutAsideAndDefaultsStay) {
     EXPECT_FALSE(fs::exists(Bad()));
 }
 
-TEST_F(SettingsTest, ShorterContentLeavesNothingOfTheLonger) {
-    BMessage message;
-    message.AddString("comment", std::string(10'000, 'x').c_str());
-    WriteMessage(message);
-    Save(5);
-    EXPECT_EQ(LoadedHotKey(), 5);
-    EXPECT_LT(fs::file_size(File()), 5'000u);
-}
-
 TEST_F(SettingsTest, LinkStaysALink) {
     fs::create_directories(fHome.Path() / "dotfiles");
     const fs::path target = fHome.Path() / "dotfiles" / "quillbar";
@@ -222,16 +189,6 @@ TEST_F(SettingsTest, PermissionBitsAreKept) {
     Save(6);
     EXPECT_EQ(fs::status(File()).permissions(), fs::perms(0640));
     EXPECT_EQ(LoadedHotKey(), 6);
-}
-
-TEST_F(SettingsTest, DirectoryThatCannotBeWrittenKeepsTheOldFile) {
-    Save(5);
-    fs::permissions(fHome.Path(), fs::perms(0755));
-    fs::permissions(fHome.Config(), fs::perms(0555));
-    EXPECT_EQ(InChildOfNoRights([] { Save(6); }), 0);
-    fs::permissions(fHome.Config(), fs::perms(0755));
-    EXPECT_EQ(LoadedHotKey(), 5);
-    EXPECT_FALSE(fs::exists(Neighbour()));
 }
 
 // The directory would allow to replace them.
@@ -282,25 +239,6 @@ TEST_F(SettingsTest, FullDiskKeepsTheOldFile) {
     });
     EXPECT_EQ(status, 0);
     EXPECT_EQ(LoadedHotKey(), 5);
-    EXPECT_FALSE(fs::exists(Neighbour()));
-}
-
-TEST_F(SettingsTest, KilledAtAnyMomentTheFileIsWhole) {
-    Save(0);
-    std::mt19937 random(1);
-    for (int round = 0; round < 60; ++round) {
-        const pid_t child = fork();
-        if (child == 0) {
-            for (int32 i = 0;; ++i)
-                Save(i);
-        }
-        usleep(random() % 8000);
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-        ASSERT_GE(LoadedHotKey(), 0) << "round " << round;
-    }
-    Save(77);
-    EXPECT_EQ(LoadedHotKey(), 77);
     EXPECT_FALSE(fs::exists(Neighbour()));
 }
 
