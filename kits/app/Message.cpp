@@ -20,7 +20,6 @@ size_t SizeOfType(type_code type) {
     switch (type) {
     case B_BOOL_TYPE:
     case B_INT8_TYPE:
-    case B_UINT8_TYPE:
         return 1;
     case B_INT16_TYPE:
         return 2;

@@ -276,7 +276,7 @@ Json ValueOf(type_code type, const std::string& bytes) {
     case B_INT8_TYPE:
         return FromBytes<int8>(bytes);
     case B_UINT8_TYPE:
-        return FromBytes<uint8>(bytes);
+        return bytes.size() == 1 ? Json(FromBytes<uint8>(bytes)) : HexOf(bytes);
     case B_INT16_TYPE:
         return FromBytes<int16>(bytes);
     case B_INT32_TYPE:
@@ -324,7 +324,8 @@ bool ReadValue(type_code type, const Json& json, std::string& bytes) {
     case B_INT8_TYPE:
         return ReadScalar(ReadInteger<int8>, json, bytes);
     case B_UINT8_TYPE:
-        return ReadScalar(ReadInteger<uint8>, json, bytes);
+        return json.is_object() ? BytesOfHex(json, bytes)
+                                : ReadScalar(ReadInteger<uint8>, json, bytes);
     case B_INT16_TYPE:
         return ReadScalar(ReadInteger<int16>, json, bytes);
     case B_INT32_TYPE:

@@ -128,6 +128,7 @@ TEST(MessageText, KeepsBytesThatAreNoText) {
     message.AddData("ended twice", B_STRING_TYPE, "a\0b\0", 4);
     message.AddData("empty", B_STRING_TYPE, "", 0);
     message.AddData("odd colour", B_RGB_COLOR_TYPE, "abc", 3);
+    EXPECT_EQ(B_OK, message.AddData("keys", B_UINT8_TYPE, "0123456789abcdef", 16));
     EXPECT_EQ(ValuesOf(message), ValuesOf(RoundTrip(message)));
 }
 
