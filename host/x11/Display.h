@@ -49,6 +49,14 @@ enum : uint32 {
     kMenuKey = 0x00000080,
 };
 
+// The keys that are held, one bit for each raw key code, the first in the highest bit of the first
+// byte.
+using KeyStates = std::array<uint8, 16>;
+
+constexpr bool IsHeld(const KeyStates& states, uint32 key) {
+    return key / 8 < states.size() && (states[key / 8] & 0x80 >> key % 8) != 0;
+}
+
 struct PointerMoved {
     int x, y; // in the window's content
     int screenX, screenY;
@@ -79,6 +87,7 @@ struct KeyChanged {
     // Backspace, 0x09 Tab, 0x0a Enter, 0x10 function, 0x1b Escape, 0x7f Delete). Empty for a key
     // that types nothing, keypad 5 without Num Lock among them.
     std::string text;
+    KeyStates states; // with this change
     bigtime_t when;
 };
 struct FocusChanged {
@@ -104,6 +113,16 @@ public:
     virtual void HandleEvent(const WindowEvent& event) = 0;
 };
 
+// A key of the session, whichever program it is for. What it types is not worked
+// out.
+struct SessionKey {
+    uint32 key; // 0 if keyboards came or went: then only the states matter
+    bool down;  // also again while it is held, from a server that repeats
+    KeyStates before;
+    KeyStates states; // with this change
+    bigtime_t when;
+};
+
 // What receives what concerns no single window, from the display thread or the service thread. The
 // same rule.
 class DisplaySink {
@@ -112,6 +131,8 @@ public:
     // The focus went to a window that is not the program's.
     virtual void FocusLeftProgram() = 0;
     virtual void MonitorsChanged() = 0;
+    // While the session's keys are watched.
+    virtual void SessionKeyChanged(const SessionKey& key) = 0;
     // The connection broke: no event follows and requests do nothing.
     virtual void DisplayLost() = 0;
 };
@@ -184,6 +205,11 @@ public:
 
     // Within this many microseconds a second press counts as a double click.
     virtual bigtime_t DoubleClickTime() const = 0;
+
+    // Has the sink told of every key of the session, or no longer. Nothing is grabbed: each key
+    // still goes where it would go. Waits for the server. Where it cannot be done, a line on
+    // standard error says so once.
+    virtual void WatchSessionKeys(bool watch) = 0;
 
     virtual void Beep() = 0;
 

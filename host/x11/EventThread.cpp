@@ -68,6 +68,7 @@ EventThread::EventThread(XDisplay& display, DisplaySink* sink)
     , fConnection(display.Server())
     , fSink(sink)
     , fKeyboard(fConnection)
+    , fRawKeys(fConnection, sink)
     , fFocus(fConnection, display.Windows(), display.Grab(), sink) {}
 
 void EventThread::Start(const DesktopSettings& settings) {
@@ -184,6 +185,9 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
     case XCB_CLIENT_MESSAGE:
         HandleMessage(As<xcb_client_message_event_t>(event));
         break;
+    case XCB_GE_GENERIC:
+        fRawKeys.HandleEvent(As<xcb_ge_generic_event_t>(event));
+        break;
     default:
         if (!fKeyboard.HandleNotice(event))
             CheckMonitors(event);
@@ -199,7 +203,12 @@ void EventThread::HandleKey(const xcb_key_press_event_t& event, bool down) {
     if (grab != 0 && fKeyGrab != 0 && grab != fKeyGrab)
         fKeyboard.ForgetHeldKeys();
     fKeyGrab = grab;
-    Tell(fDisplay.Grab().TargetOf(event.event), fKeyboard.Translate(event, down));
+    if (event.event == fConnection.Root())
+        fRawKeys.HandleGrabbedKey(event.detail, down);
+    KeyChanged change = fKeyboard.Translate(event, down);
+    if (auto states = fRawKeys.States())
+        change.states = *states; // also of keys that were pressed elsewhere
+    Tell(fDisplay.Grab().TargetOf(event.event), change);
 }
 
 void EventThread::HandlePress(const xcb_button_press_event_t& event) {

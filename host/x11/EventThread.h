@@ -11,6 +11,7 @@
 #include "host/x11/Display.h"
 #include "host/x11/FocusWatch.h"
 #include "host/x11/Keyboard.h"
+#include "host/x11/RawKeys.h"
 
 namespace host {
 
@@ -25,6 +26,9 @@ public:
     // Ends the thread.
     ~EventThread();
     void Start(const DesktopSettings& settings);
+
+    RawKeys& Keys() { return fRawKeys; }
+    const RawKeys& Keys() const { return fRawKeys; }
 
 private:
     using Event = Reply<xcb_generic_event_t>;
@@ -50,6 +54,7 @@ private:
     const Connection& fConnection;
     DisplaySink* const fSink;
     Keyboard fKeyboard;
+    RawKeys fRawKeys;
     ClickCounter fClicks;
     FocusWatch fFocus;
     Event fWaiting;                              // taken from the queue, not handled yet

@@ -101,6 +101,16 @@ uint32 RawKeyCode(xcb_keycode_t key) {
     return index >= 0 && index < static_cast<int>(kRawCodes.size()) ? kRawCodes[index] : 0;
 }
 
+KeyStates StatesOf(const HeldKeys& held) {
+    KeyStates states{};
+    for (std::size_t i = 0; i < kRawCodes.size(); i++) {
+        uint8 code = kRawCodes[i];
+        if (code != 0 && held[i + kFirstKey])
+            states[code / 8] |= 0x80 >> code % 8;
+    }
+    return states;
+}
+
 std::string KeyText(xkb_keysym_t symbol) {
     if (char special = SpecialKeyByte(symbol))
         return std::string(1, special);

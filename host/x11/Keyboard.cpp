@@ -9,7 +9,6 @@
 
 #include "host/x11/Clock.h"
 #include "host/x11/InputState.h"
-#include "host/x11/KeyCodes.h"
 
 namespace host {
 
@@ -82,6 +81,7 @@ KeyChanged Keyboard::Translate(const xcb_key_press_event_t& event, bool down) {
             .key = RawKeyCode(event.detail),
             .modifiers = ModifiersOf(event.state),
             .text = TextOf(event),
+            .states = StatesOf(fHeld),
             .when = Now()};
 }
 

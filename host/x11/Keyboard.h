@@ -1,12 +1,11 @@
 #pragma once
 
-#include <bitset>
 #include <memory>
 
 #include <xkbcommon/xkbcommon.h>
 
 #include "host/x11/Connection.h"
-#include "host/x11/Display.h"
+#include "host/x11/KeyCodes.h"
 
 namespace host {
 
@@ -41,7 +40,7 @@ private:
     bool fIsLayoutCurrent = false;
     std::unique_ptr<xkb_context, Unref> fContext;
     std::unique_ptr<xkb_state, Unref> fState;
-    std::bitset<256> fHeld;
+    HeldKeys fHeld;
 };
 
 } // namespace host

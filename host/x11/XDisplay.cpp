@@ -97,6 +97,13 @@ Pointer XDisplay::GetPointer() const {
             .modifiers = ModifiersOf(reply->mask)};
 }
 
+xcb_timestamp_t XDisplay::LastKnownPressTime() const {
+    xcb_timestamp_t own = fLastInputTime;
+    xcb_timestamp_t any = fThread.Keys().LastPressTime();
+    // The server's clock starts again after 49 days.
+    return own == 0 || (any != 0 && static_cast<int32>(any - own) > 0) ? any : own;
+}
+
 void XDisplay::Beep() {
     xcb_bell(*fConnection, 0);
     fConnection->Flush();

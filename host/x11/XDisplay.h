@@ -32,6 +32,7 @@ public:
     std::vector<PixelRect> Monitors() const override { return fMonitors.Frames(); }
     Pointer GetPointer() const override;
     bigtime_t DoubleClickTime() const override { return fSettings.doubleClickTime; }
+    void WatchSessionKeys(bool watch) override { fThread.Keys().Watch(watch, fIdentity); }
     void Beep() override;
     void Sync() override;
 
@@ -46,6 +47,8 @@ public:
     // The server's time of the last press that any window got; 0 before the first.
     xcb_timestamp_t LastInputTime() const { return fLastInputTime; }
     void NoteInputTime(xcb_timestamp_t time) { fLastInputTime = time; }
+    // The same, counting the keys that other programs got while they are watched.
+    xcb_timestamp_t LastKnownPressTime() const;
 
     // The window that an alert belongs to: the last one that was shown, or None. Alerts and menus
     // do not count.

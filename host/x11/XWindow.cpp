@@ -164,7 +164,7 @@ void XWindow::Activate() {
     xcb_map_window(fConnection, fId);
     if (isManaged) {
         fConnection.SendToRoot(fId, fConnection[kNetActiveWindow],
-                               {kDirectUserAction, fDisplay.LastInputTime()});
+                               {kDirectUserAction, fDisplay.LastKnownPressTime()});
     } else {
         const uint32 above = XCB_STACK_MODE_ABOVE;
         xcb_configure_window(fConnection, fId, XCB_CONFIG_WINDOW_STACK_MODE, &above);

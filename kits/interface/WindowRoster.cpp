@@ -160,6 +160,8 @@ void WindowRoster::MonitorsChanged() {
         window.SendMessage(kBringInside);
 }
 
+void WindowRoster::SessionKeyChanged(const host::SessionKey&) {}
+
 void WindowRoster::DisplayLost() {
     if (be_app != nullptr)
         be_app->QuitFromOutside(true);

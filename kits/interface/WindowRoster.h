@@ -41,6 +41,7 @@ public:
     // Display thread.
     void FocusLeftProgram() override;
     void MonitorsChanged() override;
+    void SessionKeyChanged(const host::SessionKey& key) override;
     void DisplayLost() override;
 
 private:

@@ -5,7 +5,7 @@
 
 #include "host/x11/Clock.h"
 #include "tests/host/x11/Recorded.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/host/x11/SessionInput.h"
 #include "tests/support/Robot.h"
 
 namespace host {
@@ -18,37 +18,9 @@ using test::WaitUntil;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Input of the whole session, taken and given back by another program.
-class ForeignGrab {
-public:
-    explicit ForeignGrab(PrivateDesktop& desktop)
-        : fConnection(xcb_connect(desktop.Name().c_str(), nullptr)) {
-        Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
-            fConnection,
-            xcb_grab_keyboard(fConnection, false, desktop.Root(), XCB_CURRENT_TIME,
-                              XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-            nullptr));
-        fIsHeld = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    }
-    ~ForeignGrab() { xcb_disconnect(fConnection); }
-
-    bool IsHeld() const { return fIsHeld; }
-
-private:
-    xcb_connection_t* fConnection;
-    bool fIsHeld;
-};
-
 class Input : public testing::Test {
 protected:
     ~Input() override { SetLayout({"us"}); }
-
-    void SetLayout(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
-        test::ChildProcess::Options options;
-        options.arguments = std::move(arguments);
-        EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
-    }
 
     // What the keys that are pressed and released one after the other type.
     std::vector<std::string> TextsOf(const TestWindow& window, std::vector<uint32_t> keys) {

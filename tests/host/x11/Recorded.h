@@ -8,6 +8,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/x11/XDisplay.h"
@@ -72,11 +73,25 @@ class RecordedDisplay final : public DisplaySink {
 public:
     void FocusLeftProgram() override { focusLosses++; }
     void MonitorsChanged() override { monitorChanges++; }
+    void SessionKeyChanged(const SessionKey& key) override {
+        std::lock_guard lock(fLock);
+        fKeys.push_back(key);
+    }
     void DisplayLost() override { losses++; }
+
+    // Those since the last call.
+    std::vector<SessionKey> TakeKeys() {
+        std::lock_guard lock(fLock);
+        return std::exchange(fKeys, {});
+    }
 
     std::atomic<int> focusLosses = 0;
     std::atomic<int> monitorChanges = 0;
     std::atomic<int> losses = 0;
+
+private:
+    std::mutex fLock;
+    std::vector<SessionKey> fKeys;
 };
 
 // A picture in memory, made pixel by pixel.

@@ -1,0 +1,276 @@
+#include <X11/keysym.h>
+
+#include <gmock/gmock.h>
+#include <xcb/xinput.h>
+#include <xcb/xtest.h>
+
+#include "tests/host/x11/Recorded.h"
+#include "tests/host/x11/SessionInput.h"
+#include "tests/support/Robot.h"
+
+namespace host {
+namespace {
+
+using test::PlainWindow;
+using test::PrivateDesktop;
+using test::Robot;
+using test::WaitUntil;
+
+constexpr KeyStates kNothing{};
+
+// The server's numbers of keys, which are places on the keyboard.
+struct Place {
+    uint8 number;
+    uint32 code;
+};
+constexpr Place kDigit1{10, 0x12};
+constexpr Place kTopLeftLetter{24, 0x27};
+constexpr Place kKeypad3{89, 0x5a};
+constexpr Place kKeypadDelete{91, 0x65};
+constexpr Place kBesideShift{94, 0x69};
+constexpr Place kLeftWindows{133, 0x66};
+
+// Another program has the focus.
+class RawKeyTest : public testing::Test {
+protected:
+    RawKeyTest() {
+        fOther.Activate();
+        fDisplay->WatchSessionKeys(true);
+    }
+    ~RawKeyTest() override { SetLayout({"us"}); }
+
+    void Send(uint8 type, const Place& place) {
+        xcb_test_fake_input(fDesktop.Connection(), type, place.number, XCB_CURRENT_TIME,
+                            XCB_WINDOW_NONE, 0, 0, 0);
+        fDesktop.Sync();
+    }
+    void Press(const Place& place) { Send(XCB_KEY_PRESS, place); }
+    void Release(const Place& place) { Send(XCB_KEY_RELEASE, place); }
+
+    // What was told until now.
+    std::vector<SessionKey> Told() {
+        fDisplay.AwaitEvents();
+        return fDisplay.Sink().TakeKeys();
+    }
+    KeyStates LastStates() {
+        auto told = Told();
+        return told.empty() ? kNothing : told.back().states;
+    }
+
+    PrivateDesktop& fDesktop = PrivateDesktop::Shared();
+    TestDisplay fDisplay{fDesktop};
+    PlainWindow fOther{fDesktop, {600, 300, 200, 100}};
+    Robot fRobot{fDesktop};
+};
+
+TEST_F(RawKeyTest, AreToldOnceByTheirPlace) {
+    auto check = [&](const std::string& where) {
+        for (const Place& place :
+             {kDigit1, kTopLeftLetter, kKeypad3, kKeypadDelete, kBesideShift, kLeftWindows}) {
+            Press(place);
+            Release(place);
+            auto told = Told();
+            ASSERT_EQ(told.size(), 2u) << where << place.code;
+            EXPECT_TRUE(told[0].down && !told[1].down);
+            EXPECT_TRUE(told[0].key == place.code && told[1].key == place.code) << where;
+            EXPECT_EQ(told[0].before, kNothing);
+            EXPECT_TRUE(IsHeld(told[0].states, place.code));
+            EXPECT_EQ(told[1].states, kNothing);
+        }
+    };
+    for (const char* layout : {"us", "fr", "ru", "us(dvorak)"}) {
+        SetLayout({layout});
+        check(layout);
+    }
+    for (uint32_t lock : {XK_Num_Lock, XK_Caps_Lock}) {
+        fRobot.Key(lock);
+        Told();
+        check(lock == XK_Num_Lock ? "Num Lock" : "Caps Lock");
+        fRobot.Key(lock);
+    }
+}
+
+TEST_F(RawKeyTest, LayoutSwitchedWhileAKeyIsDownLeavesNothingHeld) {
+    Press(kTopLeftLetter);
+    SetLayout({"fr"});
+    Press(kKeypad3);
+    SetLayout({"ru"});
+    Release(kTopLeftLetter);
+    Release(kKeypad3);
+    EXPECT_EQ(LastStates(), kNothing);
+}
+
+TEST_F(RawKeyTest, RepeatingKeysStayOnePress) {
+    TestWindow window = fDisplay.CreateShown(NormalSpec({100, 100, 300, 300}));
+    window->Activate();
+    ASSERT_TRUE(WaitUntil([&] { return window.events->Last<FocusChanged>().active; }));
+    Press(kKeypad3);
+    ASSERT_TRUE(window.events->Await<KeyChanged>(3));
+    EXPECT_TRUE(window.events->Last<KeyChanged>().repeated);
+    EXPECT_TRUE(IsHeld(window.events->Last<KeyChanged>().states, kKeypad3.code));
+    Release(kKeypad3);
+    int presses = 0;
+    auto told = Told();
+    for (const SessionKey& key : told)
+        presses += key.down && !IsHeld(key.before, key.key);
+    EXPECT_EQ(presses, 1);
+    EXPECT_EQ(told.back().states, kNothing);
+}
+
+TEST_F(RawKeyTest, AGrabHidesNothing) {
+    {
+        ForeignGrab grab(fDesktop);
+        ASSERT_TRUE(grab.IsHeld());
+        Press(kKeypad3);
+        Release(kKeypad3);
+        EXPECT_EQ(Told().size(), 2u);
+    }
+    ForeignGrab free(fDesktop);
+    EXPECT_TRUE(free.IsHeld()) << "watching takes hold of nothing";
+}
+
+TEST_F(RawKeyTest, TheProgramsOwnGrabHidesNothing) {
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
+    Press(kDigit1);
+    ASSERT_EQ(menu->GrabInput(300'000), B_OK);
+    Release(kDigit1);
+    Press(kKeypad3);
+    ASSERT_TRUE(menu.events->Await<KeyChanged>(2));
+    EXPECT_FALSE(IsHeld(menu.events->Last<KeyChanged>().states, kDigit1.code));
+    EXPECT_TRUE(IsHeld(menu.events->Last<KeyChanged>().states, kKeypad3.code));
+    menu->ReleaseInput();
+    fDisplay->Sync();
+    Release(kKeypad3);
+    auto told = Told();
+    EXPECT_EQ(told.size(), 4u);
+    EXPECT_EQ(told.back().states, kNothing);
+}
+
+TEST_F(RawKeyTest, AreWatchedFromOneCallToTheOther) {
+    fDisplay->WatchSessionKeys(false);
+    Press(kLeftWindows);
+    EXPECT_TRUE(Told().empty());
+    fDisplay->WatchSessionKeys(true);
+    Press(kKeypad3);
+    auto told = Told();
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_TRUE(IsHeld(told[0].before, kLeftWindows.code)) << "it was held when the watch began";
+    Release(kKeypad3);
+    Release(kLeftWindows);
+    EXPECT_EQ(LastStates(), kNothing);
+    fDisplay->WatchSessionKeys(false);
+    Press(kDigit1);
+    Release(kDigit1);
+    EXPECT_TRUE(Told().empty());
+}
+
+// A keyboard and a pointer beside the usual ones.
+class SecondKeyboard {
+public:
+    explicit SecondKeyboard(PrivateDesktop& desktop)
+        : fConnection(xcb_connect(desktop.Name().c_str(), nullptr)) {
+        Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+            fConnection, xcb_input_xi_query_version(fConnection, 2, 2), nullptr));
+        const struct {
+            xcb_input_add_master_t head;
+            char name[8];
+        } change = {{XCB_INPUT_HIERARCHY_CHANGE_TYPE_ADD_MASTER, 4, 6, 1, 1}, "second"};
+        Change(&change);
+        xcb_input_xi_set_client_pointer(fConnection, XCB_WINDOW_NONE, Find("second pointer"));
+    }
+    ~SecondKeyboard() { xcb_disconnect(fConnection); }
+
+    void Press(const Place& place) {
+        xcb_test_fake_input(fConnection, XCB_KEY_PRESS, place.number, XCB_CURRENT_TIME,
+                            XCB_WINDOW_NONE, 0, 0, 0);
+        Sync();
+    }
+    void Remove() {
+        xcb_input_remove_master_t change{};
+        change.type = XCB_INPUT_HIERARCHY_CHANGE_TYPE_REMOVE_MASTER;
+        change.len = sizeof(change) / 4;
+        change.deviceid = Find("second pointer");
+        change.return_mode = XCB_INPUT_CHANGE_MODE_FLOAT;
+        Change(&change);
+    }
+
+private:
+    void Change(const void* change) {
+        xcb_input_xi_change_hierarchy(fConnection, 1,
+                                      static_cast<const xcb_input_hierarchy_change_t*>(change));
+        Sync();
+    }
+    xcb_input_device_id_t Find(const std::string& name) {
+        Reply<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
+            fConnection, xcb_input_xi_query_device(fConnection, XCB_INPUT_DEVICE_ALL), nullptr));
+        for (auto at = xcb_input_xi_query_device_infos_iterator(reply.get()); at.rem > 0;
+             xcb_input_xi_device_info_next(&at)) {
+            if (name == std::string(xcb_input_xi_device_info_name(at.data), at.data->name_len))
+                return at.data->deviceid;
+        }
+        ADD_FAILURE() << "no device " << name;
+        return 0;
+    }
+    void Sync() {
+        free(xcb_get_input_focus_reply(fConnection, xcb_get_input_focus(fConnection), nullptr));
+    }
+
+    xcb_connection_t* fConnection;
+};
+
+TEST_F(RawKeyTest, KeysOfAKeyboardThatGoesAreLetGo) {
+    SecondKeyboard second(fDesktop);
+    Press(kDigit1);
+    second.Press(kLeftWindows);
+    auto told = Told();
+    ASSERT_EQ(told.size(), 2u);
+    EXPECT_TRUE(IsHeld(told[1].states, kLeftWindows.code));
+    second.Remove();
+    EXPECT_TRUE(WaitUntil([&] {
+        auto after = Told();
+        return !after.empty() && !IsHeld(after.back().states, kLeftWindows.code) &&
+               IsHeld(after.back().states, kDigit1.code);
+    }));
+    Release(kDigit1);
+    EXPECT_EQ(LastStates(), kNothing);
+}
+
+TEST_F(RawKeyTest, AReleaseThatNeverCameIsMadeUpForWhenKeyboardsChange) {
+    RecordedDisplay sink;
+    RawKeys keys(fDisplay->Server(), &sink);
+    keys.Watch(true, fDisplay->Identity());
+    xcb_input_raw_key_press_event_t event{};
+    event.response_type = XCB_GE_GENERIC;
+    event.extension = xcb_get_extension_data(fDisplay->Server(), &xcb_input_id)->major_opcode;
+    event.event_type = XCB_INPUT_RAW_KEY_PRESS;
+    event.detail = kLeftWindows.number;
+    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+    keys.HandleEvent(generic);
+    ASSERT_TRUE(IsHeld(*keys.States(), kLeftWindows.code));
+    event.event_type = XCB_INPUT_HIERARCHY;
+    keys.HandleEvent(generic);
+    EXPECT_EQ(*keys.States(), kNothing);
+    EXPECT_EQ(sink.TakeKeys().back().states, kNothing);
+}
+
+TEST_F(RawKeyTest, AnOldServerIsToldOfInOneLine) {
+    TestDisplay old(fDesktop);
+    // The server keeps to the version that a program named first.
+    Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+        old->Server(), xcb_input_xi_query_version(old->Server(), 2, 0), nullptr));
+    ASSERT_TRUE(version);
+    testing::internal::CaptureStderr();
+    old->WatchSessionKeys(true);
+    old->WatchSessionKeys(false);
+    old->WatchSessionKeys(true);
+    std::string line = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(line, testing::HasSubstr("the hot key will not work"));
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
+    Press(kKeypad3);
+    Release(kKeypad3);
+    old.AwaitEvents();
+    EXPECT_TRUE(old.Sink().TakeKeys().empty());
+}
+
+} // namespace
+} // namespace host
