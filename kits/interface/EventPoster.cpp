@@ -5,6 +5,7 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
+#include "kits/interface/KeyMessages.h"
 #include "kits/interface/WindowRoster.h"
 #include "kits/kernel/OS.h"
 
@@ -20,20 +21,6 @@ struct HeldKey {
 std::map<uint32, HeldKey>& HeldKeys() {
     static std::map<uint32, HeldKey> keys;
     return keys;
-}
-
-BMessage KeyMessage(const host::KeyChanged& event, bool down) {
-    bool isMapped = !event.text.empty();
-    BMessage message(down ? (isMapped ? B_KEY_DOWN : B_UNMAPPED_KEY_DOWN)
-                          : (isMapped ? B_KEY_UP : B_UNMAPPED_KEY_UP));
-    message.AddInt64("when", event.when);
-    message.AddInt32("key", static_cast<int32>(event.key));
-    message.AddInt32("modifiers", static_cast<int32>(event.modifiers));
-    if (isMapped)
-        message.AddString("bytes", event.text.c_str());
-    if (down && event.repeated)
-        message.AddInt32("be:key_repeat", 1);
-    return message;
 }
 
 } // namespace
@@ -109,21 +96,16 @@ void EventPoster::Handle(const host::WheelTurned& event) {
 
 void EventPoster::Handle(const host::KeyChanged& event) {
     std::map<uint32, HeldKey>& held = HeldKeys();
-    if (event.down) {
-        if (IsBlocked())
-            return;
-        held.insert_or_assign(event.key, HeldKey{fTarget, KeyMessage(event, false)});
-        BMessage message = KeyMessage(event, true);
-        fTarget.SendMessage(&message);
-        return;
-    }
     auto found = held.find(event.key);
-    if (found == held.end() && IsBlocked())
+    if (IsBlocked() && (event.down || found == held.end()))
         return;
-    BMessage message = KeyMessage(event, false);
-    (found == held.end() ? fTarget : found->second.holder).SendMessage(&message);
-    if (found != held.end())
+    BMessenger target = event.down || found == held.end() ? fTarget : found->second.holder;
+    if (event.down)
+        held.insert_or_assign(event.key, HeldKey{fTarget, ReleaseMessage(event)});
+    else if (found != held.end())
         held.erase(found);
+    for (const BMessage& message : KeyMessages(event))
+        target.SendMessage(&message);
 }
 
 void EventPoster::Handle(const host::FocusChanged& event) {

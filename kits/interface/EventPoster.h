@@ -9,6 +9,7 @@ enum : uint32 {
     kFrameChanged = '_kfc', // "left", "top", "right", "bottom" int32, device pixels
     kPointerLeft = '_kpl',
     kBringInside = '_kbi',
+    kWatchKeys = '_kwk', // to a view with B_KEYBOARD_EVENTS in its mask
 };
 
 // Turns the host's events of one window into messages for its looper. While alerts block the

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "kits/app/Message.h"
+#include "kits/interface/KeyWatchers.h"
 #include "kits/interface/WindowState.h"
 
 namespace {
@@ -66,13 +67,18 @@ void BView::MouseMoved(BPoint, uint32, const BMessage*) {}
 
 void BView::KeyDown(const char*, int32) {
     BMessage* message = fWindow ? fWindow->CurrentMessage() : nullptr;
-    if (message != nullptr && !fWindow->fState->KeyDownInWindow(*message))
+    if (message != nullptr && !IsWatching() && !fWindow->fState->KeyDownInWindow(*message))
         fWindow->MessageReceived(message);
 }
 
 void BView::KeyUp(const char*, int32) {
-    if (fWindow != nullptr && fWindow->CurrentMessage() != nullptr)
+    if (fWindow != nullptr && fWindow->CurrentMessage() != nullptr && !IsWatching())
         fWindow->MessageReceived(fWindow->CurrentMessage());
+}
+
+void BView::MessageReceived(BMessage* message) {
+    if (!IsWatching())
+        BHandler::MessageReceived(message);
 }
 
 void BView::WindowActivated(bool) {}
@@ -168,6 +174,8 @@ void BView::Attach(BWindow* window) {
     window->fState->ClipChanged();
     if (Parent() != nullptr)
         SetNextHandler(Parent());
+    if (fEventMask != 0)
+        SetEventMask(fEventMask);
     AttachedToWindow();
     for (size_t i = 0; i < fChildren.size(); i++) {
         // A child that AttachedToWindow() added is attached already.
@@ -345,6 +353,23 @@ void BView::GetMouse(BPoint* where, uint32* buttons, bool checkMessageQueue) {
         *where = place - OriginInWindow();
     if (buttons != nullptr)
         *buttons = down;
+}
+
+status_t BView::SetEventMask(uint32 mask, uint32) {
+    fEventMask = mask;
+    if (fWindow == nullptr)
+        return B_OK;
+    // A message to the window: the display is asked when the window has been painted.
+    if (mask & B_KEYBOARD_EVENTS)
+        fWindow->PostMessage(kWatchKeys, this);
+    else
+        KeyWatchers::Shared().Remove(BMessenger(this));
+    return B_OK;
+}
+
+// A key that is handled came by the event mask.
+bool BView::IsWatching() const {
+    return fWindow != nullptr && fWindow->fState->watching == this;
 }
 
 status_t BView::SetMouseEventMask(uint32 mask, uint32) {

@@ -47,6 +47,7 @@ enum : uint32 {
 
 enum : uint32 {
     B_POINTER_EVENTS = 0x00000001,
+    B_KEYBOARD_EVENTS = 0x00000002,
 };
 
 enum : uint32 {
@@ -87,6 +88,7 @@ public:
     // MessageReceived(). The shortcuts of the window's menus never come here.
     virtual void KeyDown(const char* bytes, int32 numBytes);
     virtual void KeyUp(const char* bytes, int32 numBytes);
+    void MessageReceived(BMessage* message) override;
     virtual void WindowActivated(bool active);
     virtual void FrameMoved(BPoint newPosition);
     virtual void FrameResized(float width, float height);
@@ -203,6 +205,14 @@ public:
     // caller that loops sees every release, and MouseUp() is not called for one it has seen.
     void GetMouse(BPoint* where, uint32* buttons, bool checkMessageQueue = true);
 
+    // With B_KEYBOARD_EVENTS in `mask` the view gets every key of the session from now on, or as
+    // soon as it is in a window that has been shown: KeyDown(), KeyUp() or MessageReceived() is
+    // called, once, whichever window or program the key is for. The messages are those of the focus
+    // view but have no "bytes", and the hooks get none: what is typed elsewhere stays unknown. What
+    // the view passes on ends with it. While an alert is open nothing comes. Other bits have no
+    // effect; `options` are accepted. Always B_OK.
+    status_t SetEventMask(uint32 mask, uint32 options = 0);
+
     // Called in MouseDown(): until all buttons are up, this view also gets the mouse events that
     // are not over it. `options` are accepted; the history of the pointer is never sent.
     status_t SetMouseEventMask(uint32 mask, uint32 options = 0);
@@ -220,6 +230,7 @@ private:
     BView* DeepestAt(BPoint where);
     BPoint OriginInWindow() const;
     BRect VisibleRect() const;
+    bool IsWatching() const;
     host::Canvas* Canvas();
 
     BView* fParent = nullptr;
@@ -228,6 +239,7 @@ private:
     BRect fFrame;
     uint32 fResizingMode;
     uint32 fFlags;
+    uint32 fEventMask = 0;
     int32 fHideCount = 0;
     rgb_color fViewColor{255, 255, 255, 255};
     rgb_color fHighColor{0, 0, 0, 255};

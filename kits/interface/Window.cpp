@@ -273,7 +273,9 @@ void BWindow::Quit() {
 
 void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
     if (handler != this) {
-        BLooper::DispatchMessage(message, handler);
+        auto* view = dynamic_cast<BView*>(handler);
+        if (view == nullptr || !fState->WatchedKeyChanged(*view, *message))
+            BLooper::DispatchMessage(message, handler);
         return;
     }
     switch (message->what) {
@@ -299,6 +301,7 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
     case B_KEY_UP:
     case B_UNMAPPED_KEY_DOWN:
     case B_UNMAPPED_KEY_UP:
+    case B_MODIFIERS_CHANGED:
         fState->KeyChanged(*message);
         break;
     case B_WINDOW_ACTIVATED:

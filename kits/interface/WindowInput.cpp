@@ -8,6 +8,7 @@
 #include "kits/app/Message.h"
 #include "kits/app/MessageQueue.h"
 #include "kits/interface/Button.h"
+#include "kits/interface/KeyWatchers.h"
 #include "kits/interface/MenuBar.h"
 #include "kits/interface/MenuField.h"
 #include "kits/interface/MenuShortcut.h"
@@ -25,6 +26,30 @@ bool IsMouseMessage(const BMessage* message) {
 
 uint32 ButtonsOf(const BMessage& message) {
     return static_cast<uint32>(message.GetInt32("buttons", 0));
+}
+
+bool IsKeyMessage(const BMessage& message) {
+    switch (message.what) {
+    case B_KEY_DOWN:
+    case B_KEY_UP:
+    case B_UNMAPPED_KEY_DOWN:
+    case B_UNMAPPED_KEY_UP:
+    case B_MODIFIERS_CHANGED:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void CallKeyHook(BView& view, BMessage& message) {
+    const char* bytes = message.GetString("bytes", "");
+    int32 length = static_cast<int32>(strlen(bytes));
+    if (message.what == B_KEY_DOWN)
+        view.KeyDown(bytes, length);
+    else if (message.what == B_KEY_UP)
+        view.KeyUp(bytes, length);
+    else
+        view.MessageReceived(&message);
 }
 
 BPoint Floored(BPoint point) {
@@ -130,18 +155,30 @@ void BWindow::State::WheelTurned(BMessage& message) {
 }
 
 void BWindow::State::KeyChanged(BMessage& message) {
-    const char* bytes = message.GetString("bytes", "");
-    int32 length = static_cast<int32>(strlen(bytes));
     if (message.what == B_KEY_DOWN && InvokeShortcut(message))
         return;
-    if (focus != nullptr && message.what == B_KEY_DOWN)
-        focus->KeyDown(bytes, length);
-    else if (focus != nullptr && message.what == B_KEY_UP)
-        focus->KeyUp(bytes, length);
-    else if (focus != nullptr)
-        focus->MessageReceived(&message);
+    if (focus != nullptr)
+        CallKeyHook(*focus, message);
     else if (!KeyDownInWindow(message))
         window->MessageReceived(&message);
+}
+
+bool BWindow::State::WatchedKeyChanged(BView& view, BMessage& message) {
+    if ((view.fEventMask & B_KEYBOARD_EVENTS) == 0)
+        return false;
+    if (message.what == kWatchKeys) {
+        KeyWatchers::Shared().Add(BMessenger(&view));
+        return true;
+    }
+    if (!IsKeyMessage(message))
+        return false;
+    // The focus view of the active window has the key by that.
+    if (isActive && &view == focus)
+        return true;
+    watching = &view;
+    CallKeyHook(view, message);
+    watching = nullptr;
+    return true;
 }
 
 bool BWindow::State::KeyDownInWindow(const BMessage& message) {
@@ -278,6 +315,10 @@ void BWindow::State::Forget(BView& view) {
         masked = nullptr;
     if (focus == &view)
         focus = nullptr;
+    if (watching == &view)
+        watching = nullptr;
+    if (view.fEventMask & B_KEYBOARD_EVENTS)
+        KeyWatchers::Shared().Remove(BMessenger(&view));
     if (defaultButton == &view)
         defaultButton = nullptr;
 }

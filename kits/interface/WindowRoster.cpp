@@ -6,6 +6,7 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
 #include "kits/interface/Alert.h"
+#include "kits/interface/KeyWatchers.h"
 #include "kits/interface/MenuTracking.h"
 #include "kits/interface/WindowState.h"
 
@@ -160,7 +161,12 @@ void WindowRoster::MonitorsChanged() {
         window.SendMessage(kBringInside);
 }
 
-void WindowRoster::SessionKeyChanged(const host::SessionKey&) {}
+// While an alert waits the windows handle nothing: what is typed elsewhere must not pile up in
+// them.
+void WindowRoster::SessionKeyChanged(const host::SessionKey& key) {
+    if (!HasAlert())
+        KeyWatchers::Shared().Tell(key);
+}
 
 void WindowRoster::DisplayLost() {
     if (be_app != nullptr)

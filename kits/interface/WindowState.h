@@ -54,6 +54,8 @@ struct BWindow::State {
     void MoveOver(BView* view, BPoint where);
     void WheelTurned(BMessage& message);
     void KeyChanged(BMessage& message);
+    // False if the message is none that a view gets by its event mask.
+    bool WatchedKeyChanged(BView& view, BMessage& message);
     bool KeyDownInWindow(const BMessage& message);
     bool InvokeShortcut(const BMessage& message);
     BMenuItem* ItemOfShortcut(BView& view, char character, uint32 modifiers);
@@ -92,8 +94,9 @@ struct BWindow::State {
     const ClipRegion* painting = nullptr;
 
     BView* focus = nullptr;
-    BView* over = nullptr;   // the pointer is over it
-    BView* masked = nullptr; // gets all events of the pointer until the buttons are up
+    BView* watching = nullptr; // is handling a key that it got by its event mask
+    BView* over = nullptr;     // the pointer is over it
+    BView* masked = nullptr;   // gets all events of the pointer until the buttons are up
     uint32 buttons = 0;
     BPoint lastWhere;
     BButton* defaultButton = nullptr;

@@ -55,7 +55,7 @@ protected:
         WithLock(window, [&] {
             const auto isKey = [](uint32 what) {
                 return what == B_KEY_DOWN || what == B_KEY_UP || what == B_UNMAPPED_KEY_DOWN ||
-                       what == B_UNMAPPED_KEY_UP;
+                       what == B_UNMAPPED_KEY_UP || what == B_MODIFIERS_CHANGED;
             };
             std::remove_copy_if(window->received.begin(), window->received.end(),
                                 std::back_inserter(found), isKey);
