@@ -2,6 +2,7 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
+#include "kits/storage/NodeMonitor.h"
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/bar/widgets/MenuItem.h"
 #include "quillbar/store/StoreNames.h"
@@ -39,7 +40,10 @@ void StoreTest::Start() {
     fStore->Run();
 }
 
+// The next test's folders may have the numbers of this one's: their removal must not be told to it.
 void StoreTest::Stop() {
+    if (fStore)
+        stop_watching(BMessenger(fStore));
     if (fStore && fStore->Lock())
         fStore->Quit();
     fStore = nullptr;
