@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "host/session/InstanceSocket.h"
 #include "kits/app/AppDefs.h"
@@ -84,17 +83,6 @@ TEST_F(ApplicationTest, IsReadyBeforeAnyMessageAndQuitsOnItsOwnRequest) {
                                             "quit windows", "destroyed"));
 }
 
-TEST_F(ApplicationTest, SignalsAreRemoteQuitRequests) {
-    for (int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        Program program(fHome, {"quit", "skip-local"});
-        ASSERT_TRUE(program.Says("local quit"));
-        EXPECT_EQ(0, program.End(signal));
-        EXPECT_THAT(program.Said(),
-                    ElementsAre("built", "ready", "local test", "local quit", "dismiss",
-                                "remote quit", "dismiss", "quit windows", "destroyed"));
-    }
-}
-
 TEST_F(ApplicationTest, ASignalDuringReadyToRunDismissesWhatItWaitsFor) {
     Program program(fHome, {"block"});
     ASSERT_TRUE(program.Says("ready"));
@@ -145,16 +133,6 @@ TEST_F(ApplicationTest, TheWatchdogEndsWhatHangs) {
     EXPECT_THAT(savingForEver.Said(), ElementsAre("built", "ready", "dismiss", "saved"));
     EXPECT_TRUE(refusing.Process().IsRunning());
     EXPECT_THAT(refusing.Said(), Not(Contains("saved")));
-}
-
-TEST_F(ApplicationTest, ALostDisplayShowsInTheExitStatus) {
-    Program program(fHome, {"lose-display"});
-    Program refusing(fHome, {"lose-display", "refuse"});
-    EXPECT_EQ(1, program.Process().Wait());
-    EXPECT_THAT(program.Said(), Contains("quit windows"));
-    EXPECT_EQ("destroyed", program.Said().back());
-    EXPECT_EQ(1, refusing.Process().Wait());
-    EXPECT_EQ("saved", refusing.Said().back());
 }
 
 TEST_F(ApplicationTest, OfManyStartsAtOnceOneRuns) {

@@ -62,7 +62,6 @@ void RecordingView::Draw(BRect updateRect) {
 void RecordingView::MouseDown(BPoint where) {
     events.push_back("down");
     lastWhere = where;
-    lastClicks = Window()->CurrentMessage()->GetInt32("clicks", 0);
     if (mask != 0)
         SetMouseEventMask(mask);
     if (onMouseDown)

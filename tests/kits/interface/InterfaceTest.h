@@ -33,7 +33,6 @@ public:
     std::vector<std::string> events;
     std::vector<BRect> draws;
     BPoint lastWhere;
-    int32 lastClicks = 0;
     uint32 mask = 0;                    // asked for in MouseDown()
     std::function<void(BView&)> onDraw; // may be empty
     std::function<void(BView&)> onMouseDown;

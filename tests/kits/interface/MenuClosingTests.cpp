@@ -103,20 +103,6 @@ TEST_F(MenuClosing, ItDoesNotOpenWhileAnotherProgramHoldsThePointer) {
     EXPECT_TRUE(IsInputFree());
 }
 
-TEST_F(MenuClosing, AnItemChosenInAnAsynchronousMenuIsInvoked) {
-    AddThree();
-    MessageCatcher* catcher = MessageCatcher::Start();
-    menu.SetTargetForItems(catcher);
-    EXPECT_EQ(menu.Go(BPoint(100, 100), true, true, true), nullptr);
-    ASSERT_TRUE(WaitForMenus(1));
-    Click(menu.ItemAt(2));
-    EXPECT_EQ(catcher->WaitFor(1).size(), 1u);
-    EXPECT_TRUE(WaitForMenus(0));
-    delete_menu_windows();
-    catcher->Lock();
-    catcher->Quit();
-}
-
 TEST_F(MenuClosing, ItemsMayBeRelabelledWhileItIsOpen) {
     for (int i = 0; i < 20; i++)
         Add("Item");

@@ -28,22 +28,6 @@ TEST_F(ViewTest, FollowsItsParentsSize) {
     EXPECT_EQ(center->Frame(), BRect(20, 10, 39, 29));
 }
 
-TEST_F(ViewTest, DrawingWithoutAWindowDoesNothing) {
-    BView view(BRect(0, 0, 9, 9), "alone", B_FOLLOW_NONE, B_WILL_DRAW);
-    view.FillRect(view.Bounds());
-    view.StrokeLine(BPoint(1, 1), BPoint(7, 3));
-    EXPECT_EQ(view.PenLocation(), BPoint(7, 3));
-    view.DrawString("text", BPoint(0, 8));
-    EXPECT_GT(view.PenLocation().x, 0);
-    view.Invalidate();
-    view.Sync();
-    BPoint where(5, 5);
-    uint32 buttons = 7;
-    view.GetMouse(&where, &buttons);
-    EXPECT_EQ(buttons, 0u);
-    EXPECT_NE(view.SetMouseEventMask(B_POINTER_EVENTS), B_OK);
-}
-
 TEST_F(ViewTest, IsClippedToItsParentsAndNotCoveredByThem) {
     auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
     auto* parent = new RecordingView(BRect(10, 10, 49, 49), "parent", kGreen);

@@ -54,20 +54,6 @@ void RestorePlaces(int dpi) {
 
 } // namespace
 
-TEST_F(WindowTest, IsWhereItsFrameSaysAndComesBackThere) {
-    auto* window = new RecordingWindow(BRect(33, 47, 33 + 232, 47 + 24));
-    Show(window);
-    EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{33, 47, 233, 25}; }));
-    WithLock(window, [&] {
-        window->MoveTo(201, 77);
-        window->ResizeTo(21, 263);
-        EXPECT_EQ(window->Frame(), BRect(201, 77, 222, 340));
-    });
-    EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{201, 77, 22, 264}; }));
-    ASSERT_TRUE(Settle(window));
-    WithLock(window, [&] { EXPECT_EQ(window->Frame(), BRect(201, 77, 222, 340)); });
-}
-
 TEST_F(WindowTest, StoredPlacesComeBackToThePixelAtEveryScale) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(RestorePlaces(96), ::testing::ExitedWithCode(0), "");
@@ -92,32 +78,6 @@ TEST_F(WindowTest, ImpossiblePlacesAreBroughtInside) {
         });
         EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{}; }));
     }
-}
-
-TEST_F(WindowTest, ShowsAgainAfterBeingHidden) {
-    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
-    auto* view = new RecordingView(BRect(0, 0, 99, 99), "view", {255, 0, 0, 255});
-    window->AddChild(view);
-    Show(window);
-    EXPECT_TRUE(WaitForPixel(view, BPoint(50, 50), 0xff0000));
-    window->Hide();
-    EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{}; }));
-    WithLock(window, [&] {
-        view->SetViewColor(0, 0, 255);
-        view->Invalidate();
-    });
-    window->Show();
-    EXPECT_TRUE(WaitForPixel(view, BPoint(50, 50), 0x0000ff));
-}
-
-TEST_F(WindowTest, TheWindowManagersCloseQuitsAnOrdinaryWindow) {
-    auto* window = new RecordingWindow(BRect(20, 20, 119, 119), B_TITLED_WINDOW_LOOK);
-    const BMessenger messenger(window);
-    Show(window);
-    auto shown = ShownWindows(screen);
-    ASSERT_EQ(shown.size(), 1u);
-    screen.Close(shown[0].id);
-    EXPECT_TRUE(test::WaitUntil([&] { return !messenger.IsValid(); }));
 }
 
 TEST(Monitors, AWindowIsMovedOnlyWhenNoMonitorShowsIt) {

@@ -41,9 +41,8 @@ public:
     explicit SourceFilter(message_source source)
         : BMessageFilter(B_ANY_DELIVERY, source, B_QUIT_REQUESTED) {}
     filter_result Filter(BMessage*, BHandler**) override {
-        const bool isLocal = MessageSource() == B_LOCAL_SOURCE;
-        Say(isLocal ? "local quit" : "remote quit");
-        return isLocal && Has("skip-local") ? B_SKIP_MESSAGE : B_DISPATCH_MESSAGE;
+        Say(MessageSource() == B_LOCAL_SOURCE ? "local quit" : "remote quit");
+        return B_DISPATCH_MESSAGE;
     }
 };
 
@@ -62,8 +61,6 @@ public:
             Hang();
         if (Has("block"))
             sDismissed.acquire();
-        if (Has("lose-display"))
-            QuitFromOutside(true);
         if (Has("quit"))
             PostMessage(B_QUIT_REQUESTED);
     }
