@@ -120,14 +120,6 @@ TEST(Text, DrawsBrokenTextAsItsMarks) {
     EXPECT_GT(MeasureText({-4}, "Label", 1), 0) << "a size that makes no sense is the smallest";
 }
 
-TEST(Text, LongTextIsCutBeforeItIsLaidOut) {
-    FontSpec font{12};
-    std::string text(20'000'000, 'm');
-    float width = MeasureText(font, text, 1);
-    EXPECT_EQ(width, MeasureText(font, text.substr(0, 100'000), 1));
-    EXPECT_LE(MeasureText(font, TruncateText(font, text, 200, 1), 1), 200);
-}
-
 TEST(Text, WindowsDrawAtTheSameTime) {
     constexpr int kThreads = 4, kRounds = 40;
     auto label = [](int thread, int round) {

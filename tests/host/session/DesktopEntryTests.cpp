@@ -48,12 +48,6 @@ TEST_F(DesktopEntryTest, TheLinkIsOneArgument) {
         << "without arguments codes vanish";
 }
 
-TEST_F(DesktopEntryTest, OtherCodes) {
-    EXPECT_EQ((Words{"--icon", "pen", "Ex", (fHome.Path() / "x.desktop").string()}),
-              Expand("%i %c %k %d %m %", {}, "Icon=pen\n"));
-    EXPECT_EQ(Words{}, Expand("%i", {}));
-}
-
 TEST_F(DesktopEntryTest, RefusesArgumentsThatSayMoreThanTheyShould) {
     const auto entry = Load("Exec=/bin/echo %u\n");
     ASSERT_TRUE(entry);

@@ -29,15 +29,6 @@ protected:
     QBItem fItem{nullptr, 1, 4};
 };
 
-TEST_F(ItemTest, EmptySlotOffersToAddABookmark) {
-    const BMessage* message = fItem.MenuItem()->Message();
-    EXPECT_EQ(message->what, static_cast<uint32>('qbAh'));
-    EXPECT_EQ(message->GetInt32("folder", 0), 4);
-    EXPECT_EQ(message->GetInt32("slot", 0), 1);
-    EXPECT_EQ(ItemLabel(), kEmptyLabel);
-    EXPECT_FALSE(fItem.IsValid());
-}
-
 TEST_F(ItemTest, FilledSlotLaunchesTheBookmark) {
     test::MakeBookmark(FilePath("0 - Home"), "http://home.example", "a, b");
     ASSERT_TRUE(SetFile("0 - Home"));

@@ -69,15 +69,4 @@ TEST_F(PathTest, ForeignFilesInGreatNumberAreReadOver) {
     EXPECT_EQ(Label(3, 5), "5 - needle");
 }
 
-// A plain file cannot be read as a directory, whoever asks.
-TEST_F(PathTest, RootThatCannotBeReadGivesEmptyMenus) {
-    test::MakeBookmark(Root(), "http://x");
-    Start();
-    for (int digit = 0; digit < 10; ++digit) {
-        EXPECT_EQ(Labels(digit), std::vector<std::string>(10, kEmptyLabel));
-        EXPECT_EQ(Title(digit), std::to_string(digit) + " -");
-    }
-    EXPECT_EQ(Code(4, 6), static_cast<uint32>('qbAh'));
-}
-
 } // namespace
