@@ -1,7 +1,6 @@
 #include "host/files/KnownPaths.h"
 
 #include "host/files/Files.h"
-#include "host/files/NodeStatus.h"
 
 namespace host {
 
@@ -38,16 +37,19 @@ std::string KnownPaths::Lookup(node_ref node) {
 
 status_t KnownPaths::Find(node_ref node, std::string& path) {
     Descriptor descriptor;
-    return Hold(node, descriptor, path);
+    NodeStatus status;
+    bool isLink;
+    return Hold(node, descriptor, path, status, isLink);
 }
 
-status_t KnownPaths::Hold(node_ref node, Descriptor& descriptor, std::string& path) {
+status_t KnownPaths::Hold(node_ref node, Descriptor& descriptor, std::string& path,
+                          NodeStatus& status, bool& isLink) {
     path = Lookup(node);
     if (path.empty())
         return B_ENTRY_NOT_FOUND;
     // A directory may be known by a link that leads to it.
     for (bool follow : {false, true}) {
-        NodeStatus status;
+        isLink = follow;
         if (HoldNode(path, descriptor, follow) == B_OK &&
             LookAt(descriptor.Get(), "", status) == B_OK && status.ref == node)
             return B_OK;

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 
+#include "host/files/NodeStatus.h"
 #include "host/loop/Descriptor.h"
 #include "kits/support/EntryRef.h"
 #include "kits/support/SupportDefs.h"
@@ -22,8 +23,10 @@ public:
 
     // A path that leads to the node now. B_ENTRY_NOT_FOUND if none is known.
     status_t Find(node_ref node, std::string& path);
-    // Holds the node itself (see HoldNode).
-    status_t Hold(node_ref node, Descriptor& descriptor, std::string& path);
+    // Holds the node itself (see HoldNode). `path` leads to it, perhaps by a link, which `isLink`
+    // says.
+    status_t Hold(node_ref node, Descriptor& descriptor, std::string& path, NodeStatus& status,
+                  bool& isLink);
 
     // The node went from one path to another and, if it is a directory, took along what is below.
     void Moved(node_ref node, const std::string& from, const std::string& to, bool isDirectory);

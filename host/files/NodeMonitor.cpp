@@ -64,14 +64,12 @@ status_t NodeMonitor::AddListener(node_ref node, uint32 flags,
     Descriptor descriptor;
     std::string path;
     NodeStatus there;
-    status_t status = KnownPaths::Shared().Hold(node, descriptor, path);
-    if (status == B_OK)
-        status = LookAt(descriptor.Get(), "", there);
+    bool isLink;
+    status_t status = KnownPaths::Shared().Hold(node, descriptor, path, there, isLink);
     if (status == B_OK && (flags & kWatchEntries) && there.kind != NodeKind::Directory)
         status = B_NOT_A_DIRECTORY;
-    NodeStatus atPath;
     // It is watched where it is itself, not by a link to it.
-    if (status == B_OK && LookAt(path, atPath) == B_OK && atPath.ref != node)
+    if (status == B_OK && isLink)
         status = ResolvePath(path, path);
     if (status != B_OK)
         return status;

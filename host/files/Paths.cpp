@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -22,23 +23,50 @@ std::string AccountHome() {
     return found->pw_dir[0] == '/' ? PlainPath(found->pw_dir) : "/";
 }
 
-std::string HostHome() {
-    const char* home = getenv("HOME");
-    return home && home[0] == '/' ? PlainPath(home) : AccountHome();
+// The directories that the environment names, found anew when it has changed: every path that is
+// used asks for them.
+struct Directories {
+    std::string homeVariable;
+    std::string settingsVariable;
+    std::string home;
+    std::string settings;
+};
+
+const Directories& CurrentDirectories() {
+    // A relative value is to be ignored, says the desktop's base directory convention.
+    auto valueOf = [](const char* variable) {
+        const char* value = getenv(variable);
+        return std::string_view(value && value[0] == '/' ? value : "");
+    };
+    thread_local Directories kept;
+    std::string_view home = valueOf("HOME");
+    std::string_view settings = valueOf("XDG_CONFIG_HOME");
+    if (kept.home.empty() || kept.homeVariable != home || kept.settingsVariable != settings) {
+        kept.homeVariable = home;
+        kept.settingsVariable = settings;
+        kept.home = home.empty() ? AccountHome() : PlainPath(kept.homeVariable);
+        kept.settings =
+            settings.empty() ? Join(kept.home, ".config") : PlainPath(kept.settingsVariable);
+    }
+    return kept;
 }
 
-std::string HostSettings() {
-    // A relative value is to be ignored, says the desktop's base directory convention.
-    const char* settings = getenv("XDG_CONFIG_HOME");
-    return settings && settings[0] == '/' ? PlainPath(settings) : Join(HostHome(), ".config");
+const std::string& HostHome() {
+    return CurrentDirectories().home;
+}
+
+const std::string& HostSettings() {
+    return CurrentDirectories().settings;
 }
 
 // Puts `to` in the place of the leading directory `from`; false if `path` is not in it.
 bool Replace(std::string& path, const std::string& from, const std::string& to) {
-    std::string prefix = from == "/" ? "" : from;
-    if (path != from && path.compare(0, prefix.size() + 1, prefix + "/") != 0)
+    size_t length = from == "/" ? 0 : from.size();
+    bool isBelow = path.size() > length && path[length] == '/' &&
+                   path.compare(0, length, from, 0, length) == 0;
+    if (path != from && !isBelow)
         return false;
-    std::string rest = path == from ? "" : path.substr(prefix.size());
+    std::string rest = path == from ? "" : path.substr(length);
     path = to == "/" && !rest.empty() ? rest : to + rest;
     return true;
 }

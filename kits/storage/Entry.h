@@ -65,6 +65,7 @@ public:
 
 private:
     friend class BDirectory;
+    friend class BNode;
 
     status_t SetToHostPath(std::string path, bool traverse);
     host::NodeKind Kind() const;

@@ -7,9 +7,7 @@
 #include "host/files/Files.h"
 #include "host/files/Links.h"
 #include "host/files/NodeStatus.h"
-#include "host/files/Paths.h"
 #include "kits/storage/Entry.h"
-#include "kits/storage/Path.h"
 
 BNode::BNode(const char* path) {
     SetTo(path);
@@ -43,11 +41,10 @@ status_t BNode::SetTo(const BDirectory* directory, const char* leaf) {
 }
 
 status_t BNode::SetTo(const BEntry* entry) {
-    BPath path;
-    status_t status = entry ? entry->GetPath(&path) : B_BAD_VALUE;
     host::Descriptor node;
+    status_t status = entry ? entry->InitCheck() : B_BAD_VALUE;
     if (status == B_OK)
-        status = host::HoldNode(host::HostPath(path.Path()), node);
+        status = host::HoldNode(entry->fHostPath, node);
     return status == B_OK ? SetToDescriptor(std::move(node)) : Fail(status);
 }
 

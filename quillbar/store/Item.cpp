@@ -16,13 +16,20 @@ namespace {
 
 constexpr const char* kEmptyLabel = "Add Bookmark Here";
 
+// Nearly all are shorter, which saves asking for the size.
+constexpr size_t kUsualSize = 512;
+
 // False if the node has no such attribute. One that cannot be read is the empty string.
 bool ReadText(BNode& node, const char* name, BString& text) {
+    std::vector<char> buffer(kUsualSize);
+    ssize_t read = node.ReadAttr(name, B_STRING_TYPE, 0, buffer.data(), buffer.size());
     attr_info info;
-    if (node.GetAttrInfo(name, &info) != B_OK)
+    if (read == static_cast<ssize_t>(buffer.size()) && node.GetAttrInfo(name, &info) == B_OK) {
+        buffer.resize(static_cast<size_t>(info.size));
+        read = node.ReadAttr(name, B_STRING_TYPE, 0, buffer.data(), buffer.size());
+    }
+    if (read < 0 && node.GetAttrInfo(name, &info) != B_OK)
         return false;
-    std::vector<char> buffer(static_cast<size_t>(info.size));
-    const ssize_t read = node.ReadAttr(name, B_STRING_TYPE, 0, buffer.data(), buffer.size());
     buffer.resize(read > 0 ? static_cast<size_t>(read) : 0);
     buffer.push_back('\0');
     text = buffer.data();
@@ -76,7 +83,7 @@ bool QBItem::SetFile(const char* path) {
     fName = GetName(path);
 
     BNode node(&entry);
-    if (!HasBookmarkType(entry) || !ReadText(node, kUrlAttribute, fUrl) ||
+    if (!HasBookmarkType(node) || !ReadText(node, kUrlAttribute, fUrl) ||
         !ReadText(node, kKeywordsAttribute, fKeywords))
         return false;
     fPath.SetTo(path);

@@ -77,8 +77,7 @@ status_t FindRoot(BEntry& root) {
     return status;
 }
 
-bool HasBookmarkType(const BEntry& entry) {
-    BNode node(&entry);
+bool HasBookmarkType(BNode& node) {
     BNodeInfo info(&node);
     char type[B_MIME_TYPE_LENGTH];
     return node.InitCheck() == B_OK && info.InitCheck() == B_OK && info.GetType(type) == B_OK &&
@@ -102,7 +101,10 @@ BString FindItem(int folder, int slot) {
     BEntry directory(found.String());
     found = "";
     Walk(directory, Links::Left, [&](BEntry& entry, const char* path) {
-        if (GetNumber(path) != slot - 1 || !entry.IsFile() || !HasBookmarkType(entry))
+        if (GetNumber(path) != slot - 1 || !entry.IsFile())
+            return true;
+        BNode node(&entry);
+        if (!HasBookmarkType(node))
             return true;
         found = path;
         return false;

@@ -4,6 +4,7 @@
 
 class BDirectory;
 class BEntry;
+class BNode;
 
 // The directory that holds the ten folders of bookmarks.
 inline constexpr const char* kBookmarkRoot = "/boot/home/config/settings/Quillbar";
@@ -37,8 +38,8 @@ BString EmptyFolderName(int number);
 // directory elsewhere stands for that directory.
 status_t FindRoot(BEntry& root);
 
-// Whether the entry's node says that it is a bookmark.
-bool HasBookmarkType(const BEntry& entry);
+// Whether the node says that it is a bookmark.
+bool HasBookmarkType(BNode& node);
 
 // The full path of the folder (`slot` below 1), or of the bookmark file that fills the slot. Both
 // count from one. The empty string if there is none.
