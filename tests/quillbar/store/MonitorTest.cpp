@@ -217,6 +217,8 @@ TEST_F(MonitorTest, MessagesWithoutTheirFieldsChangeNothing) {
 
 // Whatever happened, a removal at the end brings the menus to what the disk holds.
 TEST_F(MonitorTest, StormEndsWithMenusEqualToTheDisk) {
+    const fs::path marker = Root() / "0 -" / "marker";
+    test::MakeBookmark(marker, "http://x");
     Start();
     std::mt19937 random(7);
     auto any = [&](int bound) { return static_cast<int>(random() % bound); };
@@ -242,8 +244,7 @@ TEST_F(MonitorTest, StormEndsWithMenusEqualToTheDisk) {
         }
     }
     const int rebuilds = Rebuilds();
-    test::MakeBookmark(Folder(0) / "marker", "http://x");
-    fs::remove(Folder(0) / "marker");
+    fs::remove(marker);
     ASSERT_TRUE(test::WaitUntil([&] { return Rebuilds() > rebuilds; }));
     const auto live = AllLabels();
     Stop();
