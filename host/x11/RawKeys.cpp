@@ -30,11 +30,12 @@ RawKeys::RawKeys(const Connection& connection, DisplaySink* sink)
     : fConnection(connection)
     , fSink(sink) {}
 
-bool RawKeys::IsSupported() const {
+bool RawKeys::FindExtension() {
     const xcb_query_extension_reply_t* extension =
         xcb_get_extension_data(fConnection, &xcb_input_id);
     if (!extension || !extension->present)
         return false;
+    fOpcode = extension->major_opcode;
     Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
         fConnection, xcb_input_xi_query_version(fConnection, kMajorVersion, kMinorVersion),
         nullptr));
@@ -47,7 +48,7 @@ void RawKeys::Watch(bool watch, const ProgramIdentity& program) {
     std::lock_guard lock(fLock);
     if (watch == fIsWatching || fIsRefused)
         return;
-    if (watch && !IsSupported()) {
+    if (watch && !FindExtension()) {
         fIsRefused = true;
         if (!fConnection.IsLost())
             std::fprintf(stderr,
@@ -56,7 +57,6 @@ void RawKeys::Watch(bool watch, const ProgramIdentity& program) {
                          program.instanceName.c_str(), kMajorVersion, kMinorVersion);
         return;
     }
-    fOpcode = xcb_get_extension_data(fConnection, &xcb_input_id)->major_opcode;
     Select(watch);
     fHeld = watch ? AskForHeldKeys() : HeldKeys();
     fIsWatching = watch;

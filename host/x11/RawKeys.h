@@ -31,7 +31,7 @@ public:
     xcb_timestamp_t LastPressTime() const { return fLastPressTime; }
 
 private:
-    bool IsSupported() const;
+    bool FindExtension();
     void Select(bool watch) const;
     HeldKeys AskForHeldKeys() const;
     void HandleKey(uint32 key, bool down);
