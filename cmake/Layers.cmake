@@ -32,5 +32,6 @@ layer(quillbar_base quillbar/app LINKS kits_interface
             ${PROJECT_SOURCE_DIR}/quillbar/app/Trace.cpp)
 layer(quillbar_widgets quillbar/bar/widgets LINKS quillbar_base)
 layer(quillbar_store quillbar/store LINKS quillbar_widgets)
-layer(quillbar_bar quillbar/bar LINKS quillbar_store)
+layer(quillbar_hotkey quillbar/hotkey LINKS quillbar_base)
+layer(quillbar_bar quillbar/bar LINKS quillbar_store quillbar_hotkey)
 layer(quillbar_app quillbar/app LINKS quillbar_bar EXCLUDE Settings.cpp SettingsFile.cpp Commands.cpp Trace.cpp main.cpp)

@@ -44,6 +44,16 @@ enum QBAlign : int32 {
     kQBAlignVertical = 1,
 };
 
+// The keys that the hot key is made of, as bits of the setting.
+enum QBHotKey : int32 {
+    kQBAltKey = 0x01,
+    kQBShiftKey = 0x02,
+    kQBControlKey = 0x04,
+    kQBWindowsKey = 0x08,
+    kQBMenuKey = 0x10,
+    kQBDeleteKey = 0x20, // on the numeric keypad
+};
+
 // The browser that bookmarks are launched in.
 enum QBBrowser : int32 {
     kQBOpera = 0,

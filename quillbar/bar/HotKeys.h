@@ -13,10 +13,10 @@ inline constexpr int kHotKeyCount = 6;
 
 // In the order of the menu.
 inline constexpr HotKey kHotKeys[kHotKeyCount] = {
-    {"Alt Key", kQBToggleAltKey, 1},
-    {"Shift Key", kQBToggleShiftKey, 2},
-    {"Control Key", kQBToggleControlKey, 4},
-    {"\"Windows\" Key", kQBToggleWindowsKey, 8},
-    {"\"Menu\" Key", kQBToggleMenuKey, 16},
-    {"Delete Key On Numeric Keypad", kQBToggleDeleteKey, 32},
+    {"Alt Key", kQBToggleAltKey, kQBAltKey},
+    {"Shift Key", kQBToggleShiftKey, kQBShiftKey},
+    {"Control Key", kQBToggleControlKey, kQBControlKey},
+    {"\"Windows\" Key", kQBToggleWindowsKey, kQBWindowsKey},
+    {"\"Menu\" Key", kQBToggleMenuKey, kQBMenuKey},
+    {"Delete Key On Numeric Keypad", kQBToggleDeleteKey, kQBDeleteKey},
 };

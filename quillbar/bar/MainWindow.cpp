@@ -12,6 +12,7 @@
 #include "quillbar/bar/Browsers.h"
 #include "quillbar/bar/widgets/Bar.h"
 #include "quillbar/bar/widgets/Button.h"
+#include "quillbar/hotkey/Tracker.h"
 #include "quillbar/store/Monitor.h"
 
 BMessenger* QBMainWindow::fMsgWindow = nullptr;
@@ -87,6 +88,7 @@ void QBMainWindow::InitWindow() {
     AddViews();
     // The first message, handled when the window has been painted.
     PostMessage(kQBPrepareMenus);
+    AddChild(new QBTracker());
     if (!ExistNetPos() && !ExistOpera())
         WarnWithoutBrowser();
     fKeyDown = false;

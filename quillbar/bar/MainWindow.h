@@ -18,7 +18,8 @@ class QBMainWindow : public BWindow {
 public:
     // Only the left-top corner of `frame` is used. Builds the store and the views, and warns when
     // no browser is installed; the caller shows the window. The settings menu is built when the
-    // window has been painted, before any other message is handled.
+    // window has been painted, before any other message is handled; then the hot key begins to
+    // work.
     explicit QBMainWindow(BRect frame);
 
     // Keeps the window's place in the settings, and frees the store.
@@ -64,6 +65,7 @@ private:
     void ChooseShowURL(bool show);
     void ToggleHotKey(uint32 command);
     void ToggleOnTop();
+    void HandleLaunch(BMessage* message);
     void HandleNodeMonitor(BMessage* message);
     void HandlePaste(BMessage* message);
     void HandleKeyDown(BMessage* message);

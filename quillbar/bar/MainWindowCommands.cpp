@@ -57,6 +57,9 @@ void QBMainWindow::MessageReceived(BMessage* message) {
     case kQBShowSettings:
         ShowSettingsMenu();
         break;
+    case kQBLaunch:
+        HandleLaunch(message);
+        break;
     case kQBPrepareMenus:
         PrepareMenus();
         break;
@@ -192,6 +195,18 @@ void QBMainWindow::ToggleOnTop() {
     gSettings->SetOnTop(onTop);
     fOnTopItem->SetMarked(onTop);
     SetFeel(onTop ? B_FLOATING_ALL_WINDOW_FEEL : B_NORMAL_WINDOW_FEEL);
+}
+
+// Of the hot key. An empty slot is passed over in silence.
+void QBMainWindow::HandleLaunch(BMessage* message) {
+    const int folder = message->GetInt8("folder", 0);
+    const int slot = message->GetInt8("slot", 0);
+    if (folder < 1 || folder > 10 || slot < 1 || slot > 10)
+        return;
+    fLocker->Lock();
+    if (fMonitor->fPaths[folder - 1]->Items()[slot - 1]->IsValid())
+        Launch(folder, slot);
+    fLocker->Unlock();
 }
 
 void QBMainWindow::HandleNodeMonitor(BMessage* message) {

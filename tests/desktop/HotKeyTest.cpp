@@ -1,0 +1,199 @@
+// The hot key, typed while another program has the focus.
+
+#include <gmock/gmock.h>
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+using Keys = std::vector<uint32_t>;
+using Urls = std::vector<std::string>;
+
+constexpr char kFive[] = "http://five.example/";
+constexpr char kNine[] = "http://nine.example/";
+constexpr char kProbe[] = "http://probe.example/";
+
+class HotKeyTest : public DesktopTest {
+protected:
+    ~HotKeyTest() override { SetLayout("us"); }
+
+    void Start(int32 bits, const Keys& hotKey) {
+        fHotKey = hotKey;
+        AddBookmark(3, "5 - Five", kFive);
+        AddBookmark(0, "9 - Nine", kNine);
+        AddBookmark(8, "8 - Probe", kProbe);
+        BMessage settings;
+        settings.AddInt32("hotkey", bits);
+        fProgram.WriteSettings(settings);
+        fProgram.Start();
+        fOther.Activate();
+        // The bar asks for keys only when it has been painted.
+        ASSERT_TRUE(WaitUntil([&] { return Probe(std::chrono::milliseconds(300)); }));
+    }
+    void Type(const Keys& keys) {
+        for (const uint32_t key : keys)
+            fRobot.Key(key);
+    }
+    void TypeAfterHotKey(const Keys& keys) {
+        Type(fHotKey);
+        Type(keys);
+    }
+
+    Urls Launched(bool probes = false) const {
+        Urls urls;
+        for (const auto& launch : fApps.Launches()) {
+            const std::string url = launch.arguments.empty() ? "nothing" : launch.arguments[0];
+            if ((url == kProbe) == probes)
+                urls.push_back(url);
+        }
+        return urls;
+    }
+    // Launches a bookmark that no test asks for: what was typed before has been handled then.
+    bool Probe(std::chrono::milliseconds deadline = kDeadline) {
+        const size_t before = Launched(true).size();
+        TypeAfterHotKey({XK_KP_8, XK_KP_8});
+        return WaitUntil([&] { return Launched(true).size() > before; }, deadline);
+    }
+    // What was launched since the last call, one bookmark at least.
+    Urls NextLaunches() {
+        WaitUntil([&] { return Launched().size() > fKnown; });
+        EXPECT_TRUE(Probe());
+        const Urls all = Launched();
+        const Urls next(all.begin() + static_cast<ptrdiff_t>(fKnown), all.end());
+        fKnown = all.size();
+        return next;
+    }
+    bool NothingIsLaunched() { return Probe() && Launched().size() == fKnown; }
+
+    // Goes to the bar and back to the other program.
+    void ToggleHotKey(int item) {
+        ActivateBar();
+        ChooseSetting(setting::kHotKey, item);
+        fOther.Activate();
+    }
+    static void SetLayout(const std::string& layout) {
+        ChildProcess::Options options;
+        options.arguments = {"setxkbmap", "-layout", layout};
+        EXPECT_EQ(ChildProcess(options).Wait(), 0);
+    }
+
+    PlainWindow fOther{fDesktop, {500, 500, 200, 100}};
+    Keys fHotKey;
+    size_t fKnown = 0;
+};
+
+TEST_F(HotKeyTest, TheWindowsKeyAndTwoKeypadDigitsLaunch) {
+    Start(8, {XK_Super_L});
+    TypeAfterHotKey({XK_KP_3, XK_KP_5});
+    EXPECT_THAT(NextLaunches(), ElementsAre(kFive));
+    EXPECT_EQ(fScreen.ActiveWindow(), fOther.Id());
+
+    fRobot.KeyDown(XK_Super_R);
+    Type({XK_KP_0, XK_KP_9});
+    fRobot.KeyUp(XK_Super_R);
+    EXPECT_THAT(NextLaunches(), ElementsAre(kNine)) << "held";
+
+    for (const uint32_t lock : {XK_Num_Lock, XK_Caps_Lock}) {
+        fRobot.Key(lock);
+        TypeAfterHotKey({XK_KP_3, XK_KP_5});
+        EXPECT_THAT(NextLaunches(), ElementsAre(kFive));
+        fRobot.Key(lock);
+    }
+    for (const char* layout : {"fr", "ru", "us(dvorak)"}) {
+        SetLayout(layout);
+        TypeAfterHotKey({XK_KP_3, XK_KP_5});
+        EXPECT_THAT(NextLaunches(), ElementsAre(kFive)) << layout;
+    }
+    SetLayout("us");
+
+    TypeAfterHotKey({XK_KP_3});
+    TypeAfterHotKey({XK_KP_5});
+    EXPECT_THAT(NextLaunches(), ElementsAre(kFive)) << "the hot key again keeps the folder";
+
+    for (const Keys& keys : {Keys{XK_a, XK_KP_3, XK_KP_5}, Keys{XK_KP_3, XK_a, XK_KP_5},
+                             Keys{XK_3, XK_KP_3, XK_KP_5}, Keys{XK_KP_3, XK_KP_7}}) {
+        TypeAfterHotKey(keys);
+        EXPECT_TRUE(NothingIsLaunched()) << keys[0] << " " << keys[1];
+    }
+    Type({XK_KP_3, XK_KP_5});
+    EXPECT_TRUE(NothingIsLaunched()) << "without the hot key";
+}
+
+TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {
+    Start(8, {XK_Super_L});
+    ActivateBar();
+    TypeAfterHotKey({XK_KP_3});
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    SettledPicture(fScreen, fProgram.Menus()[0].frame);
+    fRobot.Key(XK_KP_5);
+    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(WaitUntil([&] { return Launched().size() == 1; }));
+    fOther.Activate();
+    EXPECT_THAT(NextLaunches(), ElementsAre(kFive)) << "once, by the menu";
+
+    // Keypad 5 without Num Lock opens a menu in the bar, and nowhere else.
+    fRobot.Key(XK_KP_5);
+    EXPECT_TRUE(NothingIsLaunched());
+    EXPECT_THAT(fProgram.Menus(), IsEmpty());
+
+    fRobot.KeyDown(XK_Shift_L);
+    fRobot.KeyDown(XK_Control_R);
+    EXPECT_EQ(fScreen.ActiveWindow(), fOther.Id());
+    fRobot.KeyDown(XK_Alt_L);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.IsBarActive(); }));
+    for (const uint32_t key : {XK_Alt_L, XK_Control_R, XK_Shift_L})
+        fRobot.KeyUp(key);
+    fRobot.Key(XK_KP_3);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    CloseMenus();
+}
+
+TEST_F(HotKeyTest, EachKeyCanBeTheHotKeyOrAPartOfIt) {
+    Start(32, {XK_KP_Delete});
+    auto launches = [&] {
+        TypeAfterHotKey({XK_KP_3, XK_KP_5});
+        return NextLaunches() == Urls{kFive};
+    };
+    EXPECT_TRUE(launches());
+    const std::pair<int, uint32_t> keys[] = {{setting::kWindowsKey, XK_Super_L},
+                                             {setting::kAltKey, XK_Alt_L},
+                                             {setting::kShiftKey, XK_Shift_R},
+                                             {setting::kControlKey, XK_Control_L},
+                                             {setting::kMenuKey, XK_Menu}};
+    int last = setting::kDeleteKey;
+    for (const auto& [item, key] : keys) {
+        ToggleHotKey(item);
+        if (last == setting::kDeleteKey) {
+            fHotKey = {key, XK_KP_Delete};
+            EXPECT_TRUE(launches()) << "with Delete";
+            Type({key, XK_KP_3, XK_KP_5});
+            EXPECT_TRUE(NothingIsLaunched());
+        }
+        ToggleHotKey(last);
+        last = item;
+        fHotKey = {key};
+        EXPECT_TRUE(launches()) << item;
+    }
+    // Both at once, in either order, and another one does no harm.
+    ToggleHotKey(setting::kAltKey);
+    fHotKey = {};
+    for (const Keys& held : {Keys{XK_Menu, XK_Alt_R}, Keys{XK_Alt_L, XK_Super_L, XK_Menu}}) {
+        for (const uint32_t key : held)
+            fRobot.KeyDown(key);
+        Type({XK_KP_3, XK_KP_5});
+        EXPECT_TRUE(WaitUntil([&] { return Launched().size() > fKnown; }));
+        for (const uint32_t key : held)
+            fRobot.KeyUp(key);
+        fKnown++;
+    }
+    Type({XK_Alt_L, XK_KP_3, XK_KP_5, XK_Menu, XK_KP_3, XK_KP_5});
+    ToggleHotKey(setting::kMenuKey);
+    fHotKey = {XK_Alt_L};
+    EXPECT_TRUE(NothingIsLaunched());
+}
+
+} // namespace
