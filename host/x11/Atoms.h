@@ -7,7 +7,12 @@
 
 // Every atom that the program names, in one table: they are interned in one round trip.
 #define X11_ATOMS(ATOM)                                                                            \
+    ATOM(kAtomPair, "ATOM_PAIR")                                                                   \
+    ATOM(kClipboard, "CLIPBOARD")                                                                  \
+    ATOM(kClipboardManager, "CLIPBOARD_MANAGER")                                                   \
+    ATOM(kIncr, "INCR")                                                                            \
     ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                                                         \
+    ATOM(kMultiple, "MULTIPLE")                                                                    \
     ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                                                   \
     ATOM(kNetCurrentDesktop, "_NET_CURRENT_DESKTOP")                                               \
     ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")                                        \
@@ -26,6 +31,12 @@
     ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                                     \
     ATOM(kNetWmWindowTypePopupMenu, "_NET_WM_WINDOW_TYPE_POPUP_MENU")                              \
     ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")                                   \
+    ATOM(kSaveTargets, "SAVE_TARGETS")                                                             \
+    ATOM(kSelectionData, "SELECTION_DATA")                                                         \
+    ATOM(kTargets, "TARGETS")                                                                      \
+    ATOM(kText, "TEXT")                                                                            \
+    ATOM(kTextPlainUtf8, "text/plain;charset=utf-8")                                               \
+    ATOM(kTimestamp, "TIMESTAMP")                                                                  \
     ATOM(kUtf8String, "UTF8_STRING")                                                               \
     ATOM(kWmChangeState, "WM_CHANGE_STATE")                                                        \
     ATOM(kWmClientLeader, "WM_CLIENT_LEADER")                                                      \

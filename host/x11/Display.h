@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <variant>
@@ -30,6 +31,11 @@ struct WindowSpec {
     bool minimizable = true;
     bool floating = false; // above all windows
     bool allDesktops = false;
+};
+
+enum class PointerShape {
+    Arrow, // the desktop's own
+    Text,
 };
 
 // Mouse buttons and modifiers have the platform's values.
@@ -85,7 +91,8 @@ struct KeyChanged {
     // What the key types, whether Control or Alt is held or not: UTF-8, or the platform's byte of a
     // special key (0x1c to 0x1f arrows, 0x01 Home, 0x04 End, 0x0b and 0x0c pages, 0x05 Insert, 0x08
     // Backspace, 0x09 Tab, 0x0a Enter, 0x10 function, 0x1b Escape, 0x7f Delete). Empty for a key
-    // that types nothing, keypad 5 without Num Lock among them.
+    // that types nothing, keypad 5 without Num Lock and all but the last of a composed character
+    // among them.
     std::string text;
     KeyStates states; // with this change
     bigtime_t when;
@@ -157,6 +164,9 @@ public:
     virtual void SetAllDesktops(bool allDesktops) = 0;
     virtual void SetTitle(const std::string& title) = 0;
 
+    // While the pointer is over this window.
+    virtual void SetPointer(PointerShape shape) = 0;
+
     // Shows those parts of `picture` (the content, from its left-top pixel) that `damage` covers
     // and keeps them for exposes.
     virtual void Present(const Image& picture, const std::vector<PixelRect>& damage) = 0;
@@ -174,6 +184,18 @@ struct Pointer {
     uint32 buttons = 0;
     uint32 modifiers = 0;
 };
+
+// The texts that programs hand to each other.
+enum class SelectionKind {
+    Clipboard, // what was copied
+    Primary,   // what is selected, for the middle button
+};
+
+// Gets the text of a selection, from whoever holds it: UTF-8 by rights, but any bytes may come.
+// B_ENTRY_NOT_FOUND if nobody offers a text, B_TIMED_OUT if the other program stopped answering,
+// B_NO_MEMORY for more than 16 MiB, B_CANCELED if the display is closed. Called once, by any
+// thread, with nothing locked; it must not wait for a looper.
+using SelectionAnswer = std::function<void(status_t status, std::string text)>;
 
 // The connection to the display server, one for the process. Any thread may call.
 class Display {
@@ -210,6 +232,17 @@ public:
     // still goes where it would go. Waits for the server. Where it cannot be done, a line on
     // standard error says so once.
     virtual void WatchSessionKeys(bool watch) = 0;
+
+    // Offers `text` to all programs, until another one offers something. It does nothing if that
+    // happened after the last key or press that the program has seen.
+    virtual void OwnSelection(SelectionKind selection, std::string text) = 0;
+
+    // Asks for a selection's text and returns at once, after the answer if that is at hand.
+    virtual void AskSelection(SelectionKind selection, SelectionAnswer answer) = 0;
+
+    // Leaves the clipboard's text, if the program offers it, to the desktop's clipboard manager, if
+    // there is one, so that it outlives the program. Waits for at most `timeout` microseconds.
+    virtual void SaveClipboard(bigtime_t timeout) = 0;
 
     virtual void Beep() = 0;
 

@@ -176,11 +176,17 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
         break;
     }
     case XCB_DESTROY_NOTIFY:
+        fDisplay.HandedTexts().HandleDestroy(As<xcb_destroy_notify_event_t>(event).window);
         // By another program: ours takes its windows from the registry first.
         Tell(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
         break;
     case XCB_PROPERTY_NOTIFY:
         HandleProperty(As<xcb_property_notify_event_t>(event));
+        break;
+    case XCB_SELECTION_CLEAR:
+    case XCB_SELECTION_REQUEST:
+    case XCB_SELECTION_NOTIFY:
+        fDisplay.HandedTexts().Handle(event);
         break;
     case XCB_CLIENT_MESSAGE:
         HandleMessage(As<xcb_client_message_event_t>(event));
@@ -273,6 +279,8 @@ void EventThread::HandleFocus(const xcb_focus_in_event_t& event, bool active) {
 }
 
 void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
+    if (fDisplay.HandedTexts().HandleProperty(event))
+        return;
     if (event.window == fConnection.Root()) {
         if (event.atom == fConnection[kNetActiveWindow])
             fFocus.HandleActiveWindow();

@@ -65,12 +65,14 @@ bool Keyboard::ReadLayout() {
     return fState != nullptr;
 }
 
-std::string Keyboard::TextOf(const xcb_key_press_event_t& event) {
+std::string Keyboard::TextOf(const xcb_key_press_event_t& event, bool down) {
     if (!ReadLayout())
         return {};
     xkb_state_update_mask(fState.get(), event.state & kModifierBits, 0, 0, 0, 0,
                           GroupOf(event.state));
-    return KeyText(xkb_state_key_get_one_sym(fState.get(), event.detail));
+    xkb_keysym_t symbol = xkb_state_key_get_one_sym(fState.get(), event.detail);
+    std::optional<std::string> composed = down ? fCompose.Type(symbol) : std::nullopt;
+    return composed ? *composed : KeyText(symbol);
 }
 
 KeyChanged Keyboard::Translate(const xcb_key_press_event_t& event, bool down) {
@@ -80,7 +82,7 @@ KeyChanged Keyboard::Translate(const xcb_key_press_event_t& event, bool down) {
             .repeated = down && wasHeld,
             .key = RawKeyCode(event.detail),
             .modifiers = ModifiersOf(event.state),
-            .text = TextOf(event),
+            .text = TextOf(event, down),
             .states = StatesOf(fHeld),
             .when = Now()};
 }

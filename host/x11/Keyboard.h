@@ -4,6 +4,7 @@
 
 #include <xkbcommon/xkbcommon.h>
 
+#include "host/x11/Compose.h"
 #include "host/x11/Connection.h"
 #include "host/x11/KeyCodes.h"
 
@@ -22,7 +23,10 @@ public:
     bool HandleNotice(const xcb_generic_event_t& event);
 
     // Keys may be released without the program's seeing it from now on.
-    void ForgetHeldKeys() { fHeld.reset(); }
+    void ForgetHeldKeys() {
+        fHeld.reset();
+        fCompose.Forget();
+    }
 
 private:
     struct Unref {
@@ -32,7 +36,7 @@ private:
     };
 
     bool ReadLayout();
-    std::string TextOf(const xcb_key_press_event_t& event);
+    std::string TextOf(const xcb_key_press_event_t& event, bool down);
 
     const Connection& fConnection;
     uint8 fFirstEvent = 0;
@@ -40,6 +44,7 @@ private:
     bool fIsLayoutCurrent = false;
     std::unique_ptr<xkb_context, Unref> fContext;
     std::unique_ptr<xkb_state, Unref> fState;
+    Compose fCompose;
     HeldKeys fHeld;
 };
 

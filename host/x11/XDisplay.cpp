@@ -35,8 +35,9 @@ std::unique_ptr<XDisplay> XDisplay::Connect(const char* name, DisplaySink* sink,
     auto connection = Connection::Open(name, problem);
     if (!connection)
         return nullptr;
+    ProgramIdentity identity{instanceName, className, xcb_generate_id(*connection)};
     return std::unique_ptr<XDisplay>(
-        new XDisplay(std::move(connection), sink, {instanceName, className}));
+        new XDisplay(std::move(connection), sink, std::move(identity)));
 }
 
 // All requests go out before the first answer is waited for.
@@ -47,6 +48,8 @@ XDisplay::XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink,
     , fIdentity(std::move(identity))
     , fMonitors(*fConnection)
     , fGrab(*fConnection)
+    , fCursors(*fConnection)
+    , fSelections(*fConnection, fIdentity.leader, fWindows)
     , fThread(*this, sink) {
     const uint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(*fConnection, fConnection->Root(), XCB_CW_EVENT_MASK, &events);
@@ -61,7 +64,6 @@ XDisplay::~XDisplay() = default;
 
 void XDisplay::MakeLeader() {
     const Connection& connection = *fConnection;
-    fIdentity.leader = xcb_generate_id(connection);
     xcb_create_window(connection, XCB_COPY_FROM_PARENT, fIdentity.leader, connection.Root(), -1, -1,
                       1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
     connection.SetValues(fIdentity.leader, connection[kWmClientLeader], XCB_ATOM_WINDOW,
@@ -102,6 +104,18 @@ xcb_timestamp_t XDisplay::LastKnownPressTime() const {
     xcb_timestamp_t any = fThread.Keys().LastPressTime();
     // The server's clock starts again after 49 days.
     return own == 0 || (any != 0 && static_cast<int32>(any - own) > 0) ? any : own;
+}
+
+void XDisplay::OwnSelection(SelectionKind selection, std::string text) {
+    fSelections.Own(selection, fLastInputTime, std::move(text));
+}
+
+void XDisplay::AskSelection(SelectionKind selection, SelectionAnswer answer) {
+    fSelections.Ask(selection, std::move(answer));
+}
+
+void XDisplay::SaveClipboard(bigtime_t timeout) {
+    fSelections.SaveClipboard(timeout);
 }
 
 void XDisplay::Beep() {

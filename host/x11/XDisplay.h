@@ -4,12 +4,14 @@
 #include <mutex>
 
 #include "host/x11/Connection.h"
+#include "host/x11/Cursors.h"
 #include "host/x11/DesktopSettings.h"
 #include "host/x11/Display.h"
 #include "host/x11/EventThread.h"
 #include "host/x11/InputGrab.h"
 #include "host/x11/KeptPicture.h"
 #include "host/x11/MonitorList.h"
+#include "host/x11/Selections.h"
 #include "host/x11/WindowProperties.h"
 #include "host/x11/WindowRegistry.h"
 
@@ -33,6 +35,9 @@ public:
     Pointer GetPointer() const override;
     bigtime_t DoubleClickTime() const override { return fSettings.doubleClickTime; }
     void WatchSessionKeys(bool watch) override { fThread.Keys().Watch(watch, fIdentity); }
+    void OwnSelection(SelectionKind selection, std::string text) override;
+    void AskSelection(SelectionKind selection, SelectionAnswer answer) override;
+    void SaveClipboard(bigtime_t timeout) override;
     void Beep() override;
     void Sync() override;
 
@@ -42,6 +47,8 @@ public:
     std::vector<std::vector<uint32>> Icons() const;
     WindowRegistry& Windows() { return fWindows; }
     InputGrab& Grab() { return fGrab; }
+    Cursors& PointerShapes() { return fCursors; }
+    Selections& HandedTexts() { return fSelections; }
     MonitorList& MonitorFrames() { return fMonitors; }
 
     // The server's time of the last press that any window got; 0 before the first.
@@ -69,6 +76,8 @@ private:
     MonitorList fMonitors;
     WindowRegistry fWindows;
     InputGrab fGrab;
+    Cursors fCursors;
+    Selections fSelections;
     std::atomic<xcb_timestamp_t> fLastInputTime = 0;
     std::atomic<xcb_window_t> fAlertParent = XCB_WINDOW_NONE;
 

@@ -219,6 +219,12 @@ void XWindow::SetTitle(const std::string& title) {
     fConnection.Flush();
 }
 
+void XWindow::SetPointer(PointerShape shape) {
+    const uint32 cursor = fDisplay.PointerShapes().Of(shape);
+    xcb_change_window_attributes(fConnection, fId, XCB_CW_CURSOR, &cursor);
+    fConnection.Flush();
+}
+
 void XWindow::Present(const Image& picture, const std::vector<PixelRect>& damage) {
     std::lock_guard lock(fLock);
     for (const PixelRect& area : damage)

@@ -27,6 +27,7 @@ public:
     void SetFloating(bool floating) override;
     void SetAllDesktops(bool allDesktops) override;
     void SetTitle(const std::string& title) override;
+    void SetPointer(PointerShape shape) override;
     void Present(const Image& picture, const std::vector<PixelRect>& damage) override;
     status_t GrabInput(bigtime_t timeout) override;
     void ReleaseInput() override;

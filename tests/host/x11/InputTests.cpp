@@ -159,6 +159,16 @@ TEST_F(Input, FollowsTheLayout) {
     EXPECT_EQ(window.events->Last<KeyChanged>().key, 0x4cu) << "where others have the Z";
 }
 
+TEST_F(Input, ComposesCharactersOfSeveralKeys) {
+    TestWindow window = CreateActive();
+    SetLayout({"us", "-variant", "intl", "-option", "compose:menu"});
+    EXPECT_THAT(TextsOf(window, {XK_dead_acute, 'e', 'e'}), ElementsAre("", "\xc3\xa9", "e"));
+    EXPECT_THAT(TextsOf(window, {XK_Multi_key, 's', 's'}), ElementsAre("", "", "\xc3\x9f"));
+    // What goes into no sequence ends the one that was begun.
+    EXPECT_THAT(TextsOf(window, {XK_dead_acute, 'q', XK_dead_acute, XK_BackSpace, 'e'}),
+                ElementsAre("", "q", "", "", "e"));
+}
+
 TEST_F(Input, HeldKeysRepeat) {
     TestWindow window = CreateActive();
     fRobot.KeyDown(XK_a);

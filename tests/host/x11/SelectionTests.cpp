@@ -1,0 +1,186 @@
+#include <future>
+#include <optional>
+
+#include <gmock/gmock.h>
+
+#include "kits/support/Errors.h"
+#include "tests/host/x11/OtherProgram.h"
+#include "tests/host/x11/Recorded.h"
+
+namespace host {
+namespace {
+
+using test::PrivateDesktop;
+using test::WaitUntil;
+
+class SelectionTest : public testing::Test {
+protected:
+    struct Answer {
+        status_t status;
+        std::string text;
+    };
+
+    // Asks at once; the future is ready when the answer has come.
+    std::future<Answer> Ask(SelectionKind selection) {
+        auto promise = std::make_shared<std::promise<Answer>>();
+        display->AskSelection(selection, [promise](status_t status, std::string text) {
+            promise->set_value({status, std::move(text)});
+        });
+        return promise->get_future();
+    }
+    static Answer Await(std::future<Answer>& answer) {
+        if (answer.wait_for(test::kDeadline) != std::future_status::ready)
+            return {B_ERROR, "no answer"};
+        return answer.get();
+    }
+
+    // Which part of a text it was shows in it.
+    static std::string LongText(size_t length) {
+        std::string text;
+        for (int i = 0; text.size() < length; i++)
+            text += std::to_string(i) + " ";
+        return text;
+    }
+
+    PrivateDesktop& desktop = PrivateDesktop::Shared();
+    TestDisplay display{desktop};
+    OtherProgram other{desktop};
+};
+
+TEST_F(SelectionTest, OffersItsTextInTheFormsThatOthersAskFor) {
+    const std::string text = "gr\xc3\xbc\xc3\x9f \xe2\x82\xac";
+    display->OwnSelection(SelectionKind::Clipboard, text);
+    for (const char* target : {"UTF8_STRING", "TEXT", "text/plain;charset=utf-8"})
+        EXPECT_EQ(other.Converted("CLIPBOARD", target), text) << target;
+    EXPECT_EQ(other.Converted("CLIPBOARD", "STRING"), "gr\xfc\xdf ?");
+    EXPECT_EQ(other.Converted("CLIPBOARD", "TIMESTAMP").size(), 4u);
+    EXPECT_EQ(other.Converted("CLIPBOARD", "TARGETS").size(), 7 * 4u);
+    EXPECT_EQ(other.Converted("CLIPBOARD", "image/png"), "");
+    EXPECT_EQ(other.Converted("PRIMARY", "UTF8_STRING"), "");
+
+    other.SetAtoms("TAKEN", {"UTF8_STRING", "FIRST", "image/png", "SECOND", "MULTIPLE", "THIRD"});
+    const std::string pairs = other.Converted("CLIPBOARD", "MULTIPLE");
+    ASSERT_EQ(pairs.size(), 6 * 4u);
+    xcb_atom_t atoms[6];
+    std::memcpy(atoms, pairs.data(), sizeof(atoms));
+    EXPECT_THAT(atoms,
+                testing::ElementsAre(desktop.Atom("UTF8_STRING"), desktop.Atom("FIRST"),
+                                     desktop.Atom("image/png"), 0u, desktop.Atom("MULTIPLE"), 0u));
+    EXPECT_EQ(other.TakeProperty("FIRST"), text);
+}
+
+TEST_F(SelectionTest, SendsALongTextInPartsAlsoToSeveralAndWhenOneDies) {
+    const std::string text = LongText(1'000'000);
+    display->OwnSelection(SelectionKind::Primary, text);
+    {
+        OtherProgram dying(desktop);
+        dying.Converted("PRIMARY", "UTF8_STRING");
+        ASSERT_EQ(dying.lastType, desktop.Atom("INCR"));
+    }
+    OtherProgram second(desktop);
+    EXPECT_EQ(other.Converted("PRIMARY", "UTF8_STRING").size(), 4u);
+    EXPECT_EQ(second.Converted("PRIMARY", "UTF8_STRING").size(), 4u);
+    // What it holds now does not matter to what is on its way.
+    display->OwnSelection(SelectionKind::Primary, "short");
+    EXPECT_EQ(second.TakeParts(), text);
+    EXPECT_EQ(other.TakeParts(), text);
+    EXPECT_EQ(other.Converted("PRIMARY", "UTF8_STRING"), "short");
+}
+
+TEST_F(SelectionTest, AsksForOtherFormsWhenTheFirstIsRefused) {
+    auto nobody = Ask(SelectionKind::Clipboard);
+    EXPECT_EQ(Await(nobody).status, B_ENTRY_NOT_FOUND);
+
+    other.Take("CLIPBOARD");
+    auto answer = Ask(SelectionKind::Clipboard);
+    for (const char* target : {"UTF8_STRING", "text/plain;charset=utf-8"}) {
+        auto request = other.AwaitRequest();
+        ASSERT_TRUE(request && other.Asks(*request, target));
+        other.Notify(*request, XCB_NONE);
+    }
+    auto request = other.AwaitRequest();
+    ASSERT_TRUE(request && other.Asks(*request, "STRING"));
+    other.Give(*request, "STRING",
+               "\xfc"
+               "ber");
+    Answer got = Await(answer);
+    EXPECT_EQ(got.status, B_OK);
+    EXPECT_EQ(got.text, "\xc3\xbc"
+                        "ber");
+
+    // What it takes itself it need not ask for, until another program takes it.
+    display->OwnSelection(SelectionKind::Clipboard, "own");
+    answer = Ask(SelectionKind::Clipboard);
+    EXPECT_EQ(Await(answer).text, "own");
+    other.Take("CLIPBOARD");
+    display.AwaitEvents();
+    answer = Ask(SelectionKind::Clipboard);
+    request = other.AwaitRequest();
+    ASSERT_TRUE(request);
+    other.Give(*request, "UTF8_STRING", "theirs");
+    EXPECT_EQ(Await(answer).text, "theirs");
+}
+
+TEST_F(SelectionTest, TakesALongTextInPartsUpToABound) {
+    other.Take("CLIPBOARD");
+    auto answer = Ask(SelectionKind::Clipboard);
+    auto request = other.AwaitRequest();
+    ASSERT_TRUE(request);
+    other.BeginParts(*request);
+    for (const char* part : {"one ", "two ", "three", ""})
+        EXPECT_TRUE(other.GivePart(*request, part));
+    EXPECT_EQ(Await(answer).text, "one two three");
+
+    answer = Ask(SelectionKind::Clipboard);
+    request = other.AwaitRequest();
+    ASSERT_TRUE(request);
+    other.BeginParts(*request);
+    const std::string part(200'000, 'x');
+    size_t given = 0;
+    while (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready &&
+           given < (size_t{20} << 20) && other.GivePart(*request, part))
+        given += part.size();
+    Answer got = Await(answer);
+    EXPECT_EQ(got.status, B_NO_MEMORY);
+    EXPECT_EQ(got.text, "");
+    EXPECT_GT(given, size_t{15} << 20);
+}
+
+TEST_F(SelectionTest, GivesUpOwnersThatStopAnswering) {
+    auto dying = std::make_unique<OtherProgram>(desktop);
+    dying->Take("PRIMARY");
+    auto half = Ask(SelectionKind::Primary);
+    auto request = dying->AwaitRequest();
+    ASSERT_TRUE(request);
+    dying->BeginParts(*request);
+    dying->GivePart(*request, "a beginning");
+    other.Take("CLIPBOARD");
+    auto silent = Ask(SelectionKind::Clipboard);
+    dying.reset();
+    // Meanwhile all else goes on.
+    display.AwaitEvents();
+    EXPECT_NE(half.wait_for(std::chrono::seconds(0)), std::future_status::ready);
+    EXPECT_EQ(Await(half).status, B_TIMED_OUT);
+    EXPECT_EQ(Await(silent).status, B_TIMED_OUT);
+}
+
+TEST_F(SelectionTest, LeavesTheClipboardToItsManager) {
+    const std::string text = LongText(300'000);
+    display->OwnSelection(SelectionKind::Clipboard, text);
+    // Without a manager there is nothing to wait for.
+    display->SaveClipboard(60'000'000);
+    other.Take("CLIPBOARD_MANAGER");
+    auto saving = std::async(std::launch::async, [&] { display->SaveClipboard(60'000'000); });
+    auto request = other.AwaitRequest();
+    ASSERT_TRUE(request && other.Asks(*request, "SAVE_TARGETS"));
+    other.Converted("CLIPBOARD", "UTF8_STRING");
+    EXPECT_EQ(other.TakeParts(), text);
+    EXPECT_NE(saving.wait_for(std::chrono::seconds(0)), std::future_status::ready);
+    other.Notify(*request, request->property);
+    EXPECT_EQ(saving.wait_for(test::kDeadline), std::future_status::ready);
+    // One that does not answer is not waited for.
+    display->SaveClipboard(100'000);
+}
+
+} // namespace
+} // namespace host
