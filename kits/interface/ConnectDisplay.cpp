@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr bigtime_t kClipboardPatience = 1'000'000;
+
 // "Name" of the signature "application/x-Vendor.Name".
 std::string ProgramName() {
     const char* resource = get_app_resources()->signature;
@@ -48,6 +50,14 @@ void SetIcons(host::Display& display) {
     display.SetIcons(icons);
 }
 
+// After the last window nothing is copied any more.
+bool QuitWindows(WindowRoster& roster) {
+    bool haveQuit = roster.QuitWindows();
+    if (haveQuit)
+        host::Display::Shared()->SaveClipboard(kClipboardPatience);
+    return haveQuit;
+}
+
 } // namespace
 
 status_t connect_display() {
@@ -60,7 +70,7 @@ status_t connect_display() {
     SetIcons(*host::Display::Shared());
     set_session_hooks({.dismiss = [&roster] { roster.Dismiss(); },
                        .allow = [&roster] { roster.Allow(); },
-                       .quit_windows = [&roster] { return roster.QuitWindows(); },
+                       .quit_windows = [&roster] { return QuitWindows(roster); },
                        .wake = [&roster] { roster.Wake(); }});
     return B_OK;
 }

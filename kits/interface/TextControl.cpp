@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "kits/interface/LabelFont.h"
 #include "kits/interface/TextField.h"
 #include "kits/interface/Window.h"
 
@@ -126,12 +127,19 @@ void BTextControl::Draw(BRect) {
         StrokeEdges(*this, frame, tint_color(base, IsEnabled() ? B_DARKEN_4_TINT : B_DARKEN_2_TINT),
                     base);
     }
+    DrawLabel();
+}
+
+void BTextControl::DrawLabel() {
+    BFont own;
+    GetFont(&own);
+    BFont font = LabelFont(own, Label(), fDivider - 1);
     std::string label = Label();
-    BFont font;
-    GetFont(&font);
     font.TruncateString(&label, B_TRUNCATE_END, fDivider - 1);
-    SetHighColor(IsEnabled() ? rgb_color{0, 0, 0, 255} : tint_color(base, B_DARKEN_3_TINT));
+    SetHighColor(IsEnabled() ? rgb_color{0, 0, 0, 255} : tint_color(ViewColor(), B_DARKEN_3_TINT));
+    BControl::SetFont(&font);
     DrawString(label.c_str(), BPoint(0, fField->Frame().top + fField->Baseline()));
+    BControl::SetFont(&own);
 }
 
 void BTextControl::GetPreferredSize(float* width, float* height) {

@@ -56,6 +56,7 @@ private:
 
     BRect FieldFrame() const;
     void PlaceField();
+    void DrawLabel();
 
     TextField* const fField;
     float fDivider;

@@ -10,10 +10,29 @@
 namespace {
 
 constexpr float kMargin = 2; // left and right of the text
+// What a user may bring in: all of it is measured when the caret goes behind it.
+constexpr size_t kMaxBytes = 256 << 10;
 constexpr rgb_color kPaper{255, 255, 255, 255};
 constexpr rgb_color kInk{0, 0, 0, 255};
 constexpr rgb_color kSelectionColor{172, 200, 255, 255};
 constexpr rgb_color kPassiveSelectionColor{216, 216, 216, 255};
+
+// As much of `text`, up to whole characters, as there is room for.
+std::string_view Fitting(std::string_view text, size_t room) {
+    // A text that was set may be longer than any that can be typed.
+    if (room > kMaxBytes)
+        room = 0;
+    if (text.size() <= room)
+        return text;
+    while (room > 0 && (text[room] & 0xc0) == 0x80)
+        room--;
+    return text.substr(0, room);
+}
+
+void Beep() {
+    if (host::Display* display = host::Display::Shared())
+        display->Beep();
+}
 
 } // namespace
 
@@ -22,6 +41,7 @@ TextField::TextField(BTextControl& control)
                 B_WILL_DRAW | B_FRAME_EVENTS | B_FULL_UPDATE_ON_RESIZE)
     , fControl(control) {
     SetViewColor(kPaper);
+    SetViewCursor(B_I_BEAM_CURSOR);
 }
 
 void TextField::SetText(const char* text) {
@@ -78,18 +98,22 @@ void TextField::SetCaret(int32 caret, bool extends) {
     if (!extends)
         fAnchor = caret;
     ShowCaret();
+    UpdateBlink();
     Invalidate();
 }
 
 void TextField::Change(TextLine::Range range, std::string_view text, UndoHistory::Kind kind) {
     auto start = static_cast<size_t>(range.first);
-    fHistory.Add({range.first,
-                  fLine.Text().substr(start, static_cast<size_t>(range.second) - start),
-                  std::string(text), Selection()},
+    auto length = static_cast<size_t>(range.second - range.first);
+    std::string_view added = Fitting(text, kMaxBytes + length - fLine.Text().size());
+    if (added.size() < text.size())
+        Beep();
+    fHistory.Add({range.first, fLine.Text().substr(start, length), std::string(added), Selection()},
                  kind);
-    fLine.Replace(range, text);
-    fAnchor = fCaret = fLine.Snapped(range.first + static_cast<int32>(text.size()));
+    fLine.Replace(range, added);
+    fAnchor = fCaret = fLine.Snapped(range.first + static_cast<int32>(added.size()));
     ShowCaret();
+    UpdateBlink();
     Invalidate();
 }
 
@@ -121,6 +145,7 @@ void TextField::SetEnabled(bool enabled) {
     fIsEnabled = enabled;
     if (!enabled)
         MakeFocus(false);
+    SetViewCursor(enabled ? B_I_BEAM_CURSOR : B_SYSTEM_DEFAULT_CURSOR);
     SetViewColor(enabled ? kPaper : tint_color(fControl.ViewColor(), B_LIGHTEN_1_TINT));
     Invalidate();
 }
@@ -148,7 +173,8 @@ void TextField::ShowCaret() {
     float place = fLine.PlaceOf(fCaret);
     float last = TextRoom() - 1;
     fScroll = std::clamp(fScroll, place - last, place);
-    fScroll = std::floor(std::clamp(fScroll, 0.0f, std::max(0.0f, fLine.Width() - last) + 0.5f));
+    float most = std::max(0.0f, fLine.Width(fScroll + last) - last);
+    fScroll = std::floor(std::clamp(fScroll, 0.0f, most + 0.5f));
 }
 
 void TextField::Draw(BRect updateRect) {
@@ -178,14 +204,25 @@ void TextField::DrawSelection(float left, float right) {
     SetHighColor(ink);
 }
 
-void TextField::DrawCaret() {
-    if (!ShowsFocus() || fAnchor != fCaret)
-        return;
+BRect TextField::CaretFrame() const {
     float x = std::floor(kMargin - fScroll + fLine.PlaceOf(fCaret));
+    return {x, 1, x, Bounds().bottom - 1};
+}
+
+void TextField::DrawCaret() {
+    if (!ShowsFocus() || fAnchor != fCaret || !fBlink.IsVisible())
+        return;
     rgb_color ink = HighColor();
     SetHighColor(kInk);
-    StrokeLine(BPoint(x, 1), BPoint(x, Bounds().bottom - 1));
+    FillRect(CaretFrame());
     SetHighColor(ink);
+}
+
+void TextField::UpdateBlink() {
+    if (ShowsFocus() && fAnchor == fCaret)
+        fBlink.Restart();
+    else
+        fBlink.Stop();
 }
 
 void TextField::MakeFocus(bool focus) {
@@ -194,7 +231,10 @@ void TextField::MakeFocus(bool focus) {
     BTextView::MakeFocus(focus);
     if (focus)
         SelectAll();
+    else
+        EndDrag();
     fHistory.EndGroup();
+    UpdateBlink();
     Invalidate();
     fControl.FocusChanged(focus);
 }
@@ -202,10 +242,16 @@ void TextField::MakeFocus(bool focus) {
 void TextField::WindowActivated(bool) {
     if (!IsFocus())
         return;
+    UpdateBlink();
     Invalidate();
     fControl.Invalidate();
 }
 
 void TextField::FrameResized(float, float) {
     ShowCaret();
+}
+
+void TextField::DetachedFromWindow() {
+    EndDrag();
+    fBlink.Stop();
 }

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
 
+#include "host/x11/Display.h"
+#include "kits/app/MessageRunner.h"
+#include "kits/interface/CaretBlink.h"
 #include "kits/interface/EditKeys.h"
 #include "kits/interface/TextLine.h"
 #include "kits/interface/TextView.h"
@@ -33,6 +37,10 @@ public:
     void Insert(const char* text);
     void Undo();
     void Redo();
+    // With the desktop's clipboard. Its text comes later, as a message.
+    void Cut();
+    void Copy();
+    void Paste();
 
     void SetEnabled(bool enabled);
     // The window is active and the keys go here.
@@ -48,16 +56,22 @@ public:
     void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage) override;
     void MouseUp(BPoint where) override;
     void FrameResized(float width, float height) override;
+    void MessageReceived(BMessage* message) override;
+    void DetachedFromWindow() override;
 
 private:
-    enum class Drag { None, Characters, Words };
+    enum class Drag { None, Characters, Words, All };
+    // A message to itself: the field "text", if there was any.
+    static constexpr uint32 kTextCame = '_ktc';
 
     // Drawing and the place of the text (TextField.cpp).
     TextLine::Range Selection() const;
     float TextRoom() const;
     void DrawSelection(float left, float right);
     void DrawCaret();
+    BRect CaretFrame() const;
     void ShowCaret();
+    void UpdateBlink();
     float LinePlaceOf(BPoint where) const;
 
     // Changes (TextField.cpp).
@@ -68,7 +82,15 @@ private:
     bool HandleKey(EditKey key, std::string_view typed);
     bool Move(EditKey key);
     bool Erase(EditAction action);
+    void BeginDrag(BPoint where, int32 clicks, bool extends);
     void DragTo(BPoint where);
+    void EndDrag();
+
+    // The desktop's selections (TextFieldClipboard.cpp).
+    std::string SelectedText() const;
+    void OfferSelected();
+    void AskFor(host::SelectionKind selection);
+    void TakeText(const BMessage& message);
 
     BTextControl& fControl;
     TextLine fLine;
@@ -79,4 +101,7 @@ private:
     bool fIsEnabled = true;
     Drag fDrag = Drag::None;
     TextLine::Range fDragStart; // the word that a drag began with
+    BPoint fDragPlace;
+    std::unique_ptr<BMessageRunner> fScroller; // while the pointer is dragged beyond the field
+    CaretBlink fBlink{*this};
 };

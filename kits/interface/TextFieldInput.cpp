@@ -5,6 +5,13 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr uint32 kScroll = '_kts';
+constexpr bigtime_t kScrollInterval = 50'000;
+
+} // namespace
+
 void TextField::KeyDown(const char* bytes, int32 numBytes) {
     BMessage* message = Window() ? Window()->CurrentMessage() : nullptr;
     if (message == nullptr ||
@@ -26,6 +33,16 @@ bool TextField::HandleKey(EditKey key, std::string_view typed) {
         return true;
     case EditAction::SelectAll:
         SelectAll();
+        OfferSelected();
+        return true;
+    case EditAction::Cut:
+        Cut();
+        return true;
+    case EditAction::Copy:
+        Copy();
+        return true;
+    case EditAction::Paste:
+        Paste();
         return true;
     case EditAction::Undo:
         Undo();
@@ -34,8 +51,13 @@ bool TextField::HandleKey(EditKey key, std::string_view typed) {
         Redo();
         return true;
     default:
-        return Move(key) || Erase(key.action);
+        break;
     }
+    if (!Move(key))
+        return Erase(key.action);
+    if (key.extends)
+        OfferSelected();
+    return true;
 }
 
 bool TextField::Move(EditKey key) {
@@ -66,7 +88,9 @@ bool TextField::Move(EditKey key) {
 
 bool TextField::Erase(EditAction action) {
     TextLine::Range range = Selection();
+    auto kind = UndoHistory::Kind::Other;
     if (range.first == range.second) {
+        kind = UndoHistory::Kind::Erasing;
         switch (action) {
         case EditAction::EraseLeft:
             range.first = fLine.Before(fCaret);
@@ -85,21 +109,32 @@ bool TextField::Erase(EditAction action) {
         }
     }
     if (range.first < range.second)
-        Change(range, {}, UndoHistory::Kind::Erasing);
+        Change(range, {}, kind);
     return true;
 }
 
 void TextField::MouseDown(BPoint where) {
     BMessage* message = Window() ? Window()->CurrentMessage() : nullptr;
-    if (message == nullptr || !fIsEnabled ||
-        (message->GetInt32("buttons", 0) & B_PRIMARY_MOUSE_BUTTON) == 0)
+    int32 buttons = message ? message->GetInt32("buttons", 0) : 0;
+    bool isSecond = fDrag != Drag::None && buttons != B_PRIMARY_MOUSE_BUTTON;
+    if (!fIsEnabled || isSecond)
         return;
-    MakeFocus(true);
-    SetMouseEventMask(B_POINTER_EVENTS, B_LOCK_WINDOW_FOCUS | B_NO_POINTER_HISTORY);
-    int32 clicks = message->GetInt32("clicks", 1);
+    if (buttons & B_PRIMARY_MOUSE_BUTTON) {
+        MakeFocus(true);
+        SetMouseEventMask(B_POINTER_EVENTS, B_LOCK_WINDOW_FOCUS | B_NO_POINTER_HISTORY);
+        BeginDrag(where, message->GetInt32("clicks", 1),
+                  (message->GetInt32("modifiers", 0) & B_SHIFT_KEY) != 0);
+    } else if (buttons & B_TERTIARY_MOUSE_BUTTON) {
+        MakeFocus(true);
+        SetCaret(fLine.OffsetAt(LinePlaceOf(where)), false);
+        AskFor(host::SelectionKind::Primary);
+    }
+}
+
+void TextField::BeginDrag(BPoint where, int32 clicks, bool extends) {
     float place = LinePlaceOf(where);
     if (clicks > 2) {
-        fDrag = Drag::None;
+        fDrag = Drag::All;
         SelectAll();
     } else if (clicks == 2) {
         fDrag = Drag::Words;
@@ -107,29 +142,63 @@ void TextField::MouseDown(BPoint where) {
         Select(fDragStart.first, fDragStart.second);
     } else {
         fDrag = Drag::Characters;
-        bool extends = (message->GetInt32("modifiers", 0) & B_SHIFT_KEY) != 0;
         SetCaret(fLine.OffsetAt(place), extends);
     }
 }
 
 void TextField::MouseMoved(BPoint where, uint32, const BMessage*) {
-    if (fDrag != Drag::None)
-        DragTo(where);
+    if (fDrag == Drag::None)
+        return;
+    fDragPlace = where;
+    DragTo(where);
+    bool isBeyond = where.x < 0 || where.x > Bounds().right;
+    if (isBeyond && !fScroller) {
+        BMessage scroll(kScroll);
+        fScroller = std::make_unique<BMessageRunner>(BMessenger(this), &scroll, kScrollInterval);
+    } else if (!isBeyond) {
+        fScroller.reset();
+    }
 }
 
 void TextField::MouseUp(BPoint) {
+    if (fDrag != Drag::None)
+        OfferSelected();
+    EndDrag();
+    UpdateBlink();
+}
+
+void TextField::EndDrag() {
     fDrag = Drag::None;
+    fScroller.reset();
 }
 
 void TextField::DragTo(BPoint where) {
+    float place = LinePlaceOf(where);
     if (fDrag == Drag::Characters) {
-        int32 caret = fLine.OffsetAt(LinePlaceOf(where));
+        int32 caret = fLine.OffsetAt(place);
         if (caret != fCaret)
             SetCaret(caret, true);
-        return;
+    } else if (fDrag == Drag::Words) {
+        TextLine::Range word = fLine.WordAt(fLine.CharacterAt(place));
+        bool isBefore = word.first < fDragStart.first;
+        Select(isBefore ? fDragStart.second : fDragStart.first,
+               isBefore ? word.first : std::max(word.second, fDragStart.second));
     }
-    TextLine::Range word = fLine.WordAt(fLine.CharacterAt(LinePlaceOf(where)));
-    bool isBefore = word.first < fDragStart.first;
-    Select(isBefore ? fDragStart.second : fDragStart.first,
-           isBefore ? word.first : std::max(word.second, fDragStart.second));
+}
+
+void TextField::MessageReceived(BMessage* message) {
+    switch (message->what) {
+    case CaretBlink::kTick:
+        if (fBlink.Tick(*message))
+            Invalidate(CaretFrame());
+        break;
+    case kScroll:
+        DragTo(fDragPlace);
+        break;
+    case kTextCame:
+        TakeText(*message);
+        break;
+    default:
+        BTextView::MessageReceived(message);
+    }
 }

@@ -114,12 +114,12 @@ bool TextLine::Follow(Position& at) const {
     return ++at.piece < fPieces.size();
 }
 
-float TextLine::Width() const {
+float TextLine::Width(float enough) const {
     float width = 0;
     Position at{0, 0};
     do
         width += Measured(at).width;
-    while (Follow(at));
+    while (width < enough && Follow(at));
     return width;
 }
 

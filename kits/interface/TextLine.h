@@ -30,7 +30,8 @@ public:
     void Replace(Range range, std::string_view text);
     void SetFont(const BFont& font);
 
-    float Width() const;
+    // Or, for a wider line, some width that is not less than `enough`.
+    float Width(float enough) const;
     float PlaceOf(int32 offset) const;
     // The nearest place for a caret.
     int32 OffsetAt(float x) const;

@@ -333,6 +333,12 @@ bool BView::IsFocus() const {
     return fWindow != nullptr && fWindow->fState->focus == this;
 }
 
+void BView::SetViewCursor(view_cursor cursor) {
+    fCursor = cursor;
+    if (fWindow != nullptr)
+        fWindow->fState->ShowCursor();
+}
+
 void BView::SetFont(const BFont* font, uint32 mask) {
     if (font != nullptr)
         fFont.SetTo(*font, mask);

@@ -162,6 +162,9 @@ public:
     void SetLowColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255);
     rgb_color LowColor() const { return fLowColor; }
 
+    // The system's default unless set; kept while a button that was pressed in the view is held.
+    void SetViewCursor(view_cursor cursor);
+
     virtual void SetFont(const BFont* font, uint32 mask = B_FONT_ALL);
     void GetFont(BFont* font) const { *font = fFont; }
     void SetFontSize(float size);
@@ -244,6 +247,7 @@ private:
     rgb_color fViewColor{255, 255, 255, 255};
     rgb_color fHighColor{0, 0, 0, 255};
     rgb_color fLowColor{255, 255, 255, 255};
+    view_cursor fCursor = B_SYSTEM_DEFAULT_CURSOR;
     BFont fFont;
     BPoint fPen;
 };

@@ -105,6 +105,7 @@ void BWindow::State::MouseUp(BMessage& message) {
     BView* tracking = masked;
     if (buttons == 0)
         masked = nullptr;
+    ShowCursor();
     if (tracking != nullptr)
         tracking->MouseUp(lastWhere - tracking->OriginInWindow());
     BView* under = ViewAt(lastWhere);
@@ -144,6 +145,16 @@ void BWindow::State::MoveOver(BView* view, BPoint where) {
         before->MouseMoved(where - before->OriginInWindow(), B_EXITED_VIEW, nullptr);
     if (over != nullptr)
         over->MouseMoved(where - over->OriginInWindow(), B_ENTERED_VIEW, nullptr);
+    ShowCursor();
+}
+
+void BWindow::State::ShowCursor() {
+    const BView* view = masked != nullptr ? masked : over;
+    view_cursor wanted = view != nullptr ? view->fCursor : B_SYSTEM_DEFAULT_CURSOR;
+    if (std::exchange(cursor, wanted) == wanted || !host)
+        return;
+    host->SetPointer(wanted == B_I_BEAM_CURSOR ? host::PointerShape::Text
+                                               : host::PointerShape::Arrow);
 }
 
 void BWindow::State::WheelTurned(BMessage& message) {

@@ -52,6 +52,7 @@ struct BWindow::State {
     void MouseMoved(BMessage& message);
     void PointerLeft();
     void MoveOver(BView* view, BPoint where);
+    void ShowCursor();
     void WheelTurned(BMessage& message);
     void KeyChanged(BMessage& message);
     // False if the message is none that a view gets by its event mask.
@@ -97,6 +98,7 @@ struct BWindow::State {
     BView* watching = nullptr; // is handling a key that it got by its event mask
     BView* over = nullptr;     // the pointer is over it
     BView* masked = nullptr;   // gets all events of the pointer until the buttons are up
+    view_cursor cursor = B_SYSTEM_DEFAULT_CURSOR;
     uint32 buttons = 0;
     BPoint lastWhere;
     BButton* defaultButton = nullptr;

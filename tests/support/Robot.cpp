@@ -46,9 +46,13 @@ void Robot::Click(int x, int y, int button) {
 
 void Robot::DoubleClick(int x, int y, int button) {
     Click(x, y, button);
+    PressAgain(button);
+    Release(button);
+}
+
+void Robot::PressAgain(int button) {
     std::this_thread::sleep_for(kPauseOfHand);
     Press(button);
-    Release(button);
 }
 
 void Robot::Drag(int fromX, int fromY, int toX, int toY, int button, int steps) {

@@ -24,6 +24,8 @@ public:
     // With the pause of a quick hand: of two clicks in no time the window manager, which holds
     // each press back for a moment, swallows the second now and then.
     void DoubleClick(int x, int y, int button = 1);
+    // Once more where the pointer is, with the same pause before it.
+    void PressAgain(int button = 1);
     // Presses at the first point, moves in `steps` steps to the second, releases.
     void Drag(int fromX, int fromY, int toX, int toY, int button = 1, int steps = 8);
 

@@ -184,6 +184,13 @@ xcb_window_t Screen::FocusedWindow() const {
     return reply ? reply->focus : static_cast<xcb_window_t>(XCB_NONE);
 }
 
+xcb_window_t Screen::SelectionOwner(const std::string& selection) const {
+    xcb_connection_t* connection = fDesktop.Connection();
+    const Owned<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, fDesktop.Atom(selection)), nullptr));
+    return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
+}
+
 std::vector<xcb_window_t> Screen::Stacking() const {
     return Cardinals(fDesktop.Root(), "_NET_CLIENT_LIST_STACKING");
 }

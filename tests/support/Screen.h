@@ -51,6 +51,7 @@ public:
     bool IsMinimized(xcb_window_t window) const;                        // WM_STATE
     xcb_window_t ActiveWindow() const;                                  // as the manager says
     xcb_window_t FocusedWindow() const;                                 // as the server says
+    xcb_window_t SelectionOwner(const std::string& selection) const;
     std::vector<xcb_window_t> Stacking() const; // managed windows, the lowest first
 
     // As a task bar would.

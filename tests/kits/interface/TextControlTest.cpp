@@ -1,6 +1,22 @@
 #include "tests/kits/interface/TextControlTest.h"
 
+#include <fstream>
+#include <sstream>
+
 #include "kits/app/Message.h"
+
+namespace {
+
+// The desktop's usual tool for selections, with the standard input or output in a file.
+test::ChildProcess::Options SelectionTool(const std::string& selection,
+                                          const std::string& arguments) {
+    const char* which = selection == "PRIMARY" ? " --primary " : " --clipboard ";
+    test::ChildProcess::Options options;
+    options.arguments = {"sh", "-c", "exec xsel --nodetach" + (which + arguments)};
+    return options;
+}
+
+} // namespace
 
 TextControlTest::TextControlTest()
     : window(new RecordingWindow({300, 200, 599, 289}, B_TITLED_WINDOW_LOOK))
@@ -57,4 +73,48 @@ bool TextControlTest::WaitForSelection(int32 start, int32 end) {
     bool came = test::WaitUntil([&] { return Selection() == range; });
     EXPECT_EQ(Selection(), range);
     return came;
+}
+
+float TextControlTest::PlaceOf(int32 offset) {
+    float width = 0;
+    WithLock(window, [&] { width = field->StringWidth(first->Text(), offset); });
+    return kMargin + width;
+}
+
+float TextControlTest::PlaceBefore(const std::string& part) {
+    float width = 0;
+    WithLock(window, [&] { width = field->StringWidth(part.c_str()); });
+    return width;
+}
+
+void TextControlTest::Press(BView* view, BPoint where, int clicks) {
+    MoveOver(view, where);
+    robot.Press();
+    for (int i = 1; i < clicks; i++) {
+        robot.Release();
+        robot.PressAgain();
+    }
+}
+
+std::string TextControlTest::Handed(const std::string& selection) {
+    test::ChildProcess::Options options = SelectionTool(selection, "--output");
+    options.output = fFile;
+    EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
+    std::ostringstream text;
+    text << std::ifstream(options.output).rdbuf();
+    return text.str();
+}
+
+void TextControlTest::WaitForHanded(const std::string& selection, const std::string& text) {
+    std::string handed;
+    EXPECT_TRUE(test::WaitUntil([&] { return (handed = Handed(selection)) == text; })) << handed;
+}
+
+void TextControlTest::Hand(const std::string& selection, const std::string& text) {
+    std::ofstream(fFile) << text;
+    const auto owner = [&] { return screen.SelectionOwner(selection); };
+    const xcb_window_t before = owner();
+    fPrograms.push_back(
+        std::make_unique<test::ChildProcess>(SelectionTool(selection, "--input < " + fFile)));
+    EXPECT_TRUE(test::WaitUntil([&] { return owner() != before && owner() != XCB_NONE; }));
 }

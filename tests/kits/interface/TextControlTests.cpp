@@ -1,5 +1,8 @@
 #include <X11/keysym.h>
 
+#include "kits/app/Message.h"
+#include "kits/interface/Clipboard.h"
+#include "kits/support/Errors.h"
 #include "tests/kits/interface/TextControlTest.h"
 
 TEST_F(TextControlTest, TypesErasesAndMovesByCharactersAndWords) {
@@ -42,6 +45,98 @@ TEST_F(TextControlTest, TakesWhatAPersonSeesAsOneCharacterAsOne) {
     WaitForText("\xc3\xa4\xff");
 }
 
+TEST_F(TextControlTest, SelectsWithTheMouse) {
+    SetText("one two, three");
+    ClickAt(field, BPoint(PlaceOf(5) + 1, 8));
+    WaitForSelection(5, 5);
+    robot.KeyDown(XK_Shift_L);
+    ClickAt(field, BPoint(PlaceOf(2) + 1, 8));
+    robot.KeyUp(XK_Shift_L);
+    WaitForSelection(2, 5);
+
+    Press(field, BPoint(PlaceOf(10), 8), 2);
+    WaitForSelection(9, 14);
+    MoveOver(field, BPoint(PlaceOf(5), 8));
+    WaitForSelection(4, 14);
+    robot.Release();
+    Press(field, BPoint(PlaceOf(5), 8), 3);
+    WaitForSelection(0, 14);
+    robot.Release();
+    WaitForHanded("PRIMARY", "one two, three");
+    Key(XK_Left, {XK_Shift_L});
+    WaitForSelection(0, 13);
+    WaitForHanded("PRIMARY", "one two, thre");
+}
+
+TEST_F(TextControlTest, ScrollsToWhereTheCaretIsAndWhereTheMouseDrags) {
+    const std::string text = "the beginning " + std::string(200, 'm') + " the end";
+    SetText(text);
+    const float right = field->Bounds().right - kMargin;
+    EXPECT_TRUE(WaitForPixel(field, {kMargin, 8}, 0x000000)) << "the caret";
+    Key(XK_End);
+    EXPECT_TRUE(WaitForPixel(field, {right, 8}, 0x000000)) << "the caret";
+    Press(field, BPoint(right - PlaceBefore("the end") - 1, 8), 1);
+    WaitForSelection(215, 215);
+    MoveOver(field, BPoint(-300, 8));
+    WaitForSelection(0, 215);
+    robot.Release();
+    // It is cut at its middle and still whole.
+    WaitForHanded("PRIMARY", text.substr(0, 215));
+}
+
+TEST_F(TextControlTest, CutsCopiesAndPastes) {
+    robot.Type("one two");
+    Key(XK_Home, {XK_Shift_L});
+    Key(XK_x, {XK_Alt_L});
+    WaitForText("");
+    WaitForHanded("CLIPBOARD", "one two");
+    Key(XK_v, {XK_Control_L});
+    WaitForText("one two");
+    Key(XK_Left, {XK_Control_L, XK_Shift_L});
+    Key(XK_c, {XK_Control_L});
+    Key(XK_Home);
+    Key(XK_v, {XK_Alt_L});
+    WaitForText("twoone two");
+    Key(XK_z, {XK_Control_L});
+    WaitForText("one two");
+
+    // From another program, and not as it is.
+    Hand("CLIPBOARD", "a\r\nb\tc\x01"
+                      "d\xff"
+                      "e\n");
+    Key(XK_a, {XK_Control_L});
+    Key(XK_v, {XK_Control_L});
+    WaitForText("a b cd\xef\xbf\xbd"
+                "e");
+    WithLock(window, [&] { first->SetText("ab"); });
+    Hand("PRIMARY", "-");
+    ClickAt(field, BPoint(PlaceOf(1), 8), 2);
+    WaitForText("a-b");
+}
+
+TEST_F(TextControlTest, TheClipboardHoldsMoreThanItsText) {
+    Hand("CLIPBOARD", "theirs");
+    EXPECT_EQ(be_clipboard->Data(), nullptr);
+    ASSERT_TRUE(be_clipboard->Lock());
+    const void* bytes = nullptr;
+    ssize_t size = 0;
+    EXPECT_EQ(be_clipboard->Data()->FindData("text/plain", B_MIME_TYPE, &bytes, &size), B_OK);
+    EXPECT_EQ(std::string(static_cast<const char*>(bytes), static_cast<size_t>(size)), "theirs");
+    // A program may take it over after the user has turned to it.
+    robot.Type("x");
+    WaitForText("x");
+    be_clipboard->Clear();
+    be_clipboard->Data()->AddData("text/plain", B_MIME_TYPE, "ours", 4);
+    be_clipboard->Data()->AddInt32("more", 7);
+    EXPECT_EQ(be_clipboard->Commit(), B_OK);
+    be_clipboard->Unlock();
+    WaitForHanded("CLIPBOARD", "ours");
+    ASSERT_TRUE(be_clipboard->Lock());
+    EXPECT_EQ(be_clipboard->Data()->GetInt32("more", 0), 7);
+    be_clipboard->Unlock();
+    EXPECT_EQ(be_clipboard->Clear(), B_NOT_ALLOWED);
+}
+
 TEST_F(TextControlTest, TakesChangesBackAndMakesThemAgainByWords) {
     robot.Type("one two");
     WaitForText("one two");
@@ -64,6 +159,41 @@ TEST_F(TextControlTest, TakesChangesBackAndMakesThemAgainByWords) {
     WaitForText("one t");
     Key(XK_z, {XK_Control_L});
     WaitForText("one two");
+}
+
+TEST_F(TextControlTest, TheCaretBlinksWhileTheWindowIsActive) {
+    SetText("");
+    const auto isSeen = [&] { return PixelAt(field, {kMargin, 8}) == 0x000000; };
+    EXPECT_TRUE(test::WaitUntil(isSeen));
+    EXPECT_TRUE(test::WaitUntil([&] { return !isSeen(); }));
+    EXPECT_TRUE(test::WaitUntil(isSeen));
+    test::PlainWindow other(desktop, {20, 20, 50, 50});
+    other.Activate();
+    EXPECT_TRUE(test::WaitUntil([&] { return !isSeen(); }));
+    EXPECT_TRUE(WaitFor(window, [&] { return !field->ShowsFocus(); }));
+    WithLock(window, [&] { window->Activate(); });
+    EXPECT_TRUE(test::WaitUntil(isSeen));
+}
+
+TEST_F(TextControlTest, ALongTextStaysQuickToEdit) {
+    // Without a blank, so that no piece ends where it would by itself.
+    std::string text;
+    while (text.size() < 100'000)
+        text += "\xc3\xa4" + std::to_string(text.size());
+    SetText(text, static_cast<int32>(text.size()));
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 50; i++)
+        robot.Type("x");
+    WaitForText(text + std::string(50, 'x'));
+    Key(XK_Home);
+    size_t erased = 0;
+    for (int i = 0; i < 50; i++) {
+        Key(XK_Delete);
+        erased += text[erased] == '\xc3' ? 2 : 1;
+    }
+    WaitForText(text.substr(erased) + std::string(50, 'x'));
+    const auto taken = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(taken, std::chrono::seconds(5));
 }
 
 TEST_F(TextControlTest, TabGoesFromFieldToFieldAndEnterSendsWhatChanged) {
