@@ -124,27 +124,6 @@ TEST_F(NodeMonitorTest, MessagesHaveTheirFields) {
     EXPECT_EQ(String(created, "name"), "new");
 }
 
-TEST_F(NodeMonitorTest, EachTargetIsToldOnItsOwn) {
-    node_ref folder = NodeOf("folder");
-    auto* second = new Collector;
-    second->Run();
-    ASSERT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, fMessenger), B_OK);
-    ASSERT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, second), B_OK);
-    MakeFolder("folder/one");
-    ASSERT_TRUE(WaitUntil([&] { return second->Messages().size() == 1; }));
-    Message(0);
-
-    ASSERT_EQ(watch_node(&folder, B_STOP_WATCHING, second), B_OK);
-    EXPECT_EQ(watch_node(&folder, B_STOP_WATCHING, second), B_BAD_VALUE);
-    MakeFolder("folder/two");
-    EXPECT_EQ(String(Message(1), "name"), "two");
-    EXPECT_EQ(second->Messages().size(), 1u);
-    ASSERT_EQ(stop_watching(fMessenger), B_OK);
-    EXPECT_EQ(stop_watching(fMessenger), B_BAD_VALUE);
-    second->Lock();
-    second->Quit();
-}
-
 TEST_F(NodeMonitorTest, TargetThatIsGoneIsForgotten) {
     node_ref folder = NodeOf("folder");
     auto* second = new Collector;
