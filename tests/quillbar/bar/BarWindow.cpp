@@ -21,31 +21,27 @@ public:
         : BApplication("application/x-Orvel.QuillbarTest")
         , fRecorder(recorder) {}
     bool QuitRequested() override {
-        fRecorder.Add(BMessage(B_QUIT_REQUESTED));
+        fRecorder.Add(B_QUIT_REQUESTED);
         return false;
     }
-    void MessageReceived(BMessage* message) override { fRecorder.Add(*message); }
+    void MessageReceived(BMessage* message) override { fRecorder.Add(message->what); }
 
 private:
     Recorder& fRecorder;
 };
 
-class HoldFilter : public BMessageFilter {
+// Asks about every message; true takes it away.
+class TakingFilter : public BMessageFilter {
 public:
-    HoldFilter(std::vector<uint32> codes, Recorder& recorder)
+    explicit TakingFilter(std::function<bool(uint32 code)> takes)
         : BMessageFilter(B_ANY_DELIVERY, B_ANY_SOURCE)
-        , fCodes(std::move(codes))
-        , fRecorder(recorder) {}
+        , fTakes(std::move(takes)) {}
     filter_result Filter(BMessage* message, BHandler**) override {
-        if (std::find(fCodes.begin(), fCodes.end(), message->what) == fCodes.end())
-            return B_DISPATCH_MESSAGE;
-        fRecorder.Add(*message);
-        return B_SKIP_MESSAGE;
+        return fTakes(message->what) ? B_SKIP_MESSAGE : B_DISPATCH_MESSAGE;
     }
 
 private:
-    const std::vector<uint32> fCodes;
-    Recorder& fRecorder;
+    const std::function<bool(uint32 code)> fTakes;
 };
 
 // Everything that there is once in a process.
@@ -76,21 +72,14 @@ Session& TheSession() {
 
 } // namespace
 
-void Recorder::Add(const BMessage& message) {
+void Recorder::Add(uint32 code) {
     std::lock_guard lock(fMutex);
-    fMessages.push_back(message);
-}
-
-std::vector<BMessage> Recorder::All() const {
-    std::lock_guard lock(fMutex);
-    return fMessages;
+    fCodes.push_back(code);
 }
 
 std::vector<uint32> Recorder::Codes() const {
-    std::vector<uint32> codes;
-    for (const BMessage& message : All())
-        codes.push_back(message.what);
-    return codes;
+    std::lock_guard lock(fMutex);
+    return fCodes;
 }
 
 int Recorder::Count(uint32 what) const {
@@ -100,7 +89,7 @@ int Recorder::Count(uint32 what) const {
 
 void Recorder::Clear() {
     std::lock_guard lock(fMutex);
-    fMessages.clear();
+    fCodes.clear();
 }
 
 test::TemporaryHome& BarTest::Home() {
@@ -140,8 +129,14 @@ void BarTest::Show() {
     Settle();
 }
 
-void BarTest::Hold(std::vector<uint32> codes) {
-    Locked([&] { fWindow->AddCommonFilter(new HoldFilter(std::move(codes), fHeld)); });
+void BarTest::Hold(const std::vector<uint32>& codes) {
+    auto hold = [this, codes](uint32 code) {
+        const bool isHeld = std::find(codes.begin(), codes.end(), code) != codes.end();
+        if (isHeld)
+            fHeld.Add(code);
+        return isHeld;
+    };
+    Locked([&] { fWindow->AddCommonFilter(new TakingFilter(hold)); });
 }
 
 void BarTest::Activate() {
@@ -169,23 +164,14 @@ void BarTest::SendKey(uint32 what, int32 key) {
 
 // A message that passes through the queue behind the others.
 void BarTest::Settle() {
-    class Marker : public BMessageFilter {
-    public:
-        Marker(uint32 code, std::shared_ptr<std::atomic<bool>> seen)
-            : BMessageFilter(B_ANY_DELIVERY, B_ANY_SOURCE, code)
-            , fSeen(std::move(seen)) {}
-        filter_result Filter(BMessage*, BHandler**) override {
-            *fSeen = true;
-            return B_SKIP_MESSAGE;
-        }
-
-    private:
-        std::shared_ptr<std::atomic<bool>> fSeen;
-    };
     static std::atomic<uint32> next = 'mrk\0';
     const uint32 code = next++;
     auto seen = std::make_shared<std::atomic<bool>>(false);
-    Locked([&] { fWindow->AddCommonFilter(new Marker(code, seen)); });
+    auto mark = [seen, code](uint32 what) {
+        *seen = *seen || what == code;
+        return what == code;
+    };
+    Locked([&] { fWindow->AddCommonFilter(new TakingFilter(mark)); });
     fWindow->PostMessage(code);
     ASSERT_TRUE(test::WaitUntil([&] { return seen->load(); }));
     Locked([] {});

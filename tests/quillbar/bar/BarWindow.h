@@ -21,18 +21,17 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Wait.h"
 
-// What the bar window and the application object were sent; quit requests are refused.
+// The codes of what the bar window and the application object were sent; quit requests are refused.
 class Recorder {
 public:
-    void Add(const BMessage& message);
-    std::vector<BMessage> All() const;
+    void Add(uint32 code);
     std::vector<uint32> Codes() const;
     int Count(uint32 what) const;
     void Clear();
 
 private:
     mutable std::mutex fMutex;
-    std::vector<BMessage> fMessages;
+    std::vector<uint32> fCodes;
 };
 
 // The bar window on a private desktop, in this process. Messages whose codes a test asks to hold
@@ -45,7 +44,7 @@ protected:
 
     // Builds and shows the window at (200, 150).
     void Show();
-    void Hold(std::vector<uint32> codes);
+    void Hold(const std::vector<uint32>& codes);
 
     // The window is not active until it was clicked or this was called.
     void Activate();

@@ -7,6 +7,19 @@
 #include "quillbar/bar/widgets/MenuItem.h"
 #include "quillbar/store/StoreNames.h"
 
+namespace {
+
+struct Locked {
+    explicit Locked(BLooper* looper)
+        : fLooper(looper) {
+        fLooper->Lock();
+    }
+    ~Locked() { fLooper->Unlock(); }
+    BLooper* const fLooper;
+};
+
+} // namespace
+
 StoreLooper::StoreLooper()
     : BLooper("store")
     , fMonitor(new QBMonitor(this, BMessenger(this))) {}
@@ -63,40 +76,31 @@ std::string StoreTest::Label(int folder, int slot) {
 
 std::vector<std::string> StoreTest::Labels(int folder) {
     std::vector<std::string> labels;
-    fStore->Lock();
+    const Locked lock(fStore);
     QBMenu* menu = fStore->fMonitor->fPaths[folder]->Menu();
     for (int32 i = 2; i < menu->CountItems(); ++i)
         labels.push_back(menu->ItemAt(i)->Label());
-    fStore->Unlock();
     return labels;
 }
 
 std::string StoreTest::Title(int folder) {
-    fStore->Lock();
-    std::string title = fStore->fMonitor->fPaths[folder]->Menu()->ItemAt(0)->Label();
-    fStore->Unlock();
-    return title;
+    const Locked lock(fStore);
+    return fStore->fMonitor->fPaths[folder]->Menu()->ItemAt(0)->Label();
 }
 
 std::string StoreTest::Url(int folder, int slot) {
-    fStore->Lock();
-    std::string url = fStore->fMonitor->fPaths[folder]->Items()[slot]->Url().String();
-    fStore->Unlock();
-    return url;
+    const Locked lock(fStore);
+    return fStore->fMonitor->fPaths[folder]->Items()[slot]->Url().String();
 }
 
 uint32 StoreTest::Code(int folder, int slot) {
-    fStore->Lock();
-    const uint32 code = fStore->fMonitor->fPaths[folder]->Items()[slot]->MenuItem()->Command();
-    fStore->Unlock();
-    return code;
+    const Locked lock(fStore);
+    return fStore->fMonitor->fPaths[folder]->Items()[slot]->MenuItem()->Command();
 }
 
 int StoreTest::Rebuilds() {
-    fStore->Lock();
-    const int rebuilds = fStore->fRebuilds;
-    fStore->Unlock();
-    return rebuilds;
+    const Locked lock(fStore);
+    return fStore->fRebuilds;
 }
 
 testing::AssertionResult StoreTest::Becomes(int folder, int slot, const std::string& label) {
