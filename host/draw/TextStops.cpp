@@ -7,33 +7,31 @@ namespace host {
 
 namespace {
 
+struct FreeIter {
+    void operator()(PangoLayoutIter* iter) const { pango_layout_iter_free(iter); }
+};
+
 // The edges of a character, in Pango's units from the line's left end.
 struct Edges {
     int near = 0; // where it begins
     int far = 0;
 };
 
-// By characters, in the order of the text. One that no glyph shows has no width.
-std::vector<Edges> CharacterEdges(PangoLayoutLine* line, const char* text, int count) {
-    std::vector<Edges> edges(static_cast<std::size_t>(count));
-    std::vector<int> widths;
-    int left = 0;
-    for (GSList* at = line->runs; at != nullptr; at = at->next) {
-        auto* run = static_cast<PangoGlyphItem*>(at->data);
-        const PangoItem& item = *run->item;
-        widths.resize(static_cast<std::size_t>(item.num_chars));
-        pango_glyph_item_get_logical_widths(run, text, widths.data());
-        int width = pango_glyph_string_get_width(run->glyphs);
-        bool goesLeft = item.analysis.level % 2 != 0;
-        int place = goesLeft ? left + width : left;
-        auto first = static_cast<std::size_t>(g_utf8_pointer_to_offset(text, text + item.offset));
-        for (std::size_t i = 0; i < widths.size() && first + i < edges.size(); i++) {
-            int next = goesLeft ? place - widths[i] : place + widths[i];
-            edges[first + i] = {place, next};
-            place = next;
-        }
-        left += width;
-    }
+// By the first bytes of the characters. One that no glyph shows has no width.
+std::vector<Edges> CharacterEdges(PangoLayout* layout, std::size_t length) {
+    std::vector<Edges> edges(length);
+    std::unique_ptr<PangoLayoutIter, FreeIter> at(pango_layout_get_iter(layout));
+    do {
+        int index = pango_layout_iter_get_index(at.get());
+        if (index < 0 || static_cast<std::size_t>(index) >= length)
+            continue;
+        PangoRectangle place;
+        pango_layout_iter_get_char_extents(at.get(), &place);
+        int right = place.x + place.width;
+        bool goesLeft = pango_layout_get_direction(layout, index) == PANGO_DIRECTION_RTL;
+        edges[static_cast<std::size_t>(index)] =
+            goesLeft ? Edges{right, place.x} : Edges{place.x, right};
+    } while (pango_layout_iter_next_char(at.get()));
     return edges;
 }
 
@@ -43,19 +41,21 @@ TextStops MeasureStops(const FontSpec& font, std::string_view text, double scale
     TextLayouts& layouts = TextLayouts::Shared();
     auto lock = layouts.Lock();
     TextLayouts::Layout layout = layouts.MakeLayout(TextLayouts::KeyOf(font, scale), text);
-    PangoLayoutLine* line = pango_layout_get_line_readonly(layout.get(), 0);
     int count = 0; // one more than there are characters
     const PangoLogAttr* attributes = pango_layout_get_log_attrs_readonly(layout.get(), &count);
-    auto edges = CharacterEdges(line, pango_layout_get_text(layout.get()), count - 1);
+    std::string_view shown = pango_layout_get_text(layout.get());
+    auto edges = CharacterEdges(layout.get(), shown.size());
     auto logical = [scale](int x) { return static_cast<float>(x / (PANGO_SCALE * scale)); };
 
     TextStops found;
     PangoRectangle extents;
-    pango_layout_line_get_extents(line, nullptr, &extents);
+    pango_layout_get_extents(layout.get(), nullptr, &extents);
     found.width = logical(extents.width);
     int offset = 0;
+    std::size_t index = 0;
     for (int i = 0; i + 1 < count; i++) {
-        const Edges& edge = edges[static_cast<std::size_t>(i)];
+        const Edges& edge = edges[index];
+        index += static_cast<std::size_t>(CharacterLength(shown[index]));
         if (attributes[i].is_cursor_position || i == 0) {
             found.stops.push_back({offset, logical(edge.near), logical(edge.near),
                                    attributes[i].is_word_start != 0,

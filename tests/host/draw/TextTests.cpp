@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "host/draw/TextStops.h"
 #include "host/draw/VisibleText.h"
 #include "tests/host/draw/Pixels.h"
 
@@ -144,6 +145,28 @@ TEST(Text, WindowsDrawAtTheSameTime) {
         thread.join();
     for (int i = 0; i < kThreads; i++)
         EXPECT_EQ(pictures[i], Drawn({11}, label(i, kRounds), 1 + i * 0.25)) << i;
+}
+
+TEST(TextStops, FollowTheWritingAndTheBytesAsGiven) {
+    // Latin, a byte that is no character, a letter with its mark, Hebrew
+    const std::string latin = "ab \xff e\xcc\x81 ";
+    const std::string text = latin + "\xd7\xa9\xd7\x9c\xd7\x95";
+    const TextStops found = MeasureStops({}, text, 1);
+    std::vector<int> offsets;
+    for (const TextStop& stop : found.stops)
+        offsets.push_back(stop.offset);
+    EXPECT_THAT(offsets, testing::ElementsAre(0, 1, 2, 3, 4, 5, 8, 9, 11, 13, 15));
+    EXPECT_EQ(found.width, MeasureText({}, text, 1));
+    for (size_t i = 1; i < 7; i++)
+        EXPECT_EQ(found.stops[i].x, found.stops[i - 1].farX) << i;
+    EXPECT_EQ(found.stops[7].x, found.width) << "the first Hebrew letter is the rightmost";
+    EXPECT_EQ(found.stops[8].x, found.stops[7].farX);
+    EXPECT_LT(found.stops[8].x, found.stops[7].x);
+    EXPECT_EQ(found.stops[9].farX, found.stops[10].x);
+    EXPECT_EQ(found.stops[9].farX, found.stops[6].farX) << "the last one follows the Latin";
+    EXPECT_TRUE(found.stops[0].startsWord && found.stops[2].endsWord && !found.stops[1].endsWord);
+
+    EXPECT_EQ(MeasureStops({}, "", 1).stops.size(), 1u);
 }
 
 } // namespace
