@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "kits/app/Message.h"
+#include "kits/interface/LabelFont.h"
 #include "kits/interface/Menu.h"
 #include "kits/interface/MenuMetrics.h"
 #include "kits/interface/MenuTracker.h"
@@ -77,12 +78,15 @@ void BMenuField::AttachedToWindow() {
 }
 
 void BMenuField::Draw(BRect) {
-    BFont font;
-    GetFont(&font);
+    BFont own;
+    GetFont(&own);
     SetHighColor(fEnabled ? rgb_color{0, 0, 0, 255} : tint_color(ViewColor(), B_DARKEN_3_TINT));
+    BFont font = LabelFont(own, fLabel.c_str(), fDivider);
     std::string label = fLabel;
     font.TruncateString(&label, B_TRUNCATE_END, fDivider);
-    DrawString(label.c_str(), BPoint(0, BaselineIn(Bounds(), font)));
+    BView::SetFont(&font);
+    DrawString(label.c_str(), BPoint(0, BaselineIn(Bounds(), own)));
+    BView::SetFont(&own);
     DrawBox(BoxFrame());
 }
 

@@ -89,7 +89,8 @@ void BTextControl::PlaceField() {
 
 void BTextControl::AttachedToWindow() {
     BControl::AttachedToWindow();
-    fCommitted = fField->Text();
+    // The paper of a disabled field is a shade of the view colour, which is known only now.
+    fField->SetEnabled(IsEnabled());
 }
 
 void BTextControl::FrameResized(float, float) {

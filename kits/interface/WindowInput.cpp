@@ -324,6 +324,7 @@ void BWindow::State::Forget(BView& view) {
         over = nullptr;
     if (masked == &view)
         masked = nullptr;
+    ShowCursor();
     if (focus == &view)
         focus = nullptr;
     if (watching == &view)
