@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
+#include <utility>
 
 #include <cairo.h>
 
@@ -51,6 +52,8 @@ struct Canvas::State {
     Surface surface;
     Context context;
     double scale;
+    Ground ground;
+    Blending blending = Blending::Replace;
 
     void MakeSurface(int width, int height);
     PixelRect Extent() const {
@@ -58,10 +61,12 @@ struct Canvas::State {
                 cairo_image_surface_get_height(surface.get())};
     }
 
+    bool IsSolid() const { return ground == Ground::White && blending == Blending::Replace; }
     void SetColor(rgb_color color) {
-        cairo_set_source_rgb(context.get(), color.red / 255.0, color.green / 255.0,
-                             color.blue / 255.0);
+        cairo_set_source_rgba(context.get(), color.red / 255.0, color.green / 255.0,
+                              color.blue / 255.0, IsSolid() ? 1 : color.alpha / 255.0);
     }
+    void SetOperator();
     void AddRect(const PixelRect& rect) {
         if (!rect.IsEmpty())
             cairo_rectangle(context.get(), rect.left, rect.top, rect.Width(), rect.Height());
@@ -70,12 +75,23 @@ struct Canvas::State {
 };
 
 void Canvas::State::MakeSurface(int width, int height) {
-    surface.reset(cairo_image_surface_create(CAIRO_FORMAT_RGB24, std::clamp(width, 1, kMaxSide),
+    bool isWhite = ground == Ground::White;
+    surface.reset(cairo_image_surface_create(isWhite ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32,
+                                             std::clamp(width, 1, kMaxSide),
                                              std::clamp(height, 1, kMaxSide)));
     context.reset(cairo_create(surface.get()));
-    cairo_set_source_rgb(context.get(), 1, 1, 1);
-    cairo_paint(context.get());
+    if (isWhite) {
+        cairo_set_source_rgb(context.get(), 1, 1, 1);
+        cairo_paint(context.get());
+    }
     cairo_set_antialias(context.get(), CAIRO_ANTIALIAS_NONE);
+    SetOperator();
+}
+
+// A picture without alpha cannot be replaced by less than a colour.
+void Canvas::State::SetOperator() {
+    bool replaces = ground == Ground::Transparent && blending == Blending::Replace;
+    cairo_set_operator(context.get(), replaces ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_OVER);
 }
 
 // Moves the pen, one logical pixel as it is snapped, from one end to the other. Only the part near
@@ -100,9 +116,10 @@ void Canvas::State::AddLine(const PixelRect& from, const PixelRect& to) {
     }
 }
 
-Canvas::Canvas(int width, int height, double scale)
+Canvas::Canvas(int width, int height, double scale, Ground ground)
     : fState(std::make_unique<State>()) {
     fState->scale = scale;
+    fState->ground = ground;
     fState->MakeSurface(width, height);
 }
 
@@ -142,6 +159,11 @@ void Canvas::SetClip(const std::vector<BRect>& rects) {
     for (const BRect& rect : rects)
         fState->AddRect(Snap(rect));
     cairo_clip(context);
+}
+
+void Canvas::SetBlending(Blending blending) {
+    if (std::exchange(fState->blending, blending) != blending)
+        fState->SetOperator();
 }
 
 void Canvas::FillRect(BRect rect, rgb_color color) {
@@ -198,6 +220,27 @@ void Canvas::FillEllipse(BRect frame, rgb_color color) {
     cairo_arc(context, 0, 0, 1, 0, 2 * std::numbers::pi);
     cairo_restore(context);
     cairo_fill(context);
+}
+
+void Canvas::DrawImage(const Image& image, BRect rect, double opacity) {
+    PixelRect place = Snap(rect);
+    if (place.IsEmpty() || image.width <= 0 || image.height <= 0)
+        return;
+    // Cairo only reads the pixels of a source.
+    Surface source(cairo_image_surface_create_for_data(const_cast<std::uint8_t*>(image.pixels),
+                                                       CAIRO_FORMAT_ARGB32, image.width,
+                                                       image.height, image.stride));
+    cairo_t* context = fState->context.get();
+    cairo_save(context);
+    cairo_rectangle(context, place.left, place.top, place.Width(), place.Height());
+    cairo_clip(context);
+    cairo_translate(context, place.left, place.top);
+    cairo_scale(context, place.Width() / static_cast<double>(image.width),
+                place.Height() / static_cast<double>(image.height));
+    cairo_set_source_surface(context, source.get(), 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(context), CAIRO_FILTER_NEAREST);
+    cairo_paint_with_alpha(context, opacity);
+    cairo_restore(context);
 }
 
 void Canvas::DrawText(const FontSpec& font, std::string_view text, BPoint baseline,

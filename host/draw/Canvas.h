@@ -11,23 +11,36 @@
 
 namespace host {
 
-// A picture to draw into: the content of one window.
+// What a picture is where nothing is drawn: white, or nothing at all, so that what lies under the
+// picture is seen there.
+enum class Ground {
+    White,
+    Transparent,
+};
+
+// How a colour or picture meets what is there.
+enum class Blending {
+    Replace, // takes its place; on a white ground all colours are opaque
+    Over,    // covers it as far as its alpha says
+};
+
+// A picture to draw into: the content of one window, or of an image.
 //
 // Coordinates are logical pixels of the picture with the platform's rule (a rectangle includes its
 // right and bottom pixel, a line has a pixel's width). They are multiplied by the scale and snapped
 // to device pixels so that neighbours meet without a hole; nothing but text is antialiased. Drawing
-// outside the picture or the clip is cut off. Alpha of colours is ignored: all drawing is opaque.
+// outside the picture or the clip is cut off.
 //
 // One thread at a time; its owner sees to that.
 class Canvas {
 public:
-    // A picture of `width` by `height` device pixels (1 at least, 16384 at most), all white, with
-    // `scale` device pixels per logical pixel.
-    Canvas(int width, int height, double scale);
+    // A picture of `width` by `height` device pixels (1 at least, 16384 at most), with `scale`
+    // device pixels per logical pixel.
+    Canvas(int width, int height, double scale, Ground ground = Ground::White);
     ~Canvas();
     Canvas(const Canvas&) = delete;
 
-    // Gives the picture another size; what both sizes cover is kept, the rest is white.
+    // Gives the picture another size; what both sizes cover is kept, the rest is ground.
     // The clip is the whole picture again.
     void Resize(int width, int height);
 
@@ -41,6 +54,9 @@ public:
     // From now on drawing touches only what lies inside one of `rects`; without rects nothing.
     void SetClip(const std::vector<BRect>& rects);
 
+    // From now on; Replace unless set.
+    void SetBlending(Blending blending);
+
     void FillRect(BRect rect, rgb_color color);
     // The outermost pixels of `rect`.
     void StrokeRect(BRect rect, rgb_color color);
@@ -49,6 +65,9 @@ public:
     // The pixels between the points and those on the lines from each to the next.
     void FillPolygon(const std::vector<BPoint>& points, rgb_color color);
     void FillEllipse(BRect frame, rgb_color color);
+    // Fills the device pixels of `rect` with all of `image`, whose alpha is multiplied by
+    // `opacity`.
+    void DrawImage(const Image& image, BRect rect, double opacity);
     // One line of text whose first character starts at `baseline`.
     void DrawText(const FontSpec& font, std::string_view text, BPoint baseline, rgb_color color);
 

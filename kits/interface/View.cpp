@@ -164,7 +164,8 @@ BView* BView::FindView(const char* name) {
 }
 
 BView* BView::Parent() const {
-    bool isTop = fWindow != nullptr && fParent == &fWindow->fState->root;
+    bool isTop = fWindow != nullptr ? fParent == &fWindow->fState->root
+                                    : fParent != nullptr && fParent->fBitmap != nullptr;
     return isTop ? nullptr : fParent;
 }
 

@@ -4,10 +4,12 @@
 
 #include "kits/app/Handler.h"
 #include "kits/interface/Font.h"
+#include "kits/interface/GraphicsDefs.h"
 #include "kits/interface/InterfaceDefs.h"
 #include "kits/support/Color.h"
 #include "kits/support/Rect.h"
 
+class BBitmap;
 class BWindow;
 namespace host {
 class Canvas;
@@ -165,6 +167,15 @@ public:
     // The system's default unless set; kept while a button that was pressed in the view is held.
     void SetViewCursor(view_cursor cursor);
 
+    // How drawing meets what is there; B_OP_COPY unless set.
+    virtual void SetDrawingMode(drawing_mode mode) { fDrawingMode = mode; }
+    drawing_mode DrawingMode() const { return fDrawingMode; }
+    // Where B_OP_ALPHA takes the alpha of a bitmap from; B_PIXEL_ALPHA unless set. All else is
+    // drawn with that of the high colour. What is drawn into a bitmap adds to its alpha, as
+    // B_ALPHA_COMPOSITE says; elsewhere the functions do the same.
+    void SetBlendingMode(source_alpha source, alpha_function function);
+    void GetBlendingMode(source_alpha* source, alpha_function* function) const;
+
     virtual void SetFont(const BFont* font, uint32 mask = B_FONT_ALL);
     void GetFont(BFont* font) const { *font = fFont; }
     void SetFontSize(float size);
@@ -188,6 +199,9 @@ public:
     void FillRect(BRect rect);
     void FillPolygon(const BPoint* points, int32 count);
     void FillEllipse(BRect frame);
+    // With its left-top corner at `where`, or at the pen.
+    void DrawBitmap(const BBitmap* bitmap, BPoint where);
+    void DrawBitmap(const BBitmap* bitmap);
     // One line that starts at `baseline`, or at the pen; the pen is behind it afterwards. `length`
     // counts bytes.
     void DrawString(const char* string);
@@ -221,6 +235,7 @@ public:
     status_t SetMouseEventMask(uint32 mask, uint32 options = 0);
 
 private:
+    friend class BBitmap;
     friend class BWindow;
 
     void Attach(BWindow* window);
@@ -235,9 +250,11 @@ private:
     BRect VisibleRect() const;
     bool IsWatching() const;
     host::Canvas* Canvas();
+    BBitmap* Bitmap() const;
 
     BView* fParent = nullptr;
     BWindow* fWindow = nullptr;
+    BBitmap* fBitmap = nullptr; // whose root this view is
     std::vector<BView*> fChildren;
     BRect fFrame;
     uint32 fResizingMode;
@@ -247,6 +264,9 @@ private:
     rgb_color fViewColor{255, 255, 255, 255};
     rgb_color fHighColor{0, 0, 0, 255};
     rgb_color fLowColor{255, 255, 255, 255};
+    drawing_mode fDrawingMode = B_OP_COPY;
+    source_alpha fSourceAlpha = B_PIXEL_ALPHA;
+    alpha_function fAlphaFunction = B_ALPHA_OVERLAY;
     view_cursor fCursor = B_SYSTEM_DEFAULT_CURSOR;
     BFont fFont;
     BPoint fPen;

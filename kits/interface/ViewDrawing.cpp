@@ -1,3 +1,4 @@
+#include "kits/interface/Bitmap.h"
 #include "kits/interface/HostFont.h"
 #include "kits/interface/View.h"
 #include "kits/interface/WindowState.h"
@@ -5,9 +6,26 @@
 #include <algorithm>
 #include <cstring>
 
-// Where drawing goes: null while the view is in no window or its window has no picture yet.
+// Where drawing goes: null while the view is in no window or bitmap, or its window has no picture
+// yet.
 host::Canvas* BView::Canvas() {
-    return fWindow ? fWindow->fState->CanvasFor(*this) : nullptr;
+    host::Canvas* canvas = nullptr;
+    if (fWindow != nullptr)
+        canvas = fWindow->fState->CanvasFor(*this);
+    else if (BBitmap* bitmap = Bitmap())
+        canvas = bitmap->CanvasFor(*this);
+    if (canvas != nullptr) {
+        canvas->SetBlending(fDrawingMode == B_OP_COPY ? host::Blending::Replace
+                                                      : host::Blending::Over);
+    }
+    return canvas;
+}
+
+BBitmap* BView::Bitmap() const {
+    const BView* top = this;
+    while (top->fParent != nullptr)
+        top = top->fParent;
+    return top->fBitmap;
 }
 
 void BView::SetViewColor(rgb_color color) {
@@ -32,6 +50,18 @@ void BView::SetLowColor(rgb_color color) {
 
 void BView::SetLowColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
     SetLowColor(rgb_color{red, green, blue, alpha});
+}
+
+void BView::SetBlendingMode(source_alpha source, alpha_function function) {
+    fSourceAlpha = source;
+    fAlphaFunction = function;
+}
+
+void BView::GetBlendingMode(source_alpha* source, alpha_function* function) const {
+    if (source != nullptr)
+        *source = fSourceAlpha;
+    if (function != nullptr)
+        *function = fAlphaFunction;
 }
 
 void BView::StrokeLine(BPoint from, BPoint to) {
@@ -69,6 +99,20 @@ void BView::FillPolygon(const BPoint* points, int32 count) {
 void BView::FillEllipse(BRect frame) {
     if (host::Canvas* canvas = Canvas())
         canvas->FillEllipse(frame.OffsetByCopy(OriginInWindow()), fHighColor);
+}
+
+void BView::DrawBitmap(const BBitmap* bitmap) {
+    DrawBitmap(bitmap, fPen);
+}
+
+void BView::DrawBitmap(const BBitmap* bitmap, BPoint where) {
+    host::Canvas* canvas = Canvas();
+    if (canvas == nullptr || bitmap == nullptr || !bitmap->IsValid())
+        return;
+    bool isConstant = fDrawingMode == B_OP_ALPHA && fSourceAlpha == B_CONSTANT_ALPHA;
+    canvas->DrawImage(bitmap->Picture(),
+                      bitmap->Bounds().OffsetToCopy(where).OffsetByCopy(OriginInWindow()),
+                      isConstant ? fHighColor.alpha / 255.0 : 1);
 }
 
 void BView::DrawString(const char* string) {

@@ -66,7 +66,8 @@ void BWindow::State::Paint(BView& view, const ClipRegion& region) {
     ClipRegion part = VisibleRegion(view);
     part.IntersectWith(region);
     if (!part.IsEmpty()) {
-        CanvasFor(view)->FillRect(visible, view.ViewColor());
+        CanvasFor(view)->SetBlending(host::Blending::Replace);
+        canvas->FillRect(visible, view.ViewColor());
         BPoint origin = view.OriginInWindow();
         if (view.Flags() & B_WILL_DRAW)
             view.Draw(part.Frame().OffsetByCopy(-origin.x, -origin.y));
