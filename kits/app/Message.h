@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kits/app/Messenger.h"
+#include "kits/support/EntryRef.h"
 #include "kits/support/Point.h"
 #include "kits/support/Rect.h"
 #include "kits/support/String.h"
@@ -49,6 +50,7 @@ public:
     status_t AddRect(const char* name, BRect value);
     // The pointer itself; what it points to stays the caller's.
     status_t AddPointer(const char* name, const void* value);
+    status_t AddRef(const char* name, const entry_ref* value);
     status_t AddMessenger(const char* name, const BMessenger& value);
     // A copy. B_BAD_VALUE also if messages would be nested more than 16 deep.
     status_t AddMessage(const char* name, const BMessage* value);
@@ -85,6 +87,9 @@ public:
     status_t FindRect(const char* name, int32 index, BRect* value) const;
     status_t FindPointer(const char* name, void** value) const;
     status_t FindPointer(const char* name, int32 index, void** value) const;
+    // B_BAD_DATA if the value was added as data and names no entry.
+    status_t FindRef(const char* name, entry_ref* value) const;
+    status_t FindRef(const char* name, int32 index, entry_ref* value) const;
     status_t FindMessenger(const char* name, BMessenger* value) const;
     status_t FindMessenger(const char* name, int32 index, BMessenger* value) const;
     status_t FindMessage(const char* name, BMessage* value) const;
@@ -116,6 +121,7 @@ public:
     bool HasPoint(const char* name, int32 index = 0) const;
     bool HasRect(const char* name, int32 index = 0) const;
     bool HasPointer(const char* name, int32 index = 0) const;
+    bool HasRef(const char* name, int32 index = 0) const;
     bool HasMessenger(const char* name, int32 index = 0) const;
     bool HasMessage(const char* name, int32 index = 0) const;
     bool HasData(const char* name, type_code type, int32 index = 0) const;
@@ -143,6 +149,8 @@ public:
     status_t ReplaceRect(const char* name, int32 index, BRect value);
     status_t ReplacePointer(const char* name, const void* value);
     status_t ReplacePointer(const char* name, int32 index, const void* value);
+    status_t ReplaceRef(const char* name, const entry_ref* value);
+    status_t ReplaceRef(const char* name, int32 index, const entry_ref* value);
     status_t ReplaceMessenger(const char* name, const BMessenger& value);
     status_t ReplaceMessenger(const char* name, int32 index, const BMessenger& value);
     status_t ReplaceMessage(const char* name, const BMessage* value);

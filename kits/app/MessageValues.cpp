@@ -31,6 +31,13 @@ status_t FindFixed(const BMessage& message, const char* name, type_code type, in
     return status;
 }
 
+// Device and directory, then the name with its NUL.
+std::string BytesOf(const entry_ref& ref) {
+    std::string bytes(reinterpret_cast<const char*>(&ref.device), sizeof(ref.device));
+    bytes.append(reinterpret_cast<const char*>(&ref.directory), sizeof(ref.directory));
+    return bytes.append(ref.name.c_str(), ref.name.size() + 1);
+}
+
 template <typename Value, typename Find>
 Value Or(Value otherwise, Find find) {
     find(&otherwise);
@@ -76,6 +83,7 @@ FIXED_SIZE_FUNCTIONS(Rect, B_RECT_TYPE, BRect, BRect*)
 FIXED_SIZE_FUNCTIONS(Pointer, B_POINTER_TYPE, const void*, void**)
 
 FIRST_VALUE_FUNCTIONS(String, B_STRING_TYPE, const char*, const char**)
+FIRST_VALUE_FUNCTIONS(Ref, B_REF_TYPE, const entry_ref*, entry_ref*)
 FIRST_VALUE_FUNCTIONS(Messenger, B_MESSENGER_TYPE, const BMessenger&, BMessenger*)
 FIRST_VALUE_FUNCTIONS(Message, B_MESSAGE_TYPE, const BMessage*, BMessage*)
 
@@ -113,6 +121,35 @@ status_t BMessage::FindString(const char* name, int32 index, BString* value) con
     if (status == B_OK)
         value->SetTo(found);
     return status;
+}
+
+status_t BMessage::AddRef(const char* name, const entry_ref* value) {
+    if (!value)
+        return B_BAD_VALUE;
+    const std::string bytes = BytesOf(*value);
+    return AddData(name, B_REF_TYPE, bytes.data(), static_cast<ssize_t>(bytes.size()), false);
+}
+
+status_t BMessage::ReplaceRef(const char* name, int32 index, const entry_ref* value) {
+    if (!value)
+        return B_BAD_VALUE;
+    const std::string bytes = BytesOf(*value);
+    return ReplaceData(name, B_REF_TYPE, index, bytes.data(), static_cast<ssize_t>(bytes.size()));
+}
+
+status_t BMessage::FindRef(const char* name, int32 index, entry_ref* value) const {
+    const void* data;
+    ssize_t size;
+    const status_t status = value ? FindData(name, B_REF_TYPE, index, &data, &size) : B_BAD_VALUE;
+    if (status != B_OK)
+        return status;
+    constexpr ssize_t kName = sizeof(value->device) + sizeof(value->directory);
+    const char* bytes = static_cast<const char*>(data);
+    if (size <= kName || bytes[size - 1] != '\0')
+        return B_BAD_DATA;
+    *value = entry_ref(FromBytes<int32>(bytes), FromBytes<int64>(bytes + sizeof(value->device)),
+                       bytes + kName);
+    return B_OK;
 }
 
 bool BMessage::GetBool(const char* name, bool otherwise) const {

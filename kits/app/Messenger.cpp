@@ -1,9 +1,11 @@
 #include "kits/app/Messenger.h"
 
 #include "host/session/InstanceSocket.h"
+#include "kits/app/AppDefs.h"
 #include "kits/app/HandlerRegistry.h"
 #include "kits/app/LooperState.h"
 #include "kits/app/Message.h"
+#include "kits/app/OpenRefs.h"
 
 BMessenger::BMessenger(const BHandler* handler, const BLooper* looper, status_t* result) {
     status_t status = B_OK;
@@ -37,6 +39,8 @@ status_t BMessenger::SendMessage(const BMessage* message, BHandler* replyTo,
     if (!message)
         return B_BAD_VALUE;
     if (!fSignature.empty()) {
+        if (message->what == B_REFS_RECEIVED && !host::InstanceRuns(fSignature))
+            return OpenRefs(fSignature, *message);
         std::string text;
         const status_t status = message->Flatten(&text);
         return status == B_OK ? host::SendToInstance(fSignature, text, timeout) : status;

@@ -33,8 +33,10 @@ public:
     // target's lock; in this process nothing is waited for, since queues have no bound. The copy's
     // ReturnAddress() is `replyTo`. For another program `timeout` (microseconds) bounds the
     // sending, pointers and messengers in the message are left out, and a message of more than 1
-    // MiB is refused. B_BAD_HANDLER if the target is gone, B_BAD_VALUE without a message;
-    // B_BAD_PORT_ID if there is no target or the other program does not run.
+    // MiB is refused; B_REFS_RECEIVED for a signature under which no program listens starts the
+    // desktop's program for it with the entries "refs". B_BAD_HANDLER if the target is gone,
+    // B_BAD_VALUE without a message; B_BAD_PORT_ID if there is no target or the other program does
+    // not run.
     status_t SendMessage(uint32 what, BHandler* replyTo = nullptr) const;
     status_t SendMessage(const BMessage* message, BHandler* replyTo = nullptr,
                          bigtime_t timeout = B_INFINITE_TIMEOUT) const;
