@@ -13,8 +13,8 @@
 namespace {
 
 constexpr rgb_color kFocusColor{0, 0, 229, 255};
-constexpr float kTextLeft = 5;   // of the box's text, in the box
-constexpr float kArrowRoom = 13; // on the right of the box
+constexpr float kTextLeft = 4;   // of the box's text, in the box
+constexpr float kArrowRoom = 11; // on the right of the box
 constexpr float kArrowWidth = 6;
 
 // So that a line of this font is in the middle of `frame`.
@@ -103,7 +103,7 @@ void BMenuField::DrawBox(BRect box) {
 
     SetHighColor(text);
     const float middle = std::floor((box.top + box.bottom) / 2);
-    const float right = box.right - 4;
+    const float right = box.right - 3;
     const BPoint arrow[] = {{right - kArrowWidth, middle - 1},
                             {right, middle - 1},
                             {right - kArrowWidth / 2, middle + 2}};
@@ -114,6 +114,9 @@ void BMenuField::DrawBox(BRect box) {
     BFont font;
     fMenu->GetFont(&font);
     std::string shown = ShownLabel();
+    // Rather in small letters than cut.
+    if (font.StringWidth(shown.c_str()) > RoomForShownLabel())
+        font.SetSize(std::min(font.Size(), own.Size()));
     font.TruncateString(&shown, B_TRUNCATE_END, RoomForShownLabel());
     SetFont(&font);
     DrawString(shown.c_str(), BPoint(box.left + kTextLeft, BaselineIn(box, font)));
