@@ -114,9 +114,7 @@ void BMenuField::DrawBox(BRect box) {
     BFont font;
     fMenu->GetFont(&font);
     std::string shown = ShownLabel();
-    // Rather in small letters than cut.
-    if (font.StringWidth(shown.c_str()) > RoomForShownLabel())
-        font.SetSize(std::min(font.Size(), own.Size()));
+    font = LabelFont(font, shown.c_str(), RoomForShownLabel());
     font.TruncateString(&shown, B_TRUNCATE_END, RoomForShownLabel());
     SetFont(&font);
     DrawString(shown.c_str(), BPoint(box.left + kTextLeft, BaselineIn(box, font)));

@@ -67,8 +67,7 @@ void QBApp::MessageReceived(BMessage* message) {
         break;
     case B_NODE_MONITOR:
         // The window's refresh; what the message says is not passed on.
-        if (QBMainWindow::fMsgWindow)
-            QBMainWindow::fMsgWindow->SendMessage(B_NODE_MONITOR);
+        QBMainWindow::SendToBar(B_NODE_MONITOR);
         break;
     default:
         BApplication::MessageReceived(message);

@@ -16,6 +16,7 @@
 #include "quillbar/store/Monitor.h"
 
 BMessenger* QBMainWindow::fMsgWindow = nullptr;
+std::mutex QBMainWindow::fMsgLock;
 QBMonitor* QBMainWindow::fMonitor = nullptr;
 BLocker* QBMainWindow::fLocker = nullptr;
 
@@ -62,6 +63,7 @@ QBMainWindow::QBMainWindow(BRect frame)
     , fAlignVItem(nullptr)
     , fOnTopItem(nullptr)
     , fHotKeyItems{}
+    , fAddWindowOpen(false)
     , fBar(nullptr) {
     if (gSettings->GetAlign() == kQBAlignHorizontal)
         ResizeTo(kRow.size.x, kRow.size.y);
@@ -71,8 +73,12 @@ QBMainWindow::QBMainWindow(BRect frame)
 }
 
 QBMainWindow::~QBMainWindow() {
-    delete fMsgWindow;
-    fMsgWindow = nullptr;
+    CloseAddWindow();
+    {
+        const std::lock_guard lock(fMsgLock);
+        delete fMsgWindow;
+        fMsgWindow = nullptr;
+    }
     gSettings->SetPos(Frame().LeftTop());
     delete fMonitor;
     fMonitor = nullptr;
@@ -81,9 +87,18 @@ QBMainWindow::~QBMainWindow() {
     delete fSettingsMenu;
 }
 
+void QBMainWindow::SendToBar(uint32 what) {
+    const std::lock_guard lock(fMsgLock);
+    if (fMsgWindow)
+        fMsgWindow->SendMessage(what);
+}
+
 void QBMainWindow::InitWindow() {
     fMonitor = new QBMonitor(this, BMessenger(this));
-    fMsgWindow = new BMessenger(this);
+    {
+        const std::lock_guard lock(fMsgLock);
+        fMsgWindow = new BMessenger(this);
+    }
     fLocker = new BLocker("store");
     AddViews();
     // The first message, handled when the window has been painted.

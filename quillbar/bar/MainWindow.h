@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mutex>
+
 #include "kits/interface/Window.h"
 #include "quillbar/app/Commands.h"
 
@@ -43,7 +45,11 @@ public:
 
     BPopUpMenu* SettingsMenu() const { return fSettingsMenu; }
 
-    // To the bar window; null before it is there and after it has gone.
+    // Sends a code to the bar window, if there is one. Any thread.
+    static void SendToBar(uint32 what);
+
+    // To the bar window; null before it is there and after it has gone. Other threads than the
+    // window's go through SendToBar().
     static BMessenger* fMsgWindow;
     // The store, and the lock that whoever uses it holds. The lock is recursive.
     static QBMonitor* fMonitor;
@@ -68,6 +74,8 @@ private:
     void HandleLaunch(BMessage* message);
     void HandleNodeMonitor(BMessage* message);
     void HandlePaste(BMessage* message);
+    void OpenAddWindow(int32 folder, int32 slot);
+    void CloseAddWindow();
     void HandleKeyDown(BMessage* message);
     void HandleUnmappedKeyDown(BMessage* message);
 
@@ -82,5 +90,8 @@ private:
     BMenuItem* fAlignVItem;
     BMenuItem* fOnTopItem;
     BMenuItem* fHotKeyItems[6];
+    bool fAddWindowOpen;
     QBBar* fBar;
+
+    static std::mutex fMsgLock; // guards fMsgWindow
 };

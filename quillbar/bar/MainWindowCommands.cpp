@@ -8,6 +8,7 @@
 #include "kits/interface/PopUpMenu.h"
 #include "kits/kernel/Locker.h"
 #include "kits/support/String.h"
+#include "quillbar/addbookmark/BookmarkWindow.h"
 #include "quillbar/app/Settings.h"
 #include "quillbar/app/Trace.h"
 #include "quillbar/bar/Browsers.h"
@@ -20,6 +21,12 @@
 #include "quillbar/store/Item.h"
 #include "quillbar/store/Monitor.h"
 #include "quillbar/store/Path.h"
+
+namespace {
+
+constexpr float kAddWindowAbove = 190; // above the bar's lower edge
+
+} // namespace
 
 void QBMainWindow::MessageReceived(BMessage* message) {
     if (HandleFolderCode(message))
@@ -53,6 +60,15 @@ void QBMainWindow::MessageReceived(BMessage* message) {
         break;
     case kQBToggleOnTop:
         ToggleOnTop();
+        break;
+    case kQBAddBookmark:
+        OpenAddWindow(0, 0);
+        break;
+    case kQBAddBookmarkHere:
+        OpenAddWindow(message->GetInt32("folder", 0), message->GetInt32("slot", 0));
+        break;
+    case kQBAddBookmarkGone:
+        fAddWindowOpen = false;
         break;
     case kQBShowSettings:
         ShowSettingsMenu();
@@ -213,6 +229,8 @@ void QBMainWindow::HandleNodeMonitor(BMessage* message) {
     fLocker->Lock();
     fMonitor->HandleNodeMessage(message);
     fLocker->Unlock();
+    if (fAddWindowOpen)
+        QBBookmarkWindow::TellStoreChanged();
 }
 
 void QBMainWindow::HandlePaste(BMessage* message) {
@@ -233,6 +251,20 @@ void QBMainWindow::HandlePaste(BMessage* message) {
     gSettings->SetColor(color);
 }
 
+void QBMainWindow::OpenAddWindow(int32 folder, int32 slot) {
+    if (fAddWindowOpen)
+        return;
+    const BRect frame = Frame();
+    auto* window = new QBBookmarkWindow(BRect(frame.right, frame.bottom - kAddWindowAbove, 0, 0),
+                                        folder, slot);
+    window->Show();
+    fAddWindowOpen = true;
+}
+
+void QBMainWindow::CloseAddWindow() {
+    QBBookmarkWindow::CloseNow();
+}
+
 void QBMainWindow::HandleKeyDown(BMessage* message) {
     if (fKeyDown)
         return;
@@ -243,6 +275,8 @@ void QBMainWindow::HandleKeyDown(BMessage* message) {
     const int digit = FolderOfKey(key);
     if (digit >= 0)
         fButtons[digit]->Invoke();
+    else if (IsAddBookmarkKey(key))
+        OpenAddWindow(0, 0);
     else if (key == kSettingsKey)
         fBar->Invoke();
 }

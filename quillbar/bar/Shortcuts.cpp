@@ -14,3 +14,7 @@ int FolderOfKey(int32 key) {
     }
     return -1;
 }
+
+bool IsAddBookmarkKey(int32 key) {
+    return key == 0x1c || key == 0x25 || key == 0x3a;
+}

@@ -15,6 +15,7 @@ inline constexpr uint32 kDirectoryMode = 0777;
 inline constexpr const char* kBookmarkType = "application/x-vnd.Be-bookmark";
 inline constexpr const char* kUrlAttribute = "META:url";
 inline constexpr const char* kKeywordsAttribute = "META:keyw";
+inline constexpr const char* kTitleAttribute = "META:title";
 
 // The number of the entry at `path`: its name's leading digit, 0 to 9, if a hyphen follows
 // somewhere and no second digit at once; -1 otherwise. A path without "/" is a name.

@@ -1,0 +1,177 @@
+#include "quillbar/addbookmark/BookmarkWindow.h"
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Application.h"
+#include "kits/app/Message.h"
+#include "kits/interface/MenuBar.h"
+#include "kits/interface/MenuField.h"
+#include "kits/interface/Screen.h"
+#include "kits/interface/TextControl.h"
+#include "kits/kernel/Locker.h"
+#include "kits/support/String.h"
+#include "quillbar/addbookmark/AddBookmarkView.h"
+#include "quillbar/addbookmark/EditInfoView.h"
+#include "quillbar/addbookmark/LocationView.h"
+#include "quillbar/app/Commands.h"
+#include "quillbar/bar/MainWindow.h"
+#include "quillbar/store/Item.h"
+#include "quillbar/store/Monitor.h"
+#include "quillbar/store/Path.h"
+
+BMessenger* QBBookmarkWindow::fMsgWindow = nullptr;
+std::mutex QBBookmarkWindow::fMsgLock;
+
+namespace {
+
+constexpr float kWidth = 330;
+constexpr float kHeight = 380;
+constexpr float kMenuBarHeight = 19;
+
+int32 NumberOrNone(long number) {
+    return number >= 1 && number <= 10 ? static_cast<int32>(number) : 0;
+}
+
+BString NumberedLabel(int32 digit, const char* name) {
+    BString label;
+    label << digit << " - " << name;
+    return label;
+}
+
+} // namespace
+
+QBBookmarkWindow::QBBookmarkWindow(BRect frame, long folder, long slot)
+    : BWindow(BRect(frame.left, frame.top, frame.left + kWidth, frame.top + kHeight),
+              "Quillbar - Add Bookmark", B_TITLED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL,
+              B_NOT_RESIZABLE | B_NOT_ZOOMABLE | B_NOT_MINIMIZABLE, B_CURRENT_WORKSPACE)
+    , fMenuBar(nullptr)
+    , fFileMenu(nullptr)
+    , fAddView(nullptr)
+    , fFolder(NumberOrNone(folder))
+    , fSlot(NumberOrNone(slot)) {
+    InitWindow();
+    const BRect screen = BScreen().Frame();
+    MoveTo((screen.Width() - Frame().Width()) * 0.5f, (screen.Height() - Frame().Height()) * 0.5f);
+    if (fSlot > 0)
+        SlotItem(fSlot - 1)->SetMarked(true);
+    if (fFolder > 0) {
+        FolderItem(fFolder - 1)->SetMarked(true);
+        UpdateAll();
+    }
+    fAddView->fEditInfo->fNameText->MakeFocus(true);
+}
+
+QBBookmarkWindow::~QBBookmarkWindow() {
+    {
+        const std::lock_guard lock(fMsgLock);
+        delete fMsgWindow;
+        fMsgWindow = nullptr;
+    }
+    QBMainWindow::SendToBar(kQBAddBookmarkGone);
+}
+
+void QBBookmarkWindow::InitWindow() {
+    fAddView = new QBAddBookmarkView(BRect(0, 20, kWidth, kHeight), "qb_abview", B_FOLLOW_NONE,
+                                     B_WILL_DRAW);
+    fAddView->InitView();
+    AddChild(fAddView);
+    AddMenu();
+    UpdateFolderStrings();
+    const std::lock_guard lock(fMsgLock);
+    fMsgWindow = new BMessenger(this);
+}
+
+void QBBookmarkWindow::AddMenu() {
+    BRect frame = Bounds();
+    frame.bottom = frame.top + kMenuBarHeight;
+    fMenuBar =
+        new BMenuBar(frame, "main_menu", B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP, B_ITEMS_IN_ROW, true);
+    AddChild(fMenuBar);
+    fFileMenu = new BMenu("File", B_ITEMS_IN_COLUMN);
+    fMenuBar->AddItem(fFileMenu);
+    const auto add = [this](const char* label, uint32 command, char shortcut,
+                            const BMessenger& target) {
+        auto* item = new BMenuItem(label, new BMessage(command), shortcut, B_COMMAND_KEY);
+        item->SetTarget(target);
+        fFileMenu->AddItem(item);
+    };
+    add("Show in tracker", kQBShowInTracker, 'T', BMessenger(fAddView));
+    add("Cancel", kQBCancelAdd, 'C', BMessenger(fAddView));
+    add("Add Bookmark", kQBAddIt, 'D', BMessenger(fAddView));
+    add("About Quillbar", B_ABOUT_REQUESTED, 'A', be_app_messenger);
+}
+
+BMenuItem* QBBookmarkWindow::FolderItem(int32 digit) const {
+    return fAddView->fLocation->fFolderField->Menu()->ItemAt(digit);
+}
+
+BMenuItem* QBBookmarkWindow::SlotItem(int32 digit) const {
+    return fAddView->fLocation->fSlotField->Menu()->ItemAt(digit);
+}
+
+void QBBookmarkWindow::UpdateFolderStrings() {
+    QBMainWindow::fLocker->Lock();
+    for (int32 digit = 0; digit < 10; ++digit) {
+        const QBPath* folder = QBMainWindow::fMonitor->fPaths[digit];
+        FolderItem(digit)->SetLabel(NumberedLabel(digit, folder->Name()).String());
+    }
+    QBMainWindow::fLocker->Unlock();
+}
+
+void QBBookmarkWindow::UpdateSlotStrings() {
+    if (fFolder <= 0)
+        return;
+    QBMainWindow::fLocker->Lock();
+    QBItem** slots = QBMainWindow::fMonitor->fPaths[fFolder - 1]->Items();
+    for (int32 digit = 0; digit < 10; ++digit)
+        SlotItem(digit)->SetLabel(NumberedLabel(digit, slots[digit]->Name().String()).String());
+    QBMainWindow::fLocker->Unlock();
+    if (fSlot > 0)
+        SlotItem(fSlot - 1)->SetMarked(true);
+}
+
+void QBBookmarkWindow::UpdateScreen() {
+    BString name;
+    BString url;
+    BString keywords;
+    QBMainWindow::fLocker->Lock();
+    QBPath* folder = QBMainWindow::fMonitor->fPaths[fFolder - 1];
+    const BString folderName = folder->Name();
+    if (fSlot > 0) {
+        const QBItem* slot = folder->Items()[fSlot - 1];
+        name = slot->Name();
+        url = slot->Url();
+        keywords = slot->Keywords();
+    }
+    QBMainWindow::fLocker->Unlock();
+
+    fAddView->fLocation->fKeyword->SetText(folderName.String());
+    if (fSlot <= 0)
+        return;
+    fAddView->fEditInfo->fNameText->SetText(name.String());
+    fAddView->fEditInfo->fUrlText->SetText(url.String());
+    fAddView->fEditInfo->fKeywordsText->SetText(keywords.String());
+}
+
+void QBBookmarkWindow::UpdateAll() {
+    UpdateScreen();
+    UpdateSlotStrings();
+}
+
+// A copy: the window may go at any time.
+BMessenger QBBookmarkWindow::Target() {
+    const std::lock_guard lock(fMsgLock);
+    return fMsgWindow ? *fMsgWindow : BMessenger();
+}
+
+void QBBookmarkWindow::TellStoreChanged() {
+    Target().SendMessage(B_NODE_MONITOR);
+}
+
+void QBBookmarkWindow::CloseNow() {
+    const BMessenger target = Target();
+    BLooper* window = nullptr;
+    if (!target.LockTarget())
+        return;
+    target.Target(&window);
+    window->Quit();
+}

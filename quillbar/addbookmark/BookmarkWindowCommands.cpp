@@ -1,0 +1,173 @@
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "kits/app/MessageQueue.h"
+#include "kits/interface/Alert.h"
+#include "kits/interface/Button.h"
+#include "kits/interface/MenuItem.h"
+#include "kits/interface/TextControl.h"
+#include "kits/kernel/Locker.h"
+#include "kits/storage/Entry.h"
+#include "quillbar/addbookmark/AddBookmarkView.h"
+#include "quillbar/addbookmark/BookmarkWindow.h"
+#include "quillbar/addbookmark/BrowseView.h"
+#include "quillbar/addbookmark/EditInfoView.h"
+#include "quillbar/addbookmark/LocationView.h"
+#include "quillbar/addbookmark/SaveBookmark.h"
+#include "quillbar/app/Commands.h"
+#include "quillbar/bar/MainWindow.h"
+#include "quillbar/bar/widgets/Menu.h"
+#include "quillbar/store/Alerts.h"
+#include "quillbar/store/Monitor.h"
+#include "quillbar/store/Path.h"
+#include "quillbar/store/StoreNames.h"
+
+namespace {
+
+constexpr const char* kTrackerSignature = "application/x-vnd.Be-TRAK";
+
+void Tell(const char* text, const char* button) {
+    auto* alert = new BAlert("", text, button, nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
+    alert->Go();
+}
+
+void TellResult(QBSaveResult result) {
+    switch (result) {
+    case QBSaveResult::Saved:
+        break;
+    case QBSaveResult::NoFolder:
+        Tell("Could not find the specified folder! Could not add item!", "ARGH!");
+        break;
+    case QBSaveResult::NotCreated:
+        Tell("Could not create new item!", "ARGH!");
+        break;
+    case QBSaveResult::NotTyped:
+        Tell("Could not set the item's mime type!", "Ouch!");
+        break;
+    case QBSaveResult::NotRenamed:
+        Tell("Could not change the item's name!", "Ouch!");
+        break;
+    }
+}
+
+} // namespace
+
+void QBBookmarkWindow::MessageReceived(BMessage* message) {
+    if (HandleCode(message))
+        return;
+    switch (message->what) {
+    case kQBAddBookmarkHere:
+        Choose(message->GetInt32("folder", 0), message->GetInt32("slot", 0));
+        break;
+    case kQBAddIt:
+        AddBookmark();
+        break;
+    case kQBCancelAdd:
+        Quit();
+        break;
+    case kQBShowInTracker:
+        ShowInTracker();
+        break;
+    case B_NODE_MONITOR:
+        StoreChanged();
+        break;
+    default:
+        BWindow::MessageReceived(message);
+    }
+}
+
+bool QBBookmarkWindow::HandleCode(BMessage* message) {
+    for (int32 digit = 0; digit < 10; ++digit) {
+        if (message->what == QBFolder[digit]) {
+            HandleFolderCode(digit, message);
+            return true;
+        }
+        if (message->what == QBSlot[digit]) {
+            fSlot = digit + 1;
+            if (fFolder > 0)
+                UpdateAll();
+            return true;
+        }
+    }
+    return false;
+}
+
+void QBBookmarkWindow::HandleFolderCode(int32 digit, BMessage* message) {
+    int32 slot = 0;
+    if (message->HasPointer("button")) {
+        BrowseFolder(digit);
+    } else if (message->FindInt32("slot", &slot) == B_OK) {
+        Choose(digit + 1, slot);
+    } else {
+        fFolder = digit + 1;
+        UpdateAll();
+    }
+}
+
+void QBBookmarkWindow::Choose(int32 folder, int32 slot) {
+    if (folder < 1 || folder > 10 || slot < 1 || slot > 10)
+        return;
+    fFolder = folder;
+    fSlot = slot;
+    FolderItem(fFolder - 1)->SetMarked(true);
+    SlotItem(fSlot - 1)->SetMarked(true);
+    UpdateAll();
+}
+
+// What is chosen comes here and not to the bar, which cannot see that: the store stays locked.
+void QBBookmarkWindow::BrowseFolder(int32 digit) {
+    QBMainWindow::fLocker->Lock();
+    QBPath** folders = QBMainWindow::fMonitor->fPaths;
+    BHandler* const before = folders[0]->Target();
+    for (int i = 0; i < 10; ++i)
+        folders[i]->SetTarget(this);
+    const BButton* button = fAddView->fBrowse->fButtons[digit];
+    const BPoint point = button->ConvertToScreen(button->Bounds().LeftBottom());
+    folders[digit]->Menu()->Go(point, true, true, false);
+    for (int i = 0; i < 10; ++i)
+        folders[i]->SetTarget(before);
+    QBMainWindow::fLocker->Unlock();
+}
+
+void QBBookmarkWindow::StoreChanged() {
+    // Of a burst of changes the last one tells all.
+    BMessageQueue* queue = MessageQueue();
+    queue->Lock();
+    const bool isLast = queue->FindMessage(B_NODE_MONITOR, 0) == nullptr;
+    queue->Unlock();
+    if (!isLast)
+        return;
+    UpdateFolderStrings();
+    if (fFolder <= 0)
+        return;
+    UpdateSlotStrings();
+    UpdateScreen();
+}
+
+void QBBookmarkWindow::ShowInTracker() {
+    entry_ref ref;
+    const BEntry root(kBookmarkRoot, false);
+    if (root.InitCheck() != B_OK || root.GetRef(&ref) != B_OK)
+        return;
+    BMessage message(B_REFS_RECEIVED);
+    message.AddRef("refs", &ref);
+    BMessenger(kTrackerSignature).SendMessage(&message);
+}
+
+void QBBookmarkWindow::AddBookmark() {
+    if (fFolder <= 0 || fSlot <= 0) {
+        Tell("Please select a slot to add to first!", "OK");
+        return;
+    }
+    const QBEditInfoView& texts = *fAddView->fEditInfo;
+    const QBBookmarkText bookmark{fFolder,
+                                  fSlot,
+                                  fAddView->fLocation->fKeyword->Text(),
+                                  texts.fNameText->Text(),
+                                  texts.fUrlText->Text(),
+                                  texts.fKeywordsText->Text()};
+    BString unsaved;
+    TellResult(SaveBookmark(bookmark, &unsaved));
+    if (!unsaved.IsEmpty())
+        AlertWarning(unsaved.String());
+    Quit();
+}

@@ -1,0 +1,219 @@
+// The Add Bookmark window beside the bar, in this process.
+
+#include <algorithm>
+#include <atomic>
+#include <set>
+#include <thread>
+
+#include "kits/app/AppDefs.h"
+#include "kits/interface/Box.h"
+#include "kits/interface/Button.h"
+#include "kits/interface/MenuField.h"
+#include "kits/interface/TextControl.h"
+#include "quillbar/addbookmark/BookmarkWindow.h"
+#include "tests/quillbar/bar/BarWindow.h"
+
+namespace fs = std::filesystem;
+using test::WaitUntil;
+
+namespace {
+
+class AddWindowTest : public BarTest {
+protected:
+    static fs::path Root() { return Home().Config() / "Quillbar"; }
+    static bool IsOpen() { return QBBookmarkWindow::Target().IsValid(); }
+
+    void Open(const BMessage& message = BMessage(kQBAddBookmark)) {
+        Show();
+        Send(message);
+        ASSERT_TRUE(WaitUntil(IsOpen));
+    }
+    static void SendToIt(uint32 what) { QBBookmarkWindow::Target().SendMessage(what); }
+    static void InIt(const std::function<void(QBBookmarkWindow&)>& work) {
+        const BMessenger target = QBBookmarkWindow::Target();
+        ASSERT_TRUE(target.LockTarget());
+        BLooper* looper = nullptr;
+        target.Target(&looper);
+        work(*static_cast<QBBookmarkWindow*>(looper));
+        looper->Unlock();
+    }
+    static std::string Text(const char* name) {
+        std::string text;
+        InIt([&](QBBookmarkWindow& window) {
+            text = dynamic_cast<BTextControl&>(*window.FindView(name)).Text();
+        });
+        return text;
+    }
+    static std::string Marked(const char* name) {
+        std::string label;
+        InIt([&](QBBookmarkWindow& window) {
+            label = dynamic_cast<BMenuField&>(*window.FindView(name)).ShownLabel();
+        });
+        return label;
+    }
+    static bool TextBecomes(const char* name, const std::string& text) {
+        return WaitUntil([&] { return Text(name) == text; });
+    }
+};
+
+// Its label is not cut, also where a logical pixel is two.
+void ExpectLabelFits(BView& view, const char* label, float room) {
+    BFont font;
+    view.GetFont(&font);
+    EXPECT_LE(font.StringWidth(label), room) << label;
+    font.SetSize(2 * font.Size());
+    EXPECT_LE(font.StringWidth(label), 2 * room) << label;
+    EXPECT_GE(font.Size(), 2 * 8) << label << " is hard to read";
+}
+
+void ExpectFits(BView& view, std::set<std::string>& labels) {
+    const BRect bounds = view.Bounds();
+    if (auto* text = dynamic_cast<BTextControl*>(&view)) {
+        ExpectLabelFits(view, text->Label(), text->Divider() - 1);
+        labels.insert(text->Label());
+    } else if (auto* field = dynamic_cast<BMenuField*>(&view)) {
+        ExpectLabelFits(view, field->Label(), field->Divider() - 1);
+        ExpectLabelFits(*field->Menu(), field->Menu()->Name(), field->RoomForShownLabel());
+        labels.insert(field->Label());
+    } else if (auto* button = dynamic_cast<BButton*>(&view)) {
+        ExpectLabelFits(view, button->Label(), bounds.Width() - 11);
+        labels.insert(button->Label());
+    } else if (auto* box = dynamic_cast<BBox*>(&view)) {
+        ExpectLabelFits(view, box->Label(), bounds.Width() - 16);
+        labels.insert(box->Label());
+    }
+    // Neighbours share a border at most.
+    for (int32 i = 0; i < view.CountChildren(); ++i) {
+        const BRect frame = view.ChildAt(i)->Frame();
+        EXPECT_TRUE(bounds.Contains(frame)) << view.ChildAt(i)->Name();
+        for (int32 j = 0; j < i; ++j) {
+            const BRect shared = frame & view.ChildAt(j)->Frame();
+            EXPECT_FALSE(shared.Width() > 0 && shared.Height() > 0)
+                << view.ChildAt(i)->Name() << " lies on " << view.ChildAt(j)->Name();
+        }
+        if (dynamic_cast<BTextControl*>(&view) == nullptr)
+            ExpectFits(*view.ChildAt(i), labels);
+    }
+}
+
+TEST_F(AddWindowTest, EverythingHasItsPlaceAndRoomForItsLabel) {
+    Open();
+    InIt([](QBBookmarkWindow& window) {
+        EXPECT_EQ(window.Bounds(), BRect(0, 0, 330, 380));
+        EXPECT_EQ(window.Frame().LeftTop(), BPoint(474.5, 259.5));
+        BView* panel = window.FindView("qb_abview");
+        EXPECT_EQ(panel->Frame(), BRect(0, 20, 330, 380));
+        EXPECT_EQ(window.FindView("main_menu")->Frame().bottom, 19);
+        EXPECT_EQ(window.FindView("qb_browse_button0")->Frame(), BRect(34, 32, 54, 52));
+        EXPECT_EQ(window.FindView("qb_browse_button9")->Frame(), BRect(214, 32, 234, 52));
+        EXPECT_EQ(window.FindView("qb_location_slot")->Frame(), BRect(155, 20, 300, 40));
+        EXPECT_EQ(window.DefaultButton(), window.FindView("qb_abview_add"));
+        std::set<std::string> labels;
+        ExpectFits(*panel, labels);
+        EXPECT_EQ(labels.size(), 3 + 10 + 3 + 4 + 2);
+    });
+}
+
+TEST_F(AddWindowTest, PresetAndChoicesFillTheFields) {
+    test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
+    BMessage preset(kQBAddBookmarkHere);
+    preset.AddInt32("folder", 3);
+    preset.AddInt32("slot", 5);
+    Open(preset);
+    EXPECT_EQ(Marked("qb_location_folder"), "2 - News");
+    EXPECT_EQ(Marked("qb_location_slot"), "4 - ");
+    EXPECT_EQ(Text("qb_location_keyword"), "News");
+    EXPECT_EQ(Text("qb_editinfo_name"), "");
+    SendToIt(QBSlot[7]);
+    EXPECT_TRUE(TextBecomes("qb_editinfo_name", "Paper"));
+    EXPECT_EQ(Text("qb_editinfo_url"), "http://paper");
+    EXPECT_EQ(Text("qb_editinfo_keywords"), "daily");
+    EXPECT_EQ(Marked("qb_location_slot"), "7 - Paper");
+
+    // What is wrong is no choice.
+    preset.ReplaceInt32("slot", 11);
+    QBBookmarkWindow::Target().SendMessage(&preset);
+    preset.RemoveName("slot");
+    QBBookmarkWindow::Target().SendMessage(&preset);
+    SendToIt(QBFolder[5]);
+    EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
+    EXPECT_TRUE(TextBecomes("qb_editinfo_url", "")) << "the same slot of the new folder";
+}
+
+TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
+    test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
+    fs::create_directory(Root() / "1 - Other");
+    Open();
+    SendToIt(QBFolder[2]);
+    SendToIt(QBSlot[7]);
+    ASSERT_TRUE(TextBecomes("qb_editinfo_name", "Paper"));
+    fs::rename(Root() / "2 - News" / "7 - Paper", Root() / "2 - News" / "7 - Journal");
+    EXPECT_TRUE(TextBecomes("qb_editinfo_name", "Journal"));
+    EXPECT_TRUE(WaitUntil([] { return Marked("qb_location_slot") == "7 - Journal"; }));
+    fs::rename(Root() / "2 - News", Root() / "2 - Press");
+    EXPECT_TRUE(TextBecomes("qb_location_keyword", "Press"));
+    InIt([](QBBookmarkWindow& window) {
+        dynamic_cast<BTextControl&>(*window.FindView("qb_editinfo_url")).SetText("typed");
+    });
+    fs::rename(Root() / "1 - Other", Root() / "1 - Another");
+    EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://paper"));
+    fs::remove_all(Root() / "2 - Press");
+    EXPECT_TRUE(TextBecomes("qb_editinfo_url", ""));
+    EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
+}
+
+TEST_F(AddWindowTest, AnAddressThatDoesNotFitIsReported) {
+    BMessage preset(kQBAddBookmarkHere);
+    preset.AddInt32("folder", 3);
+    preset.AddInt32("slot", 8);
+    Open(preset);
+    InIt([](QBBookmarkWindow& window) {
+        dynamic_cast<BTextControl&>(*window.FindView("qb_editinfo_name")).SetText("Long");
+        dynamic_cast<BTextControl&>(*window.FindView("qb_editinfo_url"))
+            .SetText(std::string(100'000, 'u').c_str());
+        window.PostMessage(kQBAddIt);
+    });
+    EXPECT_TRUE(WaitUntil([] { return !IsOpen(); }));
+    ASSERT_TRUE(WaitUntil([&] { return Alerts().size() == 1; }));
+    EXPECT_FALSE(test::GetAttribute(Root() / "2 -" / "7 - Long", "META:url"));
+    fScreen.Close(Alerts()[0].id);
+    EXPECT_TRUE(WaitUntil([&] { return Alerts().empty(); }));
+}
+
+// The bar tells the window of each change while the window comes and goes.
+TEST_F(AddWindowTest, OpensAndClosesAThousandTimesInAStorm) {
+    test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
+    Show();
+    std::atomic<bool> ended = false;
+    std::thread storm([&] {
+        const fs::path file = Root() / "2 - News" / "7 - Paper";
+        for (int i = 0; !ended; ++i) {
+            test::SetUrl(file, "http://" + std::to_string(i));
+            std::this_thread::sleep_for(std::chrono::microseconds(300));
+        }
+    });
+    BMessage preset(kQBAddBookmarkHere);
+    preset.AddInt32("folder", 3);
+    preset.AddInt32("slot", 8);
+    int rounds = 0;
+    for (; rounds < 1000; ++rounds) {
+        // Ignored while the bar has not heard that the last one is gone.
+        const auto opens = [&] {
+            fWindow->PostMessage(&preset);
+            return IsOpen();
+        };
+        if (!WaitUntil(opens))
+            break;
+        SendToIt(B_QUIT_REQUESTED);
+        if (!WaitUntil([] { return !IsOpen(); }))
+            break;
+    }
+    EXPECT_EQ(rounds, 1000);
+    ended = true;
+    storm.join();
+    // The bar may go while the window is there.
+    fWindow->PostMessage(&preset);
+    EXPECT_TRUE(WaitUntil(IsOpen));
+}
+
+} // namespace
