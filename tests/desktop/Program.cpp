@@ -11,6 +11,7 @@ using namespace test;
 namespace {
 
 constexpr char kUtility[] = "_NET_WM_WINDOW_TYPE_UTILITY";
+constexpr char kDialog[] = "_NET_WM_WINDOW_TYPE_DIALOG";
 constexpr char kPopUp[] = "_NET_WM_WINDOW_TYPE_POPUP_MENU";
 
 std::string ReadFile(const std::filesystem::path& path) {
@@ -118,8 +119,13 @@ std::vector<WindowInfo> Program::Menus() const {
 
 std::vector<WindowInfo> Program::Alerts() const {
     return fScreen.Windows([this](const WindowInfo& window) {
-        return window.viewable && !window.overrideRedirect && window.pid == Pid() &&
-               !window.HasType(kUtility);
+        return window.viewable && window.pid == Pid() && window.HasType(kDialog);
+    });
+}
+
+std::vector<WindowInfo> Program::AddWindows() const {
+    return fScreen.Windows([this](const WindowInfo& window) {
+        return window.viewable && window.pid == Pid() && window.title == "Quillbar - Add Bookmark";
     });
 }
 

@@ -41,6 +41,7 @@ public:
     test::WindowInfo Bar() const;
     std::vector<test::WindowInfo> Menus() const; // the newest last
     std::vector<test::WindowInfo> Alerts() const;
+    std::vector<test::WindowInfo> AddWindows() const;
     bool IsBarActive() const;
 
     // Of the bar: what its border encloses, and the widgets in it.

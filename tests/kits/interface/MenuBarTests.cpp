@@ -219,24 +219,6 @@ TEST_F(WindowMenus, EnterIsTheDefaultButtonsAndTabGoesFromGroupToGroup) {
     EXPECT_TRUE(WaitFor(window, [&] { return field->IsFocus(); }));
 }
 
-TEST_F(WindowMenus, ABoxIsDrawnAroundItsLabel) {
-    const uint32_t plain = PixelAt(group, BPoint(250, 40));
-    const uint32_t border = PixelAt(group, BPoint(0, 40));
-    EXPECT_NE(border, plain);
-    float line = 0; // that the border's upper side is on
-    for (float y = 0; y < 20 && line == 0; y++) {
-        if (PixelAt(group, BPoint(200, y)) == border)
-            line = y;
-    }
-    EXPECT_GT(line, 2);
-    EXPECT_EQ(PixelAt(group, BPoint(200, 2)), plain);
-    const BPoint corner = OnScreen(group, BPoint(8, 0));
-    const auto label =
-        screen.Grab({static_cast<int>(corner.x), static_cast<int>(corner.y), 30, 16});
-    EXPECT_EQ(label.Count(border), 0u) << "a line through the label";
-    EXPECT_GT(label.Count(0), 20u);
-}
-
 TEST(MenuShortcut, KeysStandForDigitsByPlaceAndForLettersByWhatTheyType) {
     EXPECT_EQ(ShortcutCharacter(0x14, "#"), '3');
     EXPECT_EQ(ShortcutCharacter(0x58, "1"), '1'); // keypad

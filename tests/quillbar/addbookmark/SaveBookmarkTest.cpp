@@ -46,17 +46,6 @@ protected:
     BString fUnsaved;
 };
 
-TEST_F(SaveBookmarkTest, ANewBookmarkIsWrittenByteForByte) {
-    ASSERT_EQ(Save("News"), QBSaveResult::Saved);
-    const fs::path file = fFolder / "4 - News";
-    EXPECT_EQ(GetAttribute(file, "mime_type"), test::kBookmarkType);
-    EXPECT_EQ(GetAttribute(file, "META:url"), std::string(kUrl) + '\0');
-    EXPECT_EQ(GetAttribute(file, "META:keyw"), std::string("k\0", 2));
-    EXPECT_EQ(GetAttribute(file, "META:title"), std::string("News\0", 5));
-    EXPECT_EQ(fUnsaved, "");
-    EXPECT_EQ(fs::file_size(file), 0u);
-}
-
 TEST_F(SaveBookmarkTest, AFilledSlotIsRenamedAndRewrittenInARenamedFolder) {
     test::MakeBookmark(fFolder / "4 - Old", "http://old", "old");
     Write(fFolder / "4 - Old", "contents");

@@ -189,7 +189,7 @@ TEST_F(AddWindowTest, OpensAndClosesAThousandTimesInAStorm) {
         const fs::path file = Root() / "2 - News" / "7 - Paper";
         for (int i = 0; !ended; ++i) {
             test::SetUrl(file, "http://" + std::to_string(i));
-            std::this_thread::sleep_for(std::chrono::microseconds(300));
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     });
     BMessage preset(kQBAddBookmarkHere);

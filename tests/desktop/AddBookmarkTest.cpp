@@ -1,0 +1,150 @@
+// The Add Bookmark window, by keys and pointer.
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+
+namespace {
+
+class AddBookmarkTest : public DesktopTest {
+protected:
+    void SetUp() override {
+        DesktopTest::SetUp();
+        AddBookmark(2, "1 - Site", "http://site.example/");
+        fProgram.Start();
+    }
+    // Waits until it has the keyboard.
+    void WaitForWindow() {
+        ASSERT_TRUE(WaitUntil([&] {
+            const auto windows = fProgram.AddWindows();
+            if (windows.size() != 1 || fScreen.ActiveWindow() != windows[0].id)
+                return false;
+            fPlace = windows[0].frame;
+            return true;
+        }));
+        SettledPicture(fScreen, fPlace);
+    }
+    void OpenWindow() {
+        ActivateBar();
+        fRobot.Key(XK_minus);
+        WaitForWindow();
+    }
+    bool WindowCloses() {
+        return WaitUntil([&] { return fProgram.AddWindows().empty(); });
+    }
+    // In the window, in units.
+    void ClickAt(int x, int y) { fRobot.Click(fPlace.x + x, fPlace.y + y); }
+    void ClickName() { ClickAt(150, 60); }
+    void ClickBrowse(int digit) { ClickAt(10 + 44 + 20 * digit, 20 + 130 + 42); }
+    void Alt(uint32_t key) {
+        fRobot.KeyDown(XK_Alt_L);
+        fRobot.Key(key);
+        fRobot.KeyUp(XK_Alt_L);
+    }
+    // What is typed before a choice is shown would be replaced by it.
+    bool Changes(const std::function<void()>& work) {
+        const Picture before = SettledPicture(fScreen, fPlace);
+        work();
+        return WaitUntil([&] { return fScreen.Grab(fPlace) != before; });
+    }
+    void ChooseByKeys() {
+        EXPECT_TRUE(Changes([&] { Alt(XK_2); }));
+        EXPECT_TRUE(Changes([&] {
+            fRobot.KeyDown(XK_Shift_L);
+            Alt(XK_4);
+            fRobot.KeyUp(XK_Shift_L);
+        }));
+    }
+    std::string Attribute(const std::string& name, const std::string& attribute) const {
+        return GetAttribute(BookmarkPath(2, name), attribute).value_or("none");
+    }
+
+    Box fPlace;
+};
+
+TEST_F(AddBookmarkTest, KeysMakeABookmark) {
+    OpenWindow();
+    fRobot.Key(XK_Return);
+    DismissAlert(); // no slot is chosen
+    WaitForWindow();
+    ChooseByKeys();
+    ClickName();
+    fRobot.Type("News & more");
+    fRobot.Key(XK_Tab);
+    fRobot.Type("http://a.b/");
+    fRobot.Key(XK_Tab);
+    fRobot.Type("k");
+    fRobot.Key(XK_Return);
+    ASSERT_TRUE(WindowCloses());
+    EXPECT_EQ(Attribute("4 - News & more", "mime_type"), kBookmarkType);
+    EXPECT_EQ(Attribute("4 - News & more", "META:url"), std::string("http://a.b/\0", 12));
+    EXPECT_EQ(Attribute("4 - News & more", "META:keyw"), std::string("k\0", 2));
+    EXPECT_EQ(Attribute("4 - News & more", "META:title"), std::string("News & more\0", 12));
+    EXPECT_TRUE(SlotBecomes(2, 4, true));
+    ChooseSlot(2, 4);
+    EXPECT_EQ(LastUrl(1), "http://a.b/");
+}
+
+TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewritten) {
+    ChooseSlot(2, 5); // "Add Bookmark Here"
+    WaitForWindow();
+    ClickBrowse(2);
+    const Box item = FolderMenu(fDesktop, fProgram).Slot(1);
+    fRobot.Click(item.CenterX(), item.CenterY());
+    ASSERT_TRUE(MenusClosed());
+    SettledPicture(fScreen, fPlace);
+    ClickName();
+    fRobot.Key(XK_End);
+    fRobot.Type("s");
+    Alt(XK_d);
+    ASSERT_TRUE(WindowCloses());
+    EXPECT_EQ(Attribute("1 - Sites", "META:url"), std::string("http://site.example/\0", 21));
+    EXPECT_EQ(Attribute("1 - Sites", "META:title"), std::string("Sites\0", 6));
+    EXPECT_FALSE(std::filesystem::exists(BookmarkPath(2, "1 - Site")));
+}
+
+TEST_F(AddBookmarkTest, AFolderMenuGivesTheBarItsTargetBack) {
+    OpenWindow();
+    ClickBrowse(2);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    CloseMenus();
+    ChooseSlot(2, 1);
+    EXPECT_EQ(LastUrl(1), "http://site.example/");
+    ChooseSlot(2, 7); // one window at a time
+    EXPECT_EQ(fProgram.AddWindows().size(), 1u);
+    fScreen.Activate(fProgram.AddWindows()[0].id);
+    WaitForWindow();
+    ClickBrowse(3);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    EXPECT_EQ(fProgram.Stop(), 0);
+}
+
+TEST_F(AddBookmarkTest, WhatIsRefusedIsSaidAndQuitDismissesIt) {
+    OpenWindow();
+    ChooseByKeys();
+    ClickName();
+    fRobot.Type("../x");
+    fRobot.Key(XK_Return);
+    DismissAlert();
+    ASSERT_TRUE(WindowCloses());
+    EXPECT_FALSE(std::filesystem::exists(fProgram.Root() / "x"));
+    OpenWindow();
+    Alt(XK_d);
+    ASSERT_TRUE(AlertOpens());
+    EXPECT_EQ(fProgram.Stop(), 0);
+}
+
+TEST_F(AddBookmarkTest, TheRootIsShownInTheFileManager) {
+    OpenWindow();
+    Alt(XK_t); // there is none
+    fApps.InstallFileManager();
+    ClickAt(60, 20 + 335);
+    EXPECT_EQ(fApps.WaitForLaunches(1),
+              (std::vector<RecordedApps::Launch>{{"files", {fProgram.Root()}}}));
+    Alt(XK_t);
+    EXPECT_EQ(fApps.WaitForLaunches(2).size(), 2u);
+    Alt(XK_c);
+    EXPECT_TRUE(WindowCloses());
+}
+
+} // namespace
