@@ -175,14 +175,12 @@ TEST_F(WindowMenus, AFieldShowsItsMarkedItemAndOpensItOverTheBox) {
         EXPECT_EQ(field->ShownLabel(), "Digit 3");
     });
     const BPoint inBox = OnScreen(field, BPoint(150, 10));
-    const auto clickBox = [&] {
-        robot.Click(static_cast<int>(inBox.x), static_cast<int>(inBox.y));
-    };
-    clickBox();
+    robot.Click(static_cast<int>(inBox.x), static_cast<int>(inBox.y));
     ASSERT_TRUE(WaitForOpen(field->Menu()));
     EXPECT_TRUE(WaitForHighlight(field->Menu()->ItemAt(1))) << "not under the pointer";
     Click(field->Menu()->ItemAt(2));
     EXPECT_TRUE(WaitForMessages({'dig4'}));
+    EXPECT_TRUE(IsInputFree());
     WithLock(window, [&] { EXPECT_EQ(field->ShownLabel(), "Digit 4"); });
 
     // By keys the marked item is selected first. Changes of its label show.
@@ -196,8 +194,9 @@ TEST_F(WindowMenus, AFieldShowsItsMarkedItemAndOpensItOverTheBox) {
     robot.Key(XK_Up);
     robot.Key(XK_space);
     EXPECT_TRUE(WaitForMessages({'dig4', 'dig3'}));
+    EXPECT_TRUE(IsInputFree());
     WithLock(window, [&] { field->SetEnabled(false); });
-    clickBox();
+    ClickAt(field, BPoint(150, 10));
     ClickAt(other, BPoint(20, 20));
     EXPECT_TRUE(WaitForMessages({'dig4', 'dig3', 'othr'}));
     EXPECT_TRUE(Menus().empty());
