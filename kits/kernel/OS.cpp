@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -64,10 +65,14 @@ void Forget(thread_id id) {
     }
 }
 
-void RunThread(thread_id id, std::shared_ptr<Thread> thread, const std::string& name) {
+void RunThread(thread_id id, std::shared_ptr<Thread> thread) {
     sCurrentId = id;
     sCurrent = thread.get();
-    SetSystemName(pthread_self(), name);
+    {
+        // It may have been renamed since it was started.
+        std::lock_guard lock(Table::Shared().mutex);
+        SetSystemName(pthread_self(), thread->name);
+    }
     thread->result = thread->function(thread->data);
     sCurrent = nullptr;
     Forget(id);
@@ -76,7 +81,7 @@ void RunThread(thread_id id, std::shared_ptr<Thread> thread, const std::string& 
 // Table locked.
 status_t Start(thread_id id, const std::shared_ptr<Thread>& thread) {
     try {
-        thread->running = std::thread(RunThread, id, thread, thread->name);
+        thread->running = std::thread(RunThread, id, thread);
     } catch (const std::system_error&) {
         return B_NO_MEMORY;
     }
@@ -178,6 +183,10 @@ thread_id find_thread(const char* name) {
             return id;
     }
     return B_NAME_NOT_FOUND;
+}
+
+void debugger(const char* message) {
+    std::fprintf(stderr, "debugger: %s\n", message ? message : "");
 }
 
 status_t snooze(bigtime_t microseconds) {

@@ -44,6 +44,10 @@ status_t rename_thread(thread_id thread, const char* name);
 // none.
 thread_id find_thread(const char* name);
 
+// Reports a mistake of the program: `message` is written to standard error, and the program goes
+// on.
+void debugger(const char* message);
+
 // Sleeps. B_INTERRUPTED if the thread was asked to stop.
 status_t snooze(bigtime_t microseconds);
 

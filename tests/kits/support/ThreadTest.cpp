@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstring>
+#include <pthread.h>
 
 #include "kits/kernel/Locker.h"
 #include "kits/kernel/OS.h"
@@ -32,6 +34,25 @@ TEST(Thread, GivesItsResultToTheOneWhoWaits) {
     EXPECT_EQ(B_OK, wait_for_thread(spawn_thread(ReturnData, nullptr, B_NORMAL_PRIORITY, &data),
                                     &result));
     EXPECT_EQ(42, result);
+}
+
+TEST(Thread, IsRenamedAlsoBeforeItBeginsToRun) {
+    const auto saysItsName = [](void*) -> status_t {
+        while (!should_stop())
+            snooze(kDeadline);
+        char name[16] = {};
+        pthread_getname_np(pthread_self(), name, sizeof(name));
+        return strcmp(name, "renamed") == 0;
+    };
+    for (int round = 0; round < 100; ++round) {
+        const thread_id thread = spawn_thread(saysItsName, "spawned", B_NORMAL_PRIORITY, nullptr);
+        resume_thread(thread);
+        rename_thread(thread, "renamed");
+        ask_thread_to_stop(thread);
+        status_t isRenamed = true; // unless it has ended already
+        wait_for_thread(thread, &isRenamed);
+        ASSERT_TRUE(isRenamed);
+    }
 }
 
 struct Sleeper {
