@@ -30,6 +30,7 @@
     ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")                                     \
     ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                                     \
     ATOM(kNetWmWindowTypePopupMenu, "_NET_WM_WINDOW_TYPE_POPUP_MENU")                              \
+    ATOM(kNetWmWindowTypeTooltip, "_NET_WM_WINDOW_TYPE_TOOLTIP")                                   \
     ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")                                   \
     ATOM(kSaveTargets, "SAVE_TARGETS")                                                             \
     ATOM(kSelectionData, "SELECTION_DATA")                                                         \

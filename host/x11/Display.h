@@ -19,6 +19,7 @@ enum class WindowKind {
     Normal, // managed, with the window manager's title bar
     Alert,  // managed dialog, above the program's other windows
     Menu,   // not managed, pop-up menu
+    Bubble, // not managed, tool tip: the pointer and its buttons go through to what is under it
 };
 
 struct WindowSpec {
@@ -70,6 +71,11 @@ struct PointerMoved {
     uint32 modifiers;
 };
 struct PointerLeft {};
+// Whether events of the pointer come to this window: not while another window, a menu of this
+// program or another program has it, though the other events may hide that for a moment.
+struct PointerOver {
+    bool over;
+};
 struct ButtonPressed {
     PointerMoved at; // `buttons` includes the one that went down
     int32 clicks;    // 1, 2 … within the desktop's double-click time and distance
@@ -109,8 +115,8 @@ struct MinimizedChanged {
 struct CloseRequested {}; // by the window manager, or another program destroyed the window
 
 using WindowEvent =
-    std::variant<PointerMoved, PointerLeft, ButtonPressed, ButtonReleased, WheelTurned, KeyChanged,
-                 FocusChanged, FrameChanged, MinimizedChanged, CloseRequested>;
+    std::variant<PointerMoved, PointerLeft, PointerOver, ButtonPressed, ButtonReleased, WheelTurned,
+                 KeyChanged, FocusChanged, FrameChanged, MinimizedChanged, CloseRequested>;
 
 // What receives the events of one window. Called by the display thread; it must be quick and must
 // not wait for a looper: it posts messages.

@@ -253,10 +253,12 @@ void EventThread::HandleMotion(const xcb_motion_notify_event_t& event) {
 }
 
 void EventThread::HandleCrossing(const xcb_enter_notify_event_t& event, bool entered) {
+    bool isGrab = event.mode == XCB_NOTIFY_MODE_GRAB;
+    Tell(event.event, PointerOver{entered && !isGrab});
     // The pointer has not left when another program takes hold of it for a moment, as window
     // managers do with each click. When a menu of ours takes it, it has.
-    bool isForeignGrab = event.mode == XCB_NOTIFY_MODE_GRAB && !fDisplay.Grab().IsHeld();
-    if (isForeignGrab || (entered && event.mode == XCB_NOTIFY_MODE_GRAB))
+    bool isForeignGrab = isGrab && !fDisplay.Grab().IsHeld();
+    if (isForeignGrab || (entered && isGrab))
         return;
     fDisplay.Windows().Deliver(event.event, [&](XWindow& window) {
         if (entered)

@@ -43,6 +43,8 @@ AtomIndex TypeOf(WindowKind kind) {
         return kNetWmWindowTypeDialog;
     case WindowKind::Menu:
         return kNetWmWindowTypePopupMenu;
+    case WindowKind::Bubble:
+        return kNetWmWindowTypeTooltip;
     case WindowKind::Normal:
         break;
     }

@@ -16,7 +16,7 @@ struct ProgramIdentity {
 inline constexpr uint32 kAllDesktops = 0xffffffff;
 
 inline bool IsManaged(WindowKind kind) {
-    return kind != WindowKind::Menu;
+    return kind != WindowKind::Menu && kind != WindowKind::Bubble;
 }
 
 // The properties that a window has from its creation to its end, but for the frame, the title and

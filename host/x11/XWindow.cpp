@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <xcb/shape.h>
+
 #include "host/x11/XDisplay.h"
 
 namespace host {
@@ -82,6 +84,16 @@ void XWindow::Create(const WindowSpec& spec) {
         SetIconProperty(fConnection, fId, fDisplay.Icons());
         SetFrameHints(fConnection, fId, outer, fIsResizable);
     }
+    if (fKind == WindowKind::Bubble)
+        LetInputThrough();
+}
+
+void XWindow::LetInputThrough() {
+    const auto* extension = xcb_get_extension_data(fConnection, &xcb_shape_id);
+    if (extension == nullptr || !extension->present)
+        return;
+    xcb_shape_rectangles(fConnection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                         XCB_CLIP_ORDERING_UNSORTED, fId, 0, 0, 0, nullptr);
 }
 
 void XWindow::NoteVisible(bool visible) {

@@ -47,6 +47,7 @@ public:
 
 private:
     void Create(const WindowSpec& spec);
+    void LetInputThrough();
     PixelRect Outer(const PixelRect& content) const;
     void NoteVisible(bool visible);
     void ChangeState(bool add, AtomIndex state);

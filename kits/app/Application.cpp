@@ -63,8 +63,10 @@ void BApplication::DispatchMessage(BMessage* message, BHandler* target) {
     }
     switch (message->what) {
     case B_READY_TO_RUN:
-        if (!message->IsSourceRemote())
-            ReadyToRun();
+        if (message->IsSourceRemote())
+            break;
+        ReadyToRun();
+        fIsLaunching = false;
         break;
     case B_ABOUT_REQUESTED:
         AboutRequested();
@@ -84,6 +86,11 @@ void BApplication::HandleQuit(bool isRemote) {
         Quit();
     else if (isRemote)
         fSession->QuitWasRefused();
+}
+
+BMessenger BApplication::WindowAt(int32 index) const {
+    const session_hooks hooks = get_session_hooks();
+    return hooks.window_at ? hooks.window_at(index) : BMessenger();
 }
 
 const char* BApplication::Signature() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -50,6 +51,13 @@ public:
     void MessageReceived(BMessage* message) override;
     void DispatchMessage(BMessage* message, BHandler* target) override;
 
+    // Whether ReadyToRun() has yet to return. Any thread.
+    bool IsLaunching() const { return fIsLaunching; }
+
+    // The program's windows in the order of their construction; IsTargetLocal() is false behind the
+    // last. By address, since a window may be gone the next moment. Any thread.
+    BMessenger WindowAt(int32 index) const;
+
     const char* Signature() const;
 
     // Starts to end the program on behalf of someone outside: dismisses menus and alerts at once,
@@ -72,6 +80,7 @@ private:
     void HandleQuit(bool isRemote);
 
     const std::string fSignature;
+    std::atomic<bool> fIsLaunching = true;
     const std::unique_ptr<ApplicationSession> fSession;
 };
 

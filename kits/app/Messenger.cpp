@@ -66,12 +66,17 @@ BHandler* BMessenger::Target(BLooper** looper) const {
 }
 
 bool BMessenger::LockTarget() const {
+    return LockTargetWithTimeout(B_INFINITE_TIMEOUT) == B_OK;
+}
+
+status_t BMessenger::LockTargetWithTimeout(bigtime_t timeout) const {
     HandlerRegistry& registry = HandlerRegistry::Shared();
     const auto state = registry.StateOf(fToken);
-    if (!state || state->LockUnlessDeleted(B_INFINITE_TIMEOUT) != B_OK)
-        return false;
-    if (registry.StateOf(fToken) == state)
-        return true;
+    if (!state)
+        return B_BAD_VALUE;
+    const status_t status = state->LockUnlessDeleted(timeout);
+    if (status != B_OK || registry.StateOf(fToken) == state)
+        return status;
     state->lock.Unlock();
-    return false;
+    return B_BAD_VALUE;
 }

@@ -48,8 +48,10 @@ public:
     // The target and (may be null) its looper; both null if it is gone or in another program. They
     // stay what they are only while the caller keeps the looper locked.
     BHandler* Target(BLooper** looper) const;
-    // Locks the target's looper; false if the target is gone.
+    // Locks the target's looper; false if the target is gone. With a time-out also B_TIMED_OUT or
+    // B_INTERRUPTED, as from BLocker.
     bool LockTarget() const;
+    status_t LockTargetWithTimeout(bigtime_t timeout) const;
 
     auto operator<=>(const BMessenger&) const = default;
 

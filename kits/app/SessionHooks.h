@@ -2,6 +2,8 @@
 
 #include <functional>
 
+#include "kits/app/Messenger.h"
+
 // What the application object asks of the windows. The interface kit sets these when it connects to
 // the display; a program without windows needs none, and an empty function stands for nothing to
 // do.
@@ -20,6 +22,10 @@ struct session_hooks {
     // Brings the program's main window back: unminimised, active. Any thread; must not wait for a
     // looper.
     std::function<void()> wake;
+
+    // The program's windows in the order of their construction; no target behind the last. Any
+    // thread; must not wait for a looper.
+    std::function<BMessenger(int32 index)> window_at;
 };
 
 // Replaces the hooks. Any thread.

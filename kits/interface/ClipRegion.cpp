@@ -1,5 +1,7 @@
 #include "kits/interface/ClipRegion.h"
 
+#include <algorithm>
+
 namespace {
 
 // Beyond this many a region costs more than drawing a little too much.
@@ -52,6 +54,11 @@ void ClipRegion::IntersectWith(const ClipRegion& other) {
             AddIfValid(common, own & rect);
     }
     fRects = std::move(common);
+}
+
+bool ClipRegion::Contains(BPoint point) const {
+    return std::any_of(fRects.begin(), fRects.end(),
+                       [&](const BRect& rect) { return rect.Contains(point); });
 }
 
 BRect ClipRegion::Frame() const {

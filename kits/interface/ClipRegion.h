@@ -15,6 +15,7 @@ public:
     void IntersectWith(BRect rect);
     void IntersectWith(const ClipRegion& other);
 
+    bool Contains(BPoint point) const;
     bool IsEmpty() const { return fRects.empty(); }
     // The smallest rectangle around it; not valid if it is empty.
     BRect Frame() const;

@@ -71,6 +71,7 @@ status_t connect_display() {
     set_session_hooks({.dismiss = [&roster] { roster.Dismiss(); },
                        .allow = [&roster] { roster.Allow(); },
                        .quit_windows = [&roster] { return QuitWindows(roster); },
-                       .wake = [&roster] { roster.Wake(); }});
+                       .wake = [&roster] { roster.Wake(); },
+                       .window_at = [&roster](int32 index) { return roster.WindowAt(index); }});
     return B_OK;
 }

@@ -6,6 +6,7 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
 #include "kits/interface/KeyMessages.h"
+#include "kits/interface/PointerPresence.h"
 #include "kits/interface/WindowRoster.h"
 #include "kits/kernel/OS.h"
 
@@ -32,6 +33,10 @@ EventPoster::EventPoster(const BMessenger& target, double scale, bool isBlockabl
     , fIsBlockable(isBlockable)
     , fQuitsProgram(quitsProgram) {}
 
+EventPoster::~EventPoster() {
+    PointerPresence::Shared().Note(this, false);
+}
+
 void EventPoster::HandleEvent(const host::WindowEvent& event) {
     std::visit([this](const auto& one) { Handle(one); }, event);
 }
@@ -56,6 +61,7 @@ BMessage EventPoster::PointerMessage(uint32 what, const host::PointerMoved& at,
 }
 
 void EventPoster::Handle(const host::PointerMoved& event) {
+    PointerPresence::Shared().NoteEvent();
     if (IsBlocked() && !fIsPressed)
         return;
     BMessage message = PointerMessage(B_MOUSE_MOVED, event, system_time());
@@ -64,6 +70,10 @@ void EventPoster::Handle(const host::PointerMoved& event) {
 
 void EventPoster::Handle(const host::PointerLeft&) {
     fTarget.SendMessage(kPointerLeft);
+}
+
+void EventPoster::Handle(const host::PointerOver& event) {
+    PointerPresence::Shared().Note(this, event.over);
 }
 
 void EventPoster::Handle(const host::ButtonPressed& event) {

@@ -19,6 +19,7 @@ public:
     // The window manager's close of a window that `quitsProgram` is a quit request from outside the
     // program, that of another one a quit request to the window.
     EventPoster(const BMessenger& target, double scale, bool isBlockable, bool quitsProgram);
+    ~EventPoster() override;
 
     // Display thread.
     void HandleEvent(const host::WindowEvent& event) override;
@@ -26,6 +27,7 @@ public:
 private:
     void Handle(const host::PointerMoved& event);
     void Handle(const host::PointerLeft& event);
+    void Handle(const host::PointerOver& event);
     void Handle(const host::ButtonPressed& event);
     void Handle(const host::ButtonReleased& event);
     void Handle(const host::WheelTurned& event);

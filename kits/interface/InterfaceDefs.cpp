@@ -16,6 +16,15 @@ uint32 modifiers() {
     return display ? display->GetPointer().modifiers : 0;
 }
 
+void get_mouse(BPoint* where, uint32* buttons) {
+    host::Display* display = host::Display::Shared();
+    const host::Pointer pointer = display ? display->GetPointer() : host::Pointer{};
+    const double scale = display ? display->Scale() : 1;
+    *where = {static_cast<float>(pointer.screenX / scale),
+              static_cast<float>(pointer.screenY / scale)};
+    *buttons = pointer.buttons;
+}
+
 rgb_color ui_color(color_which which) {
     switch (which) {
     case B_MENU_SELECTION_BACKGROUND_COLOR:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kits/support/Color.h"
+#include "kits/support/Point.h"
 #include "kits/support/SupportDefs.h"
 
 // Mouse buttons, as bits of the field "buttons".
@@ -24,6 +25,10 @@ enum : uint32 {
 
 // The modifiers as they are now. Any thread.
 uint32 modifiers();
+
+// Where the pointer is on the screen, and which buttons are down; (0, 0) and none without a
+// display. Any thread.
+void get_mouse(BPoint* where, uint32* buttons);
 
 // What special keys type, as the first byte of the field "bytes".
 enum : char {

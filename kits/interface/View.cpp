@@ -295,6 +295,16 @@ BRect BView::ConvertFromScreen(BRect rect) const {
     return {ConvertFromScreen(rect.LeftTop()), ConvertFromScreen(rect.RightBottom())};
 }
 
+void BView::GetClippingRegion(ClipRegion* region) const {
+    *region = ClipRegion();
+    if (fWindow == nullptr || IsHidden())
+        return;
+    const BPoint origin = OriginInWindow();
+    const ClipRegion inWindow = fWindow->fState->VisibleRegion(*this);
+    for (const BRect& rect : inWindow.Rects())
+        region->Include(rect.OffsetByCopy(-origin.x, -origin.y));
+}
+
 void BView::SetFlags(uint32 flags) {
     fFlags = flags;
 }

@@ -11,6 +11,7 @@
 
 class BBitmap;
 class BWindow;
+class ClipRegion;
 namespace host {
 class Canvas;
 }
@@ -135,6 +136,9 @@ public:
     BPoint ConvertFromScreen(BPoint point) const;
     BRect ConvertToScreen(BRect rect) const;
     BRect ConvertFromScreen(BRect rect) const;
+
+    // What can be seen of the view itself: without what its parents cut off and its children cover.
+    void GetClippingRegion(ClipRegion* region) const;
 
     uint32 Flags() const { return fFlags; }
     virtual void SetFlags(uint32 flags);

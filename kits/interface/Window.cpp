@@ -89,17 +89,15 @@ BView* BWindow::FindView(BPoint where) const {
 void BWindow::Show() {
     if (!Lock())
         return;
-    bool isFirst = !fState->hasRun;
     if (--fState->hideCount == 0) {
-        if (isFirst) {
-            fState->hasRun = true;
+        if (!std::exchange(fState->hasShown, true)) {
             fState->BringInside();
             fState->Invalidate(Bounds());
         }
         UpdateIfNeeded();
         if (fState->host)
             fState->host->Show();
-        if (isFirst)
+        if (!fState->hasRun)
             Run();
     }
     Unlock();
@@ -117,6 +115,11 @@ bool BWindow::IsHidden() const {
     return !fState->IsVisible();
 }
 
+thread_id BWindow::Run() {
+    fState->hasRun = true;
+    return BLooper::Run();
+}
+
 void BWindow::Minimize(bool minimize) {
     if (fState->host)
         fState->host->SetMinimized(minimize);
@@ -127,7 +130,7 @@ bool BWindow::IsMinimized() const {
 }
 
 void BWindow::Activate(bool active) {
-    if (active && fState->host)
+    if (active && fState->host && (fState->flags & B_AVOID_FOCUS) == 0)
         fState->host->Activate();
 }
 

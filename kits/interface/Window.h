@@ -34,11 +34,13 @@ enum window_type {
 
 // Window flags.
 enum : uint32 {
+    B_NOT_MOVABLE = 0x00000001,
     B_NOT_RESIZABLE = 0x00000002,
     B_WILL_ACCEPT_FIRST_CLICK = 0x00000010,
     B_NOT_CLOSABLE = 0x00000020,
     B_NOT_ZOOMABLE = 0x00000040,
     B_AVOID_FRONT = 0x00000080,
+    B_AVOID_FOCUS = 0x00002000, // never active
     B_NOT_MINIMIZABLE = 0x00004000,
     B_ASYNCHRONOUS_CONTROLS = 0x00080000,
 };
@@ -52,6 +54,9 @@ inline constexpr uint32 B_ALL_WORKSPACES = 0xffffffff;
 status_t connect_display();
 
 // A window on the screen with a looper of its own. Built with new; deleted by Quit().
+//
+// One with a border that floats above all, cannot be moved and avoids the focus is a help bubble:
+// the window manager leaves it alone, and clicks go through to what is under it.
 //
 // Its frame is its content's, without the border, in logical pixels of the screen. Until it is
 // shown for the first time its thread does not run and the thread that built it has it locked;
@@ -79,6 +84,9 @@ public:
     virtual void Show();
     virtual void Hide();
     bool IsHidden() const;
+
+    // Starts the thread of a window that is to stay hidden for now.
+    thread_id Run() override;
 
     // Any thread.
     virtual void Minimize(bool minimize);

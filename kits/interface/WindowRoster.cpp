@@ -45,7 +45,8 @@ void WindowRoster::Remove(BWindow* window) {
 
 BWindow* WindowRoster::MainWindow() const {
     for (BWindow* window : fWindows) {
-        if (!window->fState->IsMenu() && !window->fState->IsAlert())
+        const auto& state = *window->fState;
+        if (!state.IsMenu() && !state.IsAlert() && !state.IsBubble())
             return window;
     }
     return nullptr;
@@ -138,6 +139,12 @@ void WindowRoster::Wake() {
         return;
     window->fState->host->SetMinimized(false);
     window->fState->host->Activate();
+}
+
+BMessenger WindowRoster::WindowAt(int32 index) const {
+    std::lock_guard lock(fMutex);
+    const auto at = static_cast<size_t>(index);
+    return at < fWindows.size() ? BMessenger(fWindows[at]) : BMessenger();
 }
 
 host::PixelRect WindowRoster::MainFrame() const {

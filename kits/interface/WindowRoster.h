@@ -17,7 +17,7 @@ class WindowRoster : public host::DisplaySink {
 public:
     static WindowRoster& Shared();
 
-    // The first window that is neither an alert nor a menu is the program's main window.
+    // The first window that is no alert, no menu and no bubble is the program's main window.
     void Add(BWindow* window);
     void Remove(BWindow* window);
 
@@ -33,6 +33,7 @@ public:
     void Allow();
     bool QuitWindows();
     void Wake();
+    BMessenger WindowAt(int32 index) const;
 
     // Where the main window is, for what belongs to it, in device pixels; empty without one.
     host::PixelRect MainFrame() const;

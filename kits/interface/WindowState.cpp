@@ -59,10 +59,18 @@ host::PixelRect BWindow::State::DeviceFrame() const {
     return {left, top, left + DeviceLength(width, scale), top + DeviceLength(height, scale)};
 }
 
+bool BWindow::State::IsBubble() const {
+    constexpr uint32 kBubbleFlags = B_NOT_MOVABLE | B_AVOID_FOCUS;
+    return look == B_BORDERED_WINDOW_LOOK && builtFeel == B_FLOATING_ALL_WINDOW_FEEL &&
+           (flags & kBubbleFlags) == kBubbleFlags;
+}
+
 host::WindowSpec BWindow::State::Spec() const {
     host::WindowSpec spec;
     if (IsMenu())
         spec.kind = host::WindowKind::Menu;
+    else if (IsBubble())
+        spec.kind = host::WindowKind::Bubble;
     else if (IsAlert())
         spec.kind = host::WindowKind::Alert;
     else if (look == B_BORDERED_WINDOW_LOOK)
@@ -98,6 +106,9 @@ void BWindow::State::SetFrame(BPoint newPlace, float newWidth, float newHeight) 
 // What the program set stays as it is unless the host's frame differs from it, so that nothing is
 // changed by rounding forth and back.
 void BWindow::State::TakeFrame(const host::PixelRect& now) {
+    // Nobody else moves it, and its own moves may have been overtaken by later ones.
+    if (IsBubble())
+        return;
     BRect oldBounds = Bounds();
     if (now.left != device.left)
         place.x = static_cast<float>(now.left / scale);
@@ -132,7 +143,7 @@ void BWindow::State::ContentResized(BRect oldBounds) {
 
 void BWindow::State::BringInside() {
     host::Display* display = host::Display::Shared();
-    if (display == nullptr || IsMenu())
+    if (display == nullptr || IsMenu() || IsBubble())
         return;
     int border = Spec().border;
     host::PixelRect whole{device.left - border, device.top - border, device.right + border,

@@ -22,6 +22,7 @@ struct BWindow::State {
 
     bool IsMenu() const { return builtFeel == kMenuWindowFeel; }
     bool IsAlert() const { return builtFeel == B_MODAL_APP_WINDOW_FEEL; }
+    bool IsBubble() const;
     bool IsVisible() const { return hideCount == 0; }
     host::PixelRect DeviceFrame() const;
     host::WindowSpec Spec() const;
@@ -82,6 +83,7 @@ struct BWindow::State {
     host::PixelRect reported; // as the frame hooks were told
     int32 hideCount = 1;
     bool hasRun = false;
+    bool hasShown = false;
     bool isActive = false;
     bigtime_t activeSince = 0;
     bool isActivating = false; // the press being handled is what activated it

@@ -49,6 +49,53 @@ protected:
     Robot fRobot{fDesktop};
 };
 
+TEST_F(Input, ThePointerIsOverAWindowOnlyWhileItsEventsComeThere) {
+    fRobot.MoveTo(150, 90);
+    TestWindow window = fDisplay.CreateShown(NormalSpec({100, 80, 340, 112}));
+    auto becomes = [&](bool over) {
+        return WaitUntil([&] { return window.events->Last<PointerOver>().over == over; });
+    };
+    EXPECT_TRUE(becomes(true)) << "mapped under the pointer";
+
+    const auto grab =
+        xcb_grab_pointer(fDesktop.Connection(), false, fDesktop.Root(), 0, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    Reply<xcb_grab_pointer_reply_t> granted(
+        xcb_grab_pointer_reply(fDesktop.Connection(), grab, nullptr));
+    ASSERT_EQ(granted->status, XCB_GRAB_STATUS_SUCCESS);
+    EXPECT_TRUE(becomes(false)) << "another program took it";
+    fRobot.MoveTo(700, 700);
+    xcb_ungrab_pointer(fDesktop.Connection(), XCB_CURRENT_TIME);
+    fDesktop.Sync();
+    fDisplay.AwaitEvents();
+    EXPECT_FALSE(window.events->Last<PointerOver>().over);
+
+    fRobot.MoveTo(150, 90);
+    EXPECT_TRUE(becomes(true));
+    window->Hide();
+    EXPECT_TRUE(becomes(false));
+    window->Show();
+    EXPECT_TRUE(becomes(true));
+    window->SetMinimized(true);
+    EXPECT_TRUE(becomes(false));
+}
+
+TEST_F(Input, ABubbleLetsClicksThroughAndTakesNoFocus) {
+    TestWindow window = fDisplay.CreateShown(NormalSpec({100, 80, 340, 112}));
+    window->Activate();
+    ASSERT_TRUE(WaitUntil([&] { return window.events->Last<FocusChanged>().active; }));
+    TestWindow bubble = fDisplay.CreateShown(
+        {.kind = WindowKind::Bubble, .frame = {110, 84, 200, 104}, .border = 1});
+    EXPECT_TRUE(fDisplay.Describe(bubble).HasType("_NET_WM_WINDOW_TYPE_TOOLTIP"));
+    EXPECT_TRUE(fDisplay.Describe(bubble).overrideRedirect);
+    fRobot.Click(150, 90);
+    EXPECT_TRUE(window.events->Await<ButtonReleased>());
+    fDisplay.AwaitEvents();
+    EXPECT_THAT(bubble.events->All<PointerMoved>(), IsEmpty());
+    EXPECT_TRUE(window.events->Last<FocusChanged>().active);
+    EXPECT_THAT(bubble.events->All<FocusChanged>(), IsEmpty());
+}
+
 TEST_F(Input, CountsClicks) {
     TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
     TestWindow other = fDisplay.CreateShown(MenuSpec({100, 200, 200, 300}));

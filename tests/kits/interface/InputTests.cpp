@@ -4,6 +4,7 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
+#include "kits/interface/PointerPresence.h"
 #include "kits/kernel/OS.h"
 
 namespace {
@@ -62,6 +63,34 @@ TEST_F(InputTest, GoesToTheDeepestViewUnderThePointer) {
     EXPECT_TRUE(Sees(left, "up", 2));
     EXPECT_EQ(EventsOf(child).back(), "exited");
     EXPECT_EQ(right->CountOf("down") + right->CountOf("entered"), 0);
+}
+
+TEST_F(InputTest, AThreadCanWaitForThePointer) {
+    PointerPresence& presence = PointerPresence::Shared();
+    ASSERT_TRUE(test::WaitUntil([&] { return !presence.IsHere(); }));
+    const auto wait = [](void*) { return PointerPresence::Shared().WaitForPointer(); };
+    const thread_id stopped = spawn_thread(wait, "stopped", B_NORMAL_PRIORITY, nullptr);
+    const thread_id waiting = spawn_thread(wait, "waiting", B_NORMAL_PRIORITY, nullptr);
+    resume_thread(stopped);
+    resume_thread(waiting);
+    status_t status = B_INTERRUPTED; // unless it has ended already
+    ask_thread_to_stop(stopped);
+    wait_for_thread(stopped, &status);
+    EXPECT_EQ(status, B_INTERRUPTED);
+
+    const uint64 seen = presence.Events();
+    MoveOver(left, BPoint(40, 40));
+    status = B_OK;
+    wait_for_thread(waiting, &status);
+    EXPECT_EQ(status, B_OK);
+    EXPECT_EQ(presence.WaitForEvent(seen), B_OK);
+    BPoint where;
+    uint32 buttons = 1;
+    get_mouse(&where, &buttons);
+    EXPECT_EQ(where, BPoint(90, 90));
+    EXPECT_EQ(buttons, 0u);
+    robot.MoveTo(1270, 890);
+    EXPECT_TRUE(test::WaitUntil([&] { return !presence.IsHere(); }));
 }
 
 TEST_F(InputTest, TellsHowThePointerCrossesViews) {
