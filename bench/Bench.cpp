@@ -68,8 +68,12 @@ void PrintTables(const std::vector<Subject>& subjects, std::map<std::string, dou
                     Median(cairo.pss) / 1024, "ratio 1.5");
     PrintComparison("private dirty", "MiB", Median(bar.privateDirty) / 1024,
                     Median(xcb.privateDirty) / 1024, Median(cairo.privateDirty) / 1024, "ratio 2");
-    printf("| wake-ups a second, idle | %.2f | %.2f | %.2f | | 0 |\n\n", bar.wakeUps, cairo.wakeUps,
+    printf("| wake-ups a second, idle | %.2f | %.2f | %.2f | | 0 |\n", bar.wakeUps, cairo.wakeUps,
            xcb.wakeUps);
+    printf("| the same, the pointer rests on a button | %.2f | %.2f | %.2f | | |\n",
+           bar.wakeUpsOnButton, cairo.wakeUpsOnButton, xcb.wakeUpsOnButton);
+    printf("| the same, the pointer rests on the drag strip | %.2f | %.2f | %.2f | | |\n\n",
+           bar.wakeUpsBeside, cairo.wakeUpsBeside, xcb.wakeUpsBeside);
     printf("| the store | time | budget |\n| --- | ---: | --- |\n");
     const std::pair<const char*, const char*> rows[] = {{"rebuild", "10 ms"},
                                                         {"rename", "3 ms"},

@@ -21,6 +21,8 @@ namespace {
 constexpr uint32_t kRootColour = 0xff00ff;
 constexpr int kBarX = 32; // inside the first folder button, and inside the bare windows
 constexpr int kBarY = 60;
+constexpr int kStripX = 46; // inside the drag strip
+constexpr int kStripY = 36;
 constexpr int kAwayX = 1000;
 constexpr int kAwayY = 700;
 constexpr int kLaterMenus = 3;
@@ -144,15 +146,25 @@ double DesktopBench::OpenMenu(const Subject& subject) {
 }
 
 void DesktopBench::MeasureWakeUps(std::vector<Subject>& subjects, int seconds) {
-    Robot(fDesktop).MoveTo(kAwayX, kAwayY);
     for (Subject& subject : subjects) {
-        const auto process = Run(subject);
-        std::this_thread::sleep_for(std::chrono::seconds(2));
-        const double before = ContextSwitches(process->Pid());
-        std::this_thread::sleep_for(std::chrono::seconds(seconds));
-        subject.wakeUps = (ContextSwitches(process->Pid()) - before) / seconds;
-        End(*process);
+        subject.wakeUps = WakeUps(subject, kAwayX, kAwayY, seconds);
+        subject.wakeUpsOnButton = WakeUps(subject, subject.x, subject.y, seconds);
+        subject.wakeUpsBeside = WakeUps(subject, kStripX, kStripY, seconds);
     }
+}
+
+double DesktopBench::WakeUps(const Subject& subject, int x, int y, int seconds) {
+    Robot robot(fDesktop);
+    robot.MoveTo(kAwayX, kAwayY);
+    const auto process = Run(subject);
+    std::this_thread::sleep_for(std::chrono::seconds(2));
+    robot.MoveTo(x, y);
+    std::this_thread::sleep_for(std::chrono::seconds(4)); // a help bubble comes and goes
+    const double before = ContextSwitches(process->Pid());
+    std::this_thread::sleep_for(std::chrono::seconds(seconds));
+    const double wakeUps = (ContextSwitches(process->Pid()) - before) / seconds;
+    End(*process);
+    return wakeUps;
 }
 
 } // namespace bench

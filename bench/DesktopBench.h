@@ -26,7 +26,11 @@ struct Subject {
     std::vector<double> laterMenus = {};
     std::vector<double> pss = {};          // KiB
     std::vector<double> privateDirty = {}; // KiB
-    double wakeUps = 0;                    // a second, while nothing happens
+    // A second, while nothing happens, with the pointer elsewhere, on the button, beside the
+    // buttons.
+    double wakeUps = 0;
+    double wakeUpsOnButton = 0;
+    double wakeUpsBeside = 0;
 };
 
 // Measures programs on a desktop of its own, whose root is filled with a colour that no program
@@ -42,6 +46,7 @@ public:
 
 private:
     double OpenMenu(const Subject& subject);
+    double WakeUps(const Subject& subject, int x, int y, int seconds);
 
     test::PrivateDesktop& fDesktop;
 };

@@ -33,8 +33,9 @@ layer(quillbar_base quillbar/app LINKS kits_interface
 layer(quillbar_widgets quillbar/bar/widgets LINKS quillbar_base)
 layer(quillbar_store quillbar/store LINKS quillbar_widgets)
 layer(quillbar_hotkey quillbar/hotkey LINKS quillbar_base)
+layer(quillbar_bubbles quillbar/bubbles LINKS quillbar_base)
 # The bar window and the Add Bookmark window know each other.
 layer(quillbar_addbookmark quillbar/addbookmark LINKS quillbar_store)
-layer(quillbar_bar quillbar/bar LINKS quillbar_addbookmark quillbar_hotkey)
+layer(quillbar_bar quillbar/bar LINKS quillbar_addbookmark quillbar_hotkey quillbar_bubbles)
 target_link_libraries(quillbar_addbookmark PUBLIC quillbar_bar)
 layer(quillbar_app quillbar/app LINKS quillbar_bar EXCLUDE Settings.cpp SettingsFile.cpp Commands.cpp Trace.cpp main.cpp)

@@ -12,8 +12,10 @@
 #include "quillbar/bar/Browsers.h"
 #include "quillbar/bar/widgets/Bar.h"
 #include "quillbar/bar/widgets/Button.h"
+#include "quillbar/bubbles/BubbleHelper.h"
 #include "quillbar/hotkey/Tracker.h"
 #include "quillbar/store/Monitor.h"
+#include "quillbar/store/Path.h"
 
 BMessenger* QBMainWindow::fMsgWindow = nullptr;
 std::mutex QBMainWindow::fMsgLock;
@@ -64,7 +66,8 @@ QBMainWindow::QBMainWindow(BRect frame)
     , fOnTopItem(nullptr)
     , fHotKeyItems{}
     , fAddWindowOpen(false)
-    , fBar(nullptr) {
+    , fBar(nullptr)
+    , fBubbles(nullptr) {
     if (gSettings->GetAlign() == kQBAlignHorizontal)
         ResizeTo(kRow.size.x, kRow.size.y);
     if (gSettings->GetOnTop())
@@ -80,6 +83,7 @@ QBMainWindow::~QBMainWindow() {
         fMsgWindow = nullptr;
     }
     gSettings->SetPos(Frame().LeftTop());
+    delete fBubbles;
     delete fMonitor;
     fMonitor = nullptr;
     delete fLocker;
@@ -101,6 +105,8 @@ void QBMainWindow::InitWindow() {
     }
     fLocker = new BLocker("store");
     AddViews();
+    fBubbles = new BubbleHelper();
+    SetFolderHelp();
     // The first message, handled when the window has been painted.
     PostMessage(kQBPrepareMenus);
     AddChild(new QBTracker());
@@ -135,6 +141,11 @@ void QBMainWindow::AddViews() {
         button->SetFont(be_bold_font, B_FONT_ALL);
         button->SetViewColor(color);
     }
+}
+
+void QBMainWindow::SetFolderHelp() {
+    for (int digit = 0; digit < 10; ++digit)
+        fBubbles->SetHelp(fButtons[digit], fMonitor->fPaths[digit]->Name());
 }
 
 void QBMainWindow::WarnWithoutBrowser() {

@@ -10,6 +10,7 @@ class BMenuItem;
 class BMessenger;
 class BPopUpMenu;
 class BView;
+class BubbleHelper;
 class QBBar;
 class QBButton;
 class QBMonitor;
@@ -57,6 +58,7 @@ public:
 
 private:
     void AddViews();
+    void SetFolderHelp();
     void BuildSettingsMenu();
     void AddBrowserItem(const char* label, uint32 command, QBBrowser browser, bool isInstalled,
                         bool isOnly);
@@ -92,6 +94,7 @@ private:
     BMenuItem* fHotKeyItems[6];
     bool fAddWindowOpen;
     QBBar* fBar;
+    BubbleHelper* fBubbles;
 
     static std::mutex fMsgLock; // guards fMsgWindow
 };

@@ -228,6 +228,7 @@ void QBMainWindow::HandleLaunch(BMessage* message) {
 void QBMainWindow::HandleNodeMonitor(BMessage* message) {
     fLocker->Lock();
     fMonitor->HandleNodeMessage(message);
+    SetFolderHelp();
     fLocker->Unlock();
     if (fAddWindowOpen)
         QBBookmarkWindow::TellStoreChanged();

@@ -50,6 +50,16 @@ TEST_F(ScaledDesktopTest, EverythingIsTwiceAsLarge) {
     const Box place = menu.Slot(5);
     fRobot.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(LastUrl(1), "http://five.example/");
+
+    fRobot.MoveTo(button.CenterX() + 1, button.CenterY());
+    const auto bubbles = [&] {
+        return fScreen.Windows([](const WindowInfo& info) {
+            return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
+        });
+    };
+    ASSERT_TRUE(WaitUntil([&] { return !bubbles().empty(); }));
+    EXPECT_NEAR(bubbles()[0].frame.y, button.CenterY() + 2 * 20, 4);
+    EXPECT_GE(bubbles()[0].frame.height, 2 * 16);
     EXPECT_EQ(fProgram.Stop(), 0);
     EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
 }

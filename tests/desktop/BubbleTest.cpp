@@ -1,0 +1,114 @@
+// The help bubbles of the folder buttons.
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+
+namespace {
+
+constexpr int kBorder = 1;
+
+class BubbleTest : public DesktopTest {
+protected:
+    void SetUp() override {
+        DesktopTest::SetUp();
+        AddFolder("3 - Some Folder");
+        AddFolder("4 - Two\nLines of \xff\xfe");
+        AddFolder("5 - " + std::string(250, 'W'));
+    }
+    void AddFolder(const std::string& name) const {
+        std::filesystem::create_directories(fProgram.Root() / name);
+    }
+    std::vector<WindowInfo> Bubbles() const {
+        return fScreen.Windows([](const WindowInfo& info) {
+            return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
+        });
+    }
+    void Point(int digit, int aside = 0) {
+        const Box button = fProgram.Button(digit);
+        fRobot.MoveTo(button.CenterX() + aside, button.CenterY());
+    }
+    bool Goes() const {
+        return WaitUntil([&] { return Bubbles().empty(); });
+    }
+    // The bubble that comes up, elsewhere than the last one; empty if none does.
+    Box Rest(int digit, int aside = 0) {
+        const Box last = fLast;
+        Point(digit, aside);
+        const bool isUp = WaitUntil([&] {
+            for (const WindowInfo& bubble : Bubbles())
+                // One that is about to be hidden is above the screen.
+                fLast = bubble.frame.y >= 0 ? bubble.frame : fLast;
+            return fLast != last;
+        });
+        return isUp ? fLast : Box();
+    }
+
+    Box fLast;
+};
+
+TEST_F(BubbleTest, ShowsAFoldersNameUntilThePointerMovesOrAMenuOpens) {
+    fProgram.Start();
+    PlainWindow other(fDesktop, {500, 500, 100, 100});
+    other.Activate();
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == other.Id(); }));
+    const Box button = fProgram.Button(3);
+    const Box one = Rest(3);
+    EXPECT_EQ(one.x, button.CenterX() - kBorder);
+    EXPECT_EQ(one.y, button.CenterY() + 20 - kBorder);
+    EXPECT_TRUE(WaitUntil([&] { return fScreen.Grab(one).Count(0xf0f064) > 100; }));
+    EXPECT_EQ(fScreen.ActiveWindow(), other.Id());
+    EXPECT_EQ(fScreen.FocusedWindow(), other.Id());
+
+    fRobot.MoveTo(button.CenterX() + 1, button.CenterY());
+    EXPECT_TRUE(Goes());
+    ASSERT_EQ(Rest(3, 1).width, one.width);
+    fRobot.Press();
+    fRobot.Release();
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    EXPECT_TRUE(Goes());
+    CloseMenus();
+
+    const Box two = Rest(4);
+    EXPECT_GT(two.height, one.height * 3 / 2);
+    // By a key: the pointer does not move.
+    ActivateBar();
+    fRobot.MoveTo(button.CenterX(), button.CenterY());
+    ASSERT_EQ(Rest(3).width, one.width);
+    fRobot.Key(XK_7);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    EXPECT_TRUE(Goes());
+    CloseMenus();
+
+    const std::filesystem::path root = fProgram.Root();
+    std::filesystem::rename(root / "3 - Some Folder", root / "3 - Another, Longer Name");
+    int aside = 1;
+    EXPECT_TRUE(WaitUntil([&] {
+        aside = -aside;
+        return Rest(3, aside).width > one.width + 20;
+    }));
+}
+
+TEST_F(BubbleTest, StaysOnTheScreenNearItsEdges) {
+    BMessage settings;
+    settings.AddPoint("pos", BPoint(1256, 630));
+    fProgram.WriteSettings(settings);
+    AddFolder("9 - Last");
+    fProgram.Start();
+    const Box right = Rest(3);
+    EXPECT_EQ(right.x + right.width, 1280 + kBorder);
+    EXPECT_EQ(right.y, fProgram.Button(3).CenterY() + 20 - kBorder);
+    const Box above = Rest(9);
+    EXPECT_EQ(above.x + above.width, 1280 + kBorder);
+    EXPECT_EQ(above.y + above.height, fProgram.Button(9).CenterY() - 4 + 1 + kBorder);
+}
+
+TEST_F(BubbleTest, EndsWithTheProgramAndShowsAnyName) {
+    fProgram.Start();
+    const Box wide = Rest(5);
+    EXPECT_GT(wide.width, 1280);
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_TRUE(Bubbles().empty());
+}
+
+} // namespace

@@ -1,0 +1,313 @@
+// The helper beside real windows: its texts, when a bubble comes and goes, and where.
+
+#include <chrono>
+#include <future>
+#include <gtest/gtest.h>
+#include <thread>
+#include <xcb/xcb.h>
+
+#include "kits/app/Application.h"
+#include "kits/interface/View.h"
+#include "kits/interface/Window.h"
+#include "quillbar/bubbles/BubbleHelper.h"
+#include "tests/support/Robot.h"
+#include "tests/support/Screen.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/Wait.h"
+
+using namespace std::chrono_literals;
+using test::Box;
+using test::WaitUntil;
+
+namespace {
+
+constexpr bigtime_t kQuickCycle = 5'000;
+constexpr auto kCycleTime = 5ms;
+
+// Everything that there is once in a process.
+struct Session {
+    test::TemporaryHome home;
+    test::PrivateDesktop& desktop = test::PrivateDesktop::Shared();
+
+    Session() {
+        std::promise<status_t> connected;
+        std::thread([&connected] {
+            auto* app = new BApplication("application/x-Orvel.BubbleTest");
+            connected.set_value(connect_display());
+            app->Run();
+        }).detach();
+        if (connected.get_future().get() != B_OK)
+            std::abort();
+    }
+};
+
+test::PrivateDesktop& Desktop() {
+    static auto* session = new Session;
+    return session->desktop;
+}
+
+// Counts how often the bubble came and went: nothing is missed, however busy the machine is.
+class BubbleWatch {
+public:
+    explicit BubbleWatch(test::PrivateDesktop& desktop)
+        : fScreen(desktop)
+        , fConnection(xcb_connect(desktop.Name().c_str(), nullptr)) {
+        const uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        xcb_change_window_attributes(fConnection, desktop.Root(), XCB_CW_EVENT_MASK, &events);
+        free(xcb_get_input_focus_reply(fConnection, xcb_get_input_focus(fConnection), nullptr));
+    }
+    ~BubbleWatch() { xcb_disconnect(fConnection); }
+
+    int Comings() {
+        Read();
+        return fComings;
+    }
+    int Goings() {
+        Read();
+        return fGoings;
+    }
+
+private:
+    void Read() {
+        while (auto* event = xcb_poll_for_event(fConnection)) {
+            // Both have the window in the same place.
+            const auto* change = reinterpret_cast<xcb_map_notify_event_t*>(event);
+            const int type = event->response_type & 0x7f;
+            if ((type == XCB_MAP_NOTIFY || type == XCB_UNMAP_NOTIFY) &&
+                fScreen.Describe(change->window).HasType("_NET_WM_WINDOW_TYPE_TOOLTIP"))
+                (type == XCB_MAP_NOTIFY ? fComings : fGoings)++;
+            free(event);
+        }
+    }
+
+    test::Screen fScreen;
+    xcb_connection_t* fConnection;
+    int fComings = 0;
+    int fGoings = 0;
+};
+
+// A window at (400, 300) with a view, and two views that overlap inside that.
+class BubbleHelperTest : public testing::Test {
+protected:
+    BubbleHelperTest()
+        : robot(Desktop())
+        , screen(Desktop())
+        , window(new BWindow(BRect(400, 300, 599, 399), "Views", B_TITLED_WINDOW_LOOK,
+                             B_NORMAL_WINDOW_FEEL, 0))
+        , parent(new BView(BRect(0, 0, 99, 99), "parent", B_FOLLOW_NONE, 0))
+        , lower(new BView(BRect(10, 10, 49, 49), "lower", B_FOLLOW_NONE, 0))
+        , upper(new BView(BRect(30, 10, 69, 49), "upper", B_FOLLOW_NONE, 0)) {
+        robot.MoveTo(1000, 800);
+        parent->AddChild(lower);
+        parent->AddChild(upper);
+        window->AddChild(parent);
+        window->Show();
+        EXPECT_TRUE(WaitUntil([&] {
+            return screen.ActiveWindow() != XCB_NONE &&
+                   screen.Describe(screen.ActiveWindow()).title == "Views";
+        }));
+    }
+    ~BubbleHelperTest() override {
+        if (window->Lock())
+            window->Quit();
+    }
+
+    std::vector<test::WindowInfo> Bubbles() const {
+        return screen.Windows([](const test::WindowInfo& info) {
+            return info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
+        });
+    }
+    bool IsShown() const { return !Bubbles().empty() && Bubbles()[0].viewable; }
+    // Wait for the bubble's next coming, and for the going after that.
+    bool Comes() {
+        seen++;
+        return WaitUntil([&] { return watch.Comings() >= seen; });
+    }
+    bool Goes() {
+        return WaitUntil([&] { return watch.Goings() >= seen; });
+    }
+    bool StaysAway() {
+        return !WaitUntil([&] { return watch.Comings() > seen; }, 20 * kCycleTime);
+    }
+    // The bubble's content.
+    Box Frame() const {
+        const Box outer = Bubbles().at(0).frame;
+        return {outer.x + 1, outer.y + 1, outer.width - 2, outer.height - 2};
+    }
+    // The content of the bubble that is shown for the text with the pointer at that place.
+    Box Displayed(BubbleHelper& helper, const std::string& text, int x, int y) {
+        // The bubble's window may not be made yet.
+        EXPECT_TRUE(WaitUntil([&] {
+            helper.DisplayHelp(text.c_str(), BPoint(x, y));
+            return IsShown();
+        }));
+        const Box frame = Frame();
+        helper.HideBubble();
+        EXPECT_TRUE(WaitUntil([&] { return !IsShown(); }));
+        return frame;
+    }
+    // From the pointer's coming to the bubble's going: seven cycles and the bubble's own.
+    std::chrono::steady_clock::duration TimeAt(int x, int y) {
+        const auto start = std::chrono::steady_clock::now();
+        robot.MoveTo(x, y);
+        EXPECT_TRUE(Comes());
+        EXPECT_TRUE(Goes());
+        return std::chrono::steady_clock::now() - start;
+    }
+    void Hide(BView* view) {
+        window->Lock();
+        view->Hide();
+        window->Unlock();
+    }
+
+    test::Robot robot;
+    test::Screen screen;
+    BubbleWatch watch{Desktop()};
+    int seen = 0;
+    BWindow* window;
+    BView* parent;
+    BView* lower;
+    BView* upper;
+};
+
+TEST_F(BubbleHelperTest, KeepsOneTextForAView) {
+    BubbleHelper helper;
+    helper.SetHelp(nullptr, "nothing");
+    char text[] = "first";
+    helper.SetHelp(lower, text);
+    text[0] = 'F';
+    EXPECT_STREQ(helper.GetHelp(lower), "first");
+    EXPECT_EQ(helper.GetHelp(upper), nullptr);
+    helper.SetHelp(upper, "other");
+    helper.SetHelp(lower, "second");
+    EXPECT_STREQ(helper.GetHelp(lower), "second");
+    helper.SetHelp(lower, nullptr);
+    EXPECT_EQ(helper.GetHelp(lower), nullptr);
+    EXPECT_STREQ(helper.GetHelp(upper), "other");
+
+    testing::internal::CaptureStderr();
+    {
+        BubbleHelper another;
+        another.SetHelp(upper, "another's");
+        EXPECT_EQ(another.GetHelp(upper), nullptr);
+        another.DisplayHelp("another's", BPoint(0, 0));
+    }
+    EXPECT_NE(testing::internal::GetCapturedStderr().find(
+                  "only one BubbleHelper instance allowed/necessary"),
+              std::string::npos);
+}
+
+TEST_F(BubbleHelperTest, FindsTheViewThatCanBeSeen) {
+    BubbleHelper helper;
+    EXPECT_EQ(helper.FindView(BPoint(405, 305)), parent);
+    EXPECT_EQ(helper.FindView(BPoint(415, 315)), lower);
+    EXPECT_EQ(helper.FindView(BPoint(435, 315)), upper) << "it covers the other one";
+    EXPECT_EQ(helper.FindView(BPoint(550, 315)), nullptr);
+    EXPECT_EQ(helper.FindView(BPoint(399, 315)), nullptr);
+    Hide(upper);
+    EXPECT_EQ(helper.FindView(BPoint(435, 315)), lower);
+    window->Lock();
+    window->Hide();
+    window->Unlock();
+    EXPECT_EQ(helper.FindView(BPoint(415, 315)), nullptr);
+}
+
+TEST_F(BubbleHelperTest, ComesWhereThePointerRestsAndGoesWhenItMovesOrPresses) {
+    BubbleHelper helper(kQuickCycle);
+    std::string text = "the parent's text\n";
+    for (int line = 0; line < 20; line++)
+        text += "one of the lines that make it stay for a long time\n";
+    helper.SetHelp(parent, text.c_str());
+    robot.MoveTo(415, 315);
+    ASSERT_TRUE(Comes());
+    EXPECT_EQ(Frame().x, 415);
+    EXPECT_EQ(Frame().y, 335);
+    EXPECT_EQ(screen.Pixel(Frame().x, Frame().y), 0xf0f064u);
+    EXPECT_EQ(screen.Pixel(Frame().x - 1, Frame().y), 0u);
+    EXPECT_EQ(screen.Describe(screen.ActiveWindow()).title, "Views");
+
+    robot.MoveTo(416, 315);
+    EXPECT_TRUE(Goes());
+    ASSERT_TRUE(Comes());
+    EXPECT_TRUE(WaitUntil([&] { return Frame().x == 416; }));
+    robot.Press(2);
+    EXPECT_TRUE(Goes());
+    robot.Release(2);
+
+    helper.EnableHelp(false);
+    robot.MoveTo(417, 315);
+    EXPECT_TRUE(StaysAway());
+    helper.EnableHelp(true);
+    EXPECT_TRUE(Comes());
+}
+
+TEST_F(BubbleHelperTest, StaysAsLongAsItsTextAndComesOnceForAPlace) {
+    BubbleHelper helper(kQuickCycle);
+    helper.SetHelp(lower, "short");
+    helper.SetHelp(upper, std::string(160, 'i').c_str());
+    const auto shortTime = TimeAt(415, 315);
+    EXPECT_GE(shortTime, (7 + 21) * kCycleTime);
+    EXPECT_LT(shortTime, (7 + 161) * kCycleTime);
+    EXPECT_TRUE(StaysAway());
+    EXPECT_GE(TimeAt(435, 315), (7 + 161) * kCycleTime);
+    helper.SetHelp(upper, nullptr);
+    robot.MoveTo(436, 315);
+    EXPECT_TRUE(StaysAway());
+    robot.MoveTo(415, 315);
+    EXPECT_TRUE(Comes());
+}
+
+TEST_F(BubbleHelperTest, StandsInsideThePointersMonitor) {
+    BubbleHelper helper(kQuickCycle);
+    const Box plain = Displayed(helper, "some help", 100, 100);
+    EXPECT_EQ((Box{plain.x, plain.y, 0, 0}), (Box{100, 120, 0, 0}));
+    const int w = plain.width - 1, h = plain.height - 1;
+    EXPECT_EQ(Displayed(helper, "some help", 1270, 100), (Box{1279 - w, 120, w + 1, h + 1}));
+    // Three pixels at the bottom are kept free.
+    EXPECT_EQ(Displayed(helper, "some help", 10, 896 - 20 - h).y, 896 - h);
+    EXPECT_EQ(Displayed(helper, "some help", 10, 897 - 20 - h).y, 897 - 20 - h - h - 4);
+    EXPECT_EQ(Displayed(helper, "some help", 1279, 899), (Box{1279 - w, 895 - h, w + 1, h + 1}));
+
+    Desktop().SetMonitors({{0, 0, 800, 900}, {800, 0, 480, 500}});
+    EXPECT_TRUE(WaitUntil([&] { return Displayed(helper, "some help", 790, 100).x == 799 - w; }));
+    EXPECT_EQ(Displayed(helper, "some help", 1270, 495), (Box{1279 - w, 491 - h, w + 1, h + 1}));
+    EXPECT_EQ(Displayed(helper, "some help", 10, 495).y, 515);
+    Desktop().SetMonitors({Desktop().Frame()});
+}
+
+TEST_F(BubbleHelperTest, FitsAnyText) {
+    BubbleHelper helper(kQuickCycle);
+    const Box line = Displayed(helper, "line", 100, 100);
+    const Box two = Displayed(helper, "line\na wider line", 100, 100);
+    EXPECT_GT(two.width, line.width);
+    EXPECT_EQ(two.height - 5, 2 * (line.height - 5));
+    const Box broken = Displayed(helper, "line \xff\xfe", 100, 100);
+    EXPECT_GT(broken.width, line.width);
+    EXPECT_EQ(broken.height, line.height);
+    EXPECT_LT(Displayed(helper, std::string(255, 'W'), 100, 100).x, 0);
+}
+
+// At any moment: before the bubble's window is made, while it is, while a bubble is up.
+TEST_F(BubbleHelperTest, CanBeDestroyedAThousandTimesWithABubbleUp) {
+    robot.MoveTo(415, 315);
+    const auto countWindows = [] {
+        int32 count = 0;
+        while (be_app->WindowAt(count).IsTargetLocal())
+            count++;
+        return count;
+    };
+    ASSERT_TRUE(WaitUntil([&] { return Bubbles().empty(); }));
+    const int32 before = countWindows();
+    for (int round = 0; round < 1000; round++) {
+        BubbleHelper helper(50);
+        helper.SetHelp(lower, "some help");
+        if (round % 4 == 0)
+            continue;
+        while (countWindows() == before)
+            std::this_thread::yield();
+        helper.DisplayHelp("some other help", BPoint(round, round));
+    }
+    EXPECT_TRUE(WaitUntil([&] { return Bubbles().empty() && countWindows() == before; }));
+}
+
+} // namespace
