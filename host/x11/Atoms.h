@@ -7,9 +7,11 @@
 
 // Every atom that the program names, in one table: they are interned in one round trip.
 #define X11_ATOMS(ATOM)                                                                            \
+    ATOM(kApplicationColor, "application/x-color")                                                 \
     ATOM(kAtomPair, "ATOM_PAIR")                                                                   \
     ATOM(kClipboard, "CLIPBOARD")                                                                  \
     ATOM(kClipboardManager, "CLIPBOARD_MANAGER")                                                   \
+    ATOM(kCompositor, "_NET_WM_CM_S0")                                                             \
     ATOM(kIncr, "INCR")                                                                            \
     ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                                                         \
     ATOM(kMultiple, "MULTIPLE")                                                                    \
@@ -28,6 +30,7 @@
     ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                                                      \
     ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                                                  \
     ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")                                     \
+    ATOM(kNetWmWindowTypeDnd, "_NET_WM_WINDOW_TYPE_DND")                                           \
     ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                                     \
     ATOM(kNetWmWindowTypePopupMenu, "_NET_WM_WINDOW_TYPE_POPUP_MENU")                              \
     ATOM(kNetWmWindowTypeTooltip, "_NET_WM_WINDOW_TYPE_TOOLTIP")                                   \
@@ -36,6 +39,7 @@
     ATOM(kSelectionData, "SELECTION_DATA")                                                         \
     ATOM(kTargets, "TARGETS")                                                                      \
     ATOM(kText, "TEXT")                                                                            \
+    ATOM(kTextPlain, "text/plain")                                                                 \
     ATOM(kTextPlainUtf8, "text/plain;charset=utf-8")                                               \
     ATOM(kTimestamp, "TIMESTAMP")                                                                  \
     ATOM(kUtf8String, "UTF8_STRING")                                                               \
@@ -44,6 +48,18 @@
     ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                                                      \
     ATOM(kWmProtocols, "WM_PROTOCOLS")                                                             \
     ATOM(kWmState, "WM_STATE")                                                                     \
+    ATOM(kXdndActionCopy, "XdndActionCopy")                                                        \
+    ATOM(kXdndAware, "XdndAware")                                                                  \
+    ATOM(kXdndDirectSave, "XdndDirectSave0")                                                       \
+    ATOM(kXdndDrop, "XdndDrop")                                                                    \
+    ATOM(kXdndEnter, "XdndEnter")                                                                  \
+    ATOM(kXdndFinished, "XdndFinished")                                                            \
+    ATOM(kXdndLeave, "XdndLeave")                                                                  \
+    ATOM(kXdndPosition, "XdndPosition")                                                            \
+    ATOM(kXdndProxy, "XdndProxy")                                                                  \
+    ATOM(kXdndSelection, "XdndSelection")                                                          \
+    ATOM(kXdndStatus, "XdndStatus")                                                                \
+    ATOM(kXdndTypeList, "XdndTypeList")                                                            \
     ATOM(kXSettingsOwner, "_XSETTINGS_S0")                                                         \
     ATOM(kXSettingsSettings, "_XSETTINGS_SETTINGS")
 

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "host/draw/Image.h"
+#include "kits/support/Color.h"
+#include "kits/support/Errors.h"
 #include "kits/support/SupportDefs.h"
 
 // The floor's only header for what stands above it: windows and input in plain types. Everything is
@@ -103,6 +105,11 @@ struct KeyChanged {
     KeyStates states; // with this change
     bigtime_t when;
 };
+// By the user, who dragged it from some program.
+struct ColorDropped {
+    int x, y; // in the window's content
+    rgb_color color;
+};
 struct FocusChanged {
     bool active; // changes by a grab are left out
 };
@@ -114,9 +121,9 @@ struct MinimizedChanged {
 };
 struct CloseRequested {}; // by the window manager, or another program destroyed the window
 
-using WindowEvent =
-    std::variant<PointerMoved, PointerLeft, PointerOver, ButtonPressed, ButtonReleased, WheelTurned,
-                 KeyChanged, FocusChanged, FrameChanged, MinimizedChanged, CloseRequested>;
+using WindowEvent = std::variant<PointerMoved, PointerLeft, PointerOver, ButtonPressed,
+                                 ButtonReleased, WheelTurned, KeyChanged, ColorDropped,
+                                 FocusChanged, FrameChanged, MinimizedChanged, CloseRequested>;
 
 // What receives the events of one window. Called by the display thread; it must be quick and must
 // not wait for a looper: it posts messages.
@@ -148,6 +155,30 @@ public:
     virtual void SessionKeyChanged(const SessionKey& key) = 0;
     // The connection broke: no event follows and requests do nothing.
     virtual void DisplayLost() = 0;
+};
+
+// One form of what is dragged.
+struct DragData {
+    std::string type;  // a MIME type, or one of X's own
+    std::string bytes; // 64 KiB at most
+};
+
+// What is dragged out of the program.
+struct DragSpec {
+    std::vector<DragData> data; // the form that says most first
+    std::string fileName;       // to be saved under as a file, which goes before `data`; or empty
+    Image image{};              // copied
+    int hotX = 0, hotY = 0;     // the pixel of the image that is under the pointer
+};
+
+// What saves a file that was dragged out. The display thread's rule of WindowSink.
+class DragSink {
+public:
+    virtual ~DragSink() = default;
+    // A file manager has it dropped at `path`, where nothing may be yet. `answer` is called once,
+    // on any thread, when the file is there or cannot be; after some seconds it does nothing.
+    virtual void SaveRequested(const std::string& path,
+                               std::function<void(status_t status)> answer) = 0;
 };
 
 // A window on the screen. Its picture is kept by the server's side of this floor: an expose is
@@ -182,6 +213,13 @@ public:
     // microseconds if another program holds a grab; B_TIMED_OUT if it still does.
     virtual status_t GrabInput(bigtime_t timeout) = 0;
     virtual void ReleaseInput() = 0;
+
+    // Has what a press in this window has taken hold of dragged until the buttons are up, then
+    // dropped on what is under the pointer. Input is grabbed meanwhile; the window still gets the
+    // pointer's events, Escape ends the drag. Returns when it has begun. B_BUSY during another
+    // drag, B_CANCELED when no button is down any more, B_BAD_VALUE for too much data, B_TIMED_OUT
+    // if another program has a grab.
+    virtual status_t Drag(const DragSpec& spec, std::shared_ptr<DragSink> sink) = 0;
 };
 
 struct Pointer {

@@ -186,7 +186,7 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
     case XCB_SELECTION_CLEAR:
     case XCB_SELECTION_REQUEST:
     case XCB_SELECTION_NOTIFY:
-        fDisplay.HandedTexts().Handle(event);
+        HandleSelection(event);
         break;
     case XCB_CLIENT_MESSAGE:
         HandleMessage(As<xcb_client_message_event_t>(event));
@@ -214,6 +214,8 @@ void EventThread::HandleKey(const xcb_key_press_event_t& event, bool down) {
     KeyChanged change = fKeyboard.Translate(event, down);
     if (auto states = fRawKeys.States())
         change.states = *states; // also of keys that were pressed elsewhere
+    if (fDisplay.Drags().HandleKey(change))
+        return;
     Tell(fDisplay.Grab().TargetOf(event.event), change);
 }
 
@@ -244,12 +246,14 @@ void EventThread::HandleRelease(const xcb_button_release_event_t& event) {
         at.buttons &= ~button;
         window.Tell(ButtonReleased{at, Now()});
     });
+    fDisplay.Drags().HandleRelease(event, ButtonsOf(event.state) & ~button);
 }
 
 void EventThread::HandleMotion(const xcb_motion_notify_event_t& event) {
     xcb_window_t target = fDisplay.Grab().TargetOf(event.event);
     fDisplay.Windows().Deliver(target,
                                [&](XWindow& window) { window.Tell(PlaceOf(event, window)); });
+    fDisplay.Drags().HandleMotion(event);
 }
 
 void EventThread::HandleCrossing(const xcb_enter_notify_event_t& event, bool entered) {
@@ -281,7 +285,7 @@ void EventThread::HandleFocus(const xcb_focus_in_event_t& event, bool active) {
 }
 
 void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
-    if (fDisplay.HandedTexts().HandleProperty(event))
+    if (fDisplay.HandedTexts().HandleProperty(event) || fDisplay.Drops().HandleProperty(event))
         return;
     if (event.window == fConnection.Root()) {
         if (event.atom == fConnection[kNetActiveWindow])
@@ -292,7 +296,21 @@ void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
     }
 }
 
+void EventThread::HandleSelection(const xcb_generic_event_t& event) {
+    uint8 type = event.response_type & kEventType;
+    if (type == XCB_SELECTION_REQUEST &&
+        As<xcb_selection_request_event_t>(event).selection == fConnection[kXdndSelection]) {
+        fDisplay.Drags().HandleRequest(As<xcb_selection_request_event_t>(event));
+        return;
+    }
+    if (type == XCB_SELECTION_NOTIFY)
+        fDisplay.Drops().HandleNotify(As<xcb_selection_notify_event_t>(event));
+    fDisplay.HandedTexts().Handle(event);
+}
+
 void EventThread::HandleMessage(const xcb_client_message_event_t& event) {
+    if (fDisplay.Drops().HandleMessage(event) || fDisplay.Drags().HandleMessage(event))
+        return;
     if (event.type != fConnection[kWmProtocols] || event.format != 32 ||
         !fDisplay.Windows().Contains(event.window))
         return;

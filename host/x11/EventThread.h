@@ -45,6 +45,7 @@ private:
     void HandleCrossing(const xcb_enter_notify_event_t& event, bool entered);
     void HandleFocus(const xcb_focus_in_event_t& event, bool active);
     void HandleProperty(const xcb_property_notify_event_t& event);
+    void HandleSelection(const xcb_generic_event_t& event);
     void HandleMessage(const xcb_client_message_event_t& event);
     void CheckMonitors(const xcb_generic_event_t& event);
     void Report(const xcb_generic_error_t& error);

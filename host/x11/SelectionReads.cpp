@@ -10,16 +10,21 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
 constexpr bigtime_t kPatience = 2'000'000; // without progress
+constexpr bigtime_t kLongest = 10'000'000;
 constexpr bigtime_t kCheckInterval = 250'000;
 
 } // namespace
 
-SelectionReads::SelectionReads(const Connection& connection)
-    : fConnection(connection) {}
+SelectionReads::SelectionReads(const Connection& connection, std::size_t maxBytes)
+    : fConnection(connection)
+    , fMaxBytes(maxBytes) {}
 
 SelectionReads::~SelectionReads() {
+    Cancel();
+}
+
+void SelectionReads::Cancel() {
     Lock lock(fLock);
     while (!fReads.empty()) {
         Finish(lock, fReads.begin(), B_CANCELED);
@@ -31,6 +36,11 @@ void SelectionReads::Start(xcb_atom_t selection, SelectionAnswer answer) {
     Begin({.selection = selection,
            .targets = {fConnection[kUtf8String], fConnection[kTextPlainUtf8], XCB_ATOM_STRING},
            .answer = std::move(answer)});
+}
+
+void SelectionReads::Start(xcb_atom_t selection, xcb_atom_t target, xcb_timestamp_t time,
+                           SelectionAnswer answer) {
+    Begin({.selection = selection, .targets = {target}, .answer = std::move(answer), .time = time});
 }
 
 void SelectionReads::StartSaving(SelectionAnswer answer) {
@@ -47,17 +57,18 @@ void SelectionReads::Begin(Read read) {
                       &events);
     std::lock_guard lock(fLock);
     Read& added = fReads.emplace(window, std::move(read)).first->second;
+    added.start = Now();
     added.timer = std::make_unique<Timer>(kCheckInterval, kCheckInterval,
                                           [this, window] { CheckProgress(window); });
     Ask(window, added);
 }
 
-// At the present time: whoever holds the selection now may have taken it after the last key that
-// this program has seen.
+// At the present time, unless the caller knows better: whoever holds the selection now may have
+// taken it after the last key that this program has seen.
 void SelectionReads::Ask(xcb_window_t window, Read& read) {
     read.lastProgress = Now();
     xcb_convert_selection(fConnection, window, read.selection, read.targets.front(),
-                          fConnection[kSelectionData], XCB_CURRENT_TIME);
+                          fConnection[kSelectionData], read.time);
     read.targets.erase(read.targets.begin());
     fConnection.Flush();
 }
@@ -93,23 +104,29 @@ void SelectionReads::Take(Lock& lock, Reads::iterator at) {
     Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         fConnection,
         xcb_get_property(fConnection, true, at->first, fConnection[kSelectionData],
-                         XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxBytes / 4),
+                         XCB_GET_PROPERTY_TYPE_ANY, 0, fMaxBytes / 4),
         nullptr));
     if (!reply) {
         Finish(lock, at, B_ENTRY_NOT_FOUND);
         return;
     }
     read.lastProgress = Now();
+    auto length = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
     if (!read.isIncremental && reply->type == fConnection[kIncr]) {
-        read.isIncremental = true;
+        // It tells how much will come at least.
+        bool isTooLong =
+            length >= 4 && *static_cast<uint32*>(xcb_get_property_value(reply.get())) > fMaxBytes;
+        if (isTooLong)
+            Finish(lock, at, B_NO_MEMORY);
+        else
+            read.isIncremental = true;
         return;
     }
-    auto length = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
-    if (reply->bytes_after > 0 || read.text.size() + length > kMaxBytes) {
+    if (reply->bytes_after > 0 || read.text.size() + length > fMaxBytes) {
         Finish(lock, at, B_NO_MEMORY);
         return;
     }
-    if (reply->format == 8) {
+    if (reply->format == 8 || reply->format == 16) {
         read.type = reply->type;
         read.text.append(static_cast<const char*>(xcb_get_property_value(reply.get())), length);
     }
@@ -120,7 +137,10 @@ void SelectionReads::Take(Lock& lock, Reads::iterator at) {
 void SelectionReads::CheckProgress(xcb_window_t window) {
     Lock lock(fLock);
     auto at = fReads.find(window);
-    if (at != fReads.end() && Now() - at->second.lastProgress > kPatience)
+    if (at == fReads.end())
+        return;
+    bigtime_t now = Now();
+    if (now - at->second.lastProgress > kPatience || now - at->second.start > kLongest)
         Finish(lock, at, B_TIMED_OUT);
 }
 

@@ -15,13 +15,20 @@ namespace host {
 // one that was given up reaches no other. Any thread; the display thread hands the events in.
 class SelectionReads {
 public:
-    explicit SelectionReads(const Connection& connection);
+    // What is longer than `maxBytes` is refused.
+    SelectionReads(const Connection& connection, std::size_t maxBytes);
     // Cancels what is under way.
     ~SelectionReads();
 
+    // Any form of text.
     void Start(xcb_atom_t selection, SelectionAnswer answer);
+    // That form only: the bytes as they are, of values of at most 16 bits in this computer's order.
+    void Start(xcb_atom_t selection, xcb_atom_t target, xcb_timestamp_t time,
+               SelectionAnswer answer);
     // Asks the clipboard manager to take what the program offers; the answer has no text.
     void StartSaving(SelectionAnswer answer);
+    // Answers all that is under way with B_CANCELED.
+    void Cancel();
 
     void HandleNotify(const xcb_selection_notify_event_t& event);
     // Whether the property is one of a transfer.
@@ -32,6 +39,8 @@ private:
         xcb_atom_t selection;
         std::vector<xcb_atom_t> targets; // to be tried, the next one first
         SelectionAnswer answer;
+        xcb_timestamp_t time = XCB_CURRENT_TIME;
+        bigtime_t start = 0;
         bool isIncremental = false;
         xcb_atom_t type = XCB_ATOM_NONE;
         std::string text{};
@@ -48,6 +57,7 @@ private:
     void Finish(Lock& lock, Reads::iterator at, status_t status);
 
     const Connection& fConnection;
+    const std::size_t fMaxBytes;
     std::mutex fLock; // for what follows; not held while an answer is given or a timer ended
     Reads fReads;
 };

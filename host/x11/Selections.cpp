@@ -7,11 +7,17 @@
 
 namespace host {
 
+namespace {
+
+constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
+
+} // namespace
+
 Selections::Selections(const Connection& connection, xcb_window_t owner,
                        const WindowRegistry& windows)
     : fConnection(connection)
     , fOffers(connection, owner, windows)
-    , fReads(connection) {}
+    , fReads(connection, kMaxBytes) {}
 
 xcb_atom_t Selections::AtomOf(SelectionKind selection) const {
     return selection == SelectionKind::Primary ? xcb_atom_t{XCB_ATOM_PRIMARY}

@@ -5,6 +5,8 @@
 
 #include <unistd.h>
 
+#include "host/x11/DragMessages.h"
+
 namespace host {
 
 namespace {
@@ -88,6 +90,7 @@ void SetManagedProperties(const Connection& connection, xcb_window_t window, con
     connection.SetValues(window, connection[kWmProtocols], XCB_ATOM_ATOM,
                          {connection[kWmDeleteWindow], connection[kNetWmPing]});
     connection.SetValues(window, connection[kWmClientLeader], XCB_ATOM_WINDOW, {identity.leader});
+    connection.SetValues(window, connection[kXdndAware], XCB_ATOM_ATOM, {kXdndVersion});
     if (spec.kind == WindowKind::Bar) {
         // Takes no focus when it is mapped.
         connection.SetValues(window, connection[kNetWmUserTime], XCB_ATOM_CARDINAL, {0});

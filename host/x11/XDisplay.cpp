@@ -50,6 +50,8 @@ XDisplay::XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink,
     , fGrab(*fConnection)
     , fCursors(*fConnection)
     , fSelections(*fConnection, fIdentity.leader, fWindows)
+    , fDrags(*fConnection, fGrab)
+    , fDrops(*fConnection, fWindows)
     , fThread(*this, sink) {
     const uint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(*fConnection, fConnection->Root(), XCB_CW_EVENT_MASK, &events);

@@ -7,6 +7,8 @@
 #include "host/x11/Cursors.h"
 #include "host/x11/DesktopSettings.h"
 #include "host/x11/Display.h"
+#include "host/x11/DragSource.h"
+#include "host/x11/DropTarget.h"
 #include "host/x11/EventThread.h"
 #include "host/x11/InputGrab.h"
 #include "host/x11/KeptPicture.h"
@@ -49,6 +51,8 @@ public:
     InputGrab& Grab() { return fGrab; }
     Cursors& PointerShapes() { return fCursors; }
     Selections& HandedTexts() { return fSelections; }
+    DragSource& Drags() { return fDrags; }
+    DropTarget& Drops() { return fDrops; }
     MonitorList& MonitorFrames() { return fMonitors; }
 
     // The server's time of the last press that any window got; 0 before the first.
@@ -78,6 +82,8 @@ private:
     InputGrab fGrab;
     Cursors fCursors;
     Selections fSelections;
+    DragSource fDrags;
+    DropTarget fDrops;
     std::atomic<xcb_timestamp_t> fLastInputTime = 0;
     std::atomic<xcb_window_t> fAlertParent = XCB_WINDOW_NONE;
 

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kMaxSide = 16384;
 constexpr int kFarthest = 32000;
+constexpr std::size_t kMaxDragBytes = 65536;
 
 constexpr uint32 kEvents =
     XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE |
@@ -59,6 +60,7 @@ XWindow::XWindow(XDisplay& display, const WindowSpec& spec, WindowSink* sink)
 XWindow::~XWindow() {
     fDisplay.Windows().Remove(fId);
     NoteVisible(false);
+    fDisplay.Drags().Forget(fId);
     ReleaseInput();
     xcb_destroy_window(fConnection, fId);
     fConnection.Flush();
@@ -254,6 +256,14 @@ status_t XWindow::GrabInput(bigtime_t timeout) {
 
 void XWindow::ReleaseInput() {
     fDisplay.Grab().Release(fId);
+}
+
+status_t XWindow::Drag(const DragSpec& spec, std::shared_ptr<DragSink> sink) {
+    bool isTooMuch = std::ranges::any_of(
+        spec.data, [](const DragData& data) { return data.bytes.size() > kMaxDragBytes; });
+    if (isTooMuch)
+        return B_BAD_VALUE;
+    return fDisplay.Drags().Start(fId, fDisplay.LastInputTime(), spec, std::move(sink));
 }
 
 std::pair<int, int> XWindow::ContentPlace(xcb_window_t window, int x, int y) {

@@ -31,6 +31,7 @@ public:
     void Present(const Image& picture, const std::vector<PixelRect>& damage) override;
     status_t GrabInput(bigtime_t timeout) override;
     void ReleaseInput() override;
+    status_t Drag(const DragSpec& spec, std::shared_ptr<DragSink> sink) override;
 
     // The display thread's part. Each calls the sink at most once, as the last thing it does.
     void Tell(const WindowEvent& event) { fSink->HandleEvent(event); }

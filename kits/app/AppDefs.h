@@ -29,5 +29,7 @@ enum : uint32 {
     B_MOUSE_WHEEL_CHANGED = '_MWC',
 
     B_PASTE = 'PSTE',
+    B_MIME_DATA = 'MIME',
+    B_COPY_TARGET = 'DDCP',
     B_NODE_MONITOR = 'NDMN',
 };

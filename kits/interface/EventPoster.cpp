@@ -45,14 +45,16 @@ bool EventPoster::IsBlocked() const {
     return fIsBlockable && WindowRoster::Shared().HasAlert();
 }
 
-// The place in the window is a whole pixel: rectangles end at whole pixels, so one between them
-// would be in none.
+// Rectangles end at whole pixels, so a place between them would be in none.
+BPoint EventPoster::WholePlace(int x, int y) const {
+    return {static_cast<float>(std::floor(x / fScale)), static_cast<float>(std::floor(y / fScale))};
+}
+
 BMessage EventPoster::PointerMessage(uint32 what, const host::PointerMoved& at,
                                      bigtime_t when) const {
     BMessage message(what);
     message.AddInt64("when", when);
-    message.AddPoint("where", BPoint(static_cast<float>(std::floor(at.x / fScale)),
-                                     static_cast<float>(std::floor(at.y / fScale))));
+    message.AddPoint("where", WholePlace(at.x, at.y));
     message.AddPoint("screen_where", BPoint(static_cast<float>(at.screenX / fScale),
                                             static_cast<float>(at.screenY / fScale)));
     message.AddInt32("buttons", static_cast<int32>(at.buttons));
@@ -116,6 +118,17 @@ void EventPoster::Handle(const host::KeyChanged& event) {
         held.erase(found);
     for (const BMessage& message : KeyMessages(event))
         target.SendMessage(&message);
+}
+
+void EventPoster::Handle(const host::ColorDropped& event) {
+    if (IsBlocked()) {
+        WindowRoster::Shared().PointAtAlert();
+        return;
+    }
+    BMessage message(kColorDropped);
+    message.AddPoint("where", WholePlace(event.x, event.y));
+    message.AddData("color", B_RGB_COLOR_TYPE, &event.color, sizeof(event.color));
+    fTarget.SendMessage(&message);
 }
 
 void EventPoster::Handle(const host::FocusChanged& event) {

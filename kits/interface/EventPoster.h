@@ -8,6 +8,8 @@
 enum : uint32 {
     kFrameChanged = '_kfc', // "left", "top", "right", "bottom" int32, device pixels
     kPointerLeft = '_kpl',
+    kColorDropped = '_kcd', // "where" point, "color" B_RGB_COLOR_TYPE
+    kSaveDragged = '_ksd',
     kBringInside = '_kbi',
     kWatchKeys = '_kwk', // to a view with B_KEYBOARD_EVENTS in its mask
 };
@@ -32,12 +34,14 @@ private:
     void Handle(const host::ButtonReleased& event);
     void Handle(const host::WheelTurned& event);
     void Handle(const host::KeyChanged& event);
+    void Handle(const host::ColorDropped& event);
     void Handle(const host::FocusChanged& event);
     void Handle(const host::FrameChanged& event);
     void Handle(const host::MinimizedChanged& event);
     void Handle(const host::CloseRequested& event);
 
     bool IsBlocked() const;
+    BPoint WholePlace(int x, int y) const;
     BMessage PointerMessage(uint32 what, const host::PointerMoved& at, bigtime_t when) const;
     void LetKeysGo();
 

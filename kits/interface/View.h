@@ -238,6 +238,19 @@ public:
     // are not over it. `options` are accepted; the history of the pointer is never sent.
     status_t SetMouseEventMask(uint32 mask, uint32 options = 0);
 
+    // Has the user drag `message` from here on, until the buttons are up, and drop it on any
+    // program. Called while a button is held that was pressed in the window. Other programs get
+    // "be:url" and "text/plain". Where "be:actions" offers B_COPY_TARGET a file manager can have an
+    // empty file named "be:clip_name" made: `replyTo` (null: this view) then gets B_COPY_TARGET
+    // with the entry_ref "directory" and the string "name", and writes the file before it returns.
+    // Escape ends the drag.
+    //
+    // `image` follows the pointer, which is at `offset` of it; it is deleted by this call. Its
+    // pixels' alpha counts, whatever `mode` is. B_BUSY during another drag, B_CANCELED if no
+    // button is held any more, B_NO_INIT in no window, B_BAD_VALUE without a message.
+    status_t DragMessage(const BMessage* message, BBitmap* image, drawing_mode mode, BPoint offset,
+                         BHandler* replyTo = nullptr);
+
 private:
     friend class BBitmap;
     friend class BWindow;

@@ -7,6 +7,7 @@
 #include "kits/app/MessageFilter.h"
 #include "kits/app/MessageQueue.h"
 #include "kits/interface/Button.h"
+#include "kits/interface/DraggedFile.h"
 #include "kits/interface/WindowRoster.h"
 #include "kits/interface/WindowState.h"
 
@@ -296,6 +297,13 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
         break;
     case kPointerLeft:
         fState->PointerLeft();
+        break;
+    case kColorDropped:
+        fState->ColorDropped(*message);
+        break;
+    case kSaveDragged:
+        if (const std::shared_ptr<DraggedFile> file = fState->draggedFile)
+            file->Save(*this);
         break;
     case B_MOUSE_WHEEL_CHANGED:
         fState->WheelTurned(*message);

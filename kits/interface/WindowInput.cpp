@@ -136,6 +136,21 @@ void BWindow::State::PointerLeft() {
     MoveOver(nullptr, lastWhere);
 }
 
+void BWindow::State::ColorDropped(const BMessage& message) {
+    const void* color = nullptr;
+    ssize_t size = 0;
+    if (message.FindData("color", B_RGB_COLOR_TYPE, &color, &size) != B_OK)
+        return;
+    BMessage paste(B_PASTE);
+    paste.AddData("RGBColor", B_RGB_COLOR_TYPE, color, size);
+    paste.SetWasDropped(true);
+    BView* view = ViewAt(message.GetPoint("where", B_ORIGIN));
+    if (view != nullptr)
+        window->PostMessage(&paste, view);
+    else
+        window->PostMessage(&paste, window);
+}
+
 void BWindow::State::MoveOver(BView* view, BPoint where) {
     BView* before = std::exchange(over, view);
     if (before == view)

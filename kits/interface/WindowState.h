@@ -13,6 +13,7 @@
 #include "kits/interface/Window.h"
 
 class BMenuItem;
+class DraggedFile;
 
 // The inside of a window. Everything is used with the window locked, but what is marked as
 // constant.
@@ -52,6 +53,7 @@ struct BWindow::State {
     void MouseUp(BMessage& message);
     void MouseMoved(BMessage& message);
     void PointerLeft();
+    void ColorDropped(const BMessage& message);
     void MoveOver(BView* view, BPoint where);
     void ShowCursor();
     void WheelTurned(BMessage& message);
@@ -103,6 +105,7 @@ struct BWindow::State {
     view_cursor cursor = B_SYSTEM_DEFAULT_CURSOR;
     uint32 buttons = 0;
     BPoint lastWhere;
+    std::shared_ptr<DraggedFile> draggedFile; // of the last drag
     BButton* defaultButton = nullptr;
 
     BView root; // parent of the views that were added to the window
