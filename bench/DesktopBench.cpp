@@ -70,6 +70,18 @@ double ContextSwitches(pid_t pid) {
     return sum;
 }
 
+// The last pixel of a text that came up, in the part of the screen right of x = 54.
+void FindText(Subject& subject, const Picture& before, const Picture& after) {
+    for (int y = 1; y < after.height; ++y)
+        for (int x = 8; x < after.width - 1; ++x)
+            // Not the menu's border: that has no background beside it.
+            if (after.At(x, y) == 0 && before.At(x, y) != 0 && after.At(x + 1, y) != kRootColour &&
+                after.At(x - 1, y) != 0 && after.At(x, y - 1) != kRootColour) {
+                subject.menuX = 54 + x;
+                subject.menuY = y;
+            }
+}
+
 } // namespace
 
 DesktopBench::DesktopBench(PrivateDesktop& desktop)
@@ -88,16 +100,11 @@ void DesktopBench::LearnMenu(Subject& subject) {
     AwaitPainted([&] { return IsBar(screen.Pixel(kBarX, kBarY)); });
     const Picture before = screen.Grab({54, 0, 600, 600});
     robot.Click(subject.x, subject.y);
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    const Picture after = screen.Grab({54, 0, 600, 600});
-    for (int y = 0; y < after.height; ++y)
-        for (int x = 8; x < after.width - 1; ++x)
-            // Not the menu's border: that has no background beside it.
-            if (after.At(x, y) == 0 && before.At(x, y) != 0 && after.At(x + 1, y) != kRootColour &&
-                after.At(x - 1, y) != 0 && after.At(x, y - 1) != kRootColour) {
-                subject.menuX = 54 + x;
-                subject.menuY = y;
-            }
+    WaitUntil([&] { // until the whole of it is there
+        const int last = subject.menuY;
+        FindText(subject, before, screen.Grab({54, 0, 600, 600}));
+        return subject.menuX != 0 && subject.menuY == last;
+    });
     End(*process);
     if (subject.menuX == 0)
         throw std::runtime_error("no text was found in the menu of " + subject.name);
