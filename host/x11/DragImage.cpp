@@ -127,7 +127,7 @@ void DragImage::Paint(const Image& image, uint8 depth, bool isOpaque) {
     xcb_free_pixmap(fConnection, pixmap);
 }
 
-// What has less than half of the strongest pixel's opacity is left out.
+// What has less than a third of the strongest pixel's opacity is left out.
 void DragImage::Shape(const Image& image) {
     uint32 strongest = 1;
     for (int y = 0; y < fHeight; y++) {
@@ -138,7 +138,7 @@ void DragImage::Shape(const Image& image) {
     for (int y = 0; y < fHeight; y++) {
         for (int x = 0; x < fWidth; x++) {
             int start = x;
-            while (x < fWidth && (PixelAt(image, x, y) >> 24) * 2 >= strongest)
+            while (x < fWidth && (PixelAt(image, x, y) >> 24) * 3 >= strongest)
                 x++;
             if (x > start) {
                 runs.push_back({static_cast<int16>(start), static_cast<int16>(y),

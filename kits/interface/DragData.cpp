@@ -76,7 +76,10 @@ std::vector<host::DragData> DragDataOf(const BMessage& message) {
     const std::string url = message.GetString("be:url", "");
     if (IsOneLine(url)) {
         const std::string title = message.GetString("be:clip_name", "");
-        data.push_back({"text/uri-list", url + "\r\n"});
+        // File managers take a list before a file, whatever the order, and then try to copy the
+        // page.
+        if (DragFileNameOf(message).empty())
+            data.push_back({"text/uri-list", url + "\r\n"});
         data.push_back({"text/x-moz-url", Utf16Of(url + "\n" + title)});
     }
     const std::string text = PlainTextOf(message);
