@@ -1,5 +1,6 @@
 // Dragging into and out of views.
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -14,7 +15,6 @@
 #include "kits/storage/File.h"
 #include "tests/kits/interface/InterfaceTest.h"
 #include "tests/support/DragPartner.h"
-#include "tests/support/TemporaryHome.h"
 
 using namespace test;
 using testing::ElementsAre;
@@ -56,7 +56,11 @@ public:
 
 class DragTest : public InterfaceTest {
 protected:
-    void SetUp() override { Show(window); }
+    void SetUp() override {
+        ASSERT_NE(mkdtemp(folder.data()), nullptr);
+        Show(window);
+    }
+    void TearDown() override { std::filesystem::remove_all(folder); }
 
     // What is answered to a file manager that wants it there.
     std::optional<std::string> SaveAt(const std::string& uri) {
@@ -81,11 +85,10 @@ protected:
         return view;
     }();
     DragPartner manager{desktop, {600, 200, 200, 200}};
-    TemporaryHome home;
+    std::string folder = "/tmp/drag-test-XXXXXX";
 };
 
 TEST_F(DragTest, ALinkBecomesAFileWhereItIsDropped) {
-    const std::string folder = home.Path().string();
     EXPECT_EQ(SaveAt("file://" + folder + "/new"), "S");
     std::string content;
     std::ifstream(folder + "/new") >> content;
