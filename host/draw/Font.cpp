@@ -60,6 +60,14 @@ float MeasureText(const FontSpec& font, std::string_view text, double scale) {
     return LogicalWidth(layouts.LineOf(TextLayouts::KeyOf(font, scale), text), scale);
 }
 
+BRect MeasureInk(const FontSpec& font, std::string_view text, double scale) {
+    if (text.empty())
+        return {};
+    TextLayouts& layouts = TextLayouts::Shared();
+    auto lock = layouts.Lock();
+    return LogicalInk(layouts.LineOf(TextLayouts::KeyOf(font, scale), text), scale);
+}
+
 std::vector<BRect> MeasureGlyphs(const FontSpec& font, std::string_view text, double scale) {
     std::string visible = VisibleText(text);
     TextLayouts& layouts = TextLayouts::Shared();

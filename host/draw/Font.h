@@ -35,6 +35,9 @@ void PrepareText();
 FontHeight MeasureFont(const FontSpec& font, double scale);
 float MeasureText(const FontSpec& font, std::string_view text, double scale);
 
+// The ink of the whole text, relative to its start on the baseline; (0, 0, -1, -1) without ink.
+BRect MeasureInk(const FontSpec& font, std::string_view text, double scale);
+
 // The ink of each character's glyph, in order, relative to its own origin on the baseline (top is
 // negative above it); (0, 0, -1, -1) for a character without ink.
 std::vector<BRect> MeasureGlyphs(const FontSpec& font, std::string_view text, double scale);

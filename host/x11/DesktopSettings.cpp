@@ -4,6 +4,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 namespace host {
@@ -11,6 +12,8 @@ namespace host {
 namespace {
 
 constexpr double kBaseDpi = 96;
+constexpr double kUsualPointer = 24;
+constexpr double kLargestPointer = 1024;
 constexpr uint32 kMaxPropertyWords = 64 * 1024;
 
 // Reads the settings' binary form; past its end everything is 0 and `IsGood` false.
@@ -81,6 +84,8 @@ void ApplySetting(DesktopSettings& settings, std::string_view name, int32 value)
         settings.doubleClickTime = std::min(value, 5000) * bigtime_t{1000};
     else if (name == "Net/DoubleClickDistance" && value > 0)
         settings.doubleClickDistance = std::min(value, 100);
+    else if (name == "Gtk/CursorThemeSize" && value > 0)
+        settings.pointerSize = value;
 }
 
 void ApplyPublished(DesktopSettings& settings, std::span<const uint8> published) {
@@ -108,19 +113,25 @@ void ApplyPublished(DesktopSettings& settings, std::span<const uint8> published)
     }
 }
 
+// The number behind `key` at the start of a line; 0 if it is another line.
+double NumberBehind(std::string_view key, std::string_view line) {
+    if (!line.starts_with(key))
+        return 0;
+    line.remove_prefix(key.size());
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    double number = 0;
+    std::from_chars(line.data(), line.data() + line.size(), number);
+    return number;
+}
+
 void ApplyResources(DesktopSettings& settings, std::string_view resources) {
-    constexpr std::string_view kKey = "Xft.dpi:";
     while (!resources.empty()) {
         std::string_view line = resources.substr(0, resources.find('\n'));
         resources.remove_prefix(std::min(line.size() + 1, resources.size()));
-        if (!line.starts_with(kKey))
-            continue;
-        line.remove_prefix(kKey.size());
-        line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
-        double dpi = 0;
-        std::from_chars(line.data(), line.data() + line.size(), dpi);
-        if (dpi > 0)
+        if (double dpi = NumberBehind("Xft.dpi:", line); dpi > 0)
             settings.scale = ScaleOfDpi(dpi);
+        if (double size = NumberBehind("Xcursor.size:", line); size >= 1)
+            settings.pointerSize = static_cast<int>(std::min(size, kLargestPointer));
     }
 }
 
@@ -132,6 +143,10 @@ std::string_view BytesOf(const Reply<xcb_get_property_reply_t>& reply) {
 }
 
 } // namespace
+
+int DesktopSettings::PointerSize() const {
+    return pointerSize > 0 ? pointerSize : static_cast<int>(kUsualPointer * scale);
+}
 
 DesktopSettings ReadDesktopSettings(std::span<const uint8> published, std::string_view resources) {
     DesktopSettings settings;
@@ -159,8 +174,11 @@ DesktopSettings SettingsQuery::Read() const {
         published.reset(xcb_get_property_reply(fConnection, cookie, nullptr));
     }
     std::string_view bytes = BytesOf(published);
-    return ReadDesktopSettings({reinterpret_cast<const uint8*>(bytes.data()), bytes.size()},
-                               BytesOf(resources));
+    DesktopSettings settings = ReadDesktopSettings(
+        {reinterpret_cast<const uint8*>(bytes.data()), bytes.size()}, BytesOf(resources));
+    if (const char* size = std::getenv("XCURSOR_SIZE"))
+        std::from_chars(size, size + std::strlen(size), settings.pointerSize);
+    return settings;
 }
 
 } // namespace host

@@ -13,6 +13,9 @@ struct DesktopSettings {
     double scale = 1; // device pixels per logical pixel, in quarter steps
     bigtime_t doubleClickTime = 400'000;
     int doubleClickDistance = 5; // in logical pixels
+    int pointerSize = 0;         // in device pixels; 0 if the desktop does not say
+
+    int PointerSize() const;
 };
 
 // The settings as a settings manager publishes them; without one, what the resources say. All of it

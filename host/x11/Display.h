@@ -41,6 +41,17 @@ enum class PointerShape {
     Text,
 };
 
+// A pointer of the program's own, black and white, 16 by 16 pixels. It is shown in the size of the
+// desktop's pointers. Rows are from the top, a row's leftmost pixel is its highest bit.
+struct PointerImage {
+    std::array<uint16, 16> ink{};  // a set bit is black, else white
+    std::array<uint16, 16> mask{}; // a set bit is seen, else transparent
+    int hotX = 0;                  // the pixel that points
+    int hotY = 0;
+
+    bool operator==(const PointerImage&) const = default;
+};
+
 // Mouse buttons and modifiers have the platform's values.
 enum : uint32 {
     kPrimaryButton = 1,
@@ -203,6 +214,7 @@ public:
 
     // While the pointer is over this window.
     virtual void SetPointer(PointerShape shape) = 0;
+    virtual void SetPointer(const PointerImage& image) = 0;
 
     // Shows those parts of `picture` (the content, from its left-top pixel) that `damage` covers
     // and keeps them for exposes.

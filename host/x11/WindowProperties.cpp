@@ -22,6 +22,12 @@ constexpr uint32 kMoveFunction = 4;
 constexpr uint32 kMinimizeFunction = 8;
 constexpr uint32 kMaximizeFunction = 16;
 constexpr uint32 kCloseFunction = 32;
+constexpr uint32 kBorderDecoration = 2;
+constexpr uint32 kHandleDecoration = 4;
+constexpr uint32 kTitleDecoration = 8;
+constexpr uint32 kMenuDecoration = 16;
+constexpr uint32 kMinimizeDecoration = 32;
+constexpr uint32 kMaximizeDecoration = 64;
 
 // WM_NORMAL_HINTS
 constexpr uint32 kUserPosition = 1;
@@ -71,6 +77,18 @@ std::string HostName() {
     return name;
 }
 
+// Some window managers show a button for what a window cannot do, unless they are told not to.
+uint32 DecorationsOf(const WindowSpec& spec) {
+    if (spec.kind == WindowKind::Bar)
+        return 0;
+    uint32 decorations = kBorderDecoration | kTitleDecoration | kMenuDecoration;
+    if (spec.resizable)
+        decorations |= kHandleDecoration | kMaximizeDecoration;
+    if (spec.minimizable)
+        decorations |= kMinimizeDecoration;
+    return decorations;
+}
+
 void SetMotifHints(const Connection& connection, xcb_window_t window, const WindowSpec& spec) {
     uint32 functions = kMoveFunction;
     if (spec.resizable)
@@ -79,9 +97,8 @@ void SetMotifHints(const Connection& connection, xcb_window_t window, const Wind
         functions |= kMinimizeFunction;
     if (spec.closable)
         functions |= kCloseFunction;
-    uint32 decorations = spec.kind == WindowKind::Bar ? 0 : 1;
     connection.SetValues(window, connection[kMotifWmHints], connection[kMotifWmHints],
-                         {kHasFunctions | kHasDecorations, functions, decorations, 0, 0});
+                         {kHasFunctions | kHasDecorations, functions, DecorationsOf(spec), 0, 0});
 }
 
 void SetManagedProperties(const Connection& connection, xcb_window_t window, const WindowSpec& spec,

@@ -50,6 +50,7 @@ public:
     WindowRegistry& Windows() { return fWindows; }
     InputGrab& Grab() { return fGrab; }
     Cursors& PointerShapes() { return fCursors; }
+    int PointerSize() const { return fSettings.PointerSize(); }
     Selections& HandedTexts() { return fSelections; }
     DragSource& Drags() { return fDrags; }
     DropTarget& Drops() { return fDrops; }

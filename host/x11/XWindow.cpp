@@ -234,7 +234,14 @@ void XWindow::SetTitle(const std::string& title) {
 }
 
 void XWindow::SetPointer(PointerShape shape) {
-    const uint32 cursor = fDisplay.PointerShapes().Of(shape);
+    ShowCursor(fDisplay.PointerShapes().Of(shape));
+}
+
+void XWindow::SetPointer(const PointerImage& image) {
+    ShowCursor(fDisplay.PointerShapes().Of(image, fDisplay.PointerSize()));
+}
+
+void XWindow::ShowCursor(xcb_cursor_t cursor) {
     xcb_change_window_attributes(fConnection, fId, XCB_CW_CURSOR, &cursor);
     fConnection.Flush();
 }

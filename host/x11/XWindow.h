@@ -28,6 +28,7 @@ public:
     void SetAllDesktops(bool allDesktops) override;
     void SetTitle(const std::string& title) override;
     void SetPointer(PointerShape shape) override;
+    void SetPointer(const PointerImage& image) override;
     void Present(const Image& picture, const std::vector<PixelRect>& damage) override;
     status_t GrabInput(bigtime_t timeout) override;
     void ReleaseInput() override;
@@ -51,6 +52,7 @@ private:
     void LetInputThrough();
     PixelRect Outer(const PixelRect& content) const;
     void NoteVisible(bool visible);
+    void ShowCursor(xcb_cursor_t cursor);
     void ChangeState(bool add, AtomIndex state);
     bool IsStale(const xcb_configure_notify_event_t& event) const;
     bool FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const;

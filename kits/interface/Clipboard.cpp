@@ -20,7 +20,11 @@ std::string TextIn(const BMessage& data) {
     ssize_t size = 0;
     if (data.FindData(kTextField, B_MIME_TYPE, &bytes, &size) != B_OK)
         return {};
-    return {static_cast<const char*>(bytes), static_cast<size_t>(size)};
+    std::string text(static_cast<const char*>(bytes), static_cast<size_t>(size));
+    // Programs of this kit end it with a NUL, which others would paste.
+    if (text.ends_with('\0'))
+        text.pop_back();
+    return text;
 }
 
 // Empty if nobody has one, or does not answer in time.

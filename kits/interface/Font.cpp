@@ -60,6 +60,15 @@ void BFont::GetBoundingBoxesAsGlyphs(const char charArray[], int32 numChars, fon
     std::copy_n(glyphs.begin(), count, boundingBoxArray);
 }
 
+void BFont::GetBoundingBoxesForStrings(const char* const stringArray[], int32 numStrings,
+                                       font_metric_mode, const escapement_delta[],
+                                       BRect boundingBoxArray[]) const {
+    for (int32 i = 0; i < numStrings; i++) {
+        const char* string = stringArray[i] ? stringArray[i] : "";
+        boundingBoxArray[i] = host::MeasureInk(SpecOf(*this), string, DisplayScale());
+    }
+}
+
 void BFont::TruncateString(std::string* inOut, uint32, float width) const {
     *inOut = host::TruncateText(SpecOf(*this), *inOut, width, DisplayScale());
 }

@@ -12,6 +12,12 @@ struct font_height {
     float leading = 0;
 };
 
+// Room that is added behind each character, in parts of the size.
+struct escapement_delta {
+    float nonspace = 0;
+    float space = 0;
+};
+
 enum font_metric_mode {
     B_SCREEN_METRIC,
     B_PRINTING_METRIC,
@@ -71,6 +77,13 @@ public:
     // last character are left alone.
     void GetBoundingBoxesAsGlyphs(const char charArray[], int32 numChars, font_metric_mode mode,
                                   BRect boundingBoxArray[]) const;
+
+    // The ink of each of the `numStrings` strings, relative to the place on the baseline where it
+    // starts; (0, 0, -1, -1) for one without ink. `deltas`, extra room between characters, is not
+    // supported and should be null.
+    void GetBoundingBoxesForStrings(const char* const stringArray[], int32 numStrings,
+                                    font_metric_mode mode, const escapement_delta deltas[],
+                                    BRect boundingBoxArray[]) const;
 
     // Cuts `inOut` to at most `width` and ends it with an ellipsis, if it was wider. `mode` is
     // B_TRUNCATE_END.

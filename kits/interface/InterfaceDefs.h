@@ -51,12 +51,6 @@ enum : char {
     B_DELETE = 0x7f,
 };
 
-// What the pointer looks like over a view.
-enum view_cursor {
-    B_SYSTEM_DEFAULT_CURSOR,
-    B_I_BEAM_CURSOR,
-};
-
 enum alignment {
     B_ALIGN_LEFT,
     B_ALIGN_RIGHT,

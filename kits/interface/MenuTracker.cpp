@@ -22,13 +22,15 @@ MenuTracker::MenuTracker(bool invokes)
     , fMessenger(fWindow) {}
 
 std::shared_ptr<MenuTracker> MenuTracker::Open(BMenu& menu, BPoint where, bool openAnyway,
-                                               bool invokes, BMenuItem* selected) {
+                                               bool invokes, BMenuItem* selected, bool deletes) {
     std::shared_ptr<MenuTracker> tracker(new MenuTracker(invokes));
     if (!Register(tracker))
         return nullptr;
     const MenuLock lock(*tracker->fWindow);
     if (!tracker->Begin(openAnyway))
         return nullptr;
+    if (deletes)
+        tracker->fOwned.reset(&menu);
     tracker->OpenMenu(menu, where, selected);
     return tracker;
 }
@@ -193,6 +195,7 @@ void MenuTracker::Finish(BMenuItem* chosen) {
     fWindow->SetTracker(nullptr);
     if (chosen && fInvokes)
         chosen->Invoke();
+    fOwned = nullptr;
     BMenuWindow::GiveBack(fWindow);
     MenuRegistry::Shared().Remove();
 

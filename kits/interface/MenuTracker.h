@@ -31,9 +31,11 @@ struct MenuTitle {
 class MenuTracker : public std::enable_shared_from_this<MenuTracker> {
 public:
     // Opens the menu, with `selected` (may be null) selected; null if it cannot be opened. With
-    // `invokes` the chosen item is invoked by the menu's thread. Any thread.
+    // `invokes` the chosen item is invoked by the menu's thread, and with `deletes` an opened menu
+    // is deleted by it once it is closed. Any thread.
     static std::shared_ptr<MenuTracker> Open(BMenu& menu, BPoint where, bool openAnyway,
-                                             bool invokes, BMenuItem* selected = nullptr);
+                                             bool invokes, BMenuItem* selected = nullptr,
+                                             bool deletes = false);
     // Opens the menu of `titles[first]`; those of the others follow as the pointer or the arrow
     // keys go there. The titles' menus stay what they are until it is closed.
     static std::shared_ptr<MenuTracker> OpenTitle(std::vector<MenuTitle> titles, size_t first);
@@ -120,6 +122,7 @@ private:
 
     // With fWindow locked. The first level is that of the menu that opened first.
     std::vector<Level> fLevels;
+    std::unique_ptr<BMenu> fOwned; // that is deleted at the end
     bool fFinished = false;
     BPoint fOrigin; // where the pointer was when the menu opened
     BPoint fPointer;

@@ -10,10 +10,14 @@ BPopUpMenu::BPopUpMenu(const char* name, bool radioMode, bool labelFromMarked, m
 }
 
 BMenuItem* BPopUpMenu::Go(BPoint where, bool deliversMessage, bool openAnyway, bool async) {
-    if (CountItems() == 0)
-        return nullptr;
-    const std::shared_ptr<MenuTracker> tracker =
-        MenuTracker::Open(*this, where, openAnyway, async && deliversMessage);
+    const bool isGivenAway = async && fAsyncAutoDestruct;
+    std::shared_ptr<MenuTracker> tracker;
+    if (CountItems() > 0) {
+        tracker = MenuTracker::Open(*this, where, openAnyway, async && deliversMessage, nullptr,
+                                    isGivenAway);
+    }
+    if (!tracker && isGivenAway)
+        delete this;
     if (!tracker || async)
         return nullptr;
     BMenuItem* chosen = tracker->Wait();

@@ -25,6 +25,15 @@ public:
     // Null at once if another menu is open, if menus may not open (a modal alert is up, the program
     // quits), or if there is nothing in it; null after 0.3 s if another program holds pointer or
     // keyboard. Any thread; locks that the caller holds are not needed.
+    //
+    // With SetAsyncAutoDestruct() an `async` call takes the menu over, whatever comes of it.
     BMenuItem* Go(BPoint where, bool deliversMessage = false, bool openAnyway = false,
                   bool async = false);
+
+    // Whether a menu that was opened with `async` deletes itself when it is closed.
+    void SetAsyncAutoDestruct(bool on) { fAsyncAutoDestruct = on; }
+    bool AsyncAutoDestruct() const { return fAsyncAutoDestruct; }
+
+private:
+    bool fAsyncAutoDestruct = false;
 };

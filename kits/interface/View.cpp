@@ -344,7 +344,7 @@ bool BView::IsFocus() const {
     return fWindow != nullptr && fWindow->fState->focus == this;
 }
 
-void BView::SetViewCursor(view_cursor cursor) {
+void BView::SetViewCursor(const BCursor& cursor) {
     fCursor = cursor;
     if (fWindow != nullptr)
         fWindow->fState->ShowCursor();

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "kits/app/Handler.h"
+#include "kits/interface/Cursor.h"
 #include "kits/interface/Font.h"
 #include "kits/interface/GraphicsDefs.h"
 #include "kits/interface/InterfaceDefs.h"
@@ -169,7 +170,7 @@ public:
     rgb_color LowColor() const { return fLowColor; }
 
     // The system's default unless set; kept while a button that was pressed in the view is held.
-    void SetViewCursor(view_cursor cursor);
+    void SetViewCursor(const BCursor& cursor);
 
     // How drawing meets what is there; B_OP_COPY unless set.
     virtual void SetDrawingMode(drawing_mode mode) { fDrawingMode = mode; }
@@ -284,7 +285,7 @@ private:
     drawing_mode fDrawingMode = B_OP_COPY;
     source_alpha fSourceAlpha = B_PIXEL_ALPHA;
     alpha_function fAlphaFunction = B_ALPHA_OVERLAY;
-    view_cursor fCursor = B_SYSTEM_DEFAULT_CURSOR;
+    BCursor fCursor;
     BFont fFont;
     BPoint fPen;
 };

@@ -165,11 +165,15 @@ void BWindow::State::MoveOver(BView* view, BPoint where) {
 
 void BWindow::State::ShowCursor() {
     const BView* view = masked != nullptr ? masked : over;
-    view_cursor wanted = view != nullptr ? view->fCursor : B_SYSTEM_DEFAULT_CURSOR;
+    BCursor wanted = view != nullptr ? view->fCursor : BCursor();
     if (std::exchange(cursor, wanted) == wanted || !host)
         return;
-    host->SetPointer(wanted == B_I_BEAM_CURSOR ? host::PointerShape::Text
-                                               : host::PointerShape::Arrow);
+    if (wanted.IsOwn())
+        host->SetPointer(wanted.Picture());
+    else if (wanted == B_I_BEAM_CURSOR)
+        host->SetPointer(host::PointerShape::Text);
+    else
+        host->SetPointer(host::PointerShape::Arrow);
 }
 
 void BWindow::State::WheelTurned(BMessage& message) {

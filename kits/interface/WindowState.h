@@ -102,7 +102,7 @@ struct BWindow::State {
     BView* watching = nullptr; // is handling a key that it got by its event mask
     BView* over = nullptr;     // the pointer is over it
     BView* masked = nullptr;   // gets all events of the pointer until the buttons are up
-    view_cursor cursor = B_SYSTEM_DEFAULT_CURSOR;
+    BCursor cursor;            // as the host was told
     uint32 buttons = 0;
     BPoint lastWhere;
     std::shared_ptr<DraggedFile> draggedFile; // of the last drag

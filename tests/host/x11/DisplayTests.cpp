@@ -84,6 +84,11 @@ TEST(DesktopSettings, PublishedOnesGoBeforeResources) {
     EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", 144 * 1024), "Xft.dpi: 192\n"), 1.5);
     EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", -1), "Xft.dpi: 192\n"), 2);
     EXPECT_EQ(ScaleOf(Published(), "Xft.dpi: lots\n"), 1);
+
+    EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: 192\n").PointerSize(), 48);
+    EXPECT_EQ(ReadDesktopSettings({}, "Xcursor.size:\t32\nXft.dpi: 192").PointerSize(), 32);
+    auto published = Published().Integer("Gtk/CursorThemeSize", 64).Bytes();
+    EXPECT_EQ(ReadDesktopSettings(published, "Xcursor.size: 32\n").PointerSize(), 64);
 }
 
 TEST(DesktopSettings, AreReadInEitherByteOrder) {
