@@ -5,7 +5,9 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
+#include "kits/interface/Screen.h"
 #include "kits/storage/Path.h"
+#include "quillbar/about/AboutWindow.h"
 #include "quillbar/app/Commands.h"
 #include "quillbar/app/QuitFilters.h"
 #include "quillbar/app/Settings.h"
@@ -51,6 +53,14 @@ void QBApp::ReadyToRun() {
 
     AddFilter(new QBRemoteFilter());
     AddFilter(new QBLocalFilter());
+}
+
+// In the middle of the main screen; the window knows its own size.
+void QBApp::AboutRequested() {
+    const BRect screen = BScreen().Frame();
+    const float left = (screen.Width() - 365) * 0.5f;
+    const float top = (screen.Height() - 204) * 0.5f;
+    (new QBAboutWindow(BRect(left, top, 0, 0)))->Show();
 }
 
 bool QBApp::QuitRequested() {

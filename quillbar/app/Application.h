@@ -14,6 +14,7 @@ public:
     void MessageReceived(BMessage* message) override;
     bool QuitRequested() override;
     void ReadyToRun() override;
+    void AboutRequested() override;
 
     // As told by the bar window, so with the delay of the message queue. Application's thread.
     bool IsMainWindowActive() const { return fMainWindowActive; }

@@ -1,0 +1,55 @@
+#include "quillbar/about/AboutView.h"
+
+#include "kits/interface/Box.h"
+#include "kits/interface/LabelFont.h"
+#include "kits/interface/StringView.h"
+#include "quillbar/about/AboutText.h"
+#include "quillbar/about/URLView.h"
+
+namespace {
+
+constexpr uint32 kFollow = B_FOLLOW_LEFT | B_FOLLOW_TOP;
+
+BStringView* AddLine(BView* parent, BRect frame, const char* name, const char* text) {
+    auto* line = new BStringView(frame, name, text, kFollow, B_WILL_DRAW);
+    line->SetAlignment(B_ALIGN_CENTER);
+    parent->AddChild(line);
+    return line;
+}
+
+// Whatever the desktop's font: a line that is too long for its place is smaller, not cut.
+void Fit(BStringView* line) {
+    BFont font;
+    line->GetFont(&font);
+    font = LabelFont(font, line->Text(), line->Bounds().Width() + 1);
+    line->SetFont(&font);
+}
+
+} // namespace
+
+QBAboutView::QBAboutView(BRect frame)
+    : BView(frame, "qb_about_view", B_FOLLOW_ALL_SIDES, B_WILL_DRAW) {
+    InitView();
+}
+
+QBAboutView::~QBAboutView() = default;
+
+void QBAboutView::InitView() {
+    SetViewColor(216, 216, 216);
+
+    fBox = new BBox(BRect(25, 20, 294, 128), "qb_about_view_box", kFollow,
+                    B_WILL_DRAW | B_FRAME_EVENTS | B_NAVIGABLE_JUMP, B_FANCY_BORDER);
+    AddChild(fBox);
+    fTitle = AddLine(fBox, BRect(6, 10, 262, 25), "qb_about_view_title", kAboutInfo[0]);
+    fTitle->SetFont(be_bold_font, B_FONT_ALL);
+    fString1 = AddLine(fBox, BRect(5, 33, 263, 48), "qb_about_view_string1", kAboutInfo[1]);
+    fString2 = AddLine(fBox, BRect(5, 52, 263, 67), "qb_about_view_string2", kAboutInfo[2]);
+    fString3 = AddLine(this, BRect(32, 142, 290, 157), "qb_about_view_string3", kAboutInfo[3]);
+    fString4 = AddLine(this, BRect(29, 165, 287, 180), "qb_about_view_string4", kAboutInfo[4]);
+    fURL = new URLView(BRect(86, 78, 194, 93), "qb_about_view_url1", kURLInfo[0], kURLInfo[0],
+                       kFollow, B_WILL_DRAW);
+    fBox->AddChild(fURL);
+    for (BStringView* line : {fTitle, fString1, fString2, fString3, fString4})
+        Fit(line);
+    Fit(fURL);
+}

@@ -1,0 +1,216 @@
+#include "quillbar/about/URLView.h"
+
+#include <cmath>
+#include <string_view>
+
+#include "kits/app/Message.h"
+#include "kits/interface/Window.h"
+#include "quillbar/about/URLCursor.h"
+
+namespace {
+
+constexpr const char* kMailPrefix = "mailto:";
+
+bool BeginsWith(const BString& link, std::string_view prefix) {
+    return std::string_view(link.String()).starts_with(prefix);
+}
+
+} // namespace
+
+URLView::URLView(BRect frame, const char* name, const char* label, const char* url,
+                 uint32 resizingMode, uint32 flags)
+    : BStringView(frame, name, label, resizingMode, flags)
+    , fLinkCursor(kURLCursor.data()) {
+    URLView::SetURL(url);
+}
+
+URLView::~URLView() = default;
+
+void URLView::AttachedToWindow() {
+    SetHighColor(fEnabled ? fColor : fDisabledColor);
+    if (Parent()) {
+        SetLowColor(Parent()->ViewColor());
+        SetViewColor(Parent()->ViewColor());
+    }
+}
+
+void URLView::Draw(BRect) {
+    const BRect frame = Frame().OffsetToCopy(B_ORIGIN);
+    font_height height;
+    GetFontHeight(&height);
+    const float left = frame.left + TextOffset();
+    const float line = frame.bottom - height.descent;
+    if (fEnabled) {
+        FillRect(BRect(left, line, left + StringWidth(Text()) - 2,
+                       line + static_cast<float>(fUnderlineThickness - 1)));
+    }
+    MovePenTo(left, line - 1);
+    DrawString(Text());
+}
+
+void URLView::WindowActivated(bool active) {
+    if (active || !fEnabled)
+        return;
+    SetViewCursor(B_HAND_CURSOR);
+    ShowColor(fColor);
+}
+
+// What was drawn before must not shine through the edges of the letters.
+void URLView::Redraw() {
+    const BRect frame = Frame().OffsetToCopy(B_ORIGIN);
+    const rgb_color color = HighColor();
+    SetHighColor(ViewColor());
+    FillRect(frame);
+    SetHighColor(color);
+    Draw(frame);
+}
+
+void URLView::ShowColor(rgb_color color) {
+    SetHighColor(color);
+    Redraw();
+}
+
+// What another thread than the window's draws is not shown by itself.
+void URLView::ShowAndUnlock() {
+    Window()->UpdateIfNeeded();
+    Window()->Unlock();
+}
+
+// Where the text starts.
+float URLView::TextOffset() const {
+    const float width = StringWidth(Text());
+    switch (Alignment()) {
+    case B_ALIGN_CENTER:
+        return Frame().Width() / 2 - width / 2;
+    case B_ALIGN_RIGHT:
+        return Frame().Width() - width + 1;
+    default:
+        return 0;
+    }
+}
+
+// Where the link takes the pointer: the ink of the text, with the underline.
+BRect URLView::GetTextRect() const {
+    BFont font;
+    GetFont(&font);
+    const char* const text[] = {Text()};
+    BRect ink;
+    font.GetBoundingBoxesForStrings(text, 1, B_SCREEN_METRIC, nullptr, &ink);
+    font_height height;
+    font.GetHeight(&height);
+    const bool isRoundedUp = std::trunc(height.descent * 2) != std::trunc(height.descent) * 2;
+    const float raised = isRoundedUp ? 1 : 0;
+    const float line = Frame().Height() - height.descent - raised;
+    return {0, line - (ink.bottom + 1 - ink.top) - 1, ink.Width(),
+            line + static_cast<float>(fUnderlineThickness)};
+}
+
+BRect URLView::GetURLRect() const {
+    font_height height;
+    GetFontHeight(&height);
+    const float bottom = Frame().Height();
+    return {0, bottom - (height.ascent + static_cast<float>(fUnderlineThickness - 1)),
+            StringWidth(fURL.String()), bottom - 1};
+}
+
+bool URLView::IsHTMLLink() const {
+    return BeginsWith(fURL, "http://") || BeginsWith(fURL, "file://");
+}
+
+bool URLView::IsFTPLink() const {
+    return BeginsWith(fURL, "ftp://");
+}
+
+bool URLView::IsEmailLink() const {
+    return BeginsWith(fURL, kMailPrefix) ||
+           (!IsHTMLLink() && !IsFTPLink() && fURL.FindFirst('@') >= 0);
+}
+
+BString URLView::GetImportantURL() const {
+    BString important = fURL;
+    if (BeginsWith(fURL, kMailPrefix))
+        important.Remove(0, static_cast<int32>(std::string_view(kMailPrefix).size()));
+    return important;
+}
+
+void URLView::SetURL(const char* url) {
+    fURL = url;
+    if (IsEmailLink()) {
+        if (!BeginsWith(fURL, kMailPrefix))
+            fURL.Prepend(kMailPrefix);
+    } else if (!IsHTMLLink() && !IsFTPLink()) {
+        SetEnabled(false);
+    }
+}
+
+void URLView::AddAttribute(const char* name, const char* value) {
+    fAttributes.emplace_back(name, value);
+}
+
+void URLView::SetColor(rgb_color color) {
+    fColor = color;
+    if (!fEnabled || !Window() || !Window()->Lock())
+        return;
+    ShowColor(fColor);
+    ShowAndUnlock();
+}
+
+void URLView::SetColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+    SetColor(rgb_color{red, green, blue, alpha});
+}
+
+void URLView::SetClickColor(rgb_color color) {
+    fClickColor = color;
+}
+
+void URLView::SetClickColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+    SetClickColor(rgb_color{red, green, blue, alpha});
+}
+
+void URLView::SetDisabledColor(rgb_color color) {
+    fDisabledColor = color;
+    if (!Window() || !Window()->Lock())
+        return;
+    if (!fEnabled)
+        SetHighColor(fDisabledColor);
+    Redraw();
+    ShowAndUnlock();
+}
+
+void URLView::SetDisabledColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+    SetDisabledColor(rgb_color{red, green, blue, alpha});
+}
+
+void URLView::SetDraggable(bool draggable) {
+    fDraggable = draggable;
+}
+
+void URLView::SetEnabled(bool enabled) {
+    const bool hasChanged = std::exchange(fEnabled, enabled) != enabled;
+    if (!Window() || !Window()->Lock())
+        return;
+    SetHighColor(fEnabled ? fColor : fDisabledColor);
+    if (hasChanged)
+        Invalidate();
+    ShowAndUnlock();
+}
+
+void URLView::SetHoverColor(rgb_color color) {
+    fHoverColor = color;
+}
+
+void URLView::SetHoverColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+    SetHoverColor(rgb_color{red, green, blue, alpha});
+}
+
+void URLView::SetHoverEnabled(bool enabled) {
+    fHoverEnabled = enabled;
+}
+
+void URLView::SetIconSize(icon_size size) {
+    fIconSize = size == B_MINI_ICON ? B_MINI_ICON : B_LARGE_ICON;
+}
+
+void URLView::SetUnderlineThickness(int32 thickness) {
+    fUnderlineThickness = thickness;
+}

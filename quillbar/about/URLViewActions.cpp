@@ -1,0 +1,105 @@
+#include <cstring>
+#include <iterator>
+
+#include "kits/app/Message.h"
+#include "kits/app/Roster.h"
+#include "kits/interface/Alert.h"
+#include "kits/interface/Clipboard.h"
+#include "kits/interface/MenuItem.h"
+#include "kits/interface/PopUpMenu.h"
+#include "quillbar/about/URLView.h"
+
+namespace {
+
+constexpr float kMenuAbovePointer = 6;
+
+constexpr const char* kMailType = "text/x-email";
+constexpr const char* kWebType = "text/html";
+constexpr const char* kFTPType = "application/x-vnd.Be.URL.ftp";
+
+// What the desktop opens one kind of links with.
+struct Opener {
+    const char* type;
+    const char* itemLabel; // the program's name follows
+    const char* alertTitle;
+    const char* alertText;
+};
+
+constexpr Opener kMail = {kMailType, "Send e-mail to this address using ", "E-mail Warning",
+                          "There is no e-mail program on your machine that is configured as the "
+                          "default program to send e-mail."};
+constexpr Opener kFTP = {kFTPType, "Connect to this server using ", "FTP Warning",
+                         "There is no FTP client on your machine that is configured as the default "
+                         "program to connect to an FTP server."};
+constexpr Opener kWeb = {kWebType, "Open this link using ", "Web Browser Warning",
+                         "There is no web browser on your machine that is configured as the "
+                         "default program to view web pages."};
+
+constexpr const char* kCopyLabel = "Copy this link to the clipboard";
+
+bool BeginsLaunch(const BString& label) {
+    for (const char* verb : {"Open", "Send", "Connect"}) {
+        if (label.FindFirst(verb) >= 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+// The items carry no messages: their labels say what is to be done.
+std::unique_ptr<BPopUpMenu> URLView::CreatePopupMenu() const {
+    auto menu = std::make_unique<BPopUpMenu>("URLView Popup", false, false, B_ITEMS_IN_COLUMN);
+    menu->SetAsyncAutoDestruct(true);
+    const Opener& opener = IsEmailLink() ? kMail : IsFTPLink() ? kFTP : kWeb;
+    entry_ref program;
+    if (be_roster->FindApp(opener.type, &program) == B_OK)
+        menu->AddItem(
+            new BMenuItem((BString(opener.itemLabel) + program.name.c_str()).String(), nullptr));
+    menu->AddItem(new BMenuItem(kCopyLabel, nullptr));
+    return menu;
+}
+
+void URLView::ChooseFromMenu(BPoint where) {
+    const std::unique_ptr<BPopUpMenu> menu = CreatePopupMenu();
+    const BPoint corner = ConvertToScreen(where - BPoint(0, kMenuAbovePointer));
+    const BMenuItem* chosen = menu->Go(corner, false, true, false);
+    if (!chosen) {
+        ShowColor(fColor);
+        return;
+    }
+    const BString label = chosen->Label();
+    if (BeginsLaunch(label))
+        LaunchURL();
+    else if (label.FindFirst("Copy") >= 0)
+        CopyToClipboard();
+}
+
+void URLView::LaunchURL() const {
+    const Opener* opener = IsEmailLink()  ? &kMail
+                           : IsHTMLLink() ? &kWeb
+                           : IsFTPLink()  ? &kFTP
+                                          : nullptr;
+    if (!opener)
+        return;
+    const char* const arguments[] = {fURL.String()};
+    const status_t status = be_roster->Launch(opener->type, std::size(arguments), arguments);
+    if (status == B_OK || status == B_ALREADY_RUNNING)
+        return;
+    (new BAlert(opener->alertTitle, opener->alertText, "Ok", nullptr, nullptr, B_WIDTH_AS_USUAL,
+                B_WARNING_ALERT))
+        ->Go();
+}
+
+void URLView::CopyToClipboard() const {
+    BClipboard clipboard("system");
+    const BString text = GetImportantURL();
+    if (!clipboard.Lock())
+        return;
+    clipboard.Clear();
+    if (BMessage* data = clipboard.Data()) {
+        data->AddData("text/plain", B_MIME_TYPE, text.String(), text.Length() + 1, true, 1);
+        clipboard.Commit();
+    }
+    clipboard.Unlock();
+}

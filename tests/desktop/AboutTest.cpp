@@ -1,0 +1,67 @@
+// The about box of the running program.
+
+#include "tests/desktop/DesktopTest.h"
+#include "tests/host/x11/OtherProgram.h"
+
+using namespace test;
+
+namespace {
+
+class AboutTest : public DesktopTest {
+protected:
+    std::vector<WindowInfo> Abouts() {
+        return fScreen.Windows([this](const WindowInfo& info) {
+            return info.viewable && info.pid == fProgram.Pid() && info.title == "About Quillbar";
+        });
+    }
+    bool AboutsBecome(size_t count) {
+        return WaitUntil([&] { return Abouts().size() == count; });
+    }
+};
+
+TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
+    fProgram.Start();
+    ActivateBar();
+    ChooseSetting(setting::kAbout);
+    ASSERT_TRUE(AboutsBecome(1));
+    const WindowInfo about = Abouts()[0];
+    EXPECT_EQ(about.frame.width, 366);
+    EXPECT_EQ(about.frame.height, 205);
+    EXPECT_NEAR(about.frame.CenterX(), 640, 1);
+    EXPECT_NEAR(about.frame.CenterY(), 450, 1);
+    // Text and link are within their places: the columns and rows around them are the window's.
+    SettledPicture(fScreen, about.frame);
+    const int linkX = about.frame.x + 25 + 86, linkY = about.frame.y + 20 + 78;
+    EXPECT_GT(fScreen.Grab({linkX, linkY, 109, 16}).Count(0x0000ff), 50u);
+    EXPECT_EQ(fScreen.Grab({linkX + 108, linkY, 2, 16}).Count(0xd8d8d8), 32u);
+
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == about.id; }));
+    fRobot.Click(linkX + 30, linkY + 9);
+    EXPECT_EQ(LastUrl(1), "http://quillbar.example");
+
+    fRobot.Click(linkX + 30, linkY + 9, 3);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    fRobot.Key(XK_End);
+    fRobot.Key(XK_Return);
+    ASSERT_TRUE(MenusClosed());
+    host::OtherProgram other(fDesktop);
+    EXPECT_TRUE(WaitUntil(
+        [&] { return other.Converted("CLIPBOARD", "UTF8_STRING") == "http://quillbar.example"; }));
+
+    // Each request opens one more; closing one leaves the rest.
+    ActivateBar();
+    fRobot.Key(XK_minus);
+    ASSERT_TRUE(WaitUntil([&] {
+        const auto windows = fProgram.AddWindows();
+        return windows.size() == 1 && fScreen.ActiveWindow() == windows[0].id;
+    }));
+    fRobot.KeyDown(XK_Alt_L);
+    fRobot.Key(XK_a);
+    fRobot.KeyUp(XK_Alt_L);
+    EXPECT_TRUE(AboutsBecome(2));
+    fScreen.Close(about.id);
+    EXPECT_TRUE(AboutsBecome(1));
+    EXPECT_TRUE(fProgram.IsRunning());
+}
+
+} // namespace

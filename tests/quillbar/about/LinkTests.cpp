@@ -1,0 +1,287 @@
+// The link view under a real pointer.
+
+#include <cmath>
+#include <fstream>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "kits/interface/Clipboard.h"
+#include "kits/interface/MenuItem.h"
+#include "kits/interface/PopUpMenu.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/Node.h"
+#include "quillbar/about/URLView.h"
+#include "tests/kits/interface/InterfaceTest.h"
+#include "tests/support/RecordedApps.h"
+
+#include <X11/keysym.h>
+
+namespace {
+
+constexpr uint32_t kBlue = 0x0000ff, kDarkBlue = 0x000078, kRed = 0xff0000, kGrey = 0x646464;
+constexpr const char* kPage = "http://page.example/a b?c";
+
+class TestLink : public URLView {
+public:
+    explicit TestLink(const char* url)
+        : URLView(BRect(20, 20, 219, 39), "link", "a place to go", url, B_FOLLOW_NONE,
+                  B_WILL_DRAW) {}
+
+    std::vector<std::string> MenuLabels() const {
+        std::vector<std::string> labels;
+        const auto menu = CreatePopupMenu();
+        for (int32 i = 0; i < menu->CountItems(); i++)
+            labels.emplace_back(menu->ItemAt(i)->Label());
+        return labels;
+    }
+};
+
+class LinkTest : public InterfaceTest {
+protected:
+    void ShowLink(const char* url) {
+        link = new TestLink(url);
+        window = new RecordingWindow(BRect(300, 300, 599, 399), B_TITLED_WINDOW_LOOK);
+        window->AddChild(link);
+        Show(window);
+        Activate();
+        font_height height;
+        link->GetFontHeight(&height);
+        line = link->Bounds().bottom - height.descent;
+    }
+    void Activate() {
+        screen.Activate(ShownWindows(screen).front().id);
+        ASSERT_TRUE(WaitFor(window, [this] { return window->IsActive(); }));
+    }
+    // A pixel of the underline; of the line's room if there is none.
+    bool LineBecomes(uint32_t color, float below = 0) {
+        return WaitForPixel(link, BPoint(1, std::floor(line + 0.5f) + below), color);
+    }
+    BPoint OnText() const { return {30, line - 4}; }
+    void Press(int button = 1) {
+        MoveOver(link, OnText());
+        robot.Press(button);
+        ASSERT_TRUE(LineBecomes(kRed));
+    }
+    bool MenuOpens() {
+        return test::WaitUntil([this] { return !Menus().empty(); });
+    }
+    std::vector<test::WindowInfo> Menus() {
+        return screen.Windows([](const test::WindowInfo& info) {
+            return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_POPUP_MENU");
+        });
+    }
+    std::string Copied() {
+        EXPECT_TRUE(be_clipboard->Lock());
+        const void* bytes = nullptr;
+        ssize_t size = 0;
+        be_clipboard->Data()->FindData("text/plain", B_MIME_TYPE, &bytes, &size);
+        std::string text(static_cast<const char*>(bytes), static_cast<size_t>(size));
+        be_clipboard->Unlock();
+        return text;
+    }
+
+    test::TemporaryHome home;
+    test::RecordedApps apps{home};
+    TestLink* link = nullptr;
+    RecordingWindow* window = nullptr;
+    float line = 0;
+};
+
+TEST_F(LinkTest, EachKindOpensInItsProgramWithTheWholeLink) {
+    apps.InstallBrowser();
+    for (const char* name : {"mailer", "fetcher"})
+        apps.Install(name);
+    apps.SetDefault("x-scheme-handler/mailto", "mailer");
+    apps.SetDefault("x-scheme-handler/ftp", "fetcher");
+    const std::vector<std::pair<const char*, test::RecordedApps::Launch>> cases = {
+        {kPage, {"browser", {kPage}}},
+        {"file:///tmp/x@y", {"browser", {"file:///tmp/x@y"}}},
+        {"ftp://server.example", {"fetcher", {"ftp://server.example"}}},
+        {"one@mail.example", {"mailer", {"mailto:one@mail.example"}}},
+        {"mailto:two", {"mailer", {"mailto:two"}}},
+    };
+    ShowLink(kPage);
+    for (size_t i = 0; i < cases.size(); i++) {
+        WithLock(window, [&] { link->SetURL(cases[i].first); });
+        EXPECT_TRUE(link->IsEnabled()) << cases[i].first;
+        ClickAt(link, OnText());
+        const auto launches = apps.WaitForLaunches(i + 1);
+        ASSERT_EQ(launches.size(), i + 1) << cases[i].first;
+        EXPECT_EQ(launches.back(), cases[i].second);
+    }
+    // Beside the text, or pressed elsewhere, it is no click.
+    ClickAt(link, BPoint(190, line - 4));
+    ClickAt(link, BPoint(30, 1));
+    // None of the kinds: the view becomes plain text.
+    WithLock(window, [&] { link->SetURL("gopher:old"); });
+    EXPECT_FALSE(link->IsEnabled());
+    ClickAt(link, OnText());
+    Settle(window);
+    EXPECT_EQ(apps.Launches().size(), cases.size());
+    EXPECT_NE(PixelAt(link, BPoint(1, std::floor(line + 0.5f))), kBlue);
+    WithLock(window, [&] { link->SetEnabled(true); });
+    EXPECT_TRUE(LineBecomes(kBlue));
+}
+
+TEST_F(LinkTest, ItsColourTellsWhatThePointerDoes) {
+    ShowLink(kPage);
+    EXPECT_TRUE(LineBecomes(kBlue));
+    MoveOver(link, OnText());
+    EXPECT_TRUE(LineBecomes(kDarkBlue));
+    MoveOver(link, BPoint(190, 5));
+    EXPECT_TRUE(LineBecomes(kBlue));
+    MoveOver(link, OnText());
+    EXPECT_TRUE(LineBecomes(kDarkBlue));
+    {
+        test::PlainWindow other(desktop, {900, 600, 100, 100});
+        other.Activate();
+        EXPECT_TRUE(LineBecomes(kBlue));
+        MoveOver(link, OnText() + BPoint(3, 0));
+        Settle(window);
+        EXPECT_TRUE(LineBecomes(kBlue)) << "hovered in a window that is not active";
+    }
+    Activate();
+    Press();
+    MoveOver(link, BPoint(30, -10));
+    EXPECT_TRUE(LineBecomes(kBlue));
+    robot.Release();
+    Settle(window);
+    EXPECT_TRUE(apps.Launches().empty());
+
+    // From another thread than the window's.
+    link->SetUnderlineThickness(3);
+    link->SetColor(0, 200, 0, 255);
+    EXPECT_TRUE(LineBecomes(0x00c800));
+    EXPECT_TRUE(LineBecomes(0x00c800, 2));
+    link->SetDisabledColor(1, 2, 3, 255);
+    link->SetHoverColor(4, 5, 6, 255);
+    MoveOver(link, OnText());
+    EXPECT_TRUE(LineBecomes(0x040506));
+    link->SetHoverEnabled(false);
+    MoveOver(link, BPoint(190, 5));
+    EXPECT_TRUE(LineBecomes(0x00c800));
+    MoveOver(link, OnText());
+    Settle(window);
+    EXPECT_TRUE(LineBecomes(0x00c800));
+}
+
+TEST_F(LinkTest, TenPixelsAreAClickAndElevenAreNot) {
+    apps.InstallBrowser();
+    ShowLink(kPage);
+    const auto pressAndMove = [this](float pixels) {
+        Press();
+        MoveOver(link, OnText() + BPoint(pixels, 0));
+        Settle(window);
+        robot.Release();
+        MoveOver(link, BPoint(30, -10));
+        Settle(window);
+    };
+    pressAndMove(10);
+    EXPECT_EQ(apps.WaitForLaunches(1).size(), 1u);
+    pressAndMove(11);
+    ClickAt(link, OnText());
+    EXPECT_EQ(apps.WaitForLaunches(2).size(), 2u);
+    Settle(window);
+    EXPECT_EQ(apps.Launches().size(), 2u);
+}
+
+TEST_F(LinkTest, TheMenuNamesTheProgramAndCopies) {
+    ShowLink("one@mail.example");
+    const std::string copy = "Copy this link to the clipboard";
+    EXPECT_EQ(link->MenuLabels(), std::vector<std::string>{copy});
+    apps.InstallBrowser();
+    for (const char* name : {"mailer", "fetcher"})
+        apps.Install(name);
+    apps.SetDefault("x-scheme-handler/mailto", "mailer");
+    apps.SetDefault("x-scheme-handler/ftp", "fetcher");
+    const auto openerOf = [this](const char* url) {
+        WithLock(window, [&] { link->SetURL(url); });
+        const auto labels = link->MenuLabels();
+        return labels.size() == 2 ? labels[0] : "";
+    };
+    EXPECT_TRUE(openerOf(kPage).starts_with("Open this link using "));
+    EXPECT_TRUE(openerOf("ftp://a").starts_with("Connect to this server using "));
+    EXPECT_TRUE(openerOf("one@mail.example").starts_with("Send e-mail to this address using "));
+
+    const BPoint pointer = OnScreen(link, OnText());
+    Press(3);
+    robot.Release(3);
+    ASSERT_TRUE(MenuOpens());
+    EXPECT_EQ(Menus()[0].frame.y, static_cast<int>(pointer.y) - 6);
+    robot.Key(XK_Escape);
+    EXPECT_TRUE(LineBecomes(kDarkBlue));
+    Press(3);
+    robot.Release(3);
+    ASSERT_TRUE(MenuOpens());
+    robot.Key(XK_End);
+    robot.Key(XK_Return);
+    EXPECT_TRUE(test::WaitUntil([this] { return Copied() == "one@mail.example"; }));
+    EXPECT_TRUE(apps.Launches().empty());
+    Press(3);
+    robot.Release(3);
+    ASSERT_TRUE(MenuOpens());
+    robot.Key(XK_Home);
+    robot.Key(XK_Return);
+    EXPECT_EQ(apps.WaitForLaunches(1).size(), 1u);
+}
+
+TEST_F(LinkTest, AnAlertSaysThatNoProgramIsThere) {
+    ShowLink(kPage);
+    const std::vector<std::pair<const char*, const char*>> cases = {
+        {kPage, "Web Browser Warning"}, {"ftp://a", "FTP Warning"}, {"a@b", "E-mail Warning"}};
+    for (const auto& [url, title] : cases) {
+        WithLock(window, [&, link_ = url] { link->SetURL(link_); });
+        ClickAt(link, OnText());
+        std::vector<test::WindowInfo> alerts;
+        ASSERT_TRUE(test::WaitUntil([&] {
+            alerts = screen.Windows([&](const test::WindowInfo& info) {
+                return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_DIALOG");
+            });
+            return alerts.size() == 1 && screen.ActiveWindow() == alerts[0].id;
+        }));
+        EXPECT_EQ(alerts[0].title, title);
+        robot.Key(XK_Return);
+        ASSERT_TRUE(test::WaitUntil([&] { return !screen.IsViewable(alerts[0].id); }));
+        Activate();
+    }
+}
+
+TEST_F(LinkTest, AFileManagersAnswerMakesTheFile) {
+    const auto textOf = [](const BNode& node, const char* name) {
+        char bytes[100];
+        const ssize_t size = node.ReadAttr(name, B_STRING_TYPE, 0, bytes, sizeof bytes);
+        return size < 0 ? "none" : std::string(bytes, static_cast<size_t>(size));
+    };
+    const auto answer = [this](URLView& view, const char* name, bool exists) {
+        const std::string path = home.Path() / name;
+        if (exists)
+            std::ofstream(path).flush();
+        BEntry folder(home.Path().c_str());
+        entry_ref directory;
+        folder.GetRef(&directory);
+        BMessage message(B_COPY_TARGET);
+        message.AddRef("directory", &directory);
+        message.AddString("name", name);
+        view.MessageReceived(&message);
+        return path;
+    };
+    const auto ended = [](std::string text) { return text + '\0'; };
+
+    TestLink page(kPage);
+    page.AddAttribute("META:keyw", "own");
+    const BNode bookmark(answer(page, "mark", true).c_str());
+    EXPECT_EQ(textOf(bookmark, "META:title"), ended("a place to go"));
+    EXPECT_EQ(textOf(bookmark, "META:url"), ended(kPage));
+    EXPECT_EQ(textOf(bookmark, "META:keyw"), ended("own"));
+    EXPECT_TRUE(textOf(bookmark, "mime_type").starts_with("application/x-vnd.Be-bookmark"));
+    EXPECT_EQ(BNode(answer(page, "missing", false).c_str()).InitCheck(), B_ENTRY_NOT_FOUND);
+
+    TestLink address("one@mail.example");
+    const BNode person(answer(address, "somebody", true).c_str());
+    EXPECT_EQ(textOf(person, "META:name"), ended("a place to go"));
+    EXPECT_EQ(textOf(person, "META:email"), ended("one@mail.example"));
+    EXPECT_EQ(textOf(person, "META:url"), "none");
+    EXPECT_TRUE(textOf(person, "mime_type").starts_with("application/x-person"));
+}
+
+} // namespace
