@@ -27,6 +27,10 @@ public:
         : URLView(BRect(20, 20, 219, 39), "link", "a place to go", url, B_FOLLOW_NONE,
                   B_WILL_DRAW) {}
 
+    void MouseUp(BPoint where) override {
+        URLView::MouseUp(where);
+        releases++;
+    }
     std::vector<std::string> MenuLabels() const {
         std::vector<std::string> labels;
         const auto menu = CreatePopupMenu();
@@ -34,6 +38,8 @@ public:
             labels.emplace_back(menu->ItemAt(i)->Label());
         return labels;
     }
+
+    std::atomic<int> releases = 0;
 };
 
 class LinkTest : public InterfaceTest {
@@ -170,11 +176,12 @@ TEST_F(LinkTest, TenPixelsAreAClickAndElevenAreNot) {
     ShowLink(kPage);
     const auto pressAndMove = [this](float pixels) {
         Press();
+        const int before = link->releases;
         MoveOver(link, OnText() + BPoint(pixels, 0));
-        Settle(window);
         robot.Release();
+        ASSERT_TRUE(test::WaitUntil([&] { return link->releases > before; }));
         MoveOver(link, BPoint(30, -10));
-        Settle(window);
+        ASSERT_TRUE(LineBecomes(kBlue));
     };
     pressAndMove(10);
     EXPECT_EQ(apps.WaitForLaunches(1).size(), 1u);
