@@ -1,9 +1,11 @@
 #include <X11/keysym.h>
+#include <atomic>
 #include <filesystem>
 #include <thread>
 #include <unistd.h>
 
 #include "host/x11/Display.h"
+#include "kits/app/AppDefs.h"
 #include "kits/interface/MenuTracking.h"
 #include "tests/kits/interface/MenuDesktop.h"
 
@@ -54,6 +56,41 @@ TEST_F(MenuClosing, AnOutsidePressThatIsHeldGivesTheInputBack) {
     EXPECT_EQ(Answer(), nullptr);
     robot.Release();
     EXPECT_TRUE(IsInputFree());
+}
+
+TEST_F(MenuClosing, AMenuThatWasGivenAwayDeletesItself) {
+    static std::atomic<int> deleted;
+    class GivenMenu : public BPopUpMenu {
+    public:
+        GivenMenu()
+            : BPopUpMenu("given", false, false) {
+            SetAsyncAutoDestruct(true);
+        }
+        ~GivenMenu() override { deleted++; }
+    };
+    const auto isDeleted = [](int count) {
+        return WaitUntil([count] { return deleted == count; });
+    };
+    deleted = 0;
+    MessageCatcher* catcher = MessageCatcher::Start();
+    auto* chosen = new GivenMenu;
+    chosen->AddItem(new BMenuItem("One", new BMessage('one ')));
+    chosen->SetTargetForItems(BMessenger(catcher));
+    EXPECT_EQ(chosen->Go(BPoint(200, 200), true, true, true), nullptr);
+    ASSERT_TRUE(WaitForMenus(1));
+    // Another cannot open meanwhile, and is gone at once.
+    auto* refused = new GivenMenu;
+    refused->AddItem(new BMenuItem("Two", nullptr));
+    refused->Go(BPoint(300, 300), true, true, true);
+    EXPECT_EQ(deleted, 1);
+    robot.Key(XK_Down);
+    robot.Key(XK_Return);
+    EXPECT_TRUE(isDeleted(2));
+    EXPECT_EQ(catcher->WaitFor(1).at(0).what, static_cast<uint32>('one '));
+    BMessenger(catcher).SendMessage(B_QUIT_REQUESTED);
+
+    (new GivenMenu)->Go(BPoint(), true, true, true);
+    EXPECT_EQ(deleted, 3);
 }
 
 TEST_F(MenuClosing, AChangeOfTheMonitorsClosesIt) {
