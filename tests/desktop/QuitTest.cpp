@@ -33,6 +33,8 @@ protected:
         fProgram.Start();
         ActivateBar();
         ChooseSetting(setting::kAlwaysOnTop); // so that there is something to save
+        ASSERT_TRUE(
+            WaitUntil([&] { return fScreen.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
         if (moment == Moment::FolderMenu)
             OpenFolder(3);
         if (moment == Moment::SubMenu) {
