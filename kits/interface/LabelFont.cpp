@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr float kSmallestPart = 0.75f;
+constexpr float kSmallestPart = 0.7f;
 constexpr float kStep = 0.5f;
 
 } // namespace

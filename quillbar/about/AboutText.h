@@ -11,6 +11,6 @@ inline constexpr const char* kAboutInfo[] = {
 
 // The project's own site, and that of its source.
 inline constexpr const char* kURLInfo[] = {
-    "http://quillbar.example",
+    "http://quillbar.example/",
     "http://quillbar.example/source",
 };

@@ -38,7 +38,7 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
 
     ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == about.id; }));
     fRobot.Click(linkX + 30, linkY + 9);
-    EXPECT_EQ(LastUrl(1), "http://quillbar.example");
+    EXPECT_EQ(LastUrl(1), "http://quillbar.example/");
 
     fRobot.Click(linkX + 30, linkY + 9, 3);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
@@ -47,7 +47,7 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     ASSERT_TRUE(MenusClosed());
     host::OtherProgram other(fDesktop);
     EXPECT_TRUE(WaitUntil(
-        [&] { return other.Converted("CLIPBOARD", "UTF8_STRING") == "http://quillbar.example"; }));
+        [&] { return other.Converted("CLIPBOARD", "UTF8_STRING") == "http://quillbar.example/"; }));
 
     // Each request opens one more; closing one leaves the rest.
     ActivateBar();
@@ -86,14 +86,14 @@ TEST_F(AboutTest, TheLinkIsDraggedIntoAFileManagerAsABookmark) {
     ASSERT_TRUE(manager.AwaitOver());
     fRobot.Release();
     ASSERT_TRUE(manager.AwaitDrop());
-    EXPECT_EQ(manager.SaveName(), "http:--quillbar.example");
+    EXPECT_EQ(manager.SaveName(), "http:--quillbar.example-");
     const std::filesystem::path file = fHome.Path() / "dropped";
     manager.SetSaveUri("file://" + file.string());
     EXPECT_EQ(manager.Get("XdndDirectSave0"), "S");
     manager.Finish();
     const auto ended = [](std::string text) { return text + '\0'; };
-    EXPECT_EQ(GetAttribute(file, "META:title"), ended("http://quillbar.example"));
-    EXPECT_EQ(GetAttribute(file, "META:url"), ended("http://quillbar.example"));
+    EXPECT_EQ(GetAttribute(file, "META:title"), ended("http://quillbar.example/"));
+    EXPECT_EQ(GetAttribute(file, "META:url"), ended("http://quillbar.example/"));
     EXPECT_TRUE(fApps.Launches().empty());
 }
 
