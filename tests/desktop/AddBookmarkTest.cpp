@@ -17,7 +17,7 @@ protected:
     void WaitForWindow() {
         ASSERT_TRUE(WaitUntil([&] {
             const auto windows = fProgram.AddWindows();
-            if (windows.size() != 1 || fScreen.ActiveWindow() != windows[0].id)
+            if (windows.size() != 1 || !HasKeyboard(windows[0].id))
                 return false;
             fPlace = windows[0].frame;
             return true;

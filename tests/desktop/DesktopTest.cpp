@@ -22,7 +22,9 @@ void DesktopTest::TearDown() {
         std::replace(file.begin() + testing::TempDir().size(), file.end(), '/', '-');
         fScreen.Grab().SavePng(file);
         std::cerr << "screen at the end: " << file << ", the program "
-                  << (fProgram.IsRunning() ? "runs" : "has ended") << "\n"
+                  << (fProgram.IsRunning() ? "runs" : "has ended") << std::hex << ", active is "
+                  << fScreen.ActiveWindow() << ", the keyboard is with " << fScreen.FocusedWindow()
+                  << std::dec << "\n"
                   << fProgram.Errors();
     }
     if (fProgram.IsRunning()) {
@@ -40,7 +42,13 @@ void DesktopTest::AddBookmark(int folder, const std::string& name, const std::st
 
 void DesktopTest::ActivateBar() {
     fScreen.Activate(fProgram.Bar().id);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.IsBarActive(); }));
+    ASSERT_TRUE(
+        WaitUntil([&] { return fProgram.IsBarActive() && HasKeyboard(fProgram.Bar().id); }));
+}
+
+// A window manager's word may still be of a window of the same number, of the program before.
+bool DesktopTest::HasKeyboard(xcb_window_t window) const {
+    return fScreen.ActiveWindow() == window && fScreen.FocusedWindow() == window;
 }
 
 void DesktopTest::ClickButton(int digit) {
@@ -98,7 +106,7 @@ void DesktopTest::DismissAlert() {
     ASSERT_TRUE(AlertOpens());
     const WindowInfo alert = fProgram.Alerts()[0];
     fScreen.Activate(alert.id);
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == alert.id; }));
+    ASSERT_TRUE(WaitUntil([&] { return HasKeyboard(alert.id); }));
     fRobot.Key(XK_Return);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Alerts().empty(); }));
 }

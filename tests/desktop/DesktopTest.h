@@ -22,6 +22,7 @@ protected:
     void AddBookmark(int folder, const std::string& name, const std::string& url) const;
 
     void ActivateBar();
+    bool HasKeyboard(xcb_window_t window) const;
     void ClickButton(int digit);
     FolderMenu OpenFolder(int digit);
     void ChooseSlot(int folder, int slot);
