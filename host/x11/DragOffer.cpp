@@ -4,6 +4,7 @@
 
 #include "host/x11/Clock.h"
 #include "host/x11/FileUri.h"
+#include "host/x11/SelectionAnswer.h"
 
 namespace host {
 
@@ -25,22 +26,6 @@ void PutData(const Connection& connection, const xcb_selection_request_event_t& 
                                               request.property, type, format,
                                               static_cast<uint32>(count), data);
     xcb_discard_reply(connection, cookie.sequence);
-}
-
-void Notify(const Connection& connection, const xcb_selection_request_event_t& request,
-            xcb_atom_t property) {
-    xcb_selection_notify_event_t answer{};
-    answer.response_type = XCB_SELECTION_NOTIFY;
-    answer.time = request.time;
-    answer.requestor = request.requestor;
-    answer.selection = request.selection;
-    answer.target = request.target;
-    answer.property = property;
-    auto cookie =
-        xcb_send_event_checked(connection, false, request.requestor, XCB_EVENT_MASK_NO_EVENT,
-                               reinterpret_cast<const char*>(&answer));
-    xcb_discard_reply(connection, cookie.sequence);
-    connection.Flush();
 }
 
 // The protocol's letter for how a saving ended.
@@ -72,7 +57,7 @@ struct DragOffer::Saving {
             return;
         char letter = LetterOf(status);
         PutData(*connection, request, request.target, 8, &letter, 1);
-        Notify(*connection, request, request.property);
+        AnswerRequest(*connection, request, request.property);
         connection = nullptr;
     }
 
@@ -118,7 +103,7 @@ DragOffer::~DragOffer() {
 }
 
 void DragOffer::Refuse(const Connection& connection, const xcb_selection_request_event_t& request) {
-    Notify(connection, request, XCB_ATOM_NONE);
+    AnswerRequest(connection, request, XCB_ATOM_NONE);
 }
 
 void DragOffer::HandleRequest(const xcb_selection_request_event_t& asked, bool isDropped) {
@@ -151,7 +136,7 @@ void DragOffer::HandleRequest(const xcb_selection_request_event_t& asked, bool i
 void DragOffer::Give(const xcb_selection_request_event_t& request, xcb_atom_t type, uint8 format,
                      const void* data, std::size_t count) const {
     PutData(fConnection, request, type, format, data, count);
-    Notify(fConnection, request, request.property);
+    AnswerRequest(fConnection, request, request.property);
 }
 
 // Where the other program wants the file, it has put on the drag's window.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/x11/Clock.h"
+#include "host/x11/SelectionAnswer.h"
 #include "host/x11/SelectionText.h"
 
 namespace host {
@@ -72,21 +73,10 @@ bool SelectionOffers::MayHave(const xcb_selection_request_event_t& event) const 
 void SelectionOffers::HandleRequest(const xcb_selection_request_event_t& event) {
     // Old programs leave the choice of the property to the owner.
     xcb_atom_t property = event.property != XCB_ATOM_NONE ? event.property : event.target;
-    xcb_selection_notify_event_t answer{};
-    answer.response_type = XCB_SELECTION_NOTIFY;
-    answer.time = event.time;
-    answer.requestor = event.requestor;
-    answer.selection = event.selection;
-    answer.target = event.target;
     std::lock_guard lock(fLock);
-    if (MayHave(event) &&
-        Answer(fOffers.at(event.selection), {event.requestor, property}, event.target))
-        answer.property = property;
-    auto cookie =
-        xcb_send_event_checked(fConnection, false, event.requestor, XCB_EVENT_MASK_NO_EVENT,
-                               reinterpret_cast<const char*>(&answer));
-    xcb_discard_reply(fConnection, cookie.sequence);
-    fConnection.Flush();
+    bool isAnswered = MayHave(event) && Answer(fOffers.at(event.selection),
+                                               {event.requestor, property}, event.target);
+    AnswerRequest(fConnection, event, isAnswered ? property : xcb_atom_t{XCB_ATOM_NONE});
 }
 
 bool SelectionOffers::Answer(const Offer& offer, Place place, xcb_atom_t target) {

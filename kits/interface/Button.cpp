@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "kits/app/Message.h"
+#include "kits/interface/Bevel.h"
 #include "kits/interface/Window.h"
 
 namespace {
@@ -18,15 +19,6 @@ void StrokeSoftRect(BView& view, BRect rect) {
     view.StrokeLine(BPoint(rect.left + 1, rect.bottom), BPoint(rect.right - 1, rect.bottom));
     view.StrokeLine(BPoint(rect.left, rect.top + 1), BPoint(rect.left, rect.bottom - 1));
     view.StrokeLine(BPoint(rect.right, rect.top + 1), BPoint(rect.right, rect.bottom - 1));
-}
-
-void StrokeBevel(BView& view, BRect rect, rgb_color leftTop, rgb_color rightBottom) {
-    view.SetHighColor(rightBottom);
-    view.StrokeLine(rect.RightTop(), rect.RightBottom());
-    view.StrokeLine(rect.LeftBottom());
-    view.SetHighColor(leftTop);
-    view.StrokeLine(rect.LeftBottom() - BPoint(0, 1), rect.LeftTop());
-    view.StrokeLine(rect.RightTop() - BPoint(1, 0));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "kits/interface/Bevel.h"
 #include "kits/interface/LabelFont.h"
 #include "kits/interface/TextField.h"
 #include "kits/interface/Window.h"
@@ -13,15 +14,6 @@ constexpr float kFrame = 2; // around the field
 
 float FirstDivider(BRect frame, const char* label) {
     return label != nullptr && label[0] != '\0' ? std::floor(frame.Width() / 2) : 0;
-}
-
-void StrokeEdges(BView& view, BRect rect, rgb_color leftTop, rgb_color rightBottom) {
-    view.SetHighColor(rightBottom);
-    view.StrokeLine(rect.RightTop(), rect.RightBottom());
-    view.StrokeLine(rect.LeftBottom());
-    view.SetHighColor(leftTop);
-    view.StrokeLine(rect.LeftBottom() - BPoint(0, 1), rect.LeftTop());
-    view.StrokeLine(rect.RightTop() - BPoint(1, 0));
 }
 
 } // namespace
@@ -118,14 +110,14 @@ void BTextControl::Commit() {
 void BTextControl::Draw(BRect) {
     rgb_color base = ViewColor();
     BRect frame = FieldFrame();
-    StrokeEdges(*this, frame, tint_color(base, B_DARKEN_1_TINT),
+    StrokeBevel(*this, frame, tint_color(base, B_DARKEN_1_TINT),
                 tint_color(base, B_LIGHTEN_2_TINT));
     frame.InsetBy(1, 1);
     if (fField->ShowsFocus()) {
         SetHighColor(kFocusColor);
         StrokeRect(frame);
     } else {
-        StrokeEdges(*this, frame, tint_color(base, IsEnabled() ? B_DARKEN_4_TINT : B_DARKEN_2_TINT),
+        StrokeBevel(*this, frame, tint_color(base, IsEnabled() ? B_DARKEN_4_TINT : B_DARKEN_2_TINT),
                     base);
     }
     DrawLabel();
