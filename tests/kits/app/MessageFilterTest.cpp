@@ -19,14 +19,10 @@ public:
         , fResult(result) {}
     ~LoggingFilter() override { fLog.Add('free'); }
 
-    filter_result Filter(BMessage*, BHandler** target) override {
+    filter_result Filter(BMessage*, BHandler**) override {
         fLog.Add(fEntry);
-        if (redirectTo)
-            *target = redirectTo;
         return fResult;
     }
-
-    BHandler* redirectTo = nullptr;
 
 private:
     Log& fLog;
@@ -34,20 +30,7 @@ private:
     const filter_result fResult;
 };
 
-TEST_F(MessageFilterTest, AsksCommonFiltersBeforeTheHandlersOwn) {
-    looper->AddFilter(new LoggingFilter(log, 'own1', B_DISPATCH_MESSAGE, uint32('abcd')));
-    looper->AddFilter(new LoggingFilter(log, 'own2', B_SKIP_MESSAGE, uint32('abcd')));
-    looper->AddFilter(new LoggingFilter(log, 'own3', B_DISPATCH_MESSAGE, uint32('abcd')));
-    looper->AddCommonFilter(
-        new LoggingFilter(log, 'comm', B_DISPATCH_MESSAGE, B_ANY_DELIVERY, B_ANY_SOURCE));
-    looper->PostMessage('abcd');
-    looper->PostMessage('else');
-    looper->Run();
-    ASSERT_TRUE(log.Reach(5));
-    EXPECT_EQ(Codes({'comm', 'own1', 'own2', 'comm', 'else'}), log.Seen());
-}
-
-TEST_F(MessageFilterTest, AsksFiltersOnlyAboutMessagesThatMeetTheirConditions) {
+TEST_F(MessageFilterTest, AsksThoseWhoseConditionsAreMetTheCommonOnesFirst) {
     const auto add = [&](uint32 entry, message_delivery delivery, message_source source) {
         looper->AddFilter(
             new LoggingFilter(log, entry, B_DISPATCH_MESSAGE, delivery, source, uint32('abcd')));
@@ -56,6 +39,10 @@ TEST_F(MessageFilterTest, AsksFiltersOnlyAboutMessagesThatMeetTheirConditions) {
     add('loca', B_ANY_DELIVERY, B_LOCAL_SOURCE);
     add('drop', B_DROPPED_DELIVERY, B_ANY_SOURCE);
     add('prog', B_PROGRAMMED_DELIVERY, B_ANY_SOURCE);
+    looper->AddFilter(new LoggingFilter(log, 'skip', B_SKIP_MESSAGE, uint32('abcd')));
+    looper->AddFilter(new LoggingFilter(log, 'last', B_DISPATCH_MESSAGE, uint32('abcd')));
+    looper->AddCommonFilter(
+        new LoggingFilter(log, 'comm', B_DISPATCH_MESSAGE, B_ANY_DELIVERY, B_ANY_SOURCE));
     BMessage message('abcd');
     looper->PostMessage(&message);
     message.SetSourceRemote(true);
@@ -63,8 +50,10 @@ TEST_F(MessageFilterTest, AsksFiltersOnlyAboutMessagesThatMeetTheirConditions) {
     looper->PostMessage(&message);
     looper->PostMessage('else');
     looper->Run();
-    ASSERT_TRUE(log.Reach(7));
-    EXPECT_EQ(Codes({'loca', 'prog', 'abcd', 'remo', 'drop', 'abcd', 'else'}), log.Seen());
+    ASSERT_TRUE(log.Reach(10));
+    EXPECT_EQ(
+        Codes({'comm', 'loca', 'prog', 'skip', 'comm', 'remo', 'drop', 'skip', 'comm', 'else'}),
+        log.Seen());
 }
 
 filter_result SkipHook(BMessage*, BHandler**, BMessageFilter*) {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cfloat>
 #include <cmath>
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -109,19 +109,12 @@ TEST(MessageText, IsReadable) {
 }
 
 TEST(MessageText, KeepsBytesThatAreNoText) {
-    const std::string strings[] = {"\xff\xfe",
-                                   "\xc0\xaf",
-                                   "\xed\xa0\x80",
-                                   "\xf0\x9f\x98",
-                                   "\xf4\x90\x80\x80",
-                                   "\xf0\x9f\x98\x80 and \xc3\xa9",
-                                   "",
-                                   "\x01\x1f\x7f/",
-                                   "\x80"};
-    for (const std::string& string : strings) {
+    for (const char* string :
+         {"\xff\xfe", "\xc0\xaf", "\xed\xa0\x80", "\xf0\x9f\x98", "\xf4\x90\x80\x80",
+          "\xf0\x9f\x98\x80 and \xc3\xa9", "", "\x01\x1f\x7f/", "\x80"}) {
         BMessage message;
-        message.AddString(string.c_str(), string.c_str());
-        EXPECT_STREQ(string.c_str(), RoundTrip(message).GetString(string.c_str(), "lost"));
+        message.AddString(string, string);
+        EXPECT_STREQ(string, RoundTrip(message).GetString(string, "lost"));
     }
     BMessage message;
     message.AddData("unended", B_STRING_TYPE, "abc", 3);
@@ -133,25 +126,20 @@ TEST(MessageText, KeepsBytesThatAreNoText) {
 }
 
 TEST(MessageText, KeepsFloatsExactly) {
-    std::mt19937 random(20);
-    std::vector<float> floats = {-0.0f,        FLT_MAX,  -FLT_MAX, FLT_MIN,
-                                 FLT_TRUE_MIN, INFINITY, -INFINITY};
-    for (int i = 0; i < 5000; ++i) {
-        const uint32 bits = random();
-        float value;
-        memcpy(&value, &bits, sizeof(value));
-        if (!std::isnan(value))
-            floats.push_back(value);
-    }
     BMessage message;
-    for (const float value : floats)
+    for (const float value : {-0.0f, FLT_MAX, -FLT_MAX, FLT_MIN, FLT_TRUE_MIN, INFINITY, -INFINITY})
         message.AddFloat("f", value);
+    std::mt19937 random(20);
+    for (int i = 0; i < 5000; ++i) {
+        const auto value = std::bit_cast<float>(static_cast<uint32>(random()));
+        if (!std::isnan(value))
+            message.AddFloat("f", value);
+    }
     for (const double value : {DBL_MAX, DBL_TRUE_MIN, 0.1 + 0.2})
         message.AddDouble("d", value);
     EXPECT_EQ(ValuesOf(message), ValuesOf(RoundTrip(message)));
     message.AddFloat("nan", NAN);
-    const BMessage read = RoundTrip(message);
-    EXPECT_TRUE(std::isnan(read.GetFloat("nan", 0)));
+    EXPECT_TRUE(std::isnan(RoundTrip(message).GetFloat("nan", 0)));
 }
 
 TEST(MessageText, LeavesOutWhatMeansNothingElsewhere) {
@@ -182,18 +170,6 @@ TEST(MessageText, TakesNothingButOneWholeMessage) {
     EXPECT_EQ(B_OK, Read(" \n" + text + "\r\n\t ", message));
     EXPECT_FALSE(message.HasInt32("n"));
     EXPECT_FALSE(message.IsSourceRemote());
-}
-
-TEST(MessageText, CanBeMendedByHand) {
-    BMessage message;
-    EXPECT_EQ(B_OK, Read(R"({"fields": [
-        {"values": [[30, 1.5e1]], "type": "point", "name": "pos"},
-        {"name": {"hex": "E9"}, "type": "float", "values": [3]}
-    ], "what": 1903326068})",
-                         message));
-    EXPECT_EQ('qrst', message.what);
-    EXPECT_EQ(BPoint(30, 15), message.GetPoint("pos", B_ORIGIN));
-    EXPECT_EQ(3.0f, message.GetFloat("\xe9", 0));
 }
 
 TEST(MessageText, RefusesWhatIsNotWellFormed) {
