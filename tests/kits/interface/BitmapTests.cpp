@@ -52,16 +52,4 @@ TEST(Bitmap, IsDrawnIntoByItsViewsAtHalfOpacity) {
     EXPECT_TRUE(IsNear(PixelAt(image, 7, 3), 0xff000080));
 }
 
-TEST(Bitmap, OneWithoutAreaIsNotValidAndNothingIsDrawn) {
-    BBitmap image(BRect(0, 0, -1, 5), B_RGBA32, true);
-    EXPECT_FALSE(image.IsValid());
-    auto* view = new BView(BRect(0, 0, 9, 9), "drag", B_FOLLOW_NONE, 0);
-    image.AddChild(view);
-    BBitmap target(BRect(0, 0, 1, 1), B_RGBA32, true);
-    auto* other = new BView(BRect(0, 0, 1, 1), "drag", B_FOLLOW_NONE, 0);
-    target.AddChild(other);
-    other->DrawBitmap(&image);
-    EXPECT_EQ(PixelAt(target, 0, 0), 0u);
-}
-
 } // namespace

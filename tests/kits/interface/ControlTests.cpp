@@ -1,7 +1,5 @@
 #include "tests/kits/interface/InterfaceTest.h"
 
-#include <X11/keysym.h>
-
 #include "kits/app/Message.h"
 #include "kits/interface/Button.h"
 
@@ -81,24 +79,4 @@ TEST_F(ButtonTest, LooksPressedWhileThePointerIsOverIt) {
     PassInput();
     EXPECT_EQ(Count(kPressed), 0) << "released outside";
     EXPECT_EQ(Count('othr'), 1) << "another button was not pressed";
-}
-
-TEST_F(ButtonTest, KeysPressTheDefaultAndTheFocusedButton) {
-    window->Activate();
-    ASSERT_TRUE(WaitFor(window, [&] { return window->IsActive(); }));
-    WithLock(window, [&] { button->MakeDefault(true); });
-    robot.Key(XK_Return);
-    EXPECT_TRUE(test::WaitUntil([&] { return Count(kPressed) == 1; }));
-    robot.Key(XK_Tab);
-    EXPECT_TRUE(WaitFor(window, [&] { return button->IsFocus(); }));
-    robot.Key(XK_Tab);
-    EXPECT_TRUE(WaitFor(window, [&] { return other->IsFocus(); }));
-    robot.Key(XK_space);
-    EXPECT_TRUE(test::WaitUntil([&] { return Count('othr') == 1; }));
-    EXPECT_EQ(Count(kPressed), 1);
-    WithLock(window, [&] {
-        other->MakeDefault(true);
-        EXPECT_FALSE(button->IsDefault());
-        EXPECT_EQ(window->DefaultButton(), other);
-    });
 }

@@ -52,19 +52,6 @@ protected:
 
 } // namespace
 
-TEST_F(InputTest, GoesToTheDeepestViewUnderThePointer) {
-    ClickAt(child, BPoint(3, 4));
-    EXPECT_TRUE(Sees(child, "up"));
-    EXPECT_EQ(child->lastWhere, BPoint(3, 4));
-    ClickAt(left, BPoint(40, 40));
-    EXPECT_TRUE(Sees(left, "up"));
-    WithLock(window, [&] { child->Hide(); });
-    ClickAt(left, BPoint(15, 15));
-    EXPECT_TRUE(Sees(left, "up", 2));
-    EXPECT_EQ(EventsOf(child).back(), "exited");
-    EXPECT_EQ(right->CountOf("down") + right->CountOf("entered"), 0);
-}
-
 TEST_F(InputTest, AThreadCanWaitForThePointer) {
     PointerPresence& presence = PointerPresence::Shared();
     ASSERT_TRUE(test::WaitUntil([&] { return !presence.IsHere(); }));
@@ -152,17 +139,6 @@ TEST_F(InputTest, PollingTheMouseSeesTheReleaseAndUsesItUp) {
     ClickAt(right, BPoint(10, 10));
     ASSERT_TRUE(Sees(right, "up"));
     EXPECT_EQ(left->CountOf("up"), 0);
-}
-
-TEST_F(InputTest, KeysGoToTheWindowOrToItsFocus) {
-    Activate();
-    robot.Key(XK_7);
-    EXPECT_TRUE(test::WaitUntil([&] { return CountReceived(B_KEY_UP) == 1; }));
-    EXPECT_EQ(CountReceived(B_KEY_DOWN), 1);
-    WithLock(window, [&] { left->MakeFocus(); });
-    robot.Key(XK_b);
-    EXPECT_TRUE(Sees(left, "key b"));
-    EXPECT_EQ(CountReceived(B_KEY_DOWN), 1);
 }
 
 TEST_F(InputTest, AKeyHeldWhileTheFocusGoesIsLetGo) {

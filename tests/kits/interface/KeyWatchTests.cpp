@@ -12,9 +12,6 @@ using Strings = std::vector<std::string>;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int32 kAKey = 0x3c;
-constexpr int32 kLeftShiftKey = 0x4b;
-
 bool IsHeld(const BMessage& message, int32 key) {
     const void* states = nullptr;
     ssize_t size = 0;
@@ -156,13 +153,6 @@ TEST_F(KeyWatchTest, KeysOfTheActiveWindowComeOnceToEach) {
     EXPECT_TRUE(Becomes(watcher->events, kShiftedA));
 }
 
-TEST_F(KeyWatchTest, AFocusViewWithTheMaskSeesWhatOthersAreTold) {
-    WithLock(window, [&] { watcher->MakeFocus(); });
-    robot.Key(XK_a);
-    EXPECT_TRUE(Becomes(watcher->events, {"down 60", "up 60"}));
-    EXPECT_EQ(watcher->typed, "");
-}
-
 TEST_F(KeyWatchTest, TheMaskCanBeClearedAndTheViewCanGo) {
     auto* second = new RecordingWindow(BRect(50, 250, 149, 349));
     auto* reference = new KeyView;
@@ -189,19 +179,4 @@ TEST_F(KeyWatchTest, TheMaskCanBeClearedAndTheViewCanGo) {
     ASSERT_TRUE(Settle(window));
     ASSERT_TRUE(typedOnce());
     EXPECT_EQ(watcher->events.size(), 4u) << "the mask is kept";
-}
-
-TEST_F(KeyWatchTest, AKeyTellsWhichOthersAreHeld) {
-    robot.KeyDown(XK_Shift_L);
-    Activate();
-    bool shiftWasHeld = false;
-    WithLock(window, [&] {
-        window->onMessage = [&](BMessage& message) {
-            if (message.what == B_KEY_DOWN)
-                shiftWasHeld = IsHeld(message, kAKey) && IsHeld(message, kLeftShiftKey);
-        };
-    });
-    robot.Key(XK_a);
-    robot.KeyUp(XK_Shift_L);
-    EXPECT_TRUE(WaitFor(window, [&] { return shiftWasHeld; }));
 }

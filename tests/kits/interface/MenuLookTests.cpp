@@ -23,19 +23,4 @@ TEST_F(MenuLook, ALongLabelIsCutToTheScreen) {
     EXPECT_EQ(Answer(), menu.ItemAt(2));
 }
 
-TEST_F(MenuLook, MarksAndDisabledItemsAreSeen) {
-    AddThree();
-    menu.ItemAt(0)->SetMarked(true);
-    menu.ItemAt(1)->SetEnabled(false);
-    Open();
-    auto blackLeftOfLabel = [&](int index) {
-        const Box item = Place(menu.ItemAt(index));
-        return screen.Grab({item.x, item.y, 18, item.height}).Count(0x000000);
-    };
-    EXPECT_TRUE(test::WaitUntil([&] { return blackLeftOfLabel(0) > 8; }));
-    EXPECT_EQ(blackLeftOfLabel(2), 0u);
-    EXPECT_GT(screen.Grab(Place(menu.ItemAt(2))).Count(0x000000), 0u);
-    EXPECT_EQ(screen.Grab(Place(menu.ItemAt(1))).Count(0x000000), 0u);
-}
-
 } // namespace

@@ -1,8 +1,5 @@
 #include <X11/keysym.h>
 
-#include "kits/app/Message.h"
-#include "kits/interface/Clipboard.h"
-#include "kits/support/Errors.h"
 #include "tests/kits/interface/TextControlTest.h"
 
 TEST_F(TextControlTest, TypesErasesAndMovesByCharactersAndWords) {
@@ -112,29 +109,6 @@ TEST_F(TextControlTest, CutsCopiesAndPastes) {
     Hand("PRIMARY", "-");
     ClickAt(field, BPoint(PlaceOf(1), 8), 2);
     WaitForText("a-b");
-}
-
-TEST_F(TextControlTest, TheClipboardHoldsMoreThanItsText) {
-    Hand("CLIPBOARD", "theirs");
-    EXPECT_EQ(be_clipboard->Data(), nullptr);
-    ASSERT_TRUE(be_clipboard->Lock());
-    const void* bytes = nullptr;
-    ssize_t size = 0;
-    EXPECT_EQ(be_clipboard->Data()->FindData("text/plain", B_MIME_TYPE, &bytes, &size), B_OK);
-    EXPECT_EQ(std::string(static_cast<const char*>(bytes), static_cast<size_t>(size)), "theirs");
-    // A program may take it over after the user has turned to it.
-    robot.Type("x");
-    WaitForText("x");
-    be_clipboard->Clear();
-    be_clipboard->Data()->AddData("text/plain", B_MIME_TYPE, "ours", 4);
-    be_clipboard->Data()->AddInt32("more", 7);
-    EXPECT_EQ(be_clipboard->Commit(), B_OK);
-    be_clipboard->Unlock();
-    WaitForHanded("CLIPBOARD", "ours");
-    ASSERT_TRUE(be_clipboard->Lock());
-    EXPECT_EQ(be_clipboard->Data()->GetInt32("more", 0), 7);
-    be_clipboard->Unlock();
-    EXPECT_EQ(be_clipboard->Clear(), B_NOT_ALLOWED);
 }
 
 TEST_F(TextControlTest, TakesChangesBackAndMakesThemAgainByWords) {

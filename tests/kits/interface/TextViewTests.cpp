@@ -14,21 +14,11 @@ protected:
 
 } // namespace
 
-TEST_F(TextViewTest, WrapsAtWordsAndAtNewLines) {
-    text.SetText("one\n\ntwo");
-    EXPECT_EQ(text.CountLines(), 3);
-    const float oneLine = text.TextHeight() / 3;
-    text.SetText("several words that do not all fit into a line of two hundred pixels");
-    const int32 lines = text.CountLines();
-    EXPECT_GE(lines, 2);
-    EXPECT_LE(lines, 4);
-    EXPECT_FLOAT_EQ(text.TextHeight(), static_cast<float>(lines) * oneLine);
-    text.SetTextRect({0, 0, 1000, 0});
-    EXPECT_EQ(text.CountLines(), 1);
-}
-
-TEST_F(TextViewTest, MeasuresTheLinesOfAnUnwrappedText) {
+TEST_F(TextViewTest, WrapsAtWordsAndAtNewLinesOrOnlyThere) {
     text.SetText("a line that is wider than two hundred pixels of a text rectangle\nii\n");
+    const int32 lines = text.CountLines();
+    EXPECT_GE(lines, 4);
+    EXPECT_LE(lines, 6);
     text.SetWordWrap(false);
     EXPECT_EQ(text.CountLines(), 3);
     EXPECT_GT(text.LineWidth(0), 200);
@@ -73,13 +63,4 @@ TEST_F(TextViewTest, StylesARangeOfAStylableText) {
     EXPECT_GT(text.TextHeight(), plain);
     text.SetFontAndColor(-5, 1000, &font, B_FONT_ALL, &red);
     EXPECT_EQ(text.TextHeight(), plain);
-}
-
-TEST_F(TextViewTest, AnUnstylableTextHasOneStyle) {
-    text.SetText("all the same");
-    const rgb_color blue{0, 0, 255, 255};
-    text.SetFontAndColor(4, 5, nullptr, 0, &blue);
-    rgb_color color;
-    text.GetFontAndColor(0, nullptr, &color);
-    EXPECT_EQ(color, blue);
 }

@@ -74,26 +74,6 @@ TEST_F(ViewTest, IsDrawnOnlyWhereItWasInvalidated) {
     });
 }
 
-TEST_F(ViewTest, GrowingDrawsOnlyWhatIsNewUnlessAllIsAskedFor) {
-    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
-    auto* view = new RecordingView(BRect(0, 0, 39, 39), "view");
-    window->AddChild(view);
-    Show(window);
-    auto drawsAfter = [&](float width) {
-        WithLock(window, [&] {
-            view->draws.clear();
-            view->ResizeTo(width, 39);
-        });
-        Settle(window);
-        std::vector<BRect> draws;
-        WithLock(window, [&] { draws = view->draws; });
-        return draws;
-    };
-    EXPECT_EQ(drawsAfter(59), std::vector{BRect(40, 0, 59, 39)});
-    WithLock(window, [&] { view->SetFlags(view->Flags() | B_FULL_UPDATE_ON_RESIZE); });
-    EXPECT_EQ(drawsAfter(69), std::vector{BRect(0, 0, 69, 39)});
-}
-
 TEST_F(ViewTest, MovingAndHidingUncoverWhatIsBehind) {
     auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
     auto* back = new RecordingView(BRect(0, 0, 99, 99), "back", kGreen);
@@ -113,20 +93,4 @@ TEST_F(ViewTest, MovingAndHidingUncoverWhatIsBehind) {
         window->UpdateIfNeeded();
     });
     EXPECT_TRUE(WaitForPixel(back, BPoint(55, 55), 0x00ff00));
-}
-
-TEST_F(ViewTest, DrawingOutsideAnUpdateIsShownByFlush) {
-    auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
-    auto* view = new RecordingView(BRect(10, 10, 49, 49), "view", kGreen);
-    window->AddChild(view);
-    Show(window);
-    WithLock(window, [&] {
-        view->SetHighColor(kBlue);
-        view->FillRect({-20, 5, 200, 9});
-        view->Flush();
-    });
-    EXPECT_TRUE(WaitForPixel(view, BPoint(39, 9), 0x0000ff));
-    EXPECT_EQ(PixelAt(view, BPoint(-1, 7)), 0xffffffu);
-    EXPECT_EQ(PixelAt(view, BPoint(40, 7)), 0xffffffu);
-    EXPECT_EQ(PixelAt(view, BPoint(0, 10)), 0x00ff00u);
 }

@@ -1,27 +1,12 @@
 #include "tests/kits/interface/InterfaceTest.h"
 
 #include <cmath>
-#include <limits>
 
-#include "kits/app/AppDefs.h"
-#include "kits/interface/Alert.h"
 #include "kits/interface/Monitors.h"
-#include "kits/interface/Screen.h"
 
 namespace {
 
-class WindowTest : public InterfaceTest {
-protected:
-    // The content of the program's one visible window, as the server has it; the border is part of
-    // the server's window.
-    test::Box OnServer() {
-        auto windows = ShownWindows(screen);
-        if (windows.empty())
-            return {};
-        const test::Box whole = windows.back().frame;
-        return {whole.x + 1, whole.y + 1, whole.width - 2, whole.height - 2};
-    }
-};
+using WindowTest = InterfaceTest;
 
 // In a process of its own: a process has one display and one scale.
 void RestorePlaces(int dpi) {
@@ -59,25 +44,6 @@ TEST_F(WindowTest, StoredPlacesComeBackToThePixelAtEveryScale) {
     EXPECT_EXIT(RestorePlaces(96), ::testing::ExitedWithCode(0), "");
     EXPECT_EXIT(RestorePlaces(120), ::testing::ExitedWithCode(0), "");
     EXPECT_EXIT(RestorePlaces(144), ::testing::ExitedWithCode(0), "");
-}
-
-TEST_F(WindowTest, ImpossiblePlacesAreBroughtInside) {
-    const float infinity = std::numeric_limits<float>::infinity();
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (BPoint place : {BPoint(5000, 10), BPoint(-4000, -4000), BPoint(infinity, -infinity),
-                         BPoint(nan, nan), BPoint(1e30f, 20)}) {
-        auto* window = new RecordingWindow(BRect(place.x, place.y, place.x + 99, place.y + 49));
-        WithLock(window, [&] { window->ResizeTo(99, 49); });
-        Show(window);
-        const test::Box whole = desktop.Frame();
-        EXPECT_TRUE(test::WaitUntil([&] { return whole.Contains(OnServer()); }))
-            << place.x << ", " << place.y;
-        WithLock(window, [&] {
-            EXPECT_TRUE(BScreen().Frame().Contains(window->Frame()));
-            window->Hide();
-        });
-        EXPECT_TRUE(test::WaitUntil([&] { return OnServer() == test::Box{}; }));
-    }
 }
 
 TEST(Monitors, AWindowIsMovedOnlyWhenNoMonitorShowsIt) {
