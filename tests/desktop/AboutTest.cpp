@@ -2,7 +2,6 @@
 
 #include "tests/desktop/DesktopTest.h"
 #include "tests/host/x11/OtherProgram.h"
-#include "tests/support/DragPartner.h"
 
 using namespace test;
 
@@ -63,38 +62,6 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     fScreen.Close(about.id);
     EXPECT_TRUE(AboutsBecome(1));
     EXPECT_TRUE(fProgram.IsRunning());
-}
-
-TEST_F(AboutTest, TheLinkIsDraggedIntoAFileManagerAsABookmark) {
-    DragPartner manager(fDesktop, {1000, 600, 200, 200});
-    fProgram.Start();
-    ActivateBar();
-    ChooseSetting(setting::kAbout);
-    ASSERT_TRUE(AboutsBecome(1));
-    const WindowInfo about = Abouts()[0];
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == about.id; }));
-    const Box link = {about.frame.x + 25 + 86, about.frame.y + 20 + 78, 109, 16};
-    const auto linkShows = [&](uint32_t color) {
-        return WaitUntil([&] { return fScreen.Grab(link).Count(color) > 50; });
-    };
-    fRobot.MoveTo(link.CenterX(), link.CenterY());
-    fRobot.Press();
-    ASSERT_TRUE(linkShows(0xff0000));
-    fRobot.MoveTo(link.CenterX() + 11, link.CenterY());
-    ASSERT_TRUE(linkShows(0x0000ff));
-    fRobot.MoveTo(1100, 700);
-    ASSERT_TRUE(manager.AwaitOver());
-    fRobot.Release();
-    ASSERT_TRUE(manager.AwaitDrop());
-    EXPECT_EQ(manager.SaveName(), "http:--quillbar.example-");
-    const std::filesystem::path file = fHome.Path() / "dropped";
-    manager.SetSaveUri("file://" + file.string());
-    EXPECT_EQ(manager.Get("XdndDirectSave0"), "S");
-    manager.Finish();
-    const auto ended = [](std::string text) { return text + '\0'; };
-    EXPECT_EQ(GetAttribute(file, "META:title"), ended("http://quillbar.example/"));
-    EXPECT_EQ(GetAttribute(file, "META:url"), ended("http://quillbar.example/"));
-    EXPECT_TRUE(fApps.Launches().empty());
 }
 
 } // namespace

@@ -38,17 +38,6 @@ TEST_F(BarTest, TheGrabbedPointStaysUnderThePointer) {
     EXPECT_EQ(fProgram.Content(), (Box{625, 326, 22, 264}));
 }
 
-TEST_F(BarTest, ItsWidgetsDimWhileItIsInactive) {
-    PlainWindow other(fDesktop, {400, 300, 200, 100});
-    other.Activate();
-    EXPECT_TRUE(ButtonTurns(kInactive));
-    const Box bar = fProgram.DragBar();
-    fRobot.Click(bar.x + 15, bar.y + 11);
-    EXPECT_TRUE(ButtonTurns(kActive));
-    other.Activate();
-    EXPECT_TRUE(ButtonTurns(kInactive));
-}
-
 TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInIt) {
     ActivateBar();
     ASSERT_TRUE(ButtonTurns(kActive));
@@ -68,16 +57,6 @@ TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInIt) {
     CloseMenus();
 }
 
-TEST_F(BarTest, ADoubleClickMinimisesAndTheTaskBarBringsItBack) {
-    const Box bar = fProgram.DragBar();
-    fRobot.DoubleClick(bar.x + 15, bar.y + 11);
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fProgram.Bar().id); }));
-    fScreen.Activate(fProgram.Bar().id);
-    EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().viewable; }));
-    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
-    EXPECT_TRUE(ButtonTurns(kActive));
-}
-
 TEST_F(BarTest, TheFirstClickOnTheCloseBoxOnlyActivates) {
     PlainWindow other(fDesktop, {400, 300, 200, 100});
     other.Activate();
@@ -87,18 +66,6 @@ TEST_F(BarTest, TheFirstClickOnTheCloseBoxOnlyActivates) {
     ASSERT_TRUE(ButtonTurns(kActive));
 
     // Pressed, moved out and released: nothing; released inside: the end.
-    fRobot.Drag(box.CenterX(), box.CenterY(), 600, 600);
-    ClickButton(3);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-    CloseMenus();
-    fRobot.Click(box.CenterX(), box.CenterY());
-    EXPECT_EQ(fProgram.WaitForEnd(), 0);
-    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
-}
-
-TEST_F(BarTest, TheCloseBoxIsDrawnPressed) {
-    ActivateBar();
-    const Box box = fProgram.CloseBox();
     const auto middle = [&] { return fScreen.Pixel(box.CenterX(), box.CenterY()); };
     fRobot.MoveTo(box.CenterX(), box.CenterY());
     fRobot.Press();
@@ -106,22 +73,12 @@ TEST_F(BarTest, TheCloseBoxIsDrawnPressed) {
     fRobot.MoveTo(600, 600);
     EXPECT_TRUE(WaitUntil([&] { return middle() == kActive; }));
     fRobot.Release();
-}
-
-TEST_F(BarTest, CoveredAndUncoveredItShowsItself) {
-    const Picture before = SettledPicture(fScreen, fProgram.Content());
-    ActivateBar();
-    {
-        PlainWindow cover(fDesktop, {10, 10, 200, 400});
-        cover.Activate();
-        ASSERT_TRUE(WaitUntil([&] {
-            return fScreen.Grab({30, 60, 22, 50}).Count(0xffffff) == 22u * 50;
-        }));
-    }
-    ActivateBar();
-    PlainWindow other(fDesktop, {400, 300, 200, 100});
-    other.Activate();
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.Grab(fProgram.Content()) == before; }));
+    ClickButton(3);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    CloseMenus();
+    fRobot.Click(box.CenterX(), box.CenterY());
+    EXPECT_EQ(fProgram.WaitForEnd(), 0);
+    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
 }
 
 } // namespace

@@ -67,8 +67,8 @@ void DesktopTest::ChooseSlot(int folder, int slot) {
     EXPECT_TRUE(MenusClosed());
 }
 
-bool DesktopTest::MenusClosed() {
-    return WaitUntil([&] { return fProgram.Menus().empty(); });
+bool DesktopTest::MenusClosed(std::chrono::milliseconds deadline) {
+    return WaitUntil([&] { return fProgram.Menus().empty(); }, deadline);
 }
 
 void DesktopTest::CloseMenus() {

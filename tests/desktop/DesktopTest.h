@@ -27,7 +27,7 @@ protected:
     FolderMenu OpenFolder(int digit);
     void ChooseSlot(int folder, int slot);
     // Waits until no menu is open.
-    bool MenusClosed();
+    bool MenusClosed(std::chrono::milliseconds deadline = test::kDeadline);
     void CloseMenus();
 
     // Opens the settings menu with the secondary button, goes down by the arrow key that many
@@ -48,6 +48,18 @@ protected:
     test::Screen fScreen{fDesktop};
     test::Robot fRobot{fDesktop};
     Program fProgram{fDesktop, fHome};
+};
+
+struct OwnDesktop {
+    test::PrivateDesktop fOwn;
+};
+
+// On a desktop of its own, unlike the usual one or to be lost.
+class OwnDesktopTest : protected OwnDesktop, public DesktopTest {
+protected:
+    explicit OwnDesktopTest(const test::PrivateDesktop::Options& options)
+        : OwnDesktop{test::PrivateDesktop(options)}
+        , DesktopTest(fOwn) {}
 };
 
 // How often the arrow key goes down to the entries of the settings menu when both browsers are

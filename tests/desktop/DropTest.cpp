@@ -58,17 +58,4 @@ TEST_F(DropTest, AColorOnAnyPartIsTheBarsAndIsKept) {
     EXPECT_TRUE(BarBecomes(0xa0e0b0));
 }
 
-TEST_F(DropTest, WhatIsNoColorIsRefusedWhileItIsDragged) {
-    const uint32_t before = Ground();
-    fPartner.offered = {{"text/plain", {"http://site.example/"}},
-                        {"application/x-color", {Words(0xff0000).substr(2), 16}},
-                        {"text/uri-list", {"file:///tmp\r\n"}}};
-    for (const auto& [type, data] : fPartner.offered)
-        EXPECT_EQ(DropOn(fProgram.Button(1), type), false) << type;
-    EXPECT_EQ(Ground(), before);
-    fPartner.offered = {{"text/plain", {"#ffd070"}}};
-    EXPECT_EQ(DropOn(fProgram.Button(1), "text/plain"), true);
-    EXPECT_TRUE(BarBecomes(0xffd070));
-}
-
 } // namespace

@@ -76,17 +76,9 @@ FolderMenu::FolderMenu(PrivateDesktop& desktop, const Program& program) {
         throw std::runtime_error("the menu is too low for ten items");
     for (int digit = 0; digit < kSlots; ++digit) {
         const Box slot = Slot(digit);
-        Picture picture{slot.width, slot.height, {}};
-        const int top = slot.y - fWindow.frame.y;
-        picture.pixels.assign(plain.pixels.begin() + static_cast<ptrdiff_t>(top) * plain.width,
-                              plain.pixels.begin() +
-                                  static_cast<ptrdiff_t>(top + slot.height) * plain.width);
-        fSlots.push_back(picture);
+        const auto first = plain.pixels.begin() + (slot.y - fWindow.frame.y) * plain.width;
+        fSlots.push_back({slot.width, slot.height, {first, first + slot.height * slot.width}});
     }
-    const int above = Slot(0).y - fWindow.frame.y;
-    fTitle = {plain.width, above, {}};
-    fTitle.pixels.assign(plain.pixels.begin(),
-                         plain.pixels.begin() + static_cast<ptrdiff_t>(above) * plain.width);
 }
 
 Box FolderMenu::Slot(int digit) const {

@@ -13,11 +13,9 @@ public:
     // Waits until the program's newest menu is painted. Moves the pointer.
     FolderMenu(test::PrivateDesktop& desktop, const Program& program);
 
-    xcb_window_t Id() const { return fWindow.id; }
     const test::Box& Frame() const { return fWindow.frame; }
     test::Box Slot(int digit) const;                                        // on the screen
     test::Picture SlotPicture(int digit) const { return fSlots.at(digit); } // without the mark
-    test::Picture TitlePicture() const { return fTitle; }
     bool SameLabel(int digit, int otherDigit) const;
 
 private:
@@ -25,7 +23,6 @@ private:
     int fHeight = 0;
     int fBottom = 0; // of the last item, on the screen
     std::vector<test::Picture> fSlots;
-    test::Picture fTitle;
 };
 
 // Waits until `window` is painted and does not change, and gives its picture.

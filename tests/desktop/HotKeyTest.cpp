@@ -152,48 +152,22 @@ TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {
     CloseMenus();
 }
 
-TEST_F(HotKeyTest, EachKeyCanBeTheHotKeyOrAPartOfIt) {
+TEST_F(HotKeyTest, EachKeyCanBeAPartOfIt) {
     Start(32, {XK_KP_Delete});
-    auto launches = [&] {
-        TypeAfterHotKey({XK_KP_3, XK_KP_5});
-        return NextLaunches() == Urls{kFive};
-    };
-    EXPECT_TRUE(launches());
-    const std::pair<int, uint32_t> keys[] = {{setting::kWindowsKey, XK_Super_L},
-                                             {setting::kAltKey, XK_Alt_L},
+    const std::pair<int, uint32_t> keys[] = {{setting::kAltKey, XK_Alt_L},
                                              {setting::kShiftKey, XK_Shift_R},
                                              {setting::kControlKey, XK_Control_L},
+                                             {setting::kWindowsKey, XK_Super_L},
                                              {setting::kMenuKey, XK_Menu}};
-    int last = setting::kDeleteKey;
     for (const auto& [item, key] : keys) {
         ToggleHotKey(item);
-        if (last == setting::kDeleteKey) {
-            fHotKey = {key, XK_KP_Delete};
-            EXPECT_TRUE(launches()) << "with Delete";
-            Type({key, XK_KP_3, XK_KP_5});
-            EXPECT_TRUE(NothingIsLaunched());
-        }
-        ToggleHotKey(last);
-        last = item;
-        fHotKey = {key};
-        EXPECT_TRUE(launches()) << item;
+        fHotKey = {key, XK_KP_Delete};
+        TypeAfterHotKey({XK_KP_3, XK_KP_5});
+        EXPECT_THAT(NextLaunches(), ElementsAre(kFive)) << item;
+        Type({key, XK_KP_3, XK_KP_5});
+        EXPECT_TRUE(NothingIsLaunched());
+        ToggleHotKey(item);
     }
-    // Both at once, in either order, and another one does no harm.
-    ToggleHotKey(setting::kAltKey);
-    fHotKey = {};
-    for (const Keys& held : {Keys{XK_Menu, XK_Alt_R}, Keys{XK_Alt_L, XK_Super_L, XK_Menu}}) {
-        for (const uint32_t key : held)
-            fRobot.KeyDown(key);
-        Type({XK_KP_3, XK_KP_5});
-        EXPECT_TRUE(WaitUntil([&] { return Launched().size() > fKnown; }));
-        for (const uint32_t key : held)
-            fRobot.KeyUp(key);
-        fKnown++;
-    }
-    Type({XK_Alt_L, XK_KP_3, XK_KP_5, XK_Menu, XK_KP_3, XK_KP_5});
-    ToggleHotKey(setting::kMenuKey);
-    fHotKey = {XK_Alt_L};
-    EXPECT_TRUE(NothingIsLaunched());
 }
 
 } // namespace

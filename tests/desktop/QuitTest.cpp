@@ -1,8 +1,6 @@
 // However the program ends, its settings are on disk and it does not take long.
 
 #include <csignal>
-#include <fstream>
-#include <sys/stat.h>
 #include <thread>
 
 #include "tests/desktop/DesktopTest.h"
@@ -14,20 +12,14 @@ namespace {
 
 constexpr std::chrono::seconds kLimit{5};
 
-enum class Ending { Terminate, Interrupt, HangUp, Close };
+enum class Ending { Signal, Close, LostDisplay };
 enum class Moment { Idle, FolderMenu, SubMenu, Alert };
 
-std::string NameOf(const testing::TestParamInfo<std::tuple<Ending, Moment>>& info) {
-    const char* endings[] = {"Terminate", "Interrupt", "HangUp", "Close"};
-    const char* moments[] = {"Idle", "FolderMenu", "SubMenu", "Alert"};
-    return std::string(endings[static_cast<int>(std::get<0>(info.param))]) + "With" +
-           moments[static_cast<int>(std::get<1>(info.param))];
-}
-
-// Brings the program to a moment; shared with the test on a desktop of its own.
-class EndingTest : public DesktopTest {
+class QuitTest : public OwnDesktopTest,
+                 public testing::WithParamInterface<std::tuple<Ending, Moment>> {
 protected:
-    using DesktopTest::DesktopTest;
+    QuitTest()
+        : OwnDesktopTest({}) {}
 
     void Reach(Moment moment) {
         fProgram.Start();
@@ -49,67 +41,28 @@ protected:
             ASSERT_TRUE(AlertOpens());
         }
     }
-    void ExpectSaved() const {
-        EXPECT_TRUE(fProgram.Settings().GetBool("ontop", false));
-        EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
-    }
 };
-
-class QuitTest : public EndingTest,
-                 public testing::WithParamInterface<std::tuple<Ending, Moment>> {};
 
 TEST_P(QuitTest, SavesAndEndsInTime) {
     const auto [ending, moment] = GetParam();
     ASSERT_NO_FATAL_FAILURE(Reach(moment));
-    switch (ending) {
-    case Ending::Terminate:
-        fProgram.Signal(SIGTERM);
-        break;
-    case Ending::Interrupt:
-        fProgram.Signal(SIGINT);
-        break;
-    case Ending::HangUp:
-        fProgram.Signal(SIGHUP);
-        break;
-    case Ending::Close:
+    const int signals[] = {SIGTERM, SIGINT, SIGHUP, SIGTERM};
+    if (ending == Ending::Signal)
+        fProgram.Signal(signals[static_cast<int>(moment)]);
+    else if (ending == Ending::Close)
         fScreen.Close(fProgram.Bar().id);
-        break;
-    }
-    EXPECT_EQ(fProgram.WaitForEnd(kLimit), 0);
-    ExpectSaved();
+    else
+        fOwn.KillServer();
+    EXPECT_EQ(fProgram.WaitForEnd(kLimit), ending == Ending::LostDisplay ? 1 : 0);
+    EXPECT_TRUE(fProgram.Settings().GetBool("ontop", false));
+    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
 }
 
 INSTANTIATE_TEST_SUITE_P(, QuitTest,
-                         testing::Combine(testing::Values(Ending::Terminate, Ending::Interrupt,
-                                                          Ending::HangUp, Ending::Close),
+                         testing::Combine(testing::Values(Ending::Signal, Ending::Close,
+                                                          Ending::LostDisplay),
                                           testing::Values(Moment::Idle, Moment::FolderMenu,
-                                                          Moment::SubMenu, Moment::Alert)),
-                         NameOf);
-
-struct DesktopToLose {
-    PrivateDesktop fOwn{PrivateDesktop::Options{}};
-};
-
-class LostDisplayTest : private DesktopToLose,
-                        public EndingTest,
-                        public testing::WithParamInterface<Moment> {
-protected:
-    LostDisplayTest()
-        : EndingTest(fOwn) {}
-
-    void LoseDisplay() { fOwn.KillServer(); }
-};
-
-TEST_P(LostDisplayTest, SavesAndEndsWithOne) {
-    ASSERT_NO_FATAL_FAILURE(Reach(GetParam()));
-    LoseDisplay();
-    EXPECT_EQ(fProgram.WaitForEnd(kLimit), 1);
-    ExpectSaved();
-}
-
-INSTANTIATE_TEST_SUITE_P(, LostDisplayTest,
-                         testing::Values(Moment::Idle, Moment::FolderMenu, Moment::SubMenu,
-                                         Moment::Alert));
+                                                          Moment::SubMenu, Moment::Alert)));
 
 class SaveTest : public DesktopTest {
 protected:
@@ -131,19 +84,6 @@ TEST_F(SaveTest, DeathWhileSavingLeavesAWholeFile) {
         fProgram.WaitForEnd();
         ASSERT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 33) << delay;
     }
-}
-
-TEST_F(SaveTest, ALinkToTheSettingsStaysOne) {
-    WriteMarkedSettings();
-    const fs::path target = fHome.Path() / "kept settings";
-    fs::rename(fProgram.SettingsFile(), target);
-    fs::create_symlink(target, fProgram.SettingsFile());
-    fProgram.Start();
-    EXPECT_EQ(fProgram.Stop(), 0);
-    EXPECT_TRUE(fs::is_symlink(fProgram.SettingsFile()));
-    EXPECT_EQ(fs::read_symlink(fProgram.SettingsFile()), target);
-    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
-    EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 33);
 }
 
 TEST_F(SaveTest, AFolderThatCannotBeWrittenKeepsTheOldFile) {

@@ -1,7 +1,5 @@
 // First start, what the window manager is told, and what lasts over a restart.
 
-#include <sys/stat.h>
-
 #include "kits/support/Color.h"
 #include "tests/desktop/DesktopTest.h"
 
@@ -28,13 +26,7 @@ TEST_F(StartTest, FirstStartMakesTheFoldersAndStandsAtItsPlace) {
     EXPECT_FALSE(std::filesystem::exists(fProgram.SettingsFile()));
 
     EXPECT_EQ(fProgram.Stop(), 0);
-    const BMessage settings = fProgram.Settings();
-    EXPECT_EQ(settings.GetInt32("browser", -1), 1);
-    EXPECT_EQ(settings.GetInt32("align", -1), 1);
-    EXPECT_EQ(settings.GetInt32("hotkey", -1), 8);
-    EXPECT_EQ(settings.GetPoint("pos", BPoint(-1, -1)), BPoint(30, 30));
-    EXPECT_TRUE(settings.GetBool("url", false));
-    EXPECT_FALSE(settings.GetBool("ontop", true));
+    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(-1, -1)), BPoint(30, 30));
 }
 
 TEST_F(StartTest, TheWindowManagerIsToldWhatTheBarIs) {
@@ -124,17 +116,21 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     EXPECT_EQ(fProgram.Content(), (Box{447, 153, 233, 25}));
 }
 
-TEST_F(StartTest, ASecondStartWakesTheFirst) {
+TEST_F(StartTest, ASecondStartOrTheTaskBarWakesTheFirst) {
     fProgram.Start();
-    const Box bar = fProgram.DragBar();
-    fRobot.DoubleClick(bar.x + 15, bar.y + 11);
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fProgram.Bar().id); }));
-
-    EXPECT_EQ(fProgram.StartAgain(), 0);
-
-    EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().viewable && fProgram.IsBarActive(); }));
-    EXPECT_FALSE(fScreen.IsMinimized(fProgram.Bar().id));
-    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+    for (const bool byTaskBar : {false, true}) {
+        const Box bar = fProgram.DragBar();
+        // Elsewhere the second time: in the same place it might count as a third click.
+        fRobot.DoubleClick(bar.x + (byTaskBar ? 4 : 15), bar.y + 12);
+        ASSERT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fProgram.Bar().id); }));
+        if (byTaskBar)
+            fScreen.Activate(fProgram.Bar().id);
+        else
+            EXPECT_EQ(fProgram.StartAgain(), 0);
+        EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().viewable && fProgram.IsBarActive(); }));
+        EXPECT_FALSE(fScreen.IsMinimized(fProgram.Bar().id));
+        EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+    }
 }
 
 } // namespace
