@@ -22,6 +22,8 @@ layer(host_files host/files LINKS host_loop)
 layer(host_session host/session LINKS host_loop)
 layer(host_draw host/draw LINKS kits_support PkgConfig::CAIRO PkgConfig::PANGO Threads::Threads)
 layer(host_x11 host/x11 LINKS host_loop host_draw PkgConfig::XCB PkgConfig::XKB)
+# The library is loaded only when an input method is wanted.
+target_include_directories(host_x11 PRIVATE ${IMDKIT_INCLUDE_DIRS})
 layer(kits_app kits/app LINKS kits_kernel host_session host_files nlohmann_json::nlohmann_json)
 layer(kits_storage kits/storage LINKS kits_app)
 layer(kits_interface kits/interface LINKS kits_storage host_x11 host_draw)

@@ -60,6 +60,7 @@
     ATOM(kXdndSelection, "XdndSelection")                                                          \
     ATOM(kXdndStatus, "XdndStatus")                                                                \
     ATOM(kXdndTypeList, "XdndTypeList")                                                            \
+    ATOM(kXimServers, "XIM_SERVERS")                                                               \
     ATOM(kXSettingsOwner, "_XSETTINGS_S0")                                                         \
     ATOM(kXSettingsSettings, "_XSETTINGS_SETTINGS")
 

@@ -143,6 +143,16 @@ void Connection::SendToRoot(xcb_window_t window, xcb_atom_t type,
                    reinterpret_cast<const char*>(&event));
 }
 
+void Connection::SendMessageTo(xcb_window_t window) const {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    xcb_send_event(fConnection, false, window, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&event));
+    Flush();
+}
+
 bool Connection::HasWindowManager() const {
     // One that crashed leaves the root's property behind, but not the window that it names.
     xcb_atom_t check = fAtoms[kNetSupportingWmCheck];

@@ -44,6 +44,9 @@ public:
     // Asks the window manager for something about `window`.
     void SendToRoot(xcb_window_t window, xcb_atom_t type, const std::vector<uint32>& data) const;
 
+    // An empty message to a window of the program: it wakes the display thread.
+    void SendMessageTo(xcb_window_t window) const;
+
     // Asks the server: a window manager may come and go.
     bool HasWindowManager() const;
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -116,6 +117,11 @@ struct KeyChanged {
     KeyStates states; // with this change
     bigtime_t when;
 };
+// Text that the desktop's input method gives for keys that were typed: UTF-8 by rights, without
+// control characters, less than 64 KiB.
+struct TextCommitted {
+    std::string text;
+};
 // By the user, who dragged it from some program.
 struct ColorDropped {
     int x, y; // in the window's content
@@ -132,9 +138,10 @@ struct MinimizedChanged {
 };
 struct CloseRequested {}; // by the window manager, or another program destroyed the window
 
-using WindowEvent = std::variant<PointerMoved, PointerLeft, PointerOver, ButtonPressed,
-                                 ButtonReleased, WheelTurned, KeyChanged, ColorDropped,
-                                 FocusChanged, FrameChanged, MinimizedChanged, CloseRequested>;
+using WindowEvent =
+    std::variant<PointerMoved, PointerLeft, PointerOver, ButtonPressed, ButtonReleased, WheelTurned,
+                 KeyChanged, TextCommitted, ColorDropped, FocusChanged, FrameChanged,
+                 MinimizedChanged, CloseRequested>;
 
 // What receives the events of one window. Called by the display thread; it must be quick and must
 // not wait for a looper: it posts messages.
@@ -219,6 +226,11 @@ public:
     // Shows those parts of `picture` (the content, from its left-top pixel) that `damage` covers
     // and keeps them for exposes.
     virtual void Present(const Image& picture, const std::vector<PixelRect>& damage) = 0;
+
+    // A text field of the window has the focus, and its caret is at `caret` in the content; or none
+    // has it any more. Its keys go to the desktop's input method first, if there is one, and come
+    // back in their order if that does not want them.
+    virtual void SetTextCaret(std::optional<PixelRect> caret) = 0;
 
     // Directs all pointer and keyboard input of the session to this window until ReleaseInput;
     // pointer places are then still given in this window's coordinates. Tries for `timeout`

@@ -69,7 +69,13 @@ EventThread::EventThread(XDisplay& display, DisplaySink* sink)
     , fSink(sink)
     , fKeyboard(fConnection)
     , fRawKeys(fConnection, sink)
-    , fFocus(fConnection, display.Windows(), display.Grab(), sink) {}
+    , fFocus(fConnection, display.Windows(), display.Grab(), sink)
+    , fInput(
+          fConnection, display.Identity().leader,
+          [this](const xcb_key_press_event_t& key) { HandleKey(key); },
+          [this](xcb_window_t window, const std::string& text) {
+              Tell(window, TextCommitted{text});
+          }) {}
 
 void EventThread::Start(const DesktopSettings& settings) {
     fClicks.SetLimits(settings.doubleClickTime,
@@ -79,14 +85,7 @@ void EventThread::Start(const DesktopSettings& settings) {
 
 EventThread::~EventThread() {
     fIsEnding = true;
-    // Any event wakes the thread; this one is sent to the program's own window.
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = fDisplay.Identity().leader;
-    xcb_send_event(fConnection, false, event.window, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char*>(&event));
-    fConnection.Flush();
+    fConnection.SendMessageTo(fDisplay.Identity().leader);
     if (fThread.joinable())
         fThread.join();
 }
@@ -95,7 +94,8 @@ void EventThread::Run() {
     while (Event event = Next()) {
         if (fIsEnding)
             return;
-        Handle(*event);
+        if (!fInput.Filter(*event))
+            Handle(*event);
     }
     if (!fIsEnding)
         fSink->DisplayLost();
@@ -136,8 +136,9 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
         break;
     case XCB_KEY_PRESS:
     case XCB_KEY_RELEASE:
-        HandleKey(As<xcb_key_press_event_t>(event),
-                  (event.response_type & kEventType) == XCB_KEY_PRESS);
+        fDisplay.NoteInputTime(As<xcb_key_press_event_t>(event).time);
+        if (!fInput.TakeKey(As<xcb_key_press_event_t>(event)))
+            HandleKey(As<xcb_key_press_event_t>(event));
         break;
     case XCB_BUTTON_PRESS:
         HandlePress(As<xcb_button_press_event_t>(event));
@@ -201,8 +202,8 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
     }
 }
 
-void EventThread::HandleKey(const xcb_key_press_event_t& event, bool down) {
-    fDisplay.NoteInputTime(event.time);
+void EventThread::HandleKey(const xcb_key_press_event_t& event) {
+    bool down = (event.response_type & kEventType) == XCB_KEY_PRESS;
     // Where no window of the program has the focus, the release of a key that ended one grab goes
     // elsewhere: pressed in the next grab the key must not count as held.
     uint32 grab = event.event == fConnection.Root() ? fDisplay.Grab().Count() : 0;
@@ -281,6 +282,8 @@ void EventThread::HandleFocus(const xcb_focus_in_event_t& event, bool active) {
         return;
     if (!active && event.mode == XCB_NOTIFY_MODE_WHILE_GRABBED && fDisplay.Grab().IsHeld())
         fFocus.HandleLossInGrab();
+    if (!active)
+        fInput.HandleFocusLoss(event.event);
     fDisplay.Windows().Deliver(event.event, [&](XWindow& window) { window.HandleFocus(active); });
 }
 
@@ -290,6 +293,8 @@ void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
     if (event.window == fConnection.Root()) {
         if (event.atom == fConnection[kNetActiveWindow])
             fFocus.HandleActiveWindow();
+        else if (event.atom == fConnection[kXimServers])
+            fInput.HandleServersChanged();
     } else if (event.atom == fConnection[kWmState] || event.atom == fConnection[kNetWmState]) {
         fDisplay.Windows().Deliver(event.window,
                                    [](XWindow& window) { window.HandleStateChange(); });
@@ -309,6 +314,8 @@ void EventThread::HandleSelection(const xcb_generic_event_t& event) {
 }
 
 void EventThread::HandleMessage(const xcb_client_message_event_t& event) {
+    if (event.window == fDisplay.Identity().leader)
+        fInput.Attend();
     if (fDisplay.Drops().HandleMessage(event) || fDisplay.Drags().HandleMessage(event))
         return;
     if (event.type != fConnection[kWmProtocols] || event.format != 32 ||

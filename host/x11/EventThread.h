@@ -10,6 +10,7 @@
 #include "host/x11/DesktopSettings.h"
 #include "host/x11/Display.h"
 #include "host/x11/FocusWatch.h"
+#include "host/x11/InputMethod.h"
 #include "host/x11/Keyboard.h"
 #include "host/x11/RawKeys.h"
 
@@ -29,6 +30,7 @@ public:
 
     RawKeys& Keys() { return fRawKeys; }
     const RawKeys& Keys() const { return fRawKeys; }
+    InputMethod& TextInput() { return fInput; }
 
 private:
     using Event = Reply<xcb_generic_event_t>;
@@ -38,7 +40,7 @@ private:
     Event NewestMotion(Event motion);
     void Handle(const xcb_generic_event_t& event);
 
-    void HandleKey(const xcb_key_press_event_t& event, bool down);
+    void HandleKey(const xcb_key_press_event_t& event);
     void HandlePress(const xcb_button_press_event_t& event);
     void HandleRelease(const xcb_button_release_event_t& event);
     void HandleMotion(const xcb_motion_notify_event_t& event);
@@ -58,6 +60,7 @@ private:
     RawKeys fRawKeys;
     ClickCounter fClicks;
     FocusWatch fFocus;
+    InputMethod fInput;
     Event fWaiting;                              // taken from the queue, not handled yet
     std::set<std::pair<uint8, uint8>> fReported; // errors: the request, the code
     uint32 fKeyGrab = 0; // in which of the program's grabs the last key was; 0 in none

@@ -52,6 +52,7 @@ public:
     Cursors& PointerShapes() { return fCursors; }
     int PointerSize() const { return fSettings.PointerSize(); }
     Selections& HandedTexts() { return fSelections; }
+    InputMethod& TextInput() { return fThread.TextInput(); }
     DragSource& Drags() { return fDrags; }
     DropTarget& Drops() { return fDrops; }
     MonitorList& MonitorFrames() { return fMonitors; }

@@ -62,6 +62,7 @@ XWindow::~XWindow() {
     NoteVisible(false);
     fDisplay.Drags().Forget(fId);
     ReleaseInput();
+    SetTextCaret(std::nullopt);
     xcb_destroy_window(fConnection, fId);
     fConnection.Flush();
 }
@@ -255,6 +256,14 @@ void XWindow::Present(const Image& picture, const std::vector<PixelRect>& damage
             fPicture.CopyTo(fId, Moved(Intersection(area, fPicture.Content()), fBorder, fBorder));
     }
     fConnection.Flush();
+}
+
+void XWindow::SetTextCaret(std::optional<PixelRect> caret) {
+    std::optional<xcb_point_t> spot;
+    if (caret)
+        spot = {static_cast<int16>(caret->left + fBorder),
+                static_cast<int16>(caret->bottom + fBorder)};
+    fDisplay.TextInput().SetCaret(fId, spot);
 }
 
 status_t XWindow::GrabInput(bigtime_t timeout) {

@@ -120,6 +120,14 @@ void EventPoster::Handle(const host::KeyChanged& event) {
         target.SendMessage(&message);
 }
 
+// As if one key had typed it all; no key goes up for it.
+void EventPoster::Handle(const host::TextCommitted& event) {
+    if (IsBlocked())
+        return;
+    BMessage message = TypedMessage(event.text, system_time());
+    fTarget.SendMessage(&message);
+}
+
 void EventPoster::Handle(const host::ColorDropped& event) {
     if (IsBlocked()) {
         WindowRoster::Shared().PointAtAlert();

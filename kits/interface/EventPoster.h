@@ -34,6 +34,7 @@ private:
     void Handle(const host::ButtonReleased& event);
     void Handle(const host::WheelTurned& event);
     void Handle(const host::KeyChanged& event);
+    void Handle(const host::TextCommitted& event);
     void Handle(const host::ColorDropped& event);
     void Handle(const host::FocusChanged& event);
     void Handle(const host::FrameChanged& event);

@@ -111,6 +111,16 @@ std::vector<BMessage> KeyMessages(const host::SessionKey& key) {
     return messages;
 }
 
+BMessage TypedMessage(const std::string& text, bigtime_t when) {
+    return MessageOf(host::KeyChanged{.down = true,
+                                      .repeated = false,
+                                      .key = 0,
+                                      .modifiers = 0,
+                                      .text = text,
+                                      .states = {},
+                                      .when = when});
+}
+
 BMessage ReleaseMessage(host::KeyChanged pressed) {
     pressed.down = false;
     Set(pressed.states, pressed.key, false);

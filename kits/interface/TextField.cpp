@@ -5,7 +5,7 @@
 
 #include "host/draw/VisibleText.h"
 #include "kits/interface/TextControl.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/WindowState.h"
 
 namespace {
 
@@ -98,7 +98,7 @@ void TextField::SetCaret(int32 caret, bool extends) {
     if (!extends)
         fAnchor = caret;
     ShowCaret();
-    UpdateBlink();
+    UpdateCaret();
     Invalidate();
 }
 
@@ -113,7 +113,7 @@ void TextField::Change(TextLine::Range range, std::string_view text, UndoHistory
     fLine.Replace(range, added);
     fAnchor = fCaret = fLine.Snapped(range.first + static_cast<int32>(added.size()));
     ShowCaret();
-    UpdateBlink();
+    UpdateCaret();
     Invalidate();
 }
 
@@ -218,31 +218,37 @@ void TextField::DrawCaret() {
     SetHighColor(ink);
 }
 
-void TextField::UpdateBlink() {
+void TextField::UpdateCaret() {
     if (ShowsFocus() && fAnchor == fCaret)
         fBlink.Restart();
     else
         fBlink.Stop();
+    if (ShowsFocus())
+        Window()->fState->ShowTextCaret(*this, CaretFrame());
 }
 
 void TextField::MakeFocus(bool focus) {
     if (Window() == nullptr || focus == IsFocus() || (focus && !fIsEnabled))
         return;
     BTextView::MakeFocus(focus);
-    if (focus)
+    if (focus) {
         SelectAll();
-    else
+    } else {
         EndDrag();
+        Window()->fState->HideTextCaret();
+    }
     fHistory.EndGroup();
-    UpdateBlink();
+    UpdateCaret();
     Invalidate();
     fControl.FocusChanged(focus);
 }
 
-void TextField::WindowActivated(bool) {
+void TextField::WindowActivated(bool active) {
     if (!IsFocus())
         return;
-    UpdateBlink();
+    if (!active)
+        Window()->fState->HideTextCaret();
+    UpdateCaret();
     Invalidate();
     fControl.Invalidate();
 }
@@ -254,4 +260,6 @@ void TextField::FrameResized(float, float) {
 void TextField::DetachedFromWindow() {
     EndDrag();
     fBlink.Stop();
+    if (IsFocus())
+        Window()->fState->HideTextCaret();
 }

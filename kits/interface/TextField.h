@@ -71,7 +71,7 @@ private:
     void DrawCaret();
     BRect CaretFrame() const;
     void ShowCaret();
-    void UpdateBlink();
+    void UpdateCaret();
     float LinePlaceOf(BPoint where) const;
 
     // Changes (TextField.cpp).

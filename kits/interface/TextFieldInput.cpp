@@ -164,7 +164,7 @@ void TextField::MouseUp(BPoint) {
     if (fDrag != Drag::None)
         OfferSelected();
     EndDrag();
-    UpdateBlink();
+    UpdateCaret();
 }
 
 void TextField::EndDrag() {

@@ -155,6 +155,7 @@ private:
     friend class BView;
     friend class BAlert;
     friend class WindowRoster;
+    friend class TextField;
     struct State;
 
     std::unique_ptr<State> fState;

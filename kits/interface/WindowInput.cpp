@@ -176,6 +176,20 @@ void BWindow::State::ShowCursor() {
         host->SetPointer(host::PointerShape::Arrow);
 }
 
+void BWindow::State::ShowTextCaret(const BView& field, BRect caret) {
+    if (!host)
+        return;
+    caret.OffsetBy(field.OriginInWindow());
+    auto pixel = [this](float at) { return static_cast<int>(std::lround(at * scale)); };
+    host->SetTextCaret(host::PixelRect{pixel(caret.left), pixel(caret.top), pixel(caret.right + 1),
+                                       pixel(caret.bottom + 1)});
+}
+
+void BWindow::State::HideTextCaret() {
+    if (host)
+        host->SetTextCaret(std::nullopt);
+}
+
 void BWindow::State::WheelTurned(BMessage& message) {
     BView* view = ViewAt(message.GetPoint("where", B_ORIGIN));
     if (view != nullptr)

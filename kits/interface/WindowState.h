@@ -56,6 +56,10 @@ struct BWindow::State {
     void ColorDropped(const BMessage& message);
     void MoveOver(BView* view, BPoint where);
     void ShowCursor();
+    // The text field that gets the keys has its caret there, in its own coordinates; or none gets
+    // them any more.
+    void ShowTextCaret(const BView& field, BRect caret);
+    void HideTextCaret();
     void WheelTurned(BMessage& message);
     void KeyChanged(BMessage& message);
     // False if the message is none that a view gets by its event mask.

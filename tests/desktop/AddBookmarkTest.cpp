@@ -1,6 +1,7 @@
 // The Add Bookmark window, by keys and pointer.
 
 #include "tests/desktop/DesktopTest.h"
+#include "tests/support/InputServer.h"
 
 using namespace test;
 
@@ -142,6 +143,39 @@ TEST_F(AddBookmarkTest, TheRootIsShownInTheFileManager) {
     EXPECT_EQ(fApps.WaitForLaunches(2).size(), 2u);
     Alt(XK_c);
     EXPECT_TRUE(WindowCloses());
+}
+
+class InputMethodBookmarkTest : public AddBookmarkTest {
+protected:
+    void SetUp() override {
+        setenv("XMODIFIERS", "@im=testim", 1);
+        AddBookmarkTest::SetUp();
+        unsetenv("XMODIFIERS");
+    }
+    bool FieldGetsContext(int count) {
+        return WaitUntil([&] { return fServer->focuses == count; });
+    }
+
+    std::unique_ptr<InputServer> fServer = std::make_unique<InputServer>(fDesktop);
+};
+
+TEST_F(InputMethodBookmarkTest, ItsTextIsTyped) {
+    OpenWindow();
+    ASSERT_TRUE(FieldGetsContext(1));
+    ChooseByKeys();
+    fRobot.Type("bab");
+    fRobot.Key(XK_Tab);
+    ASSERT_TRUE(FieldGetsContext(2));
+    fRobot.Type("http://b/a");
+    fRobot.Key(XK_Tab);
+    ASSERT_TRUE(FieldGetsContext(3));
+    fServer.reset();
+    fRobot.Type("ka");
+    fRobot.Key(XK_Return);
+    ASSERT_TRUE(WindowCloses());
+    const std::string name = std::string("4 - b") + InputServer::kGiven + "b";
+    EXPECT_EQ(Attribute(name, "META:url"), std::string("http://b/") + InputServer::kGiven + '\0');
+    EXPECT_EQ(Attribute(name, "META:keyw"), std::string("ka\0", 3));
 }
 
 } // namespace
