@@ -28,7 +28,7 @@ void DesktopTest::TearDown() {
                   << fProgram.Errors();
     }
     if (fProgram.IsRunning()) {
-        EXPECT_EQ(fProgram.Stop(), 0);
+        EXPECT_EQ(fProgram.Stop(), 0) << fProgram.Errors();
     }
 }
 
