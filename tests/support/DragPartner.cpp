@@ -3,21 +3,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <utility>
 
+#include "host/x11/Reply.h"
 #include "tests/support/Wait.h"
 
 namespace test {
 
-namespace {
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-using Event = std::unique_ptr<xcb_generic_event_t, Free>;
-
-} // namespace
+using host::Reply;
 
 DragPartner::DragPartner(PrivateDesktop& desktop, const Box& frame)
     : fDesktop(desktop)
@@ -43,12 +36,7 @@ DragPartner::~DragPartner() {
 
 void DragPartner::Send(xcb_window_t to, xcb_window_t about, const std::string& type,
                        const std::vector<uint32_t>& data) {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = about;
-    event.type = fDesktop.Atom(type);
-    std::copy(data.begin(), data.end(), event.data.data32);
+    const xcb_client_message_event_t event = fDesktop.Message(about, type, data);
     xcb_send_event(fConnection, false, to, 0, reinterpret_cast<const char*>(&event));
     xcb_flush(fConnection);
 }
@@ -88,7 +76,7 @@ void DragPartner::Drop(xcb_window_t target) {
 template <typename Predicate>
 bool DragPartner::Await(Predicate holds) {
     return WaitUntil([&] {
-        while (Event event{xcb_poll_for_event(fConnection)})
+        while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(fConnection)})
             Handle(*event);
         return holds();
     });
@@ -202,7 +190,7 @@ bool DragPartner::AwaitLeave() {
 std::vector<std::string> DragPartner::OfferedTypes() {
     std::vector<std::string> names;
     for (const uint32_t type : fTypes) {
-        std::unique_ptr<xcb_get_atom_name_reply_t, Free> reply(
+        Reply<xcb_get_atom_name_reply_t> reply(
             xcb_get_atom_name_reply(fConnection, xcb_get_atom_name(fConnection, type), nullptr));
         if (reply)
             names.emplace_back(xcb_get_atom_name_name(reply.get()),
@@ -222,7 +210,7 @@ std::optional<std::string> DragPartner::Get(const std::string& type) {
 }
 
 std::string DragPartner::Property(xcb_window_t window, const std::string& name) const {
-    std::unique_ptr<xcb_get_property_reply_t, Free> reply(xcb_get_property_reply(
+    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         fConnection, xcb_get_property(fConnection, false, window, fDesktop.Atom(name), 0, 0, 65536),
         nullptr));
     if (!reply)

@@ -1,5 +1,6 @@
 #include "tests/support/PrivateDesktop.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -208,6 +209,17 @@ xcb_atom_t PrivateDesktop::Atom(const std::string& name) const {
     const xcb_atom_t atom = reply->atom;
     free(reply);
     return atom;
+}
+
+xcb_client_message_event_t PrivateDesktop::Message(xcb_window_t about, const std::string& type,
+                                                   const std::vector<uint32_t>& data) const {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = about;
+    message.type = Atom(type);
+    std::copy(data.begin(), data.end(), message.data.data32);
+    return message;
 }
 
 void PrivateDesktop::Sync() const {

@@ -52,6 +52,9 @@ public:
     xcb_window_t Root() const { return fScreen->root; }
     Box Frame() const { return {0, 0, fScreen->width_in_pixels, fScreen->height_in_pixels}; }
     xcb_atom_t Atom(const std::string& name) const;
+    // For xcb_send_event.
+    xcb_client_message_event_t Message(xcb_window_t about, const std::string& type,
+                                       const std::vector<uint32_t>& data) const;
 
     // Returns when the server has carried out what this process asked for.
     void Sync() const;

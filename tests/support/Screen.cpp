@@ -1,21 +1,13 @@
 #include "tests/support/Screen.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
+
+#include "host/x11/Reply.h"
 
 namespace test {
 
-namespace {
-
-struct Free {
-    void operator()(void* reply) const { free(reply); }
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Free>;
-
-} // namespace
+using host::Reply;
 
 bool WindowInfo::HasType(const std::string& name) const {
     return std::find(types.begin(), types.end(), name) != types.end();
@@ -36,7 +28,7 @@ Picture Screen::Grab(const Box& part) const {
         xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, fDesktop.Root(),
                       static_cast<int16_t>(part.x), static_cast<int16_t>(part.y),
                       static_cast<uint16_t>(part.width), static_cast<uint16_t>(part.height), ~0u);
-    const Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection, cookie, nullptr));
+    const Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection, cookie, nullptr));
     if (!reply)
         return {};
     Picture picture{part.width, part.height, {}};
@@ -63,7 +55,7 @@ Screen::Windows(const std::function<bool(const WindowInfo&)>& filter) const {
 // A program's window is a child of the root, or lies some levels deeper in the manager's frame.
 void Screen::Collect(xcb_window_t parent, int depth, std::vector<WindowInfo>& found) const {
     xcb_connection_t* connection = fDesktop.Connection();
-    const Owned<xcb_query_tree_reply_t> tree(
+    const Reply<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(connection, xcb_query_tree(connection, parent), nullptr));
     if (!tree)
         return;
@@ -85,11 +77,11 @@ WindowInfo Screen::Describe(xcb_window_t window) const {
     const auto geometryCookie = xcb_get_geometry(connection, window);
     const auto attributesCookie = xcb_get_window_attributes(connection, window);
     const auto placeCookie = xcb_translate_coordinates(connection, window, fDesktop.Root(), 0, 0);
-    const Owned<xcb_get_geometry_reply_t> geometry(
+    const Reply<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection, geometryCookie, nullptr));
-    const Owned<xcb_get_window_attributes_reply_t> attributes(
+    const Reply<xcb_get_window_attributes_reply_t> attributes(
         xcb_get_window_attributes_reply(connection, attributesCookie, nullptr));
-    const Owned<xcb_translate_coordinates_reply_t> place(
+    const Reply<xcb_translate_coordinates_reply_t> place(
         xcb_translate_coordinates_reply(connection, placeCookie, nullptr));
     if (!geometry || !attributes || !place)
         return info;
@@ -118,7 +110,7 @@ std::vector<uint8_t> Screen::Property(xcb_window_t window, const std::string& na
     xcb_connection_t* connection = fDesktop.Connection();
     const auto cookie = xcb_get_property(connection, 0, window, fDesktop.Atom(name),
                                          XCB_GET_PROPERTY_TYPE_ANY, 0, 1u << 20);
-    const Owned<xcb_get_property_reply_t> reply(
+    const Reply<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(connection, cookie, nullptr));
     if (!reply)
         return {};
@@ -130,7 +122,7 @@ bool Screen::HasProperty(xcb_window_t window, const std::string& property) const
     xcb_connection_t* connection = fDesktop.Connection();
     const auto cookie = xcb_get_property(connection, 0, window, fDesktop.Atom(property),
                                          XCB_GET_PROPERTY_TYPE_ANY, 0, 0);
-    const Owned<xcb_get_property_reply_t> reply(
+    const Reply<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(connection, cookie, nullptr));
     return reply && reply->type != XCB_ATOM_NONE;
 }
@@ -152,7 +144,7 @@ std::vector<std::string> Screen::Atoms(xcb_window_t window, const std::string& p
     xcb_connection_t* connection = fDesktop.Connection();
     std::vector<std::string> names;
     for (const uint32_t atom : Cardinals(window, property)) {
-        const Owned<xcb_get_atom_name_reply_t> reply(
+        const Reply<xcb_get_atom_name_reply_t> reply(
             xcb_get_atom_name_reply(connection, xcb_get_atom_name(connection, atom), nullptr));
         if (reply)
             names.emplace_back(xcb_get_atom_name_name(reply.get()),
@@ -179,14 +171,14 @@ xcb_window_t Screen::ActiveWindow() const {
 
 xcb_window_t Screen::FocusedWindow() const {
     xcb_connection_t* connection = fDesktop.Connection();
-    const Owned<xcb_get_input_focus_reply_t> reply(
+    const Reply<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     return reply ? reply->focus : static_cast<xcb_window_t>(XCB_NONE);
 }
 
 xcb_window_t Screen::SelectionOwner(const std::string& selection) const {
     xcb_connection_t* connection = fDesktop.Connection();
-    const Owned<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         connection, xcb_get_selection_owner(connection, fDesktop.Atom(selection)), nullptr));
     return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
 }
@@ -205,13 +197,8 @@ void Screen::Close(xcb_window_t window) const {
 }
 
 void Screen::SendToRoot(xcb_window_t window, const std::string& type, uint32_t first) const {
-    xcb_client_message_event_t event = {};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = fDesktop.Atom(type);
-    event.data.data32[0] = first;
-    event.data.data32[1] = type == "_NET_CLOSE_WINDOW" ? 2 : 0;
+    const uint32_t second = type == "_NET_CLOSE_WINDOW" ? 2 : 0;
+    const xcb_client_message_event_t event = fDesktop.Message(window, type, {first, second});
     xcb_send_event(fDesktop.Connection(), 0, fDesktop.Root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&event));

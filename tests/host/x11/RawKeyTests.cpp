@@ -117,7 +117,7 @@ TEST_F(RawKeyTest, RepeatingKeysStayOnePress) {
     EXPECT_EQ(told.back().states, kNothing);
 }
 
-TEST_F(RawKeyTest, AGrabHidesNothing) {
+TEST_F(RawKeyTest, GrabsHideNothing) {
     {
         ForeignGrab grab(fDesktop);
         ASSERT_TRUE(grab.IsHeld());
@@ -125,11 +125,8 @@ TEST_F(RawKeyTest, AGrabHidesNothing) {
         Release(kKeypad3);
         EXPECT_EQ(Told().size(), 2u);
     }
-    ForeignGrab free(fDesktop);
-    EXPECT_TRUE(free.IsHeld()) << "watching takes hold of nothing";
-}
-
-TEST_F(RawKeyTest, TheProgramsOwnGrabHidesNothing) {
+    EXPECT_TRUE(ForeignGrab(fDesktop).IsHeld()) << "watching takes hold of nothing";
+    // The program's own.
     TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
     Press(kDigit1);
     ASSERT_EQ(menu->GrabInput(300'000), B_OK);
@@ -162,78 +159,6 @@ TEST_F(RawKeyTest, AreWatchedFromOneCallToTheOther) {
     Press(kDigit1);
     Release(kDigit1);
     EXPECT_TRUE(Told().empty());
-}
-
-// A keyboard and a pointer beside the usual ones.
-class SecondKeyboard {
-public:
-    explicit SecondKeyboard(PrivateDesktop& desktop)
-        : fConnection(xcb_connect(desktop.Name().c_str(), nullptr)) {
-        Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
-            fConnection, xcb_input_xi_query_version(fConnection, 2, 2), nullptr));
-        const struct {
-            xcb_input_add_master_t head;
-            char name[8];
-        } change = {{XCB_INPUT_HIERARCHY_CHANGE_TYPE_ADD_MASTER, 4, 6, 1, 1}, "second"};
-        Change(&change);
-        xcb_input_xi_set_client_pointer(fConnection, XCB_WINDOW_NONE, Find("second pointer"));
-    }
-    ~SecondKeyboard() { xcb_disconnect(fConnection); }
-
-    void Press(const Place& place) {
-        xcb_test_fake_input(fConnection, XCB_KEY_PRESS, place.number, XCB_CURRENT_TIME,
-                            XCB_WINDOW_NONE, 0, 0, 0);
-        Sync();
-    }
-    void Remove() {
-        xcb_input_remove_master_t change{};
-        change.type = XCB_INPUT_HIERARCHY_CHANGE_TYPE_REMOVE_MASTER;
-        change.len = sizeof(change) / 4;
-        change.deviceid = Find("second pointer");
-        change.return_mode = XCB_INPUT_CHANGE_MODE_FLOAT;
-        Change(&change);
-    }
-
-private:
-    void Change(const void* change) {
-        xcb_input_xi_change_hierarchy(fConnection, 1,
-                                      static_cast<const xcb_input_hierarchy_change_t*>(change));
-        Sync();
-    }
-    xcb_input_device_id_t Find(const std::string& name) {
-        Reply<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
-            fConnection, xcb_input_xi_query_device(fConnection, XCB_INPUT_DEVICE_ALL), nullptr));
-        for (auto at = xcb_input_xi_query_device_infos_iterator(reply.get()); at.rem > 0;
-             xcb_input_xi_device_info_next(&at)) {
-            if (name == std::string(xcb_input_xi_device_info_name(at.data), at.data->name_len))
-                return at.data->deviceid;
-        }
-        ADD_FAILURE() << "no device " << name;
-        return 0;
-    }
-    void Sync() {
-        free(xcb_get_input_focus_reply(fConnection, xcb_get_input_focus(fConnection), nullptr));
-    }
-
-    xcb_connection_t* fConnection;
-};
-
-TEST_F(RawKeyTest, KeysOfAKeyboardThatGoesAreLetGo) {
-    SecondKeyboard second(fDesktop);
-    Told(); // of its coming, too
-    Press(kDigit1);
-    second.Press(kLeftWindows);
-    auto told = Told();
-    ASSERT_EQ(told.size(), 2u);
-    EXPECT_TRUE(IsHeld(told[1].states, kLeftWindows.code));
-    second.Remove();
-    EXPECT_TRUE(WaitUntil([&] {
-        auto after = Told();
-        return !after.empty() && !IsHeld(after.back().states, kLeftWindows.code) &&
-               IsHeld(after.back().states, kDigit1.code);
-    }));
-    Release(kDigit1);
-    EXPECT_EQ(LastStates(), kNothing);
 }
 
 TEST_F(RawKeyTest, AReleaseThatNeverCameIsMadeUpForWhenKeyboardsChange) {

@@ -190,12 +190,8 @@ public:
     void AwaitEvents() {
         TestWindow marker = Create({.kind = WindowKind::Menu});
         fDisplay->Sync();
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = IdOf(marker);
-        message.type = fDesktop.Atom("WM_PROTOCOLS");
-        message.data.data32[0] = fDesktop.Atom("WM_DELETE_WINDOW");
+        const auto message =
+            fDesktop.Message(IdOf(marker), "WM_PROTOCOLS", {fDesktop.Atom("WM_DELETE_WINDOW")});
         xcb_send_event(fDesktop.Connection(), false, message.window, 0,
                        reinterpret_cast<const char*>(&message));
         fDesktop.Sync();
