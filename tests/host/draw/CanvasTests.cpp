@@ -79,18 +79,6 @@ TEST_P(CanvasAtScale, LinesAreUnbrokenAndWithoutShades) {
     }
 }
 
-TEST_P(CanvasAtScale, EllipsesFillTheirFrameWithoutShades) {
-    Canvas canvas(100, 100, GetParam());
-    BRect frame(3, 4, 21, 13);
-    canvas.FillEllipse(frame, kRed);
-    Image picture = canvas.Picture();
-    EXPECT_EQ(InkOf(picture), canvas.Snap(frame));
-    EXPECT_THAT(ColorsOf(picture), ElementsAre(kRedPixel, kWhitePixel));
-    PixelRect snapped = canvas.Snap(frame);
-    EXPECT_EQ(PixelAt(picture, snapped.left, snapped.top), kWhitePixel);
-    EXPECT_EQ(PixelAt(picture, (snapped.left + snapped.right) / 2, snapped.top + 2), kRedPixel);
-}
-
 TEST(Canvas, PolygonsIncludeTheirOutline) {
     Canvas canvas(9, 5, 1);
     canvas.FillPolygon({{1, 1}, {7, 1}, {4, 4}}, kBlack);
@@ -113,20 +101,13 @@ TEST(Canvas, DrawsOnlyInsideTheClip) {
                                                     "##........"));
 }
 
-TEST(Canvas, KeepsWhatBothSizesCover) {
-    Canvas canvas(4, 4, 1);
-    canvas.FillRect({0, 0, 3, 3}, kBlack);
-    canvas.Resize(6, 2);
-    canvas.Resize(6, 3);
-    EXPECT_THAT(Rows(canvas.Picture()), ElementsAre("####..", "####..", "......"));
-    canvas.FillRect({5, 2, 5, 2}, kBlack);
-    EXPECT_EQ(PixelAt(canvas.Picture(), 5, 2), kBlackPixel);
-}
-
 TEST(Canvas, BearsPlacesFarOutside) {
     constexpr float kHuge = std::numeric_limits<float>::max();
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     Canvas canvas(6, 3, 1);
+    canvas.Resize(1, 1 << 30);
+    EXPECT_EQ(canvas.Picture().height, 16384);
+    canvas.Resize(6, 3);
     canvas.FillRect({kHuge, kHuge, kHuge, kHuge}, kBlack);
     canvas.FillRect({kNan, 0, kNan, 2}, kBlack);
     canvas.FillRect({3, 3, 1, 1}, kBlack);
@@ -138,13 +119,6 @@ TEST(Canvas, BearsPlacesFarOutside) {
     EXPECT_THAT(Rows(canvas.Picture()), ElementsAre("......", "######", "......"));
     canvas.FillRect({-kHuge, -kHuge, kHuge, kHuge}, kBlack);
     EXPECT_THAT(Rows(canvas.Picture()), ElementsAre("######", "######", "######"));
-}
-
-TEST(Canvas, BoundsThePicturesSize) {
-    Canvas canvas(-3, 0, 1);
-    EXPECT_EQ(canvas.Picture().width, 1);
-    canvas.Resize(1, 1 << 30);
-    EXPECT_EQ(canvas.Picture().height, 16384);
 }
 
 } // namespace

@@ -29,9 +29,7 @@ TEST(VisibleText, ShowsWhatIsNotUtf8AsMarks) {
     EXPECT_EQ(VisibleText("\xc0\xaf"), mark + mark) << "overlong";
     EXPECT_EQ(VisibleText("\xed\xa0\x80"), mark + mark + mark) << "half a surrogate pair";
     EXPECT_EQ(VisibleText("\xf4\x90\x80\x80"), mark + mark + mark + mark) << "past the last";
-}
-
-TEST(VisibleText, KeepsToOneLine) {
+    // It keeps to one line.
     std::string dot = "\xc2\xb7";
     EXPECT_EQ(VisibleText(std::string_view("a\nb\0c\x7f\td", 8)),
               "a" + dot + "b" + dot + "c" + dot + dot + "d");
@@ -110,15 +108,6 @@ TEST_P(TextAtScale, TruncatesToTheWidth) {
     }
     EXPECT_GT(longest, text.size() / 2);
     EXPECT_EQ(TruncateText(font, text, 1, scale), "");
-}
-
-TEST(Text, DrawsBrokenTextAsItsMarks) {
-    FontSpec font{12};
-    std::string broken = std::string("a\xff") + "b";
-    EXPECT_EQ(Drawn(font, broken, 1), Drawn(font, "a" + std::string(kMark) + "b", 1));
-    EXPECT_NE(Drawn(font, broken, 1), Drawn(font, "ab", 1));
-    EXPECT_GT(MeasureText(font, "a\nb", 1), MeasureText(font, "ab", 1));
-    EXPECT_GT(MeasureText({-4}, "Label", 1), 0) << "a size that makes no sense is the smallest";
 }
 
 TEST(Text, WindowsDrawAtTheSameTime) {

@@ -59,16 +59,6 @@ TEST(ServiceLoop, RunsTasksInTheOrderOfTheCalls) {
     EXPECT_FALSE(loop.IsCurrentThread());
 }
 
-TEST(Timer, ElapsesAfterItsDelayAndThenRegularly) {
-    Calls calls;
-    const auto start = std::chrono::steady_clock::now();
-    const Timer timer(20'000, 5'000, [&] { calls.Add(); });
-    ASSERT_TRUE(calls.Reach(1));
-    EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
-    ASSERT_TRUE(calls.Reach(4));
-    EXPECT_GE(std::chrono::steady_clock::now() - start, 35ms);
-}
-
 TEST(Timer, NeverRunsOnceItsDestructorReturned) {
     for (int i = 0; i < 300; ++i) {
         auto isAlive = std::make_unique<std::atomic<bool>>(true);
@@ -127,10 +117,6 @@ public:
     ~Event() { close(fDescriptor); }
     int Descriptor() const { return fDescriptor; }
     void Raise() { eventfd_write(fDescriptor, 1); }
-    void Clear() {
-        eventfd_t value;
-        eventfd_read(fDescriptor, &value);
-    }
 
 private:
     const int fDescriptor = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);

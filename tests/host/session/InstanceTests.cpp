@@ -119,21 +119,6 @@ TEST_F(InstanceTest, SaysWhetherAProgramRuns) {
     EXPECT_FALSE(fs::exists(SocketPath()));
 }
 
-TEST_F(InstanceTest, ReplacesTheSocketOfAKilledProgram) {
-    fs::create_directory(SocketPath().parent_path());
-    fs::permissions(SocketPath().parent_path(), fs::perms::owner_all);
-    {
-        const RuntimeDirectory directory(false);
-        const InstanceAddress address(directory, RuntimeFileName(kSignature));
-        const Descriptor dead(socket(AF_UNIX, SOCK_STREAM, 0));
-        ASSERT_EQ(0, bind(dead.Get(), address.Get(), address.Size()));
-    }
-    ASSERT_TRUE(fs::exists(SocketPath()));
-    EXPECT_FALSE(InstanceRuns(kSignature));
-    Instance instance;
-    EXPECT_EQ(B_OK, SendToInstance(kSignature, "x", 10 * kSecond));
-}
-
 TEST_F(InstanceTest, SocketWorksBelowAVeryLongPath) {
     const fs::path deep = fHome.Path() / std::string(120, 'd');
     fs::create_directory(deep);

@@ -109,6 +109,11 @@ TEST_F(Windows, GrownWindowKeepsItsPictureAndIsWhiteBesides) {
         test::Picture seen = fScreen.Grab({100, 80, 160, 100});
         return seen.Count(0x336699) == 100 * 40 && seen.Count(0xffffff) == 160 * 100 - 100 * 40;
     }));
+    // Also when another window covered it.
+    fDisplay.CreateShown(MenuSpec({90, 70, 300, 200}), 0x00ff00)->Hide();
+    EXPECT_TRUE(WaitUntil([&] {
+        return fScreen.Grab({100, 80, 160, 100}).Count(0x336699) == 100 * 40;
+    }));
 }
 
 TEST_F(Windows, PresentsOnlyTheDamageAndAnySize) {

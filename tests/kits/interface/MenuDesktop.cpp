@@ -15,21 +15,6 @@ uint32_t Rgb(rgb_color color) {
     return uint32_t{color.red} << 16 | uint32_t{color.green} << 8 | color.blue;
 }
 
-class OpeningView : public BView {
-public:
-    OpeningView(BRect frame, BPoint offset)
-        : BView(frame, "opening", B_FOLLOW_NONE, B_WILL_DRAW)
-        , fOffset(offset) {
-        SetViewColor(10, 200, 30);
-    }
-    void MouseDown(BPoint where) override {
-        static_cast<OpeningWindow*>(Window())->OpenMenu(ConvertToScreen(where) + fOffset);
-    }
-
-private:
-    const BPoint fOffset;
-};
-
 } // namespace
 
 MessageCatcher* MessageCatcher::Start() {
@@ -52,34 +37,6 @@ std::vector<BMessage> MessageCatcher::Caught() {
     std::vector<BMessage> caught = fCaught;
     Unlock();
     return caught;
-}
-
-OpeningWindow::OpeningWindow(BPopUpMenu& menu, BPoint offset)
-    : BWindow(BRect(300, 300, 399, 399), "opening", B_TITLED_WINDOW, 0)
-    , fMenu(menu)
-    , fOffset(offset) {
-    AddChild(new OpeningView(Bounds(), offset));
-}
-
-void OpeningWindow::MessageReceived(BMessage* message) {
-    if (message->what == B_KEY_DOWN)
-        OpenMenu(Frame().LeftTop() + fOffset);
-    else
-        BWindow::MessageReceived(message);
-}
-
-void OpeningWindow::OpenMenu(BPoint where) {
-    BMenuItem* answer = fMenu.Go(where, false, true);
-    fLock.Lock();
-    fAnswers.push_back(answer);
-    fLock.Unlock();
-}
-
-std::vector<BMenuItem*> OpeningWindow::Answers() {
-    fLock.Lock();
-    std::vector<BMenuItem*> answers = fAnswers;
-    fLock.Unlock();
-    return answers;
 }
 
 MenuTest::~MenuTest() {
@@ -107,11 +64,6 @@ BMenu* MenuTest::AddSubmenu(const std::string& label, int count) {
     return submenu;
 }
 
-void MenuTest::ShowActive(BWindow* window) {
-    Show(window);
-    ASSERT_TRUE(WaitFor(window, [&] { return window->IsActive(); }));
-}
-
 void MenuTest::Open(int x, int y, bool deliversMessage) {
     fAnswer = std::async(std::launch::async, [=, this] {
         return menu.Go(BPoint(static_cast<float>(x), static_cast<float>(y)), deliversMessage, true);
@@ -125,10 +77,6 @@ BMenuItem* MenuTest::Answer() {
         close_all_menus();
     }
     return fAnswer.get();
-}
-
-bool MenuTest::IsOpen() {
-    return fAnswer.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
 }
 
 std::vector<WindowInfo> MenuTest::Menus() {

@@ -2,15 +2,12 @@
 
 #include <future>
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "kits/app/Looper.h"
 #include "kits/app/Message.h"
 #include "kits/interface/PopUpMenu.h"
-#include "kits/interface/Window.h"
-#include "kits/kernel/Locker.h"
 #include "tests/kits/interface/InterfaceTest.h"
 
 // A looper that keeps the messages it gets.
@@ -24,25 +21,6 @@ public:
 
 private:
     std::vector<BMessage> fCaught;
-};
-
-// A window that opens a menu in its own looper when it is pressed or gets a key, as a program does.
-class OpeningWindow : public BWindow {
-public:
-    // The menu opens at `offset` from the press.
-    OpeningWindow(BPopUpMenu& menu, BPoint offset);
-
-    void MessageReceived(BMessage* message) override;
-    void OpenMenu(BPoint where);
-
-    // The answers of Go() so far.
-    std::vector<BMenuItem*> Answers();
-
-private:
-    BPopUpMenu& fMenu;
-    const BPoint fOffset;
-    BLocker fLock;
-    std::vector<BMenuItem*> fAnswers;
 };
 
 // A desktop with one menu that is not open yet.
@@ -59,14 +37,10 @@ protected:
     // A sub-menu with as many items, "Below 0" and so on.
     BMenu* AddSubmenu(const std::string& label, int count);
 
-    // Shows a window, which has the focus then. It is quit when the test ends.
-    void ShowActive(BWindow* window);
-
     // Calls Go() on a thread of its own and waits until the menu is on the screen.
     void Open(int x = 100, int y = 100, bool deliversMessage = false);
     // What Go() answered; waits for it.
     BMenuItem* Answer();
-    bool IsOpen();
 
     // Menus on the screen; waits until there are so many.
     std::vector<test::WindowInfo> Menus();

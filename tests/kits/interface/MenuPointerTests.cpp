@@ -54,54 +54,6 @@ TEST_F(MenuPointer, TheChosenItemSaysWhereItCameFromAfterTheMenuClosed) {
     catcher->Quit();
 }
 
-// The opening click.
-
-class OpeningClick : public MenuTest {
-protected:
-    // The menu's first item is under the pointer with an offset of (-20, -10).
-    void Show(BPoint offset) {
-        AddThree();
-        fWindow = new OpeningWindow(menu, offset);
-        ShowActive(fWindow);
-    }
-    BMenuItem* WindowsAnswer() {
-        WaitUntil([&] { return !fWindow->Answers().empty(); });
-        const std::vector<BMenuItem*> answers = fWindow->Answers();
-        EXPECT_EQ(answers.size(), 1u);
-        return answers.empty() ? nullptr : answers[0];
-    }
-
-    OpeningWindow* fWindow = nullptr;
-};
-
-TEST_F(OpeningClick, DraggedToAnItemItChooses) {
-    Show(BPoint(100, 0));
-    robot.MoveTo(350, 350);
-    robot.Press();
-    ASSERT_TRUE(WaitForMenus(1));
-    PointAt(menu.ItemAt(2));
-    robot.Release();
-    EXPECT_EQ(WindowsAnswer(), menu.ItemAt(2));
-}
-
-TEST_F(OpeningClick, TheWindowStaysPaintedWhileItsLooperWaits) {
-    Show(BPoint(150, 0));
-    robot.Click(350, 350);
-    ASSERT_TRUE(WaitForMenus(1));
-    xcb_connection_t* connection = desktop.Connection();
-    const xcb_window_t cover = xcb_generate_id(connection);
-    const uint32_t values[] = {0xff00ff, 1};
-    xcb_create_window(connection, XCB_COPY_FROM_PARENT, cover, desktop.Root(), 320, 320, 60, 60, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-    xcb_map_window(connection, cover);
-    ASSERT_TRUE(WaitUntil([&] { return screen.Pixel(350, 350) == 0xff00ff; }));
-    xcb_destroy_window(connection, cover);
-    EXPECT_TRUE(WaitUntil([&] { return screen.Pixel(350, 350) == 0x0ac81e; }));
-    Click(menu.ItemAt(0));
-    EXPECT_EQ(WindowsAnswer(), menu.ItemAt(0));
-}
-
 // Sub-menus.
 
 TEST_F(MenuPointer, ASubmenuStaysWhileThePointerTravelsTowardsIt) {

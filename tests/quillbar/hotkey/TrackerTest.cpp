@@ -119,13 +119,6 @@ protected:
     uint8 fStates[16] = {};
 };
 
-TEST_F(TrackerTest, IsAViewThatNobodySees) {
-    EXPECT_EQ(fTracker->Frame(), BRect(-1, -1, -1, -1));
-    EXPECT_STREQ(fTracker->Name(), "qb_tracker_view");
-    EXPECT_EQ(fTracker->Flags(), 0u);
-    EXPECT_EQ(fTracker->ResizingMode(), uint32{B_FOLLOW_NONE});
-}
-
 TEST_F(TrackerTest, EachKeyOfTheHotKeyAndEachDigitCounts) {
     const std::pair<int32, const char*> hotKeys[] = {
         {1, "alt"},  {1, "ralt"}, {2, "shift"}, {2, "rshift"}, {4, "control"},
