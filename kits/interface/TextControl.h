@@ -11,7 +11,8 @@ class TextField;
 // is sent when Enter is pressed in the field or the field loses the focus, if the text was edited
 // since the last time.
 //
-// The focus goes to the field: reached by the keyboard all of its text is selected.
+// The focus goes to the field: reached by the keyboard all of its text is selected. The secondary
+// mouse button opens a menu with what can be done to the text.
 class BTextControl : public BControl {
 public:
     // `message` belongs to the control. The field takes the right half of the frame, or all of it

@@ -63,6 +63,8 @@ private:
     enum class Drag { None, Characters, Words, All };
     // A message to itself: the field "text", if there was any.
     static constexpr uint32 kTextCame = '_ktc';
+    // Another: an item of its menu was chosen, "action" int32.
+    static constexpr uint32 kActionChosen = '_kta';
 
     // Drawing and the place of the text (TextField.cpp).
     TextLine::Range Selection() const;
@@ -85,6 +87,10 @@ private:
     void BeginDrag(BPoint where, int32 clicks, bool extends);
     void DragTo(BPoint where);
     void EndDrag();
+
+    // The menu of the secondary button (TextFieldMenu.cpp).
+    void OpenMenu(BPoint where);
+    bool Offers(EditAction action) const;
 
     // The desktop's selections (TextFieldClipboard.cpp).
     std::string SelectedText() const;

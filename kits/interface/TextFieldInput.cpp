@@ -128,6 +128,9 @@ void TextField::MouseDown(BPoint where) {
         MakeFocus(true);
         SetCaret(fLine.OffsetAt(LinePlaceOf(where)), false);
         AskFor(host::SelectionKind::Primary);
+    } else if (buttons & B_SECONDARY_MOUSE_BUTTON) {
+        MakeFocus(true);
+        OpenMenu(where);
     }
 }
 
@@ -194,6 +197,9 @@ void TextField::MessageReceived(BMessage* message) {
         break;
     case kScroll:
         DragTo(fDragPlace);
+        break;
+    case kActionChosen:
+        HandleKey({static_cast<EditAction>(message->GetInt32("action", 0))}, {});
         break;
     case kTextCame:
         TakeText(*message);

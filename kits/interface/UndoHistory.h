@@ -26,6 +26,8 @@ public:
     void EndGroup() { fLastKind = Kind::Other; }
     void Clear();
 
+    bool CanUndo() const { return fDone > 0; }
+    bool CanRedo() const { return fDone < fEdits.size(); }
     // The change to take back, or to make again; null if there is none. Valid until the next call.
     const TextEdit* Undo();
     const TextEdit* Redo();

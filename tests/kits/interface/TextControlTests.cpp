@@ -135,6 +135,38 @@ TEST_F(TextControlTest, TakesChangesBackAndMakesThemAgainByWords) {
     WaitForText("one two");
 }
 
+TEST_F(TextControlTest, TheSecondaryButtonOffersWhatCanBeDone) {
+    const auto choose = [&](std::initializer_list<uint32_t> keys) {
+        const auto menus = [&] {
+            return screen.Windows([](const test::WindowInfo& info) {
+                return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_POPUP_MENU");
+            });
+        };
+        const BPoint place = OnScreen(field, {50, 8});
+        robot.Click(static_cast<int>(place.x), static_cast<int>(place.y), 3);
+        ASSERT_TRUE(test::WaitUntil([&] { return menus().size() == 1; }));
+        for (uint32_t key : keys)
+            Key(key);
+        Key(XK_Return);
+        ASSERT_TRUE(test::WaitUntil([&] { return menus().empty(); }));
+    };
+    robot.Type("one two");
+    WaitForText("one two");
+    choose({XK_Down});
+    WaitForText("one ");
+    choose({XK_Down, XK_Down});
+    WaitForText("one two");
+    choose({XK_Up});
+    WaitForSelection(0, 7);
+    choose({XK_Up, XK_Up, XK_Up, XK_Up, XK_Up});
+    WaitForText("");
+    choose({XK_Up});
+    WaitForText("one two");
+    choose({XK_Up});
+    choose({XK_Up, XK_Up});
+    WaitForText("");
+}
+
 TEST_F(TextControlTest, TheCaretBlinksWhileTheWindowIsActive) {
     SetText("");
     const auto isSeen = [&] { return PixelAt(field, {kMargin, 8}) == 0x000000; };
