@@ -41,31 +41,23 @@ bool ReadText(BNode& node, const char* name, BString& text) {
 QBItem::QBItem(BHandler* target, int number, int folder)
     : fNumber(number)
     , fFolder(folder)
-    , fValid(false)
-    , fMessage(nullptr)
-    , fTarget(target)
-    , fMenuItem(nullptr) {
+    , fTarget(target) {
     Trace(__PRETTY_FUNCTION__, "Number = %d, Folder = %d", number, folder);
     CreateMenuItem(kEmptyLabel, kQBAddBookmarkHere);
-    fMessage->AddInt32("folder", fFolder);
-    fMessage->AddInt32("slot", fNumber);
 }
 
 QBItem::QBItem(const char* path, int number, int folder, BHandler* target)
     : fNumber(number)
     , fFolder(folder)
-    , fValid(false)
-    , fMessage(nullptr)
-    , fTarget(target)
-    , fMenuItem(nullptr) {
+    , fTarget(target) {
     Trace(__PRETTY_FUNCTION__, "Number = %d, Folder = %d", number, folder);
     SetFile(path);
-    fMessage->AddInt32("folder", fFolder);
-    fMessage->AddInt32("slot", fNumber);
 }
 
 void QBItem::CreateMenuItem(const char* label, uint32 what) {
     fMessage = new BMessage(what);
+    fMessage->AddInt32("folder", fFolder);
+    fMessage->AddInt32("slot", fNumber);
     fMenuItem = new QBMenuItem(label, fMessage);
     fMenuItem->SetTarget(fTarget, nullptr);
 }

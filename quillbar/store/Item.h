@@ -71,11 +71,11 @@ private:
     BString fKeywords;
     int32 fNumber;
     int32 fFolder;
-    bool fValid;
+    bool fValid = false;
     bool fWatched = false;
     BPath fPath;
     raw_item fRaw;
-    BMessage* fMessage;
+    BMessage* fMessage = nullptr;
     BHandler* fTarget;
-    QBMenuItem* fMenuItem;
+    QBMenuItem* fMenuItem = nullptr;
 };
