@@ -16,11 +16,7 @@ protected:
              {std::string("3 - Some Folder"), "5 - \xff\n" + std::string(245, 'W')})
             std::filesystem::create_directories(fProgram.Root() / name);
     }
-    std::vector<WindowInfo> Bubbles() const {
-        return fScreen.Windows([](const WindowInfo& info) {
-            return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
-        });
-    }
+    std::vector<WindowInfo> Bubbles() const { return fScreen.Shown("TOOLTIP"); }
     void Point(int digit, int aside = 0) {
         const Box button = fProgram.Button(digit);
         fRobot.MoveTo(button.CenterX() + aside, button.CenterY());

@@ -20,7 +20,7 @@ void DesktopTest::TearDown() {
             testing::TempDir() + info->test_suite_name() + "." + info->name() + ".png";
         std::string file = picture;
         std::replace(file.begin() + testing::TempDir().size(), file.end(), '/', '-');
-        fScreen.Grab().SavePng(file);
+        fScreen.Grab(fDesktop.Frame()).SavePng(file);
         std::cerr << "screen at the end: " << file << ", the program "
                   << (fProgram.IsRunning() ? "runs" : "has ended") << std::hex << ", active is "
                   << fScreen.ActiveWindow() << ", the keyboard is with " << fScreen.FocusedWindow()

@@ -48,11 +48,7 @@ TEST_F(ScaledDesktopTest, EverythingIsTwiceAsLarge) {
     EXPECT_EQ(LastUrl(1), "http://five.example/");
 
     fRobot.MoveTo(button.CenterX() + 1, button.CenterY());
-    const auto bubbles = [&] {
-        return fScreen.Windows([](const WindowInfo& info) {
-            return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
-        });
-    };
+    const auto bubbles = [&] { return fScreen.Shown("TOOLTIP"); };
     ASSERT_TRUE(WaitUntil([&] { return !bubbles().empty(); }));
     EXPECT_NEAR(bubbles()[0].frame.y, button.CenterY() + 2 * 20, 4);
     EXPECT_GE(bubbles()[0].frame.height, 2 * 16);

@@ -1,6 +1,5 @@
 #include "tests/desktop/FolderMenu.h"
 
-#include <algorithm>
 #include <set>
 #include <stdexcept>
 

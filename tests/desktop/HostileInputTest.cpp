@@ -33,31 +33,17 @@ protected:
     }
 };
 
-TEST_F(HostileInputTest, SettingsThatAreNoMessage) {
-    fProgram.Start();
-    EXPECT_EQ(fProgram.Stop(), 0);
-    std::ifstream file(fProgram.SettingsFile());
-    const std::string whole{std::istreambuf_iterator<char>(file), {}};
-    ASSERT_FALSE(whole.empty());
-
-    for (const std::string& settings :
-         {whole.substr(0, whole.size() / 2), whole + whole, std::string(3 << 20, '[')})
+TEST_F(HostileInputTest, SettingsOfNoMeaning) {
+    for (const std::string& settings : {std::string("{\"what\":"), std::string(3 << 20, '[')})
         RestartWith(settings);
-}
-
-TEST_F(HostileInputTest, SettingsOfWrongTypesAndHugeValues) {
     const float huge = std::numeric_limits<float>::max();
-    const float infinite = std::numeric_limits<float>::infinity();
     const float none = std::numeric_limits<float>::quiet_NaN();
-    for (const BPoint place : {BPoint(huge, huge), BPoint(-huge, 30), BPoint(1e6f, -1e6f),
-                               BPoint(infinite, 0), BPoint(none, none), BPoint(5000, 5000)}) {
+    for (const BPoint place : {BPoint(huge, -huge), BPoint(none, none), BPoint(5000, 5000)}) {
         BMessage settings;
         settings.AddPoint("pos", place);
-        settings.AddInt32("align", std::numeric_limits<int32>::min());
-        settings.AddInt32("browser", 77);
-        settings.AddInt32("hotkey", -1);
+        for (const char* name : {"align", "browser", "hotkey", "ontop"})
+            settings.AddInt32(name, std::numeric_limits<int32>::min());
         settings.AddString("url", "yes");
-        settings.AddInt32("ontop", 1);
         settings.AddString("color", std::string(1000, 'x').c_str());
         std::string text;
         settings.Flatten(&text);

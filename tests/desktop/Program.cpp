@@ -10,10 +10,6 @@ using namespace test;
 
 namespace {
 
-constexpr char kUtility[] = "_NET_WM_WINDOW_TYPE_UTILITY";
-constexpr char kDialog[] = "_NET_WM_WINDOW_TYPE_DIALOG";
-constexpr char kPopUp[] = "_NET_WM_WINDOW_TYPE_POPUP_MENU";
-
 std::string ReadFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
@@ -105,22 +101,23 @@ std::string Program::Errors() const {
 
 WindowInfo Program::Bar() const {
     const auto bars = fScreen.Windows([this](const WindowInfo& window) {
-        return window.pid == Pid() && window.HasType(kUtility);
+        return window.pid == Pid() && window.HasType("_NET_WM_WINDOW_TYPE_UTILITY");
     });
     return bars.empty() ? WindowInfo{} : bars[0];
 }
 
 std::vector<WindowInfo> Program::Menus() const {
-    return fScreen.Windows([this](const WindowInfo& window) {
-        return window.viewable && window.overrideRedirect && window.pid == Pid() &&
-               window.HasType(kPopUp);
-    });
+    return Shown("POPUP_MENU");
 }
 
 std::vector<WindowInfo> Program::Alerts() const {
-    return fScreen.Windows([this](const WindowInfo& window) {
-        return window.viewable && window.pid == Pid() && window.HasType(kDialog);
-    });
+    return Shown("DIALOG");
+}
+
+std::vector<WindowInfo> Program::Shown(const std::string& type) const {
+    auto windows = fScreen.Shown(type);
+    std::erase_if(windows, [this](const WindowInfo& window) { return window.pid != Pid(); });
+    return windows;
 }
 
 std::vector<WindowInfo> Program::AddWindows() const {

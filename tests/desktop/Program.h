@@ -53,6 +53,7 @@ public:
     double Scale() const;
 
 private:
+    std::vector<test::WindowInfo> Shown(const std::string& type) const;
     test::Box InBar(int x, int y, int width, int height) const;
 
     const test::TemporaryHome& fHome;

@@ -80,9 +80,11 @@ TEST_F(SettingsMenuTest, TheLastHotKeyCannotBeTakenAwayAndQuitEndsTheProgram) {
     ChooseSetting(setting::kHotKey, setting::kControlKey);
     DismissAlert();
     ActivateBar();
+    ChooseSetting(setting::kHotKey, setting::kMenuKey);
+    ChooseSetting(setting::kHotKey, setting::kDeleteKey);
     ChooseSetting(setting::kQuit);
     EXPECT_EQ(fProgram.WaitForEnd(), 0);
-    EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 4);
+    EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 4 + 16 + 32);
 }
 
 class BrowserTest : public DesktopTest {};

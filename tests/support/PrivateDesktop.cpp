@@ -14,6 +14,7 @@
 #include <xcb/randr.h>
 #include <xcb/xcbext.h>
 
+#include "host/x11/Reply.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Screen.h"
 
@@ -203,12 +204,9 @@ void PrivateDesktop::StartWindowManager() {
 
 xcb_atom_t PrivateDesktop::Atom(const std::string& name) const {
     const auto cookie = xcb_intern_atom(fConnection, 0, name.size(), name.data());
-    auto* reply = xcb_intern_atom_reply(fConnection, cookie, nullptr);
-    if (reply == nullptr)
-        return XCB_ATOM_NONE;
-    const xcb_atom_t atom = reply->atom;
-    free(reply);
-    return atom;
+    const host::Reply<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(fConnection, cookie, nullptr));
+    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
 xcb_client_message_event_t PrivateDesktop::Message(xcb_window_t about, const std::string& type,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sstream>
 #include <sys/stat.h>
 
 #include "tests/support/Wait.h"

@@ -18,10 +18,6 @@ uint32_t Screen::Pixel(int x, int y) const {
     return one.pixels.empty() ? 0 : one.pixels[0];
 }
 
-Picture Screen::Grab() const {
-    return Grab(fDesktop.Frame());
-}
-
 Picture Screen::Grab(const Box& part) const {
     xcb_connection_t* connection = fDesktop.Connection();
     const auto cookie =
@@ -50,6 +46,12 @@ Screen::Windows(const std::function<bool(const WindowInfo&)>& filter) const {
     std::vector<WindowInfo> found = Windows();
     std::erase_if(found, [&](const WindowInfo& window) { return !filter(window); });
     return found;
+}
+
+std::vector<WindowInfo> Screen::Shown(const std::string& type) const {
+    return Windows([&](const WindowInfo& window) {
+        return window.viewable && window.HasType("_NET_WM_WINDOW_TYPE_" + type);
+    });
 }
 
 // A program's window is a child of the root, or lies some levels deeper in the manager's frame.
@@ -116,15 +118,6 @@ std::vector<uint8_t> Screen::Property(xcb_window_t window, const std::string& na
         return {};
     const auto* bytes = static_cast<const uint8_t*>(xcb_get_property_value(reply.get()));
     return {bytes, bytes + xcb_get_property_value_length(reply.get())};
-}
-
-bool Screen::HasProperty(xcb_window_t window, const std::string& property) const {
-    xcb_connection_t* connection = fDesktop.Connection();
-    const auto cookie = xcb_get_property(connection, 0, window, fDesktop.Atom(property),
-                                         XCB_GET_PROPERTY_TYPE_ANY, 0, 0);
-    const Reply<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection, cookie, nullptr));
-    return reply && reply->type != XCB_ATOM_NONE;
 }
 
 std::string Screen::Text(xcb_window_t window, const std::string& property) const {

@@ -33,15 +33,15 @@ public:
 
     uint32_t Pixel(int x, int y) const; // 0xRRGGBB
     Picture Grab(const Box& part) const;
-    Picture Grab() const;
 
     // Top-level windows of programs, managed ones and override-redirect ones, also those not shown.
     std::vector<WindowInfo> Windows() const;
     std::vector<WindowInfo> Windows(const std::function<bool(const WindowInfo&)>& filter) const;
+    // Those that can be seen, of a type without its beginning ("DIALOG").
+    std::vector<WindowInfo> Shown(const std::string& type) const;
     WindowInfo Describe(xcb_window_t window) const;
     bool IsViewable(xcb_window_t window) const;
 
-    bool HasProperty(xcb_window_t window, const std::string& property) const;
     // Properties; empty when the window lacks them.
     std::string Text(xcb_window_t window, const std::string& property) const;
     std::vector<uint32_t> Cardinals(xcb_window_t window, const std::string& property) const;

@@ -71,22 +71,17 @@ double ScaleOf(const Published& published, std::string_view resources = {}) {
     return ReadDesktopSettings(published.Bytes(), resources).scale;
 }
 
-TEST(DesktopSettings, ScaleGoesInQuartersFromOneToFour) {
-    const std::pair<int, double> cases[] = {{96, 1},  {72, 1},   {130, 1.25}, {144, 1.5},
-                                            {192, 2}, {2000, 4}, {-1, 1}};
-    for (const auto& [dpi, scale] : cases)
-        EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", dpi * 1024)), scale) << dpi;
-}
-
 TEST(DesktopSettings, PublishedOnesGoBeforeResources) {
-    EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: 144.0\n").scale, 1.5);
-    EXPECT_EQ(ReadDesktopSettings({}, "Xcursor.size:\t48\nXft.dpi:\t192").scale, 2);
-    EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", 144 * 1024), "Xft.dpi: 192\n"), 1.5);
-    EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", -1), "Xft.dpi: 192\n"), 2);
+    const std::pair<int, double> scales[] = {{96, 1},  {72, 1},   {130, 1.25}, {144, 1.5},
+                                             {192, 2}, {2000, 4}, {-1, 2}};
+    for (const auto& [dpi, scale] : scales)
+        EXPECT_EQ(ScaleOf(Published().Integer("Xft/DPI", dpi * 1024), "Xft.dpi: 192\n"), scale);
     EXPECT_EQ(ScaleOf(Published(), "Xft.dpi: lots\n"), 1);
 
+    auto resources = ReadDesktopSettings({}, "Xcursor.size:\t32\nXft.dpi: 192");
+    EXPECT_EQ(resources.scale, 2);
+    EXPECT_EQ(resources.PointerSize(), 32);
     EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: 192\n").PointerSize(), 48);
-    EXPECT_EQ(ReadDesktopSettings({}, "Xcursor.size:\t32\nXft.dpi: 192").PointerSize(), 32);
     auto published = Published().Integer("Gtk/CursorThemeSize", 64).Bytes();
     EXPECT_EQ(ReadDesktopSettings(published, "Xcursor.size: 32\n").PointerSize(), 64);
 }

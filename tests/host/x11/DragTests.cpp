@@ -161,13 +161,7 @@ protected:
              .hotY = 5},
             files);
     }
-    size_t DragImages() {
-        return display.OnScreen()
-            .Windows([](const test::WindowInfo& info) {
-                return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_DND");
-            })
-            .size();
-    }
+    size_t DragImages() { return display.OnScreen().Shown("DND").size(); }
 
     std::shared_ptr<NoFiles> files = std::make_shared<NoFiles>();
     // Half of it can be looked through.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 

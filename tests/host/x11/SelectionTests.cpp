@@ -1,5 +1,4 @@
 #include <future>
-#include <optional>
 
 #include <gmock/gmock.h>
 

@@ -8,7 +8,6 @@
 
 #include "host/session/InstanceSocket.h"
 #include "kits/app/AppDefs.h"
-#include "kits/app/Message.h"
 #include "kits/app/Messenger.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryHome.h"

@@ -10,7 +10,6 @@
 #include "kits/interface/Button.h"
 #include "kits/interface/Screen.h"
 #include "kits/interface/TextView.h"
-#include "tests/support/TemporaryHome.h"
 
 namespace {
 
@@ -129,9 +128,7 @@ TEST_F(AlertTest, AWindowsOwnThreadCanWaitForIt) {
     fAnswer = promise->get_future();
     window->PostMessage('askq');
     ASSERT_TRUE(test::WaitUntil([&] {
-        auto alerts = screen.Windows([](const test::WindowInfo& info) {
-            return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_DIALOG");
-        });
+        auto alerts = screen.Shown("DIALOG");
         return !alerts.empty() && screen.ActiveWindow() == alerts[0].id;
     }));
     robot.Key(XK_Return);

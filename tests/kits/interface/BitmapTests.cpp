@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
-
 #include "kits/interface/Bitmap.h"
 #include "kits/interface/View.h"
 

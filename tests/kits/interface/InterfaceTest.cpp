@@ -78,14 +78,6 @@ void RecordingView::MouseMoved(BPoint where, uint32 transit, const BMessage*) {
     lastWhere = where;
 }
 
-void RecordingView::KeyDown(const char* bytes, int32 numBytes) {
-    events.push_back("key " + std::string(bytes, static_cast<size_t>(numBytes)));
-}
-
-void RecordingView::WindowActivated(bool active) {
-    events.push_back(active ? "active" : "inactive");
-}
-
 int RecordingView::CountOf(const std::string& event) const {
     return static_cast<int>(std::count(events.begin(), events.end(), event));
 }

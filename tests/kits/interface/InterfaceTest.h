@@ -24,12 +24,10 @@ public:
     void MouseDown(BPoint where) override;
     void MouseUp(BPoint where) override;
     void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage) override;
-    void KeyDown(const char* bytes, int32 numBytes) override;
-    void WindowActivated(bool active) override;
 
     int CountOf(const std::string& event) const;
 
-    // "down", "up", "entered", "inside", "exited", "outside", "key X", "active", "inactive".
+    // "down", "up", "entered", "inside", "exited", "outside".
     std::vector<std::string> events;
     std::vector<BRect> draws;
     BPoint lastWhere;

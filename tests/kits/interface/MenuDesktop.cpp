@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 
-#include "kits/app/AppDefs.h"
 #include "kits/interface/MenuTracking.h"
 
 using test::Box;
@@ -65,6 +64,8 @@ BMenu* MenuTest::AddSubmenu(const std::string& label, int count) {
 }
 
 void MenuTest::Open(int x, int y, bool deliversMessage) {
+    // The server may still show the last one after the answer of Go() was seen.
+    ASSERT_TRUE(WaitForMenus(0));
     fAnswer = std::async(std::launch::async, [=, this] {
         return menu.Go(BPoint(static_cast<float>(x), static_cast<float>(y)), deliversMessage, true);
     });
@@ -80,9 +81,7 @@ BMenuItem* MenuTest::Answer() {
 }
 
 std::vector<WindowInfo> MenuTest::Menus() {
-    return screen.Windows([](const WindowInfo& window) {
-        return window.viewable && window.HasType("_NET_WM_WINDOW_TYPE_POPUP_MENU");
-    });
+    return screen.Shown("POPUP_MENU");
 }
 
 bool MenuTest::WaitForMenus(size_t count) {

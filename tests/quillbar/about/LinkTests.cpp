@@ -80,12 +80,7 @@ protected:
         robot.Release(3);
         ASSERT_TRUE(test::WaitUntil([this] { return !Menus().empty(); }));
     }
-    std::vector<test::WindowInfo> Menus() { return WindowsOfType("POPUP_MENU"); }
-    std::vector<test::WindowInfo> WindowsOfType(const std::string& type) {
-        return screen.Windows([&](const test::WindowInfo& info) {
-            return info.viewable && info.HasType("_NET_WM_WINDOW_TYPE_" + type);
-        });
-    }
+    std::vector<test::WindowInfo> Menus() { return screen.Shown("POPUP_MENU"); }
     std::string Copied() {
         EXPECT_TRUE(be_clipboard->Lock());
         const void* bytes = nullptr;
@@ -221,7 +216,7 @@ TEST_F(LinkTest, AnAlertSaysThatNoProgramIsThere) {
         ClickAt(link, OnText());
         std::vector<test::WindowInfo> alerts;
         ASSERT_TRUE(test::WaitUntil([&] {
-            alerts = WindowsOfType("DIALOG");
+            alerts = screen.Shown("DIALOG");
             return alerts.size() == 1 && screen.ActiveWindow() == alerts[0].id;
         }));
         EXPECT_EQ(alerts[0].title, title);

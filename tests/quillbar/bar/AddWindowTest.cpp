@@ -1,10 +1,8 @@
 // The Add Bookmark window beside the bar, in this process.
 
 #include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <future>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
@@ -12,7 +10,6 @@
 #include <vector>
 
 #include "kits/app/AppDefs.h"
-#include "kits/app/Application.h"
 #include "kits/app/Message.h"
 #include "kits/interface/Box.h"
 #include "kits/interface/Button.h"
@@ -22,6 +19,7 @@
 #include "quillbar/addbookmark/BookmarkWindow.h"
 #include "quillbar/app/Settings.h"
 #include "quillbar/bar/MainWindow.h"
+#include "tests/quillbar/RunningApplication.h"
 #include "tests/support/Bookmarks.h"
 #include "tests/support/RecordedApps.h"
 #include "tests/support/Screen.h"
@@ -33,13 +31,6 @@ using test::WaitUntil;
 
 namespace {
 
-class PatientApp : public BApplication {
-public:
-    PatientApp()
-        : BApplication("application/x-Orvel.QuillbarTest") {}
-    bool QuitRequested() override { return false; }
-};
-
 // Everything that there is once in a process.
 struct Session {
     test::TemporaryHome home;
@@ -48,14 +39,7 @@ struct Session {
 
     Session() {
         apps.InstallBrowser();
-        std::promise<status_t> connected;
-        std::thread([&connected] {
-            auto* app = new PatientApp;
-            connected.set_value(connect_display());
-            app->Run();
-        }).detach();
-        if (connected.get_future().get() != B_OK)
-            std::abort();
+        RunApplication();
     }
 };
 
@@ -86,11 +70,6 @@ protected:
         Show();
         fWindow->PostMessage(&message);
         ASSERT_TRUE(WaitUntil(IsOpen));
-    }
-    std::vector<test::WindowInfo> Alerts() const {
-        return test::Screen(test::PrivateDesktop::Shared()).Windows([](const auto& window) {
-            return window.viewable && window.HasType("_NET_WM_WINDOW_TYPE_DIALOG");
-        });
     }
     static void SendToIt(uint32 what) { QBBookmarkWindow::Target().SendMessage(what); }
     static void InIt(const std::function<void(QBBookmarkWindow&)>& work) {
@@ -234,10 +213,11 @@ TEST_F(AddWindowTest, AnAddressThatDoesNotFitIsReported) {
         window.PostMessage(kQBAddIt);
     });
     EXPECT_TRUE(WaitUntil([] { return !IsOpen(); }));
-    ASSERT_TRUE(WaitUntil([&] { return Alerts().size() == 1; }));
+    const test::Screen screen(test::PrivateDesktop::Shared());
+    ASSERT_TRUE(WaitUntil([&] { return screen.Shown("DIALOG").size() == 1; }));
     EXPECT_FALSE(test::GetAttribute(Root() / "2 -" / "7 - Long", "META:url"));
-    test::Screen(test::PrivateDesktop::Shared()).Close(Alerts()[0].id);
-    EXPECT_TRUE(WaitUntil([&] { return Alerts().empty(); }));
+    screen.Close(screen.Shown("DIALOG")[0].id);
+    EXPECT_TRUE(WaitUntil([&] { return screen.Shown("DIALOG").empty(); }));
 }
 
 // The bar tells the window of each change while the window comes and goes.

@@ -1,7 +1,6 @@
 // The helper beside real windows: its texts, when a bubble comes and goes, and where.
 
 #include <chrono>
-#include <future>
 #include <gtest/gtest.h>
 #include <thread>
 #include <xcb/xcb.h>
@@ -10,6 +9,7 @@
 #include "kits/interface/View.h"
 #include "kits/interface/Window.h"
 #include "quillbar/bubbles/BubbleHelper.h"
+#include "tests/quillbar/RunningApplication.h"
 #include "tests/support/Robot.h"
 #include "tests/support/Screen.h"
 #include "tests/support/TemporaryHome.h"
@@ -29,16 +29,7 @@ struct Session {
     test::TemporaryHome home;
     test::PrivateDesktop& desktop = test::PrivateDesktop::Shared();
 
-    Session() {
-        std::promise<status_t> connected;
-        std::thread([&connected] {
-            auto* app = new BApplication("application/x-Orvel.BubbleTest");
-            connected.set_value(connect_display());
-            app->Run();
-        }).detach();
-        if (connected.get_future().get() != B_OK)
-            std::abort();
-    }
+    Session() { RunApplication(); }
 };
 
 test::PrivateDesktop& Desktop() {

@@ -3,7 +3,6 @@
 
 #include <unistd.h>
 
-#include <fstream>
 #include <semaphore>
 #include <set>
 #include <string>
@@ -13,7 +12,6 @@
 #include "kits/app/Application.h"
 #include "kits/app/Message.h"
 #include "kits/app/SessionHooks.h"
-#include "kits/kernel/OS.h"
 
 namespace {
 
