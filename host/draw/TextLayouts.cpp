@@ -46,6 +46,9 @@ TextLayouts::TextLayouts() {
     std::unique_ptr<PangoFontMap, ReleaseObject> fonts(pango_cairo_font_map_new());
     fContext.reset(pango_font_map_create_context(fonts.get()));
 
+    // A layout takes this for granted; said aloud, a font that is loaded by itself is the same one.
+    pango_context_set_language(fContext.get(), pango_language_get_default());
+
     // Whole-pixel metrics: a text measures the same wherever it is drawn.
     cairo_font_options_t* options = cairo_font_options_create();
     cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
