@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <system_error>
+#include <thread>
 
 #include "host/draw/TextLayouts.h"
 #include "host/draw/VisibleText.h"
@@ -41,6 +43,18 @@ void RemoveLastCharacter(std::string& text) {
 
 void PrepareText() {
     TextLayouts::Shared();
+}
+
+// Without a thread the first text finds its font itself. The thread may outlive main(): what it
+// works on is never destroyed.
+void PrepareFont(const FontSpec& font, double scale) {
+    try {
+        std::thread([font, scale] {
+            MeasureFont(font, scale);
+            MeasureText(font, "0", scale);
+        }).detach();
+    } catch (const std::system_error&) {
+    }
 }
 
 FontHeight MeasureFont(const FontSpec& font, double scale) {

@@ -28,6 +28,10 @@ struct FontHeight {
 // wait for that. Returns at once. Any thread.
 void PrepareText();
 
+// Finds a font for the scale in the background, with its first glyphs: what remains for the first
+// text in it is to be drawn. Returns at once. Any thread.
+void PrepareFont(const FontSpec& font, double scale);
+
 // What follows measures text as Canvas draws it at `scale` device pixels per logical pixel, and
 // answers in logical pixels. Bytes of `text` that are not UTF-8 count as a replacement mark; a new
 // line or another control character counts as the mark Canvas shows for it, so that text is always

@@ -2,7 +2,7 @@
 #include <cctype>
 #include <string>
 
-#include "host/draw/Font.h"
+#include "host/draw/Image.h"
 #include "host/x11/Display.h"
 #include "kits/app/AppResources.h"
 #include "kits/app/Application.h"
@@ -61,7 +61,6 @@ bool QuitWindows(WindowRoster& roster) {
 } // namespace
 
 status_t connect_display() {
-    host::PrepareText();
     WindowRoster& roster = WindowRoster::Shared();
     std::string name = ProgramName();
     status_t status = host::Display::Open(&roster, LowerCase(name).c_str(), name.c_str());

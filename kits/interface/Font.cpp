@@ -21,6 +21,14 @@ std::string_view Bytes(const char* text, int32 length) {
 constinit const BFont* const be_plain_font = &kPlainFont;
 constinit const BFont* const be_bold_font = &kBoldFont;
 
+void prepare_fonts() {
+    host::PrepareText();
+}
+
+void prepare_font(const BFont& font) {
+    host::PrepareFont(SpecOf(font), DisplayScale());
+}
+
 void BFont::SetSize(float size) {
     fSize = std::isnan(size) ? 12 : std::clamp(size, 1.0f, 200.0f);
 }

@@ -97,3 +97,8 @@ private:
 // The fonts of controls and of headings. They can be used before main().
 extern const BFont* const be_plain_font;
 extern const BFont* const be_bold_font;
+
+// Begin in the background what the first text would have to wait for: to read the desktop's font
+// settings, and, when the display is connected, to find a font. They return at once. Any thread.
+void prepare_fonts();
+void prepare_font(const BFont& font);
