@@ -68,8 +68,8 @@ bool QBItem::SetFile(const char* path) {
 
     BEntry entry(path, false);
     node_ref file;
-    if (entry.InitCheck() != B_OK || !entry.Exists() || entry.GetRef(&fRaw.ref) != B_OK ||
-        entry.GetNodeRef(&file) != B_OK)
+    if (entry.InitCheck() != B_OK || entry.GetNodeRef(&file) != B_OK ||
+        entry.GetRef(&fRaw.ref) != B_OK)
         return false;
     fRaw.node = file.node;
     fName = GetName(path);
