@@ -25,7 +25,8 @@ enum : uint32 {
     kQBLaunch = 'qbLi',         // launch the bookmark of "folder" and "slot", if there is one
     kQBWindowActive = 'qbWa',   // to the application: the bar became the active window
     kQBWindowInactive = 'qbWn', // to the application: it no longer is
-    kQBPrepareMenus = 'qbPm',   // inside the bar window: it is on the screen, get the menus ready
+    kQBPrepareMenus = 'qbPm',   // inside the bar window: it is painted, get the menus ready
+    kQBLayOutMenus = 'qbLm',    // inside the bar window: it is on the screen, lay the menus out
     kQBAddIt = 'QbAi',          // inside the Add Bookmark window: create the bookmark
     kQBCancelAdd = 'QbCa',      // inside the Add Bookmark window: close without creating
     kQBShowInTracker = 'QbSt',  // inside the Add Bookmark window: open the bookmark root

@@ -1,6 +1,7 @@
 #include "quillbar/bar/MainWindow.h"
 
 #include "kits/app/Message.h"
+#include "kits/app/MessageRunner.h"
 #include "kits/app/Messenger.h"
 #include "kits/app/Roster.h"
 #include "kits/interface/Alert.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <mutex>
 
 #include "kits/interface/Window.h"
@@ -7,6 +8,7 @@
 
 class BLocker;
 class BMenuItem;
+class BMessageRunner;
 class BMessenger;
 class BPopUpMenu;
 class BView;
@@ -64,6 +66,7 @@ private:
                         bool isOnly);
     void WarnWithoutBrowser();
     void PrepareMenus();
+    void LayOutMenus();
 
     bool HandleFolderCode(BMessage* message);
     void ShowFolderMenu(int digit);
@@ -95,6 +98,7 @@ private:
     bool fAddWindowOpen;
     QBBar* fBar;
     BubbleHelper* fBubbles;
+    std::unique_ptr<BMessageRunner> fLayoutRunner;
 
     static std::mutex fMsgLock; // guards fMsgWindow
 };

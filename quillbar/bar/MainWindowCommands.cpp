@@ -1,6 +1,7 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
 #include "kits/app/Message.h"
+#include "kits/app/MessageRunner.h"
 #include "kits/app/Messenger.h"
 #include "kits/app/Roster.h"
 #include "kits/interface/Alert.h"
@@ -25,6 +26,7 @@
 namespace {
 
 constexpr float kAddWindowAbove = 190; // above the bar's lower edge
+constexpr bigtime_t kMappingTime = 100'000;
 
 } // namespace
 
@@ -78,6 +80,9 @@ void QBMainWindow::MessageReceived(BMessage* message) {
         break;
     case kQBPrepareMenus:
         PrepareMenus();
+        break;
+    case kQBLayOutMenus:
+        LayOutMenus();
         break;
     case B_NODE_MONITOR:
         HandleNodeMonitor(message);
@@ -142,8 +147,15 @@ void QBMainWindow::ShowSettingsMenu() {
     fSettingsMenu->Go(point, true, true, false);
 }
 
+// Until the window is on the screen the window manager and the display server need the processor
+// for it. A menu that is opened before lays itself out.
 void QBMainWindow::PrepareMenus() {
     BuildSettingsMenu();
+    const BMessage layOut(kQBLayOutMenus);
+    fLayoutRunner = std::make_unique<BMessageRunner>(BMessenger(this), &layOut, kMappingTime, 1);
+}
+
+void QBMainWindow::LayOutMenus() {
     fLocker->Lock();
     for (QBPath* folder : fMonitor->fPaths)
         folder->Menu()->PrepareLayout();
