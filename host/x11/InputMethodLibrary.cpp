@@ -44,8 +44,8 @@ std::unique_ptr<InputMethodLibrary> Open() {
 } // namespace
 
 const InputMethodLibrary* InputMethodLibrary::Load() {
-    static const std::unique_ptr<InputMethodLibrary> library = Open();
-    return library.get();
+    static const InputMethodLibrary* const library = Open().release();
+    return library;
 }
 
 } // namespace host

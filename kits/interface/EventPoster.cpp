@@ -18,9 +18,9 @@ struct HeldKey {
 };
 
 // Who was told that a key went down is told that it went up, though a menu or another window may
-// have the keyboard by then. The display thread's.
+// have the keyboard by then. The display thread's, which works until the process ends.
 std::map<uint32, HeldKey>& HeldKeys() {
-    static std::map<uint32, HeldKey> keys;
+    static auto& keys = *new std::map<uint32, HeldKey>;
     return keys;
 }
 
