@@ -172,8 +172,8 @@ TEST_F(NodeItselfTest, NothingIsToldAfterAStop) {
     ASSERT_TRUE(WaitForTold(20));
     Stop(node);
     size_t told = Told().size();
-    Flush();
     renaming = std::jthread();
+    Rename("b/file", "b/datei");
     Flush();
     EXPECT_EQ(Told().size(), told);
 }

@@ -62,7 +62,9 @@ protected:
         apps.SetDefault("x-scheme-handler/ftp", "fetcher");
     }
     void Activate() {
-        screen.Activate(ShownWindows(screen).front().id);
+        const auto shown = ShownWindows(screen);
+        ASSERT_EQ(shown.size(), 1u);
+        screen.Activate(shown.front().id);
         ASSERT_TRUE(WaitFor(window, [this] { return window->IsActive(); }));
     }
     // A pixel of the underline; of the line's room if there is none.
