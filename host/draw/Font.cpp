@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <system_error>
-#include <thread>
 
 #include "host/draw/TextLayouts.h"
 #include "host/draw/VisibleText.h"
@@ -41,19 +40,16 @@ void RemoveLastCharacter(std::string& text) {
 
 } // namespace
 
-void PrepareText() {
-    TextLayouts::Shared();
-}
-
-// Without a thread the first text finds its font itself. The thread may outlive main(): what it
-// works on is never destroyed.
-void PrepareFont(const FontSpec& font, double scale) {
+// The libraries free what they share when the process exits, which no thread may use then. Without
+// a thread the first text finds its font itself.
+std::future<void> PrepareFont(const FontSpec& font, double scale) {
     try {
-        std::thread([font, scale] {
+        return std::async(std::launch::async, [font, scale] {
             MeasureFont(font, scale);
             MeasureText(font, "0", scale);
-        }).detach();
+        });
     } catch (const std::system_error&) {
+        return {};
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <future>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,13 +25,10 @@ struct FontHeight {
     float leading = 0;
 };
 
-// Begins to read the desktop's font settings in the background, so that the first text need not
-// wait for that. Returns at once. Any thread.
-void PrepareText();
-
-// Finds a font for the scale in the background, with its first glyphs: what remains for the first
-// text in it is to be drawn. Returns at once. Any thread.
-void PrepareFont(const FontSpec& font, double scale);
+// Reads the desktop's font settings in the background and finds the font, so that the first text in
+// it need not wait for that. Returns at once; main() must not return before what it returns is
+// gone, whose destructor waits. Any thread.
+std::future<void> PrepareFont(const FontSpec& font, double scale);
 
 // What follows measures text as Canvas draws it at `scale` device pixels per logical pixel, and
 // answers in logical pixels. Bytes of `text` that are not UTF-8 count as a replacement mark; a new

@@ -21,12 +21,8 @@ std::string_view Bytes(const char* text, int32 length) {
 constinit const BFont* const be_plain_font = &kPlainFont;
 constinit const BFont* const be_bold_font = &kBoldFont;
 
-void prepare_fonts() {
-    host::PrepareText();
-}
-
-void prepare_font(const BFont& font) {
-    host::PrepareFont(SpecOf(font), DisplayScale());
+std::future<void> prepare_font(const BFont& font) {
+    return host::PrepareFont(SpecOf(font), DisplayScale());
 }
 
 void BFont::SetSize(float size) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <future>
 #include <string>
 
 #include "kits/support/Rect.h"
@@ -98,7 +99,8 @@ private:
 extern const BFont* const be_plain_font;
 extern const BFont* const be_bold_font;
 
-// Begin in the background what the first text would have to wait for: to read the desktop's font
-// settings, and, when the display is connected, to find a font. They return at once. Any thread.
-void prepare_fonts();
-void prepare_font(const BFont& font);
+// Reads the desktop's font settings in the background and finds `font`, so that the first text in
+// it need not wait for that. Before the display is connected it is found for a scale of 1: at
+// another one it is looked for again. Returns at once; main() must not return before what it
+// returns is gone, whose destructor waits. Any thread.
+std::future<void> prepare_font(const BFont& font);

@@ -5,7 +5,6 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/Font.h"
 #include "kits/interface/Screen.h"
 #include "kits/storage/Path.h"
 #include "quillbar/about/AboutWindow.h"
@@ -44,8 +43,6 @@ QBApp::~QBApp() {
 }
 
 void QBApp::ReadyToRun() {
-    // The digits on the bar.
-    prepare_font(*be_bold_font);
     gSettings = new QBSettings(BPath(kSettingsPath));
     gSettings->Load();
     SetEmergencyAction([settings = gSettings] { settings->Save(); });

@@ -120,7 +120,7 @@ TEST(Text, WindowsDrawAtTheSameTime) {
     for (int i = 0; i < kThreads; i++) {
         threads.emplace_back([&, i] {
             Canvas canvas(300, 60, 1 + i * 0.25);
-            PrepareFont({11, i % 2 == 1}, canvas.Scale());
+            const auto prepared = PrepareFont({11, i % 2 == 1}, canvas.Scale());
             for (int round = 0; round <= kRounds; round++) {
                 canvas.FillRect({0, 0, 400, 100}, {255, 255, 255});
                 FontSpec font{11, round % 2 == 1};
