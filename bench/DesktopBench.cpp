@@ -113,6 +113,10 @@ void DesktopBench::LearnMenu(Subject& subject) {
 void DesktopBench::Measure(Subject& subject) {
     Robot(fDesktop).MoveTo(kAwayX, kAwayY);
     const Screen screen(fDesktop);
+    // The last program's window would be taken for this one's, and its end takes the server and the
+    // window manager some time.
+    AwaitPainted([&] { return screen.Pixel(kBarX, kBarY) == kRootColour; });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
     const Stopwatch time;
     const auto process = Run(subject);
     AwaitPainted([&] { return IsBar(screen.Pixel(kBarX, kBarY)); });
