@@ -14,7 +14,8 @@ protected:
         AddBookmark(2, "1 - Site", "http://site.example/");
         fProgram.Start();
     }
-    // Waits until it has the keyboard.
+    // Waits until it has the keyboard; the name is what is typed first. (A click and what is typed
+    // after it may change places: the window manager holds the click for a moment.)
     void WaitForWindow() {
         ASSERT_TRUE(WaitUntil([&] {
             const auto windows = fProgram.AddWindows();
@@ -35,7 +36,6 @@ protected:
     }
     // In the window, in units.
     void ClickAt(int x, int y) { fRobot.Click(fPlace.x + x, fPlace.y + y); }
-    void ClickName() { ClickAt(150, 60); }
     void ClickBrowse(int digit) { ClickAt(10 + 44 + 20 * digit, 20 + 130 + 42); }
     void Alt(uint32_t key) {
         fRobot.KeyDown(XK_Alt_L);
@@ -70,7 +70,6 @@ TEST_F(AddBookmarkTest, KeysMakeABookmark) {
     DismissAlert(); // no slot is chosen
     WaitForWindow();
     ChooseByKeys();
-    ClickName();
     fRobot.Type("News & more");
     fRobot.Key(XK_Tab);
     fRobot.Type("http://a.b/");
@@ -87,7 +86,6 @@ TEST_F(AddBookmarkTest, KeysMakeABookmark) {
     // What is refused is said; a quit takes the words away.
     OpenWindow();
     ChooseByKeys();
-    ClickName();
     fRobot.Type("../x");
     fRobot.Key(XK_Return);
     DismissAlert();
@@ -106,7 +104,6 @@ TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewritten) {
     fRobot.Click(item.CenterX(), item.CenterY());
     ASSERT_TRUE(MenusClosed());
     SettledPicture(fScreen, fPlace);
-    ClickName();
     fRobot.Key(XK_End);
     fRobot.Type("s");
     Alt(XK_d);
@@ -134,7 +131,10 @@ TEST_F(AddBookmarkTest, AFolderMenuGivesTheBarItsTargetBack) {
 
 TEST_F(AddBookmarkTest, TheRootIsShownInTheFileManager) {
     OpenWindow();
-    Alt(XK_t); // there is none
+    EXPECT_TRUE(LocationChanges([&] {
+        Alt(XK_t); // there is none
+        Alt(XK_2);
+    }));
     fApps.InstallFileManager();
     ClickAt(60, 20 + 335);
     EXPECT_EQ(fApps.WaitForLaunches(1),
