@@ -63,6 +63,8 @@ ChildProcess::ChildProcess(const Options& options) {
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
+        // Shells start what runs in the background with this one ignored.
+        signal(SIGINT, SIG_DFL);
         if (output >= 0)
             dup2(output, STDOUT_FILENO);
         if (errors >= 0)
