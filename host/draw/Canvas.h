@@ -4,10 +4,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Color.h"
+#include "base/Rect.h"
 #include "host/draw/Font.h"
 #include "host/draw/Image.h"
-#include "kits/support/Color.h"
-#include "kits/support/Rect.h"
 
 namespace host {
 

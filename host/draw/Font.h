@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "kits/support/Rect.h"
-#include "kits/support/SupportDefs.h"
+#include "base/Rect.h"
+#include "base/Types.h"
 
 namespace host {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 namespace host {
 

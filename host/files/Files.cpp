@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
+#include "host/files/monitor/NodeStatus.h"
 
 namespace host {
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "base/Types.h"
 #include "host/loop/Descriptor.h"
-#include "kits/support/SupportDefs.h"
 
 namespace host {
 

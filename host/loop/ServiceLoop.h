@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 namespace host {
 

@@ -8,10 +8,10 @@
 #include <variant>
 #include <vector>
 
+#include "base/Color.h"
+#include "base/Errors.h"
+#include "base/Types.h"
 #include "host/draw/Image.h"
-#include "kits/support/Color.h"
-#include "kits/support/Errors.h"
-#include "kits/support/SupportDefs.h"
 
 // The floor's only header for what stands above it: windows and input in plain types. Everything is
 // in device pixels; places on the screen are relative to the root window's left-top corner.

@@ -2,10 +2,10 @@
 
 #include <cstdio>
 
-#include "host/x11/Clock.h"
-#include "host/x11/InputState.h"
 #include "host/x11/XDisplay.h"
 #include "host/x11/XWindow.h"
+#include "host/x11/server/Clock.h"
+#include "host/x11/server/InputState.h"
 
 namespace host {
 

@@ -5,14 +5,14 @@
 #include <thread>
 #include <utility>
 
-#include "host/x11/ClickCounter.h"
-#include "host/x11/Connection.h"
-#include "host/x11/DesktopSettings.h"
 #include "host/x11/Display.h"
-#include "host/x11/FocusWatch.h"
-#include "host/x11/InputMethod.h"
-#include "host/x11/Keyboard.h"
-#include "host/x11/RawKeys.h"
+#include "host/x11/keys/ClickCounter.h"
+#include "host/x11/keys/InputMethod.h"
+#include "host/x11/keys/Keyboard.h"
+#include "host/x11/keys/RawKeys.h"
+#include "host/x11/server/Connection.h"
+#include "host/x11/server/DesktopSettings.h"
+#include "host/x11/windows/FocusWatch.h"
 
 namespace host {
 

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "host/x11/InputState.h"
 #include "host/x11/XWindow.h"
+#include "host/x11/server/InputState.h"
 
 namespace host {
 

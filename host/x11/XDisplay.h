@@ -3,19 +3,19 @@
 #include <atomic>
 #include <mutex>
 
-#include "host/x11/Connection.h"
-#include "host/x11/Cursors.h"
-#include "host/x11/DesktopSettings.h"
 #include "host/x11/Display.h"
-#include "host/x11/DragSource.h"
-#include "host/x11/DropTarget.h"
 #include "host/x11/EventThread.h"
-#include "host/x11/InputGrab.h"
-#include "host/x11/KeptPicture.h"
-#include "host/x11/MonitorList.h"
-#include "host/x11/Selections.h"
-#include "host/x11/WindowProperties.h"
-#include "host/x11/WindowRegistry.h"
+#include "host/x11/exchange/DragSource.h"
+#include "host/x11/exchange/DropTarget.h"
+#include "host/x11/exchange/Selections.h"
+#include "host/x11/server/Connection.h"
+#include "host/x11/server/DesktopSettings.h"
+#include "host/x11/server/InputGrab.h"
+#include "host/x11/server/MonitorList.h"
+#include "host/x11/server/WindowRegistry.h"
+#include "host/x11/windows/Cursors.h"
+#include "host/x11/windows/KeptPicture.h"
+#include "host/x11/windows/WindowProperties.h"
 
 namespace host {
 

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "host/x11/Display.h"
-#include "host/x11/KeptPicture.h"
-#include "host/x11/WindowProperties.h"
+#include "host/x11/windows/KeptPicture.h"
+#include "host/x11/windows/WindowProperties.h"
 
 namespace host {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // The codes of the messages that the system itself sends.
 enum : uint32 {

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // How often a program may run at the same time.
 enum : uint32 {

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "host/session/InstanceLock.h"
-#include "host/session/InstanceSocket.h"
-#include "host/session/SignalWatch.h"
+#include "host/session/instance/InstanceLock.h"
+#include "host/session/instance/InstanceSocket.h"
+#include "host/session/instance/SignalWatch.h"
 #include "kits/app/QuitWatchdog.h"
 
 class BApplication;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Types.h"
 #include "kits/app/MessageFilter.h"
-#include "kits/support/SupportDefs.h"
 
 class BList;
 class BLooper;

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "base/EntryRef.h"
+#include "base/Point.h"
+#include "base/Rect.h"
+#include "base/TypeConstants.h"
 #include "kits/app/Messenger.h"
-#include "kits/support/EntryRef.h"
-#include "kits/support/Point.h"
-#include "kits/support/Rect.h"
 #include "kits/support/String.h"
-#include "kits/support/TypeConstants.h"
 
 class BDataIO;
 

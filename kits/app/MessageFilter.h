@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 class BHandler;
 class BLooper;

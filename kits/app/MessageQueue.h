@@ -5,7 +5,7 @@
 #include <memory>
 #include <mutex>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 class BMessage;
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "base/Types.h"
 #include "kits/app/Messenger.h"
-#include "kits/support/SupportDefs.h"
 
 class BMessage;
 

@@ -9,8 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "base/Color.h"
 #include "kits/app/MessageField.h"
-#include "kits/support/Color.h"
 
 using Json = nlohmann::ordered_json;
 

@@ -1,6 +1,6 @@
 #include "kits/app/Messenger.h"
 
-#include "host/session/InstanceSocket.h"
+#include "host/session/instance/InstanceSocket.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/HandlerRegistry.h"
 #include "kits/app/LooperState.h"

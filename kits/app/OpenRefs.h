@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 class BMessage;
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/session/Programs.h"
+#include "host/session/programs/Programs.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "kits/support/EntryRef.h"
-#include "kits/support/SupportDefs.h"
+#include "base/EntryRef.h"
+#include "base/Types.h"
 
 // Finds and starts the programs of the desktop. A program is named by its signature, or by a type
 // of files or links that it is the desktop's choice for; README.md says which program of

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // A thread of this process; never given to another thread again.
 using thread_id = int32;

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <stop_token>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // What the kernel kit's own waits need.
 

@@ -2,8 +2,8 @@
 
 #include "host/files/DirectoryScan.h"
 #include "host/files/Files.h"
-#include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
+#include "host/files/monitor/NodeStatus.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"
 #include "kits/storage/Path.h"

@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "host/files/Files.h"
-#include "host/files/KnownPaths.h"
 #include "host/files/Paths.h"
+#include "host/files/monitor/KnownPaths.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Path.h"
 #include "kits/storage/Volume.h"

@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "host/files/NodeStatus.h"
+#include "base/EntryRef.h"
+#include "host/files/monitor/NodeStatus.h"
 #include "kits/storage/StorageDefs.h"
-#include "kits/support/EntryRef.h"
 
 class BDirectory;
 class BPath;

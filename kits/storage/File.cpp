@@ -6,8 +6,8 @@
 #include <cerrno>
 
 #include "host/files/Files.h"
-#include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
+#include "host/files/monitor/NodeStatus.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Path.h"
 

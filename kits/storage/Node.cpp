@@ -5,8 +5,8 @@
 
 #include "host/files/Attributes.h"
 #include "host/files/Files.h"
-#include "host/files/Links.h"
-#include "host/files/NodeStatus.h"
+#include "host/files/monitor/Links.h"
+#include "host/files/monitor/NodeStatus.h"
 #include "kits/storage/Entry.h"
 
 BNode::BNode(const char* path) {

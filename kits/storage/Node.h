@@ -2,10 +2,10 @@
 
 #include <sys/types.h>
 
+#include "base/EntryRef.h"
+#include "base/TypeConstants.h"
 #include "host/loop/Descriptor.h"
 #include "kits/storage/StorageDefs.h"
-#include "kits/support/EntryRef.h"
-#include "kits/support/TypeConstants.h"
 
 class BDirectory;
 class BEntry;

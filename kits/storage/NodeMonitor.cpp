@@ -4,7 +4,7 @@
 #include <memory>
 #include <mutex>
 
-#include "host/files/NodeMonitor.h"
+#include "host/files/monitor/NodeMonitor.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
 

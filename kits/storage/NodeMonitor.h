@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/EntryRef.h"
 #include "kits/app/Messenger.h"
-#include "kits/support/EntryRef.h"
 
 class BHandler;
 class BLooper;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // How a file is opened: one of the first three, with any of the others added.
 enum : uint32 {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // A mounted disk, as seen from one entry on it: BEntry::GetVolume sets it. A value.
 class BVolume {

@@ -2,7 +2,7 @@
 
 #include <sys/types.h>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // Something that bytes are read from and written to, in order.
 class BDataIO {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // An ordered list of pointers. It owns only the list, never what the items point to. An index
 // outside the list does nothing and gives false or null. One thread at a time.

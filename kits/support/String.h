@@ -3,7 +3,7 @@
 #include <compare>
 #include <string>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // A string of bytes that ends before its NUL. Positions and lengths are in bytes, not characters;
 // nothing here looks at the encoding. A position outside the string finds, copies or removes

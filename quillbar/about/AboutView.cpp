@@ -1,8 +1,8 @@
 #include "quillbar/about/AboutView.h"
 
-#include "kits/interface/Box.h"
-#include "kits/interface/LabelFont.h"
-#include "kits/interface/StringView.h"
+#include "kits/interface/controls/Box.h"
+#include "kits/interface/controls/StringView.h"
+#include "kits/interface/drawing/LabelFont.h"
 #include "quillbar/about/AboutText.h"
 #include "quillbar/about/URLView.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/Window.h"
+#include "kits/interface/window/Window.h"
 
 class QBAboutView;
 

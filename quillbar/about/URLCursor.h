@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // A hand that points up, in the form that BCursor takes.
 namespace url_cursor {

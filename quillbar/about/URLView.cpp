@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "kits/app/Message.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/Window.h"
 #include "quillbar/about/URLCursor.h"
 
 namespace {

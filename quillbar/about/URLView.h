@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "kits/interface/Cursor.h"
-#include "kits/interface/MimeType.h"
-#include "kits/interface/StringView.h"
+#include "kits/interface/controls/StringView.h"
+#include "kits/interface/drawing/Cursor.h"
+#include "kits/interface/drawing/MimeType.h"
 #include "kits/support/String.h"
 
 class BBitmap;

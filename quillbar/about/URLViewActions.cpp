@@ -3,10 +3,10 @@
 
 #include "kits/app/Message.h"
 #include "kits/app/Roster.h"
-#include "kits/interface/Alert.h"
-#include "kits/interface/Clipboard.h"
-#include "kits/interface/MenuItem.h"
-#include "kits/interface/PopUpMenu.h"
+#include "kits/interface/controls/Alert.h"
+#include "kits/interface/menus/MenuItem.h"
+#include "kits/interface/menus/PopUpMenu.h"
+#include "kits/interface/text/Clipboard.h"
 #include "quillbar/about/URLView.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "kits/app/Message.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/Window.h"
 #include "quillbar/about/URLView.h"
 
 namespace {

@@ -3,14 +3,14 @@
 #include <algorithm>
 
 #include "kits/app/Message.h"
-#include "kits/interface/Button.h"
-#include "kits/interface/MenuField.h"
-#include "kits/interface/TextControl.h"
-#include "kits/interface/TextField.h"
+#include "kits/interface/controls/Button.h"
+#include "kits/interface/menus/MenuField.h"
+#include "kits/interface/text/TextControl.h"
+#include "kits/interface/text/TextField.h"
 #include "quillbar/addbookmark/BrowseView.h"
 #include "quillbar/addbookmark/EditInfoView.h"
 #include "quillbar/addbookmark/LocationView.h"
-#include "quillbar/app/Commands.h"
+#include "quillbar/base/Commands.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/View.h"
+#include "kits/interface/window/View.h"
 
 class BButton;
 class QBBrowseView;

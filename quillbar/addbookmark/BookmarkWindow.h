@@ -3,7 +3,7 @@
 #include <mutex>
 
 #include "kits/app/Messenger.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/Window.h"
 
 class BMenu;
 class BMenuBar;

@@ -1,9 +1,9 @@
 #include "quillbar/addbookmark/BrowseView.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/Button.h"
+#include "kits/interface/controls/Button.h"
 #include "kits/support/String.h"
-#include "quillbar/app/Commands.h"
+#include "quillbar/base/Commands.h"
 
 QBBrowseView::QBBrowseView(BRect frame, const char* name, uint32 resizingMode, uint32 flags,
                            border_style border)

@@ -1,6 +1,6 @@
 #include "quillbar/addbookmark/EditInfoView.h"
 
-#include "kits/interface/TextControl.h"
+#include "kits/interface/text/TextControl.h"
 
 QBEditInfoView::QBEditInfoView(BRect frame, const char* name, uint32 resizingMode, uint32 flags,
                                border_style border)

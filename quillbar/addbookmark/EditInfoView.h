@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/Box.h"
+#include "kits/interface/controls/Box.h"
 
 class BTextControl;
 

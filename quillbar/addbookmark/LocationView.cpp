@@ -1,12 +1,12 @@
 #include "quillbar/addbookmark/LocationView.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/MenuField.h"
-#include "kits/interface/MenuItem.h"
-#include "kits/interface/PopUpMenu.h"
-#include "kits/interface/TextControl.h"
+#include "kits/interface/menus/MenuField.h"
+#include "kits/interface/menus/MenuItem.h"
+#include "kits/interface/menus/PopUpMenu.h"
+#include "kits/interface/text/TextControl.h"
 #include "kits/support/String.h"
-#include "quillbar/app/Commands.h"
+#include "quillbar/base/Commands.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "kits/storage/Node.h"
 #include "kits/storage/NodeInfo.h"
 #include "kits/storage/Path.h"
-#include "quillbar/app/Trace.h"
+#include "quillbar/base/Trace.h"
 #include "quillbar/store/StoreNames.h"
 
 namespace {

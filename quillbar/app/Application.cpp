@@ -5,13 +5,13 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/Screen.h"
+#include "kits/interface/window/Screen.h"
 #include "kits/storage/Path.h"
 #include "quillbar/about/AboutWindow.h"
-#include "quillbar/app/Commands.h"
 #include "quillbar/app/QuitFilters.h"
-#include "quillbar/app/Settings.h"
 #include "quillbar/bar/MainWindow.h"
+#include "quillbar/base/Commands.h"
+#include "quillbar/base/Settings.h"
 
 namespace {
 

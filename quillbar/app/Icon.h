@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // The program's icon: a quill that stands on a small bar with three buttons. Drawn by the compiler;
 // packaging/quillbar.svg is the same design, in the same units: a square of 32.

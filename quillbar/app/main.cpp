@@ -1,6 +1,6 @@
 #include "kits/app/AppResources.h"
-#include "kits/interface/Font.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/drawing/Font.h"
+#include "kits/interface/window/Window.h"
 #include "quillbar/app/Application.h"
 #include "quillbar/app/Resources.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quillbar/app/Commands.h"
+#include "quillbar/base/Commands.h"
 
 // A key that can be part of the hot key: its bit in the setting, its item in the settings menu.
 struct HotKey {

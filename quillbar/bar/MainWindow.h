@@ -3,8 +3,8 @@
 #include <memory>
 #include <mutex>
 
-#include "kits/interface/Window.h"
-#include "quillbar/app/Commands.h"
+#include "kits/interface/window/Window.h"
+#include "quillbar/base/Commands.h"
 
 class BLocker;
 class BMenuItem;

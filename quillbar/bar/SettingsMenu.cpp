@@ -1,10 +1,10 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
-#include "kits/interface/MenuItem.h"
-#include "kits/interface/PopUpMenu.h"
-#include "quillbar/app/Settings.h"
+#include "kits/interface/menus/MenuItem.h"
+#include "kits/interface/menus/PopUpMenu.h"
 #include "quillbar/bar/HotKeys.h"
 #include "quillbar/bar/MainWindow.h"
+#include "quillbar/base/Settings.h"
 
 namespace {
 

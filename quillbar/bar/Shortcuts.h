@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 // The bar's keyboard shortcuts, by the platform's raw key codes.
 inline constexpr int32 kSettingsKey = 0x50; // "B"

@@ -6,10 +6,10 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
-#include "kits/interface/InterfaceDefs.h"
-#include "kits/interface/PointerPresence.h"
-#include "kits/interface/TextView.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/drawing/InterfaceDefs.h"
+#include "kits/interface/text/TextView.h"
+#include "kits/interface/window/PointerPresence.h"
+#include "kits/interface/window/Window.h"
 #include "kits/support/List.h"
 #include "quillbar/bubbles/BubblePlace.h"
 

@@ -4,10 +4,10 @@
 #include <functional>
 #include <string>
 
+#include "base/Point.h"
 #include "kits/app/Messenger.h"
 #include "kits/kernel/Locker.h"
 #include "kits/kernel/OS.h"
-#include "kits/support/Point.h"
 
 class BList;
 class BTextView;

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "kits/interface/ClipRegion.h"
-#include "kits/interface/Screen.h"
-#include "kits/interface/TextView.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/drawing/ClipRegion.h"
+#include "kits/interface/text/TextView.h"
+#include "kits/interface/window/Screen.h"
+#include "kits/interface/window/Window.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/support/Point.h"
+#include "base/Point.h"
 
 class BTextView;
 class BView;

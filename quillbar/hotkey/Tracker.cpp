@@ -2,10 +2,10 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/Window.h"
-#include "quillbar/app/Commands.h"
-#include "quillbar/app/Settings.h"
-#include "quillbar/app/Trace.h"
+#include "kits/interface/window/Window.h"
+#include "quillbar/base/Commands.h"
+#include "quillbar/base/Settings.h"
+#include "quillbar/base/Trace.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/View.h"
+#include "kits/interface/window/View.h"
 
 // Launches bookmarks from the keyboard while another window is the active one: after the hot key,
 // two digits on the numeric keypad name folder and slot. It also activates the window when Shift,

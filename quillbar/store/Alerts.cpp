@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "kits/interface/Alert.h"
-#include "kits/interface/Font.h"
-#include "kits/interface/TextView.h"
+#include "kits/interface/controls/Alert.h"
+#include "kits/interface/drawing/Font.h"
+#include "kits/interface/text/TextView.h"
 #include "kits/support/String.h"
 
 namespace {

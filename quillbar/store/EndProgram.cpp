@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "quillbar/app/Settings.h"
+#include "quillbar/base/Settings.h"
 
 // Other threads run on until the process is gone, so nothing may be torn down under them.
 void EndProgram() {

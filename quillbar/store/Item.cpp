@@ -6,10 +6,10 @@
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
 #include "kits/storage/NodeMonitor.h"
-#include "quillbar/app/Commands.h"
-#include "quillbar/app/Settings.h"
-#include "quillbar/app/Trace.h"
 #include "quillbar/bar/widgets/MenuItem.h"
+#include "quillbar/base/Commands.h"
+#include "quillbar/base/Settings.h"
+#include "quillbar/base/Trace.h"
 #include "quillbar/store/StoreNames.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "kits/storage/NodeMonitor.h"
 #include "kits/storage/Path.h"
 #include "kits/storage/Volume.h"
-#include "quillbar/app/Trace.h"
+#include "quillbar/base/Trace.h"
 #include "quillbar/store/Alerts.h"
 #include "quillbar/store/EndProgram.h"
 #include "quillbar/store/Path.h"

@@ -1,13 +1,13 @@
 #include "quillbar/store/Path.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/SeparatorItem.h"
+#include "kits/interface/menus/SeparatorItem.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/NodeMonitor.h"
-#include "quillbar/app/Trace.h"
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/bar/widgets/TitleItem.h"
+#include "quillbar/base/Trace.h"
 #include "quillbar/store/StoreNames.h"
 #include "quillbar/store/Walk.h"
 

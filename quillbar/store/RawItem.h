@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/support/EntryRef.h"
+#include "base/EntryRef.h"
 
 // The store's record of a node: where its entry was found, and its number.
 struct raw_item {

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "kits/support/SupportDefs.h"
+#include "base/Types.h"
 
 class BEntry;
 

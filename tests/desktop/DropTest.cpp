@@ -1,6 +1,6 @@
 // Colours that other programs drop on the bar.
 
-#include "kits/support/Color.h"
+#include "base/Color.h"
 #include "tests/desktop/DesktopTest.h"
 #include "tests/support/DragPartner.h"
 

@@ -1,6 +1,6 @@
 // First start, what the window manager is told, and what lasts over a restart.
 
-#include "kits/support/Color.h"
+#include "base/Color.h"
 #include "tests/desktop/DesktopTest.h"
 
 using namespace test;

@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "kits/app/Message.h"
-#include "kits/interface/DragData.h"
+#include "kits/interface/window/DragData.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

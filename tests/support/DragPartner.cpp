@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-#include "host/x11/Reply.h"
+#include "host/x11/server/Reply.h"
 #include "tests/support/Wait.h"
 
 namespace test {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/x11/Reply.h"
+#include "host/x11/server/Reply.h"
 
 namespace test {
 

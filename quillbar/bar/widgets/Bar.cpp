@@ -1,7 +1,7 @@
 #include "quillbar/bar/widgets/Bar.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/Window.h"
 #include "quillbar/bar/widgets/Bevel.h"
 #include "quillbar/bar/widgets/CloseButton.h"
 

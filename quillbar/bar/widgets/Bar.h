@@ -1,7 +1,7 @@
 #pragma once
 
-#include "kits/interface/Control.h"
-#include "quillbar/app/Commands.h"
+#include "kits/interface/window/Control.h"
+#include "quillbar/base/Commands.h"
 
 class QBCloseButton;
 

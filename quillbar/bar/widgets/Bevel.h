@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/View.h"
+#include "kits/interface/window/View.h"
 
 // The two colours of an edge that is raised from a surface.
 struct BevelPair {

@@ -3,8 +3,8 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
 #include "kits/app/Messenger.h"
-#include "kits/interface/Font.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/drawing/Font.h"
+#include "kits/interface/window/Window.h"
 #include "quillbar/bar/widgets/Bevel.h"
 
 QBButton::QBButton(BRect frame, const char* name, const char* label, BMessage* message,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/Button.h"
+#include "kits/interface/controls/Button.h"
 
 // A folder button of the bar: bevelled, flat, darker while it is pressed or its window inactive.
 class QBButton : public BButton {

@@ -4,7 +4,7 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/Window.h"
 #include "kits/kernel/OS.h"
 #include "quillbar/bar/widgets/Bevel.h"
 

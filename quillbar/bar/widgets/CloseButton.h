@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/View.h"
+#include "kits/interface/window/View.h"
 
 // The close box of the bar: releasing the mouse inside it asks the application to quit. The first
 // click on an inactive bar only activates it.

@@ -1,9 +1,9 @@
 #include "quillbar/bar/widgets/Menu.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/Window.h"
-#include "quillbar/app/Trace.h"
+#include "kits/interface/window/Window.h"
 #include "quillbar/bar/widgets/MenuItem.h"
+#include "quillbar/base/Trace.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/PopUpMenu.h"
+#include "kits/interface/menus/PopUpMenu.h"
 
 // The pop-up menu of a folder. A slot is chosen with the keypad's digits; Escape and the keypad's
 // slash close it; every other key is ignored.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/MenuItem.h"
+#include "kits/interface/menus/MenuItem.h"
 
 // The menu item of a bookmark slot: whatever it is invoked with, it sends its own message.
 class QBMenuItem : public BMenuItem {

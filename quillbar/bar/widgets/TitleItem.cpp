@@ -4,8 +4,8 @@
 #include <cstring>
 #include <vector>
 
-#include "kits/interface/Font.h"
-#include "kits/interface/Menu.h"
+#include "kits/interface/drawing/Font.h"
+#include "kits/interface/menus/Menu.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kits/interface/MenuItem.h"
+#include "kits/interface/menus/MenuItem.h"
 
 // The head of a folder menu: the folder's name in bold. It sends nothing.
 class QBTitleItem : public BMenuItem {

@@ -7,8 +7,8 @@
 #include <map>
 #include <random>
 
-#include "host/files/Inotify.h"
-#include "host/files/NodeMonitor.h"
+#include "host/files/monitor/Inotify.h"
+#include "host/files/monitor/NodeMonitor.h"
 #include "host/loop/ServiceLoop.h"
 #include "tests/host/files/MonitorFixture.h"
 #include "tests/support/Wait.h"

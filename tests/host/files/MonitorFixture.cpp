@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <fstream>
 
-#include "host/files/KnownPaths.h"
-#include "host/files/NodeMonitor.h"
+#include "host/files/monitor/KnownPaths.h"
+#include "host/files/monitor/NodeMonitor.h"
 #include "host/loop/ServiceLoop.h"
 #include "tests/support/Wait.h"
 

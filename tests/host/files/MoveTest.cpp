@@ -1,7 +1,7 @@
 #include <unistd.h>
 
-#include "host/files/EntryReconciler.h"
-#include "host/files/NodeMonitor.h"
+#include "host/files/monitor/EntryReconciler.h"
+#include "host/files/monitor/NodeMonitor.h"
 #include "host/loop/ServiceLoop.h"
 #include "tests/host/files/MonitorFixture.h"
 

@@ -5,7 +5,7 @@
 
 #include <thread>
 
-#include "host/files/NodeMonitor.h"
+#include "host/files/monitor/NodeMonitor.h"
 #include "host/loop/Descriptor.h"
 #include "host/loop/ServiceLoop.h"
 #include "tests/host/files/MonitorFixture.h"

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/session/DesktopEntry.h"
+#include "host/session/programs/DesktopEntry.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace fs = std::filesystem;

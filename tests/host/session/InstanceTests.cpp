@@ -9,9 +9,9 @@
 #include <mutex>
 #include <vector>
 
-#include "host/session/InstanceAddress.h"
-#include "host/session/InstanceLock.h"
-#include "host/session/InstanceSocket.h"
+#include "host/session/instance/InstanceAddress.h"
+#include "host/session/instance/InstanceLock.h"
+#include "host/session/instance/InstanceSocket.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Wait.h"
 

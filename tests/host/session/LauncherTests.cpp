@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "host/loop/Descriptor.h"
-#include "host/session/Launcher.h"
+#include "host/session/programs/Launcher.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Wait.h"
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/session/Programs.h"
+#include "host/session/programs/Programs.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace fs = std::filesystem;

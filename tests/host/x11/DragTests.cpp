@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
-#include "host/x11/FileUri.h"
-#include "kits/support/Errors.h"
+#include "base/Errors.h"
+#include "host/x11/exchange/FileUri.h"
 #include "tests/host/x11/Recorded.h"
 #include "tests/support/DragPartner.h"
 #include "tests/support/Robot.h"

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "host/x11/Clock.h"
+#include "host/x11/server/Clock.h"
 #include "tests/host/x11/Recorded.h"
 #include "tests/host/x11/SessionInput.h"
 #include "tests/support/Robot.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/x11/Reply.h"
+#include "host/x11/server/Reply.h"
 #include "tests/support/PrivateDesktop.h"
 #include "tests/support/Wait.h"
 

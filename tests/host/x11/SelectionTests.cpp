@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "kits/support/Errors.h"
+#include "base/Errors.h"
 #include "tests/host/x11/OtherProgram.h"
 #include "tests/host/x11/Recorded.h"
 

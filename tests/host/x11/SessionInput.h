@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/x11/Reply.h"
+#include "host/x11/server/Reply.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateDesktop.h"
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <memory>
 
-#include "host/session/InstanceSocket.h"
+#include "host/session/instance/InstanceSocket.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/Messenger.h"
 #include "tests/support/ChildProcess.h"

@@ -6,10 +6,10 @@
 #include "kits/app/Application.h"
 #include "kits/app/Message.h"
 #include "kits/app/SessionHooks.h"
-#include "kits/interface/Alert.h"
-#include "kits/interface/Button.h"
-#include "kits/interface/Screen.h"
-#include "kits/interface/TextView.h"
+#include "kits/interface/controls/Alert.h"
+#include "kits/interface/controls/Button.h"
+#include "kits/interface/text/TextView.h"
+#include "kits/interface/window/Screen.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "kits/interface/Bitmap.h"
-#include "kits/interface/View.h"
+#include "kits/interface/drawing/Bitmap.h"
+#include "kits/interface/window/View.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "kits/interface/ClipRegion.h"
+#include "kits/interface/drawing/ClipRegion.h"
 
 namespace {
 

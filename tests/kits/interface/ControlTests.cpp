@@ -1,7 +1,7 @@
 #include "tests/kits/interface/InterfaceTest.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/Button.h"
+#include "kits/interface/controls/Button.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/Bitmap.h"
+#include "kits/interface/drawing/Bitmap.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"

@@ -4,7 +4,7 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/PointerPresence.h"
+#include "kits/interface/window/PointerPresence.h"
 #include "kits/kernel/OS.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "kits/app/Messenger.h"
-#include "kits/interface/View.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/View.h"
+#include "kits/interface/window/Window.h"
 #include "tests/support/PrivateDesktop.h"
 #include "tests/support/Robot.h"
 #include "tests/support/Screen.h"

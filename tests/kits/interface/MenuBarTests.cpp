@@ -5,11 +5,11 @@
 #include <algorithm>
 
 #include "kits/app/AppDefs.h"
-#include "kits/interface/Box.h"
-#include "kits/interface/Button.h"
-#include "kits/interface/MenuBar.h"
-#include "kits/interface/MenuField.h"
-#include "kits/interface/MenuShortcut.h"
+#include "kits/interface/controls/Box.h"
+#include "kits/interface/controls/Button.h"
+#include "kits/interface/menus/MenuBar.h"
+#include "kits/interface/menus/MenuField.h"
+#include "kits/interface/menus/MenuShortcut.h"
 #include "tests/kits/interface/MenuDesktop.h"
 
 using test::Box;

@@ -6,7 +6,7 @@
 
 #include "host/x11/Display.h"
 #include "kits/app/AppDefs.h"
-#include "kits/interface/MenuTracking.h"
+#include "kits/interface/menus/MenuTracking.h"
 #include "tests/kits/interface/MenuDesktop.h"
 
 using test::Box;

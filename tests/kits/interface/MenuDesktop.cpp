@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "kits/interface/MenuTracking.h"
+#include "kits/interface/menus/MenuTracking.h"
 
 using test::Box;
 using test::WaitUntil;

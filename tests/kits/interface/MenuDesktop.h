@@ -7,7 +7,7 @@
 
 #include "kits/app/Looper.h"
 #include "kits/app/Message.h"
-#include "kits/interface/PopUpMenu.h"
+#include "kits/interface/menus/PopUpMenu.h"
 #include "tests/kits/interface/InterfaceTest.h"
 
 // A looper that keeps the messages it gets.

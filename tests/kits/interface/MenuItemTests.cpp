@@ -1,9 +1,9 @@
-#include "kits/interface/MenuItem.h"
+#include "kits/interface/menus/MenuItem.h"
 
 #include <gtest/gtest.h>
 
 #include "kits/app/Message.h"
-#include "kits/interface/Menu.h"
+#include "kits/interface/menus/Menu.h"
 
 namespace {
 

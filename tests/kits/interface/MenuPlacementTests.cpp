@@ -1,4 +1,4 @@
-#include "kits/interface/MenuPlacement.h"
+#include "kits/interface/menus/MenuPlacement.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "kits/interface/TextControl.h"
-#include "kits/interface/TextField.h"
+#include "kits/interface/text/TextControl.h"
+#include "kits/interface/text/TextField.h"
 #include "tests/kits/interface/InterfaceTest.h"
 #include "tests/support/ChildProcess.h"
 

@@ -1,6 +1,6 @@
 #include "tests/kits/interface/InterfaceTest.h"
 
-#include "kits/interface/TextView.h"
+#include "kits/interface/text/TextView.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "kits/interface/Monitors.h"
+#include "kits/interface/window/Monitors.h"
 
 namespace {
 

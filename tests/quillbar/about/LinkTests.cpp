@@ -5,9 +5,9 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/Clipboard.h"
-#include "kits/interface/MenuItem.h"
-#include "kits/interface/PopUpMenu.h"
+#include "kits/interface/menus/MenuItem.h"
+#include "kits/interface/menus/PopUpMenu.h"
+#include "kits/interface/text/Clipboard.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
 #include "quillbar/about/URLView.h"

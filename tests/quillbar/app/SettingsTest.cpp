@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "kits/app/Message.h"
-#include "quillbar/app/Settings.h"
+#include "quillbar/base/Settings.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace fs = std::filesystem;

@@ -6,8 +6,8 @@
 #include <xcb/xcb.h>
 
 #include "kits/app/Application.h"
-#include "kits/interface/View.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/View.h"
+#include "kits/interface/window/Window.h"
 #include "quillbar/bubbles/BubbleHelper.h"
 #include "tests/quillbar/RunningApplication.h"
 #include "tests/support/Robot.h"

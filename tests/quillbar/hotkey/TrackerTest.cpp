@@ -5,9 +5,9 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/Window.h"
+#include "kits/interface/window/Window.h"
 #include "kits/storage/Path.h"
-#include "quillbar/app/Settings.h"
+#include "quillbar/base/Settings.h"
 #include "quillbar/hotkey/Tracker.h"
 #include "tests/support/Wait.h"
 

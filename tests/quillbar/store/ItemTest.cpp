@@ -2,9 +2,9 @@
 
 #include "kits/app/Message.h"
 #include "kits/storage/Path.h"
-#include "quillbar/app/Commands.h"
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/bar/widgets/MenuItem.h"
+#include "quillbar/base/Commands.h"
 #include "quillbar/store/Item.h"
 #include "tests/quillbar/store/Store.h"
 

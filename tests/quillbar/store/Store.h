@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "kits/app/Looper.h"
-#include "quillbar/app/Settings.h"
+#include "quillbar/base/Settings.h"
 #include "quillbar/store/Monitor.h"
 #include "quillbar/store/Path.h"
 #include "tests/support/Bookmarks.h"

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/Errors.h"
+
+using int8 = std::int8_t;
+using uint8 = std::uint8_t;
+using int16 = std::int16_t;
+using uint16 = std::uint16_t;
+using int32 = std::int32_t;
+using uint32 = std::uint32_t;
+using int64 = std::int64_t;
+using uint64 = std::uint64_t;
+
+// A moment or a length of time, in microseconds.
+using bigtime_t = int64;
+
+// The code that names the type of a message field or an attribute, four characters.
+using type_code = uint32;

@@ -1,0 +1,59 @@
+#include "host/files/monitor/Inotify.h"
+
+#include <sys/inotify.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace host {
+
+namespace {
+
+constexpr size_t kBufferSize = 64 * 1024;
+
+} // namespace
+
+status_t Inotify::Open() {
+    fDescriptor = Descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    return fDescriptor ? B_OK : Report(errno);
+}
+
+status_t Inotify::Add(const Descriptor& node, uint32 mask, int& watch) {
+    std::string path = "/proc/self/fd/" + std::to_string(node.Get());
+    watch = inotify_add_watch(Get(), path.c_str(), mask);
+    return watch >= 0 ? B_OK : Report(errno);
+}
+
+void Inotify::Remove(int watch) {
+    inotify_rm_watch(Get(), watch);
+}
+
+bool Inotify::Read(std::vector<InotifyEvent>& events) {
+    alignas(inotify_event) static thread_local char buffer[kBufferSize];
+    ssize_t size = read(Get(), buffer, sizeof(buffer));
+    for (ssize_t at = 0; at < size;) {
+        inotify_event event;
+        memcpy(&event, buffer + at, sizeof(event));
+        // The name is padded with NULs.
+        const char* name = event.len > 0 ? buffer + at + sizeof(event) : "";
+        events.push_back({event.wd, event.mask, event.cookie, name});
+        at += ssize_t(sizeof(event) + event.len);
+    }
+    return size > 0;
+}
+
+// Running out is a limit of the system that a person has to raise: said once, it does not go away.
+status_t Inotify::Report(int error) {
+    bool isLimit = error == ENOSPC || error == EMFILE || error == ENFILE;
+    if (isLimit && !fReported) {
+        fReported = true;
+        fprintf(stderr,
+                "The system gives no more file watches (%s): changes of some files will not be "
+                "noticed. See fs.inotify in sysctl.\n",
+                error == ENOSPC ? "max_user_watches" : "max_user_instances");
+    }
+    return StatusFromErrno(error);
+}
+
+} // namespace host

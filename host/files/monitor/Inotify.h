@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/Types.h"
+#include "host/loop/Descriptor.h"
+
+namespace host {
+
+// One event, as the system tells it: a hint to look at the disk.
+struct InotifyEvent {
+    int watch = -1;
+    uint32 mask = 0;
+    uint32 cookie = 0;
+    std::string name;
+};
+
+// The system's file watches of this process.
+class Inotify {
+public:
+    status_t Open();
+    bool IsOpen() const { return bool(fDescriptor); }
+    int Get() const { return fDescriptor.Get(); }
+
+    // Watches exactly the node that `node` names, or replaces what is watched of it. `watch` is the
+    // watch's number, which is never used twice.
+    status_t Add(const Descriptor& node, uint32 mask, int& watch);
+    void Remove(int watch);
+
+    // Adds the events that are waiting, as many as fit one read; false when there are none.
+    bool Read(std::vector<InotifyEvent>& events);
+
+private:
+    status_t Report(int error);
+
+    Descriptor fDescriptor;
+    bool fReported = false;
+};
+
+} // namespace host

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <list>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "base/EntryRef.h"
+#include "base/Types.h"
+#include "host/files/monitor/NodeStatus.h"
+#include "host/loop/Descriptor.h"
+
+namespace host {
+
+// Where nodes were last seen. Refs name nodes by number, the system opens them by path: the paths
+// of nodes whose numbers are handed out are remembered here, and checked when they are used.
+// Bounded: the longest unused are forgotten. Any thread.
+class KnownPaths {
+public:
+    static KnownPaths& Shared();
+
+    void Remember(node_ref node, const std::string& path);
+
+    // A path that leads to the node now. B_ENTRY_NOT_FOUND if none is known.
+    status_t Find(node_ref node, std::string& path);
+    // Holds the node itself (see HoldNode). `path` leads to it, perhaps by a link, which `isLink`
+    // says.
+    status_t Hold(node_ref node, Descriptor& descriptor, std::string& path, NodeStatus& status,
+                  bool& isLink);
+
+    // The node went from one path to another and, if it is a directory, took along what is below.
+    void Moved(node_ref node, const std::string& from, const std::string& to, bool isDirectory);
+
+    static constexpr size_t kLimit = 8192;
+
+private:
+    struct Place {
+        node_ref node;
+        std::string path;
+    };
+
+    std::string Lookup(node_ref node);
+
+    std::mutex fMutex;
+    // The last used first.
+    std::list<Place> fPlaces;
+    std::map<node_ref, std::list<Place>::iterator> fByNode;
+};
+
+// Replaces the leading directory `from` of `path` by `to`; leaves a path that is not below it.
+void FollowMove(std::string& path, const std::string& from, const std::string& to);
+
+} // namespace host

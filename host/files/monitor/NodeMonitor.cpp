@@ -1,0 +1,194 @@
+#include "host/files/monitor/NodeMonitor.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "host/files/Files.h"
+#include "host/files/monitor/EntryReconciler.h"
+#include "host/files/monitor/KnownPaths.h"
+#include "host/files/monitor/SelfReconciler.h"
+
+namespace host {
+
+namespace {
+
+// More than a queue holds: an overflow, which is its last event, is found before any of the others
+// is worked off.
+constexpr size_t kBatchSize = 32 * 1024;
+
+bigtime_t Now() {
+    auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
+} // namespace
+
+NodeMonitor& NodeMonitor::Shared() {
+    // Never destroyed: the service thread uses it until the process ends.
+    static NodeMonitor& shared = *new NodeMonitor;
+    return shared;
+}
+
+status_t NodeMonitor::Listen(node_ref node, uint32 flags,
+                             const std::shared_ptr<NodeListener>& listener) {
+    std::lock_guard lock(fMutex);
+    status_t status = Start();
+    return status == B_OK ? AddListener(node, flags, listener) : status;
+}
+
+status_t NodeMonitor::Stop(node_ref node, const std::shared_ptr<NodeListener>& listener) {
+    std::lock_guard lock(fMutex);
+    bool wasListening = false;
+    for (Watch* watch : fState.watches.FindNode(node))
+        wasListening |= RemoveListener(*watch, listener);
+    return wasListening ? B_OK : B_BAD_VALUE;
+}
+
+status_t NodeMonitor::StopAll(const std::shared_ptr<NodeListener>& listener) {
+    std::lock_guard lock(fMutex);
+    return RemoveEverywhere(listener) ? B_OK : B_BAD_VALUE;
+}
+
+status_t NodeMonitor::Start() {
+    if (fReader)
+        return B_OK;
+    status_t status = fState.inotify.Open();
+    if (status == B_OK)
+        fReader = std::make_unique<DescriptorWatch>(fState.inotify.Get(), [this] { Process(); });
+    return status;
+}
+
+status_t NodeMonitor::AddListener(node_ref node, uint32 flags,
+                                  const std::shared_ptr<NodeListener>& listener) {
+    Descriptor descriptor;
+    std::string path;
+    NodeStatus there;
+    bool isLink;
+    status_t status = KnownPaths::Shared().Hold(node, descriptor, path, there, isLink);
+    if (status == B_OK && (flags & kWatchEntries) && there.kind != NodeKind::Directory)
+        status = B_NOT_A_DIRECTORY;
+    // It is watched where it is itself, not by a link to it.
+    if (status == B_OK && isLink)
+        status = ResolvePath(path, path);
+    if (status != B_OK)
+        return status;
+
+    // Adding a node twice replaces the mask: the new one has to serve the old listeners too.
+    Watch wanted;
+    wanted.status = there;
+    for (Watch* watch : fState.watches.FindNode(node))
+        wanted.listeners.insert(wanted.listeners.end(), watch->listeners.begin(),
+                                watch->listeners.end());
+    wanted.listeners.push_back({listener, flags});
+    int number = -1;
+    status = fState.inotify.Add(descriptor, wanted.Mask(), number);
+    if (status != B_OK)
+        return status;
+
+    Watch* watch = fState.watches.Find(number);
+    if (!watch)
+        watch = &fState.watches.Add(number, there, path);
+    auto old = std::find_if(watch->listeners.begin(), watch->listeners.end(),
+                            [&](const auto& item) { return item.first == listener; });
+    if (old != watch->listeners.end())
+        old->second |= flags;
+    else
+        watch->listeners.push_back({listener, flags});
+    status = Prepare(*watch, descriptor);
+    if (status != B_OK)
+        RemoveListener(*watch, listener);
+    return status;
+}
+
+// The watch comes first, then the look: what happens in between is told twice rather than not.
+status_t NodeMonitor::Prepare(Watch& watch, const Descriptor& node) {
+    uint32 flags = watch.Flags();
+    if ((flags & kWatchAttributes) && !watch.attributes)
+        watch.attributes.emplace().Update(node.Get(), watch.status.changed);
+    if (!(flags & kWatchEntries) || watch.names)
+        return B_OK;
+    return watch.names.emplace().Fill(node);
+}
+
+bool NodeMonitor::RemoveListener(Watch& watch, const std::shared_ptr<NodeListener>& listener) {
+    if (std::erase_if(watch.listeners, [&](auto& item) { return item.first == listener; }) == 0)
+        return false;
+    if (watch.listeners.empty()) {
+        fState.Drop(watch.number);
+        return true;
+    }
+    uint32 flags = watch.Flags();
+    if (!(flags & kWatchEntries))
+        watch.names.reset();
+    if (!(flags & kWatchAttributes))
+        watch.attributes.reset();
+    Descriptor node;
+    int number;
+    if (!watch.isGone && MonitorState::Hold(watch, node))
+        fState.inotify.Add(node, watch.Mask(), number);
+    return true;
+}
+
+bool NodeMonitor::RemoveEverywhere(const std::shared_ptr<NodeListener>& listener) {
+    bool wasListening = false;
+    for (int number : fState.watches.Numbers())
+        wasListening |= RemoveListener(*fState.watches.Find(number), listener);
+    return wasListening;
+}
+
+void NodeMonitor::Process() {
+    // Goes after the lock, which its call takes.
+    std::unique_ptr<Timer> replaced;
+    std::lock_guard lock(fMutex);
+    ProcessBatch();
+    for (const auto& listener : fState.announcer.TakeGone())
+        RemoveEverywhere(listener);
+    replaced = Rearm();
+}
+
+void NodeMonitor::ProcessBatch() {
+    EventBatch batch(fState.watches, fState.trails);
+    std::vector<InotifyEvent> events;
+    // Behind an overflow everything is read anew, which covers what is waiting as well.
+    while ((events.size() < kBatchSize || batch.HasOverflown()) && fState.inotify.Read(events)) {
+    }
+    for (const InotifyEvent& event : events)
+        batch.Add(event);
+    Work(batch);
+}
+
+void NodeMonitor::Work(const EventBatch& batch) {
+    SelfReconciler selves(fState);
+    if (batch.HasOverflown()) {
+        selves.Settle(batch);
+        selves.Recover();
+        return;
+    }
+    EntryReconciler entries(fState, batch, Now());
+    entries.Settle();
+    selves.Settle(batch);
+    selves.CheckMissing(entries.Missing());
+    entries.SettleQuiet();
+}
+
+std::unique_ptr<Timer> NodeMonitor::Rearm() {
+    bigtime_t deadline = fState.quiet.NextDeadline();
+    bigtime_t waiting = fState.trails.NextDeadline();
+    if (deadline == 0 || (waiting != 0 && waiting < deadline))
+        deadline = waiting;
+    bool isArmed = fTimerDeadline != 0 && fTimerDeadline <= deadline;
+    if (deadline == 0 || isArmed)
+        return nullptr;
+    fTimerDeadline = deadline;
+    auto timer = std::make_unique<Timer>(std::max<bigtime_t>(0, deadline - Now()), 0, [this] {
+        {
+            std::lock_guard lock(fMutex);
+            fTimerDeadline = 0;
+        }
+        Process();
+    });
+    return std::exchange(fTimer, std::move(timer));
+}
+
+} // namespace host

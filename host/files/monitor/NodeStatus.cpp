@@ -1,0 +1,79 @@
+#include "host/files/monitor/NodeStatus.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+#include <cerrno>
+
+namespace host {
+
+namespace {
+
+NodeKind KindOfMode(uint32 mode) {
+    switch (mode & S_IFMT) {
+    case S_IFREG:
+        return NodeKind::File;
+    case S_IFDIR:
+        return NodeKind::Directory;
+    case S_IFLNK:
+        return NodeKind::Link;
+    default:
+        return NodeKind::Other;
+    }
+}
+
+int64 Nanoseconds(const statx_timestamp& time) {
+    return int64(uint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec);
+}
+
+} // namespace
+
+status_t LookAt(int directory, const std::string& path, NodeStatus& status, bool follow) {
+    struct statx raw;
+    int flags = (path.empty() ? AT_EMPTY_PATH : 0) | (follow ? 0 : AT_SYMLINK_NOFOLLOW);
+    // An automount must not be triggered by looking.
+    flags |= AT_NO_AUTOMOUNT;
+    if (statx(directory, path.c_str(), flags, STATX_BASIC_STATS | STATX_BTIME, &raw) != 0) {
+        status = NodeStatus();
+        return StatusFromErrno(errno);
+    }
+    status.ref.device = int32(uint32(makedev(raw.stx_dev_major, raw.stx_dev_minor)));
+    status.ref.node = int64(raw.stx_ino);
+    status.kind = KindOfMode(raw.stx_mode);
+    status.birth = raw.stx_mask & STATX_BTIME ? Nanoseconds(raw.stx_btime) : 0;
+    status.mode = raw.stx_mode;
+    status.owner = raw.stx_uid;
+    status.group = raw.stx_gid;
+    status.size = int64(raw.stx_size);
+    status.modified = Nanoseconds(raw.stx_mtime);
+    status.changed = Nanoseconds(raw.stx_ctime);
+    return B_OK;
+}
+
+status_t LookAt(const std::string& path, NodeStatus& status, bool follow) {
+    // An empty path would mean the working directory itself.
+    if (path.empty()) {
+        status = NodeStatus();
+        return B_ENTRY_NOT_FOUND;
+    }
+    return LookAt(AT_FDCWD, path, status, follow);
+}
+
+NodeKind KindOfEntryType(unsigned char type) {
+    switch (type) {
+    case DT_REG:
+        return NodeKind::File;
+    case DT_DIR:
+        return NodeKind::Directory;
+    case DT_LNK:
+        return NodeKind::Link;
+    case DT_UNKNOWN:
+        return NodeKind::Unknown;
+    default:
+        return NodeKind::Other;
+    }
+}
+
+} // namespace host

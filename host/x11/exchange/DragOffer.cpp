@@ -1,0 +1,170 @@
+#include "host/x11/exchange/DragOffer.h"
+
+#include <unistd.h>
+
+#include "host/x11/exchange/FileUri.h"
+#include "host/x11/exchange/SelectionAnswer.h"
+#include "host/x11/server/Clock.h"
+
+namespace host {
+
+namespace {
+
+constexpr bigtime_t kSavePatience = 5'000'000;
+constexpr uint32 kMaxUriWords = 4096;
+
+std::string MachineName() {
+    char name[256] = {};
+    gethostname(name, sizeof(name) - 1);
+    return name;
+}
+
+// The other program's window may be gone at any time, which is no error worth a line.
+void PutData(const Connection& connection, const xcb_selection_request_event_t& request,
+             xcb_atom_t type, uint8 format, const void* data, std::size_t count) {
+    auto cookie = xcb_change_property_checked(connection, XCB_PROP_MODE_REPLACE, request.requestor,
+                                              request.property, type, format,
+                                              static_cast<uint32>(count), data);
+    xcb_discard_reply(connection, cookie.sequence);
+}
+
+// The protocol's letter for how a saving ended.
+char LetterOf(status_t status) {
+    switch (status) {
+    case B_OK:
+        return 'S';
+    case B_UNSUPPORTED: // another machine's
+    case B_BAD_VALUE:
+    case B_ENTRY_NOT_FOUND:
+    case B_NOT_A_DIRECTORY:
+        return 'F'; // the other program may try another way
+    default:
+        return 'E';
+    }
+}
+
+} // namespace
+
+// A request for saving that waits for its answer. It may outlive the drag.
+struct DragOffer::Saving {
+    Saving(const Connection& to, const xcb_selection_request_event_t& what)
+        : connection(&to)
+        , request(what) {}
+
+    void Answer(status_t status) {
+        std::lock_guard guard(lock);
+        if (!connection)
+            return;
+        char letter = LetterOf(status);
+        PutData(*connection, request, request.target, 8, &letter, 1);
+        AnswerRequest(*connection, request, request.property);
+        connection = nullptr;
+    }
+
+    std::mutex lock;
+    const Connection* connection; // null when it has been answered
+    const xcb_selection_request_event_t request;
+    const bigtime_t start = Now();
+};
+
+DragOffer::DragOffer(const Connection& connection, const DragSpec& spec,
+                     std::shared_ptr<DragSink> sink, xcb_timestamp_t time)
+    : fConnection(connection)
+    , fData(spec.data)
+    , fIsSavable(!FileNameFor(spec.fileName).empty())
+    , fSink(std::move(sink))
+    , fWindow(xcb_generate_id(connection)) {
+    xcb_create_window(connection, 0, fWindow, connection.Root(), -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    if (fIsSavable) {
+        fTypes.push_back(connection[kXdndDirectSave]);
+        connection.SetText(fWindow, connection[kXdndDirectSave], connection[kTextPlain],
+                           FileNameFor(spec.fileName));
+    }
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    for (const DragData& data : fData) {
+        cookies.push_back(xcb_intern_atom(connection, false, static_cast<uint16>(data.type.size()),
+                                          data.type.data()));
+    }
+    for (xcb_intern_atom_cookie_t cookie : cookies) {
+        Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+        fTypes.push_back(reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
+    }
+    connection.SetValues(fWindow, connection[kXdndTypeList], XCB_ATOM_ATOM, fTypes);
+    xcb_set_selection_owner(connection, fWindow, connection[kXdndSelection], time);
+    connection.Flush();
+}
+
+DragOffer::~DragOffer() {
+    if (fSaving)
+        fSaving->Answer(B_CANCELED);
+    xcb_destroy_window(fConnection, fWindow);
+    fConnection.Flush();
+}
+
+void DragOffer::Refuse(const Connection& connection, const xcb_selection_request_event_t& request) {
+    AnswerRequest(connection, request, XCB_ATOM_NONE);
+}
+
+void DragOffer::HandleRequest(const xcb_selection_request_event_t& asked, bool isDropped) {
+    xcb_selection_request_event_t request = asked;
+    // Old programs leave the choice of the property to the owner.
+    if (request.property == XCB_ATOM_NONE)
+        request.property = request.target;
+    if (fIsSavable && request.target == fConnection[kXdndDirectSave]) {
+        if (isDropped && !fSaving)
+            Save(request);
+        else
+            Refuse(fConnection, request);
+        return;
+    }
+    if (request.target == fConnection[kTargets]) {
+        std::vector<xcb_atom_t> targets = fTypes;
+        targets.push_back(request.target);
+        Give(request, XCB_ATOM_ATOM, 32, targets.data(), targets.size());
+        return;
+    }
+    for (std::size_t i = 0; i < fData.size(); i++) {
+        if (request.target != fTypes[i + fIsSavable])
+            continue;
+        Give(request, request.target, 8, fData[i].bytes.data(), fData[i].bytes.size());
+        return;
+    }
+    Refuse(fConnection, request);
+}
+
+void DragOffer::Give(const xcb_selection_request_event_t& request, xcb_atom_t type, uint8 format,
+                     const void* data, std::size_t count) const {
+    PutData(fConnection, request, type, format, data, count);
+    AnswerRequest(fConnection, request, request.property);
+}
+
+// Where the other program wants the file, it has put on the drag's window.
+std::string DragOffer::SaveUri() const {
+    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        fConnection,
+        xcb_get_property(fConnection, false, fWindow, fConnection[kXdndDirectSave],
+                         XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxUriWords),
+        nullptr));
+    if (!reply || reply->format != 8 || reply->bytes_after > 0)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+void DragOffer::Save(const xcb_selection_request_event_t& request) {
+    fSaving = std::make_shared<Saving>(fConnection, request);
+    std::string path;
+    status_t status = PathOfFileUri(SaveUri(), MachineName(), &path);
+    if (status != B_OK)
+        fSaving->Answer(status);
+    else
+        fSink->SaveRequested(path, [saving = fSaving](status_t result) { saving->Answer(result); });
+}
+
+void DragOffer::CheckSaving() {
+    if (fSaving && Now() - fSaving->start > kSavePatience)
+        fSaving->Answer(B_TIMED_OUT);
+}
+
+} // namespace host

@@ -1,0 +1,242 @@
+#include "host/x11/exchange/DragSource.h"
+
+#include "base/Errors.h"
+#include "host/x11/exchange/DragMessages.h"
+#include "host/x11/server/Clock.h"
+#include "host/x11/server/InputState.h"
+
+namespace host {
+
+namespace {
+
+constexpr bigtime_t kGrabPatience = 100'000;
+constexpr bigtime_t kStatusPatience = 2'000'000;  // after the release
+constexpr bigtime_t kTakingPatience = 10'000'000; // without a sign of the other program
+constexpr bigtime_t kCheckInterval = 250'000;
+
+constexpr uint32 kEscapeKey = 0x01;
+
+// In XdndEnter's second word.
+constexpr uint32 kHasTypeList = 1;
+constexpr std::size_t kTypesInMessage = 3;
+// In XdndStatus' second word.
+constexpr uint32 kAccepted = 1;
+
+} // namespace
+
+DragSource::DragSource(const Connection& connection, InputGrab& grab)
+    : fConnection(connection)
+    , fGrab(grab) {}
+
+DragSource::~DragSource() {
+    Lock lock(fLock);
+    End(lock);
+}
+
+status_t DragSource::Start(xcb_window_t window, xcb_timestamp_t time, const DragSpec& spec,
+                           std::shared_ptr<DragSink> sink) {
+    Lock lock(fLock);
+    if (fDrag && fDrag->phase != Phase::Dropped)
+        return B_BUSY;
+    End(lock);
+    auto started = std::make_unique<Drag>(fConnection, window, spec, std::move(sink), time);
+    Drag* drag = started.get();
+    drag->timer =
+        std::make_unique<Timer>(kCheckInterval, kCheckInterval, [this] { CheckProgress(); });
+    lock.lock();
+    fDrag = std::move(started);
+    lock.unlock();
+    status_t status = fGrab.Take(window, kGrabPatience);
+    Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
+        fConnection, xcb_query_pointer(fConnection, fConnection.Root()), nullptr));
+    lock.lock();
+    bool isHeld = status == B_OK && pointer && ButtonsOf(pointer->mask) != 0;
+    if (isHeld && fDrag.get() == drag && drag->phase == Phase::Dragging) {
+        Move(pointer->root_x, pointer->root_y, drag->pointerTime);
+        return B_OK;
+    }
+    // The button went up meanwhile.
+    if (fDrag.get() == drag && drag->phase == Phase::Dragging) {
+        Leave();
+        End(lock);
+    } else {
+        lock.unlock();
+    }
+    fGrab.Release(window);
+    return status == B_OK ? B_CANCELED : status;
+}
+
+void DragSource::Forget(xcb_window_t window) {
+    Lock lock(fLock);
+    if (!fDrag || fDrag->window != window || fDrag->phase == Phase::Dropped)
+        return;
+    Leave();
+    End(lock);
+}
+
+// Leaves `lock` open.
+void DragSource::End(Lock& lock) {
+    std::unique_ptr<Drag> ended = std::move(fDrag);
+    lock.unlock();
+    if (ended)
+        fGrab.Release(ended->window);
+}
+
+void DragSource::Send(AtomIndex type, uint32 second, uint32 third, uint32 fourth,
+                      uint32 fifth) const {
+    SendDragMessage(fConnection, fDrag->place.receiver, fDrag->place.window, type,
+                    {fDrag->offer.Window(), second, third, fourth, fifth});
+}
+
+void DragSource::Enter(const DropPlace& place) {
+    fDrag->place = place;
+    fDrag->isAsking = fDrag->hasMoved = fDrag->isAccepted = false;
+    if (place.window == XCB_WINDOW_NONE)
+        return;
+    const std::vector<xcb_atom_t>& types = fDrag->offer.Types();
+    uint32 first[kTypesInMessage] = {};
+    std::copy_n(types.begin(), std::min(types.size(), kTypesInMessage), first);
+    uint32 hasMore = types.size() > kTypesInMessage ? kHasTypeList : 0;
+    Send(kXdndEnter, place.version << 24 | hasMore, first[0], first[1], first[2]);
+}
+
+void DragSource::Leave() {
+    if (fDrag->place.window != XCB_WINDOW_NONE)
+        Send(kXdndLeave);
+    fDrag->place = {};
+}
+
+void DragSource::AskPlace() {
+    fDrag->isAsking = true;
+    fDrag->hasMoved = false;
+    fDrag->lastProgress = Now();
+    auto place = static_cast<uint32>(fDrag->screenX) << 16 | (fDrag->screenY & 0xffff);
+    Send(kXdndPosition, 0, place, fDrag->pointerTime, fConnection[kXdndActionCopy]);
+}
+
+void DragSource::Move(int screenX, int screenY, xcb_timestamp_t time) {
+    fDrag->screenX = screenX;
+    fDrag->screenY = screenY;
+    fDrag->pointerTime = time;
+    fDrag->image->MoveTo(screenX, screenY);
+    DropPlace place = FindDropPlace(fConnection, screenX, screenY);
+    if (place.window != fDrag->place.window) {
+        Leave();
+        Enter(place);
+    }
+    // One question at a time, as the protocol wants it.
+    if (fDrag->isAsking)
+        fDrag->hasMoved = true;
+    else if (fDrag->place.window != XCB_WINDOW_NONE)
+        AskPlace();
+}
+
+void DragSource::HandleMotion(const xcb_motion_notify_event_t& event) {
+    Lock lock(fLock);
+    if (fDrag && fDrag->phase == Phase::Dragging)
+        Move(event.root_x, event.root_y, event.time);
+}
+
+void DragSource::HandleRelease(const xcb_button_release_event_t& event, uint32 buttons) {
+    Lock lock(fLock);
+    if (!fDrag || buttons != 0)
+        return;
+    if (fDrag->phase == Phase::Canceled) {
+        End(lock);
+    } else if (fDrag->phase == Phase::Dragging) {
+        Move(event.root_x, event.root_y, event.time);
+        Release(lock);
+    }
+}
+
+// The button is up: the input is everybody's again.
+void DragSource::Release(Lock& lock) {
+    fDrag->image.reset();
+    fGrab.Release(fDrag->window);
+    fDrag->phase = Phase::Released;
+    if (fDrag->isAsking)
+        fDrag->lastProgress = Now();
+    else
+        DropOrLeave(lock);
+}
+
+void DragSource::DropOrLeave(Lock& lock) {
+    if (fDrag->isAccepted && fDrag->place.window != XCB_WINDOW_NONE) {
+        fDrag->phase = Phase::Dropped;
+        fDrag->lastProgress = Now();
+        Send(kXdndDrop, 0, fDrag->pointerTime);
+        lock.unlock();
+    } else {
+        Leave();
+        End(lock);
+    }
+}
+
+// The pointer stays held until the button is up: its release must not go to anybody else.
+void DragSource::Cancel() {
+    Leave();
+    fDrag->image.reset();
+    fDrag->phase = Phase::Canceled;
+}
+
+bool DragSource::HandleKey(const KeyChanged& key) {
+    Lock lock(fLock);
+    if (!fDrag || !key.down || (fDrag->phase != Phase::Dragging && fDrag->phase != Phase::Canceled))
+        return false;
+    if (key.key == kEscapeKey && fDrag->phase == Phase::Dragging)
+        Cancel();
+    return true;
+}
+
+bool DragSource::HandleMessage(const xcb_client_message_event_t& event) {
+    bool isStatus = event.type == fConnection[kXdndStatus];
+    if (event.format != 32 || (!isStatus && event.type != fConnection[kXdndFinished]))
+        return false;
+    Lock lock(fLock);
+    // Anybody can send such a message.
+    if (!fDrag || event.window != fDrag->offer.Window() ||
+        event.data.data32[0] != fDrag->place.window)
+        return true;
+    if (isStatus)
+        HandleStatus(lock, event.data.data32[1] & kAccepted);
+    else if (fDrag->phase == Phase::Dropped)
+        End(lock);
+    return true;
+}
+
+void DragSource::HandleStatus(Lock& lock, bool isAccepted) {
+    if (!fDrag->isAsking)
+        return;
+    fDrag->isAsking = false;
+    fDrag->isAccepted = isAccepted;
+    if (fDrag->hasMoved)
+        AskPlace();
+    else if (fDrag->phase == Phase::Released)
+        DropOrLeave(lock);
+}
+
+void DragSource::HandleRequest(const xcb_selection_request_event_t& request) {
+    Lock lock(fLock);
+    if (!fDrag || request.owner != fDrag->offer.Window()) {
+        DragOffer::Refuse(fConnection, request);
+        return;
+    }
+    fDrag->lastProgress = Now();
+    fDrag->offer.HandleRequest(request, fDrag->phase == Phase::Dropped);
+}
+
+void DragSource::CheckProgress() {
+    Lock lock(fLock);
+    if (!fDrag)
+        return;
+    fDrag->offer.CheckSaving();
+    bigtime_t age = Now() - fDrag->lastProgress;
+    if (fDrag->phase == Phase::Released && age > kStatusPatience) {
+        Leave();
+        End(lock);
+    } else if (fDrag->phase == Phase::Dropped && age > kTakingPatience) {
+        End(lock);
+    }
+}
+
+} // namespace host

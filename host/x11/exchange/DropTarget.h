@@ -1,0 +1,71 @@
+#pragma once
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Color.h"
+#include "host/x11/exchange/SelectionReads.h"
+#include "host/x11/server/WindowRegistry.h"
+
+namespace host {
+
+// What other programs drag over the program's windows and drop on them. A colour is taken, all else
+// is refused; what it is is looked at while it is still dragged, so that the other program can show
+// either. One drag at a time, the newest. The display thread hands the events in.
+class DropTarget {
+public:
+    DropTarget(const Connection& connection, WindowRegistry& windows);
+
+    // Whether the message is one of a drag. It may come from anybody, at any time.
+    bool HandleMessage(const xcb_client_message_event_t& event);
+    void HandleNotify(const xcb_selection_notify_event_t& event) { fReads.HandleNotify(event); }
+    // Whether the property is one of a transfer.
+    bool HandleProperty(const xcb_property_notify_event_t& event) {
+        return fReads.HandleProperty(event);
+    }
+
+private:
+    enum class Verdict {
+        Unread,
+        Reading,
+        Color,
+        Refused,
+    };
+    struct Drag {
+        xcb_window_t source = XCB_WINDOW_NONE;
+        xcb_window_t window = XCB_WINDOW_NONE; // the program's
+        xcb_atom_t type = XCB_ATOM_NONE;       // in which the colour is asked for
+        Verdict verdict = Verdict::Refused;
+        rgb_color color{};
+        int screenX = 0, screenY = 0;
+        bool isAwaited = false; // by the other program: where may it drop?
+        bool isDropped = false;
+
+        bool Is(const xcb_client_message_event_t& event) const {
+            return source == event.data.data32[0] && window == event.window;
+        }
+    };
+
+    void Enter(const xcb_client_message_event_t& event);
+    void Move(const xcb_client_message_event_t& event);
+    void Leave(const xcb_client_message_event_t& event);
+    void Drop(const xcb_client_message_event_t& event);
+    xcb_atom_t TypeOf(const xcb_client_message_event_t& event) const;
+    void Read(xcb_timestamp_t time);
+    void TakeAnswer(uint32 drag, status_t status, const std::string& bytes);
+    void Begin(const Drag& drag);
+    void Tell(const xcb_client_message_event_t& event, bool accepted) const;
+    void Finish(const xcb_client_message_event_t& event, bool accepted) const;
+    void Judge(std::unique_lock<std::mutex>& lock);
+
+    const Connection& fConnection;
+    WindowRegistry& fWindows;
+    std::mutex fLock; // for the next two; not held while others are called
+    Drag fDrag;
+    uint32 fCount = 0; // of the drags so far
+    SelectionReads fReads;
+};
+
+} // namespace host

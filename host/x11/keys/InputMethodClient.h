@@ -1,0 +1,82 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <xcb/xcb.h>
+
+#include "host/x11/keys/InputMethodLibrary.h"
+#include "host/x11/server/Connection.h"
+
+namespace host {
+
+// A connection to an input-method server, with one input context at most: the text field that has
+// the focus. Nothing waits for the server. The display thread only.
+class InputMethodClient {
+public:
+    // What the server has to say, from within Filter. The client must not be destroyed in a call.
+    class Listener {
+    public:
+        virtual ~Listener() = default;
+        // Keys can be sent now; or the server refused.
+        virtual void ContextCame(bool isMade) = 0;
+        // The server does not want this key, or has made it up.
+        virtual void KeyCame(const xcb_key_press_event_t& key) = 0;
+        // UTF-8, without control characters.
+        virtual void TextCame(const std::string& text) = 0;
+        // The server has seen the key that was sent to it. It may still come later.
+        virtual void KeyWasSeen() = 0;
+        virtual void ServerWasLost() = 0;
+    };
+
+    // `modifiers` is the environment's XMODIFIERS.
+    InputMethodClient(const Connection& connection, const InputMethodLibrary& library,
+                      const std::string& modifiers, Listener& listener);
+    ~InputMethodClient();
+    InputMethodClient(const InputMethodClient&) = delete;
+
+    // True for an event that is the server's.
+    bool Filter(xcb_generic_event_t& event);
+
+    // A new context for a text in `window`, with its caret at `spot`; none for None. Nothing is
+    // told of the one before any more.
+    void SetFocus(xcb_window_t window, xcb_point_t spot);
+    void SetSpot(xcb_point_t spot);
+
+    bool IsConnected() const { return fState != State::NotConnected; }
+    // Whether the context has been made, or may be still.
+    bool IsExpected() const { return fServer && fState != State::NoContext; }
+    bool IsReady() const { return fState == State::Made && fMadeFor == fFocus; }
+    bool Wants(const xcb_key_press_event_t& key) const;
+    // The next one after the listener has heard that this one was seen.
+    void Send(const xcb_key_press_event_t& key);
+
+private:
+    enum class State { NotConnected, NoContext, Making, Made, Ending };
+
+    void HandleOpen();
+    void HandleMade(xcb_xic_t context);
+    void HandleText(const char* text, size_t length);
+    void MakeContext();
+    void SendWaiting();
+    void HandleSpotSet();
+    static InputMethodClient& Of(void* data) { return *static_cast<InputMethodClient*>(data); }
+
+    const InputMethodLibrary& fLibrary;
+    Listener& fListener;
+    xcb_xim_t* fServer = nullptr;
+    State fState = State::NotConnected;
+    xcb_xic_t fContext = 0;
+    uint32 fFocus = 0;   // counts SetFocus
+    uint32 fMadeFor = 0; // the focus that the context was asked for
+    xcb_window_t fWindow = XCB_WINDOW_NONE;
+    xcb_point_t fSpot{};
+    bool fIsSpotNew = false;
+    bool fIsSetting = false; // the spot, and the answer has not come
+    bool fHasSentKey = false;
+    std::optional<xcb_key_press_event_t> fKey; // to be sent
+    uint32 fWanted = XCB_EVENT_MASK_KEY_PRESS;
+};
+
+} // namespace host

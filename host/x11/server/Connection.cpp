@@ -1,0 +1,163 @@
+#include "host/x11/server/Connection.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include <xcb/randr.h>
+// The extension's header has a member of this name, a keyword here.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace host {
+
+namespace {
+
+constexpr uint32 kMaxValues = 1024;
+
+const char* ConnectProblem(int error) {
+    switch (error) {
+    case XCB_CONN_CLOSED_PARSE_ERR:
+        return "the name is not one of a display";
+    case XCB_CONN_CLOSED_INVALID_SCREEN:
+        return "the display has no such screen";
+    case XCB_CONN_CLOSED_EXT_NOTSUPPORTED:
+    case XCB_CONN_CLOSED_MEM_INSUFFICIENT:
+        return "not enough memory";
+    default:
+        return "no display server answers, or it refuses this user";
+    }
+}
+
+xcb_screen_t* FindScreen(xcb_connection_t* connection, int number) {
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; number > 0 && screens.rem > 1; number--)
+        xcb_screen_next(&screens);
+    return screens.data;
+}
+
+const xcb_visualtype_t* FindVisual(const xcb_screen_t& screen) {
+    auto depths = xcb_screen_allowed_depths_iterator(&screen);
+    for (; depths.rem; xcb_depth_next(&depths)) {
+        auto visuals = xcb_depth_visuals_iterator(depths.data);
+        for (; visuals.rem; xcb_visualtype_next(&visuals)) {
+            if (visuals.data->visual_id == screen.root_visual)
+                return visuals.data;
+        }
+    }
+    return nullptr;
+}
+
+bool HasWholeWords(const xcb_setup_t& setup, uint8 depth) {
+    const xcb_format_t* formats = xcb_setup_pixmap_formats(&setup);
+    int count = xcb_setup_pixmap_formats_length(&setup);
+    return std::any_of(formats, formats + count, [&](const xcb_format_t& format) {
+        return format.depth == depth && format.bits_per_pixel == 32;
+    });
+}
+
+} // namespace
+
+std::unique_ptr<Connection> Connection::Open(const char* name, std::string& problem) {
+    std::unique_ptr<Connection> opened(new Connection);
+    int screen = 0;
+    opened->fConnection = xcb_connect(name, &screen);
+    xcb_connection_t* connection = opened->fConnection;
+    if (int error = xcb_connection_has_error(connection)) {
+        problem = ConnectProblem(error);
+        return nullptr;
+    }
+    opened->fScreen = FindScreen(connection, screen);
+    problem = opened->CheckScreen();
+    if (!problem.empty())
+        return nullptr;
+    xcb_prefetch_extension_data(connection, &xcb_randr_id);
+    xcb_prefetch_extension_data(connection, &xcb_xkb_id);
+    opened->fAtoms.Request(connection);
+    opened->fAtoms.Read(connection);
+    return opened;
+}
+
+Connection::~Connection() {
+    xcb_disconnect(fConnection);
+}
+
+std::string Connection::CheckScreen() const {
+    const xcb_setup_t& setup = *xcb_get_setup(fConnection);
+    uint8 depth = fScreen->root_depth;
+    if (depth != 24 && depth != 32)
+        return "its screen has " + std::to_string(depth) + " bits a pixel, 24 are needed";
+    const xcb_visualtype_t* visual = FindVisual(*fScreen);
+    if (!visual || visual->_class != XCB_VISUAL_CLASS_TRUE_COLOR || visual->red_mask != 0xff0000 ||
+        visual->green_mask != 0xff00 || visual->blue_mask != 0xff)
+        return "its screen does not take colours as red, green and blue bytes";
+    bool isLittleEndian = std::endian::native == std::endian::little;
+    if (!HasWholeWords(setup, depth) ||
+        (setup.image_byte_order == XCB_IMAGE_ORDER_LSB_FIRST) != isLittleEndian)
+        return "it keeps pixels in another byte order than this computer";
+    return {};
+}
+
+std::size_t Connection::MaxRequestBytes() const {
+    return std::size_t{xcb_get_setup(fConnection)->maximum_request_length} * 4;
+}
+
+xcb_get_property_cookie_t Connection::AskForValues(xcb_window_t window, xcb_atom_t property,
+                                                   xcb_atom_t type) const {
+    return xcb_get_property(fConnection, false, window, property, type, 0, kMaxValues);
+}
+
+std::vector<uint32> Connection::ReadValues(xcb_get_property_cookie_t cookie) const {
+    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(fConnection, cookie, nullptr));
+    if (!reply || reply->format != 32)
+        return {};
+    std::vector<uint32> values(xcb_get_property_value_length(reply.get()) / sizeof(uint32));
+    if (!values.empty())
+        std::memcpy(values.data(), xcb_get_property_value(reply.get()), values.size() * 4);
+    return values;
+}
+
+void Connection::SetValues(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
+                           const std::vector<uint32>& values) const {
+    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, window, property, type, 32,
+                        values.size(), values.data());
+}
+
+void Connection::SetText(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
+                         std::string_view text) const {
+    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, window, property, type, 8, text.size(),
+                        text.data());
+}
+
+void Connection::SendToRoot(xcb_window_t window, xcb_atom_t type,
+                            const std::vector<uint32>& data) const {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = type;
+    std::copy_n(data.begin(), std::min<std::size_t>(data.size(), 5), event.data.data32);
+    xcb_send_event(fConnection, false, Root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+}
+
+void Connection::SendMessageTo(xcb_window_t window) const {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    xcb_send_event(fConnection, false, window, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&event));
+    Flush();
+}
+
+bool Connection::HasWindowManager() const {
+    // One that crashed leaves the root's property behind, but not the window that it names.
+    xcb_atom_t check = fAtoms[kNetSupportingWmCheck];
+    auto named = ReadValues(AskForValues(Root(), check, XCB_ATOM_WINDOW));
+    return !named.empty() && ReadValues(AskForValues(named[0], check, XCB_ATOM_WINDOW)) == named;
+}
+
+} // namespace host

@@ -1,0 +1,184 @@
+#include "host/x11/server/DesktopSettings.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace host {
+
+namespace {
+
+constexpr double kBaseDpi = 96;
+constexpr double kUsualPointer = 24;
+constexpr double kLargestPointer = 1024;
+constexpr uint32 kMaxPropertyWords = 64 * 1024;
+
+// Reads the settings' binary form; past its end everything is 0 and `IsGood` false.
+class SettingsReader {
+public:
+    explicit SettingsReader(std::span<const uint8> bytes)
+        : fRest(bytes) {
+        uint32 order = Number(1);
+        fIsForeign = (order == 0) != (std::endian::native == std::endian::little);
+        Skip(3);
+    }
+
+    bool IsGood() const { return fIsGood; }
+
+    uint32 Number(std::size_t size) {
+        uint8 bytes[4] = {};
+        auto part = Take(size);
+        std::ranges::copy(part, bytes);
+        if (fIsForeign)
+            std::reverse(bytes, bytes + size);
+        if (size == 1)
+            return bytes[0];
+        if (size == 2)
+            return As<uint16>(bytes);
+        return As<uint32>(bytes);
+    }
+
+    std::string_view Text(std::size_t length) {
+        auto part = Take(length);
+        Skip(-length & 3);
+        return {reinterpret_cast<const char*>(part.data()), part.size()};
+    }
+
+    void Skip(std::size_t size) { Take(size); }
+
+private:
+    template <typename T>
+    static T As(const uint8* bytes) {
+        T value;
+        std::memcpy(&value, bytes, sizeof(value));
+        return value;
+    }
+
+    std::span<const uint8> Take(std::size_t size) {
+        if (size > fRest.size()) {
+            fIsGood = false;
+            fRest = {};
+            return {};
+        }
+        auto part = fRest.first(size);
+        fRest = fRest.subspan(size);
+        return part;
+    }
+
+    std::span<const uint8> fRest;
+    bool fIsForeign = false;
+    bool fIsGood = true;
+};
+
+double ScaleOfDpi(double dpi) {
+    return std::clamp(std::round(dpi / kBaseDpi * 4) / 4, 1.0, 4.0);
+}
+
+void ApplySetting(DesktopSettings& settings, std::string_view name, int32 value) {
+    if (name == "Xft/DPI" && value > 0)
+        settings.scale = ScaleOfDpi(value / 1024.0);
+    else if (name == "Net/DoubleClickTime" && value > 0)
+        settings.doubleClickTime = std::min(value, 5000) * bigtime_t{1000};
+    else if (name == "Net/DoubleClickDistance" && value > 0)
+        settings.doubleClickDistance = std::min(value, 100);
+    else if (name == "Gtk/CursorThemeSize" && value > 0)
+        settings.pointerSize = value;
+}
+
+void ApplyPublished(DesktopSettings& settings, std::span<const uint8> published) {
+    enum { kInteger, kString, kColor };
+
+    SettingsReader reader(published);
+    reader.Skip(4);
+    uint32 count = reader.Number(4);
+    while (count-- > 0 && reader.IsGood()) {
+        uint32 type = reader.Number(1);
+        reader.Skip(1);
+        std::string_view name = reader.Text(reader.Number(2));
+        reader.Skip(4);
+        if (type == kInteger) {
+            auto value = static_cast<int32>(reader.Number(4));
+            if (reader.IsGood())
+                ApplySetting(settings, name, value);
+        } else if (type == kString) {
+            reader.Text(reader.Number(4));
+        } else if (type == kColor) {
+            reader.Skip(8);
+        } else {
+            return;
+        }
+    }
+}
+
+// The number behind `key` at the start of a line; 0 if it is another line.
+double NumberBehind(std::string_view key, std::string_view line) {
+    if (!line.starts_with(key))
+        return 0;
+    line.remove_prefix(key.size());
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    double number = 0;
+    std::from_chars(line.data(), line.data() + line.size(), number);
+    return number;
+}
+
+void ApplyResources(DesktopSettings& settings, std::string_view resources) {
+    while (!resources.empty()) {
+        std::string_view line = resources.substr(0, resources.find('\n'));
+        resources.remove_prefix(std::min(line.size() + 1, resources.size()));
+        if (double dpi = NumberBehind("Xft.dpi:", line); dpi > 0)
+            settings.scale = ScaleOfDpi(dpi);
+        if (double size = NumberBehind("Xcursor.size:", line); size >= 1)
+            settings.pointerSize = static_cast<int>(std::min(size, kLargestPointer));
+    }
+}
+
+std::string_view BytesOf(const Reply<xcb_get_property_reply_t>& reply) {
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+} // namespace
+
+int DesktopSettings::PointerSize() const {
+    return pointerSize > 0 ? pointerSize : static_cast<int>(kUsualPointer * scale);
+}
+
+DesktopSettings ReadDesktopSettings(std::span<const uint8> published, std::string_view resources) {
+    DesktopSettings settings;
+    ApplyResources(settings, resources);
+    ApplyPublished(settings, published);
+    return settings;
+}
+
+SettingsQuery::SettingsQuery(const Connection& connection)
+    : fConnection(connection)
+    , fResources(xcb_get_property(connection, false, connection.Root(), XCB_ATOM_RESOURCE_MANAGER,
+                                  XCB_ATOM_STRING, 0, kMaxPropertyWords))
+    , fManager(xcb_get_selection_owner(connection, connection[kXSettingsOwner])) {}
+
+DesktopSettings SettingsQuery::Read() const {
+    Reply<xcb_get_property_reply_t> resources(
+        xcb_get_property_reply(fConnection, fResources, nullptr));
+    Reply<xcb_get_selection_owner_reply_t> manager(
+        xcb_get_selection_owner_reply(fConnection, fManager, nullptr));
+    Reply<xcb_get_property_reply_t> published;
+    if (manager && manager->owner != XCB_WINDOW_NONE) {
+        xcb_atom_t property = fConnection[kXSettingsSettings];
+        auto cookie = xcb_get_property(fConnection, false, manager->owner, property, property, 0,
+                                       kMaxPropertyWords);
+        published.reset(xcb_get_property_reply(fConnection, cookie, nullptr));
+    }
+    std::string_view bytes = BytesOf(published);
+    DesktopSettings settings = ReadDesktopSettings(
+        {reinterpret_cast<const uint8*>(bytes.data()), bytes.size()}, BytesOf(resources));
+    if (const char* size = std::getenv("XCURSOR_SIZE"))
+        std::from_chars(size, size + std::strlen(size), settings.pointerSize);
+    return settings;
+}
+
+} // namespace host

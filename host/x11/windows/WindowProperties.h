@@ -1,0 +1,51 @@
+#pragma once
+
+#include "host/x11/Display.h"
+#include "host/x11/server/Connection.h"
+
+namespace host {
+
+// What all windows of the program have in common for the desktop.
+struct ProgramIdentity {
+    std::string instanceName;
+    std::string className;
+    xcb_window_t leader = XCB_WINDOW_NONE; // the group's window, never shown
+};
+
+// In _NET_WM_DESKTOP.
+inline constexpr uint32 kAllDesktops = 0xffffffff;
+
+inline bool IsManaged(WindowKind kind) {
+    return kind != WindowKind::Menu && kind != WindowKind::Bubble;
+}
+
+// The properties that a window has from its creation to its end, but for the frame, the title and
+// the state.
+void SetFixedProperties(const Connection& connection, xcb_window_t window, const WindowSpec& spec,
+                        const ProgramIdentity& identity);
+
+void SetTitleProperties(const Connection& connection, xcb_window_t window,
+                        const std::string& title);
+
+// `outer` is the window with its border.
+void SetFrameHints(const Connection& connection, xcb_window_t window, const PixelRect& outer,
+                   bool resizable);
+
+// What the window manager reads when the window is mapped.
+struct InitialState {
+    bool minimized = false;
+    bool floating = false;
+    bool allDesktops = false;
+    xcb_window_t alertParent = XCB_WINDOW_NONE; // above which an alert stays
+};
+void SetInitialState(const Connection& connection, xcb_window_t window, WindowKind kind,
+                     const InitialState& state, const ProgramIdentity& identity);
+
+void SetIconProperty(const Connection& connection, xcb_window_t window,
+                     const std::vector<std::vector<uint32>>& icons);
+
+// An icon as the property has it: width, height, rows of words 0xAARRGGBB without
+// premultiplication.
+std::vector<uint32> IconWords(const Image& icon);
+
+} // namespace host

@@ -1,0 +1,42 @@
+#include "kits/interface/controls/StringView.h"
+
+#include <cmath>
+
+BStringView::BStringView(BRect frame, const char* name, const char* text, uint32 resizingMode,
+                         uint32 flags)
+    : BView(frame, name, resizingMode, flags | B_FULL_UPDATE_ON_RESIZE)
+    , fText(text ? text : "") {}
+
+void BStringView::SetText(const char* text) {
+    std::string changed = text ? text : "";
+    if (changed == fText)
+        return;
+    fText = changed;
+    Invalidate();
+}
+
+void BStringView::SetAlignment(alignment flag) {
+    fAlignment = flag;
+    Invalidate();
+}
+
+void BStringView::AttachedToWindow() {
+    if (Parent() != nullptr)
+        SetViewColor(Parent()->ViewColor());
+}
+
+void BStringView::Draw(BRect) {
+    font_height height;
+    GetFontHeight(&height);
+    float room = Bounds().Width() + 1 - StringWidth(Text());
+    float x = fAlignment == B_ALIGN_LEFT ? 0 : fAlignment == B_ALIGN_RIGHT ? room : room / 2;
+    float y = (Bounds().Height() + 1 + height.ascent - height.descent) / 2;
+    DrawString(Text(), BPoint(std::floor(x), std::floor(y)));
+}
+
+void BStringView::GetPreferredSize(float* width, float* height) {
+    font_height font;
+    GetFontHeight(&font);
+    *width = std::ceil(StringWidth(Text()));
+    *height = std::ceil(font.ascent + font.descent);
+}

@@ -1,0 +1,78 @@
+#include "kits/interface/drawing/Font.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "kits/interface/drawing/HostFont.h"
+
+namespace {
+
+constinit const BFont kPlainFont(12, B_REGULAR_FACE);
+constinit const BFont kBoldFont(12, B_BOLD_FACE);
+
+// The bytes of `text` that `length` allows, up to its NUL.
+std::string_view Bytes(const char* text, int32 length) {
+    return {text, strnlen(text, static_cast<size_t>(std::max<int32>(length, 0)))};
+}
+
+} // namespace
+
+constinit const BFont* const be_plain_font = &kPlainFont;
+constinit const BFont* const be_bold_font = &kBoldFont;
+
+std::future<void> prepare_font(const BFont& font) {
+    return host::PrepareFont(SpecOf(font), DisplayScale());
+}
+
+void BFont::SetSize(float size) {
+    fSize = std::isnan(size) ? 12 : std::clamp(size, 1.0f, 200.0f);
+}
+
+void BFont::SetFace(uint16 face) {
+    fFace = face;
+}
+
+void BFont::SetTo(const BFont& font, uint32 mask) {
+    if (mask & B_FONT_SIZE)
+        fSize = font.fSize;
+    if (mask & (B_FONT_FACE | B_FONT_FAMILY_AND_STYLE))
+        fFace = font.fFace;
+}
+
+float BFont::StringWidth(const char* string) const {
+    return string ? host::MeasureText(SpecOf(*this), string, DisplayScale()) : 0;
+}
+
+float BFont::StringWidth(const char* string, int32 length) const {
+    if (string == nullptr)
+        return 0;
+    return host::MeasureText(SpecOf(*this), Bytes(string, length), DisplayScale());
+}
+
+void BFont::GetHeight(font_height* height) const {
+    host::FontHeight measured = host::MeasureFont(SpecOf(*this), DisplayScale());
+    *height = {measured.ascent, measured.descent, measured.leading};
+}
+
+void BFont::GetBoundingBoxesAsGlyphs(const char charArray[], int32 numChars, font_metric_mode,
+                                     BRect boundingBoxArray[]) const {
+    if (charArray == nullptr || numChars <= 0)
+        return;
+    std::vector<BRect> glyphs = host::MeasureGlyphs(SpecOf(*this), charArray, DisplayScale());
+    size_t count = std::min(glyphs.size(), static_cast<size_t>(numChars));
+    std::copy_n(glyphs.begin(), count, boundingBoxArray);
+}
+
+void BFont::GetBoundingBoxesForStrings(const char* const stringArray[], int32 numStrings,
+                                       font_metric_mode, const escapement_delta[],
+                                       BRect boundingBoxArray[]) const {
+    for (int32 i = 0; i < numStrings; i++) {
+        const char* string = stringArray[i] ? stringArray[i] : "";
+        boundingBoxArray[i] = host::MeasureInk(SpecOf(*this), string, DisplayScale());
+    }
+}
+
+void BFont::TruncateString(std::string* inOut, uint32, float width) const {
+    *inOut = host::TruncateText(SpecOf(*this), *inOut, width, DisplayScale());
+}

@@ -1,0 +1,294 @@
+#include "kits/interface/menus/Menu.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "host/draw/Canvas.h"
+#include "kits/app/Message.h"
+#include "kits/interface/drawing/HostFont.h"
+#include "kits/interface/menus/MenuField.h"
+#include "kits/interface/menus/MenuMetrics.h"
+#include "kits/interface/menus/MenuShortcut.h"
+#include "kits/interface/menus/MenuTracker.h"
+#include "kits/interface/menus/MenuWindow.h"
+#include "kits/interface/menus/SeparatorItem.h"
+
+BMenu::BMenu(const char* name, menu_layout)
+    : BMenu(BRect(0, 0, 0, 0), name, B_FOLLOW_NONE, B_WILL_DRAW) {}
+
+BMenu::BMenu(BRect frame, const char* name, uint32 resizingMode, uint32 flags)
+    : BView(frame, name, resizingMode, flags) {
+    SetViewColor(ui_color(B_MENU_BACKGROUND_COLOR));
+    BView::SetFont(be_plain_font);
+}
+
+BMenu::~BMenu() {
+    while (!fItems.empty())
+        delete RemoveItem(CountItems() - 1);
+}
+
+bool BMenu::AddItem(BMenuItem* item) {
+    return AddItem(item, CountItems());
+}
+
+bool BMenu::AddItem(BMenuItem* item, int32 index) {
+    if (!item || item->fMenu || index < 0 || index > CountItems())
+        return false;
+    item->fMenu = this;
+    item->fMeasured = false;
+    fItems.insert(fItems.begin() + index, item);
+    ItemChanged(true);
+    return true;
+}
+
+bool BMenu::AddItem(BMenu* submenu) {
+    return AddItem(submenu, CountItems());
+}
+
+bool BMenu::AddItem(BMenu* submenu, int32 index) {
+    if (!submenu || submenu->fSuperitem || index < 0 || index > CountItems())
+        return false;
+    return AddItem(new BMenuItem(submenu), index);
+}
+
+bool BMenu::AddSeparatorItem() {
+    return AddItem(new BSeparatorItem);
+}
+
+bool BMenu::RemoveItem(BMenuItem* item) {
+    return RemoveItem(IndexOf(item)) != nullptr;
+}
+
+BMenuItem* BMenu::RemoveItem(int32 index) {
+    BMenuItem* item = ItemAt(index);
+    if (!item)
+        return nullptr;
+    fItems.erase(fItems.begin() + index);
+    if (fSelected == item)
+        fSelected = nullptr;
+    item->fMenu = nullptr;
+    ItemChanged(true);
+    return item;
+}
+
+BMenuItem* BMenu::ItemAt(int32 index) const {
+    return index >= 0 && index < CountItems() ? fItems[static_cast<size_t>(index)] : nullptr;
+}
+
+int32 BMenu::IndexOf(BMenuItem* item) const {
+    auto found = std::find(fItems.begin(), fItems.end(), item);
+    return found == fItems.end() ? B_ERROR : static_cast<int32>(found - fItems.begin());
+}
+
+BMenuItem* BMenu::FindItem(const char* name) const {
+    if (!name)
+        return nullptr;
+    for (BMenuItem* item : fItems) {
+        if (item->fLabel == name)
+            return item;
+        BMenuItem* below = item->fSubmenu ? item->fSubmenu->FindItem(name) : nullptr;
+        if (below)
+            return below;
+    }
+    return nullptr;
+}
+
+BMenuItem* BMenu::FindItem(uint32 command) const {
+    for (BMenuItem* item : fItems) {
+        if (item->Message() && item->Command() == command)
+            return item;
+        BMenuItem* below = item->fSubmenu ? item->fSubmenu->FindItem(command) : nullptr;
+        if (below)
+            return below;
+    }
+    return nullptr;
+}
+
+BMenuItem* BMenu::FindMarked() {
+    auto found = std::find_if(fItems.begin(), fItems.end(),
+                              [](const BMenuItem* item) { return item->IsMarked(); });
+    return found == fItems.end() ? nullptr : *found;
+}
+
+status_t BMenu::SetTargetForItems(BHandler* target) {
+    status_t result = B_OK;
+    for (BMenuItem* item : fItems) {
+        status_t status = item->SetTarget(target);
+        if (result == B_OK)
+            result = status;
+    }
+    return result;
+}
+
+status_t BMenu::SetTargetForItems(const BMessenger& target) {
+    status_t result = B_OK;
+    for (BMenuItem* item : fItems) {
+        status_t status = item->SetTarget(target);
+        if (result == B_OK)
+            result = status;
+    }
+    return result;
+}
+
+BMenu* BMenu::Supermenu() const {
+    return fSuperitem ? fSuperitem->Menu() : nullptr;
+}
+
+void BMenu::PrepareLayout() {
+    Layout();
+    DrawAhead();
+    for (BMenuItem* item : fItems) {
+        if (item->fSubmenu)
+            item->fSubmenu->PrepareLayout();
+    }
+    BMenuWindow::Prepare();
+}
+
+// Fonts make a glyph when it is first drawn, which would take longer than the rest of opening.
+void BMenu::DrawAhead() const {
+    const double scale = DisplayScale();
+    const float height = fItems.empty() ? 1 : fItems[0]->fHeight;
+    const auto pixels = [scale](float length) {
+        return static_cast<int>(std::ceil(length * scale));
+    };
+    host::Canvas canvas(std::min(pixels(fContentWidth), 2000), std::min(pixels(height), 200),
+                        scale);
+    BFont font;
+    GetFont(&font);
+    for (const BMenuItem* item : fItems)
+        canvas.DrawText(SpecOf(font), item->Label(), BPoint(0, height / 2), rgb_color());
+}
+
+void BMenu::KeyDown(const char* bytes, int32 numBytes) {
+    if (fTracker)
+        fTracker->KeyDown(*this, bytes, numBytes);
+}
+
+void BMenu::Hide() {
+    if (fTracker)
+        fTracker->Cancel();
+    else
+        BView::Hide();
+}
+
+void BMenu::Draw(BRect updateRect) {
+    fDrawing = true;
+    const BRect shown = Viewport();
+    for (BMenuItem* item : fItems) {
+        const BRect frame = item->Frame();
+        if (frame.Intersects(updateRect) && frame.Intersects(shown))
+            item->Draw();
+    }
+    DrawFrame();
+    fDrawing = false;
+}
+
+void BMenu::SetFont(const BFont* font, uint32 mask) {
+    BView::SetFont(font, mask);
+    // An item that draws itself in a font of its own changes no other item's size.
+    if (fDrawing)
+        return;
+    for (BMenuItem* item : fItems)
+        item->fMeasured = false;
+    ItemChanged(true);
+}
+
+void BMenu::DrawFrame() {
+    const BRect bounds = Bounds();
+    if (NeedsScrolling()) {
+        const BRect items = Viewport();
+        DrawScrollArrow({items.left, bounds.top + kMenuInset, items.right, items.top - 1}, true);
+        DrawScrollArrow({items.left, items.bottom + 1, items.right, bounds.bottom - kMenuInset},
+                        false);
+    }
+    SetHighColor(tint_color(ViewColor(), B_DARKEN_4_TINT));
+    StrokeRect(bounds);
+    const BRect bevel = bounds.InsetByCopy(1, 1);
+    SetHighColor(tint_color(ViewColor(), B_LIGHTEN_2_TINT));
+    StrokeLine(bevel.LeftBottom(), bevel.LeftTop());
+    StrokeLine(bevel.RightTop());
+    SetHighColor(tint_color(ViewColor(), B_DARKEN_1_TINT));
+    StrokeLine(bevel.RightTop() + BPoint(0, 1), bevel.RightBottom());
+    StrokeLine(bevel.LeftBottom() + BPoint(1, 0));
+}
+
+void BMenu::DrawScrollArrow(BRect frame, bool up) {
+    const bool more = up ? fScroll > 0 : fScroll < MaxScroll();
+    SetHighColor(ViewColor());
+    FillRect(frame);
+    SetHighColor(more ? ui_color(B_MENU_ITEM_TEXT_COLOR)
+                      : tint_color(ViewColor(), B_DARKEN_1_TINT));
+    const BPoint middle(std::floor((frame.left + frame.right) / 2),
+                        std::floor((frame.top + frame.bottom) / 2));
+    const float tip = up ? -2 : 2;
+    const BPoint arrow[] = {middle + BPoint(-5, -tip), middle + BPoint(0, 1.5f * tip),
+                            middle + BPoint(5, -tip)};
+    FillPolygon(arrow, 3);
+}
+
+void BMenu::ItemChanged(bool size) {
+    const bool wasLaidOut = fLaidOut;
+    if (size)
+        fLaidOut = false;
+    if (fField)
+        fField->Invalidate();
+    if (!Window())
+        return;
+    Invalidate();
+    if (size && wasLaidOut)
+        Window()->PostMessage(BMenuWindow::kMenuChanged);
+}
+
+void BMenu::ItemMarked(BMenuItem* marked) {
+    if (fRadioMode) {
+        for (BMenuItem* item : fItems) {
+            if (item != marked)
+                item->SetMarked(false);
+        }
+    }
+    if (fLabelFromMarked && fSuperitem)
+        fSuperitem->SetLabel(marked->Label());
+}
+
+void BMenu::GiveDefaultTarget(const BMessenger& target) {
+    for (BMenuItem* item : fItems) {
+        if (!item->Messenger().IsValid())
+            item->SetTarget(target);
+        if (item->fSubmenu)
+            item->fSubmenu->GiveDefaultTarget(target);
+    }
+}
+
+BMenuItem* BMenu::ItemOfShortcut(char character, uint32 modifiers) const {
+    for (BMenuItem* item : fItems) {
+        if (item->fShortcut != 0 && item->fModifiers == modifiers &&
+            IsSameShortcut(item->fShortcut, character))
+            return item;
+        BMenuItem* below =
+            item->fSubmenu ? item->fSubmenu->ItemOfShortcut(character, modifiers) : nullptr;
+        if (below)
+            return below;
+    }
+    return nullptr;
+}
+
+BMenuItem* BMenu::NextSelectable(int32 index, int32 step) const {
+    const int32 count = CountItems();
+    for (int32 tries = 0; tries < count; tries++) {
+        index = (index + step + count) % count;
+        if (ItemAt(index)->IsSelectable())
+            return ItemAt(index);
+    }
+    return nullptr;
+}
+
+void BMenu::Select(BMenuItem* item) {
+    if (item == fSelected)
+        return;
+    BMenuItem* before = std::exchange(fSelected, item);
+    if (before)
+        before->Highlight(false);
+    if (item)
+        item->Highlight(true);
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <memory>
+
+#include "kits/interface/window/Window.h"
+
+class BMenu;
+class MenuTracker;
+
+// The window of an open menu. Windows are kept and used again, so that opening a menu makes neither
+// a window nor a thread.
+class BMenuWindow : public BWindow {
+public:
+    enum : uint32 {
+        kMenuChanged = '_MNC',   // the layout of the menu in the window is out of date
+        kMenuCancelled = '_MNX', // for the tracker
+        kMenuTimer = '_MNT',     // for the tracker
+    };
+
+    // Makes a window if none is kept. Any thread.
+    static void Prepare();
+
+    // A window that is not shown and not locked; it is the caller's until it is given back. Any
+    // thread.
+    static BMenuWindow* Take();
+    static void GiveBack(BMenuWindow* window);
+
+    // Deletes those that are kept. The caller must hold the lock of none.
+    static void DeleteKept();
+
+    // Shows the menu, which stays its owner's, at `frame` of the screen. Locked.
+    void Open(BMenu& menu, BRect frame, MenuTracker& tracker);
+    // Hides the window, and lets the menu go. Locked.
+    void Close();
+
+    // The tracker sees all input of this window first. Locked.
+    void SetTracker(std::shared_ptr<MenuTracker> tracker) { fTracker = std::move(tracker); }
+
+    using BWindow::GrabInput;
+    using BWindow::ReleaseInput;
+
+    void DispatchMessage(BMessage* message, BHandler* handler) override;
+    bool QuitRequested() override { return false; }
+
+private:
+    BMenuWindow();
+
+    void SetMenuFrame(BRect frame);
+    void FitMenu();
+
+    BMenu* fMenu = nullptr;
+    std::shared_ptr<MenuTracker> fTracker;
+    bool fHasRun = false;
+};

@@ -1,0 +1,115 @@
+#include "kits/interface/text/Clipboard.h"
+
+#include <chrono>
+#include <future>
+#include <string_view>
+#include <utility>
+
+#include "base/Errors.h"
+#include "host/x11/Display.h"
+#include "kits/app/Message.h"
+#include "kits/kernel/Locker.h"
+
+namespace {
+
+constexpr char kTextField[] = "text/plain";
+constexpr std::chrono::seconds kPatience(4);
+
+std::string TextIn(const BMessage& data) {
+    const void* bytes = nullptr;
+    ssize_t size = 0;
+    if (data.FindData(kTextField, B_MIME_TYPE, &bytes, &size) != B_OK)
+        return {};
+    std::string text(static_cast<const char*>(bytes), static_cast<size_t>(size));
+    // Programs of this kit end it with a NUL, which others would paste.
+    if (text.ends_with('\0'))
+        text.pop_back();
+    return text;
+}
+
+// Empty if nobody has one, or does not answer in time.
+std::string DesktopText(host::Display& display) {
+    auto answered = std::make_shared<std::promise<std::string>>();
+    auto text = answered->get_future();
+    display.AskSelection(host::SelectionKind::Clipboard, [answered](status_t, std::string answer) {
+        answered->set_value(std::move(answer));
+    });
+    return text.wait_for(kPatience) == std::future_status::ready ? text.get() : std::string();
+}
+
+} // namespace
+
+BClipboard* const be_clipboard = new BClipboard("system");
+
+struct BClipboard::State {
+    explicit State(const char* name)
+        : locker(name) {}
+
+    // Null for a clipboard of the program's own.
+    host::Display* Desktop() const {
+        bool isSystem = std::string_view(locker.Name()) == "system";
+        return isSystem ? host::Display::Shared() : nullptr;
+    }
+
+    BLocker locker;
+    // Locked.
+    BMessage data;
+    bool isCurrent = false;
+};
+
+BClipboard::BClipboard(const char* name)
+    : fState(std::make_unique<State>(name)) {}
+
+BClipboard::~BClipboard() = default;
+
+const char* BClipboard::Name() const {
+    return fState->locker.Name();
+}
+
+bool BClipboard::Lock() {
+    if (!fState->locker.Lock())
+        return false;
+    if (fState->locker.CountLocks() == 1)
+        fState->isCurrent = fState->Desktop() == nullptr;
+    return true;
+}
+
+void BClipboard::Unlock() {
+    fState->locker.Unlock();
+}
+
+bool BClipboard::IsLocked() const {
+    return fState->locker.IsLocked();
+}
+
+BMessage* BClipboard::Data() const {
+    if (!IsLocked())
+        return nullptr;
+    if (!std::exchange(fState->isCurrent, true)) {
+        std::string text = DesktopText(*fState->Desktop());
+        // What else the program put there is still good if the text is the one it put there.
+        if (text != TextIn(fState->data)) {
+            fState->data.MakeEmpty();
+            if (!text.empty()) {
+                fState->data.AddData(kTextField, B_MIME_TYPE, text.data(),
+                                     static_cast<ssize_t>(text.size()));
+            }
+        }
+    }
+    return &fState->data;
+}
+
+status_t BClipboard::Clear() {
+    if (!IsLocked())
+        return B_NOT_ALLOWED;
+    fState->isCurrent = true;
+    return fState->data.MakeEmpty();
+}
+
+status_t BClipboard::Commit() {
+    if (!IsLocked())
+        return B_NOT_ALLOWED;
+    if (host::Display* display = fState->Desktop())
+        display->OwnSelection(host::SelectionKind::Clipboard, TextIn(*Data()));
+    return B_OK;
+}

@@ -1,0 +1,97 @@
+#include "kits/interface/text/EditKeys.h"
+
+#include <cstring>
+
+#include "kits/app/Message.h"
+#include "kits/interface/drawing/InterfaceDefs.h"
+
+namespace {
+
+// By the platform's codes of the keys where these letters are on a Latin keyboard.
+char LetterAt(int32 key) {
+    switch (key) {
+    case 0x2c:
+        return 'y';
+    case 0x3c:
+        return 'a';
+    case 0x4c:
+        return 'z';
+    case 0x4d:
+        return 'x';
+    case 0x4e:
+        return 'c';
+    case 0x4f:
+        return 'v';
+    default:
+        return 0;
+    }
+}
+
+EditAction CommandOf(char letter, bool isShifted) {
+    switch (letter) {
+    case 'x':
+        return EditAction::Cut;
+    case 'c':
+        return EditAction::Copy;
+    case 'v':
+        return EditAction::Paste;
+    case 'a':
+        return EditAction::SelectAll;
+    case 'z':
+        return isShifted ? EditAction::Redo : EditAction::Undo;
+    case 'y':
+        return EditAction::Redo;
+    default:
+        return EditAction::None;
+    }
+}
+
+char LowerCase(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 'a' - 'A') : byte;
+}
+
+EditKey SpecialKeyOf(char byte, bool isShifted, bool isControlled) {
+    switch (byte) {
+    case B_LEFT_ARROW:
+        return {isControlled ? EditAction::WordLeft : EditAction::Left, isShifted};
+    case B_RIGHT_ARROW:
+        return {isControlled ? EditAction::WordRight : EditAction::Right, isShifted};
+    case B_HOME:
+        return {EditAction::Home, isShifted};
+    case B_END:
+        return {EditAction::End, isShifted};
+    case B_BACKSPACE:
+        return {isControlled ? EditAction::EraseWordLeft : EditAction::EraseLeft};
+    case B_DELETE:
+        if (isShifted)
+            return {EditAction::Cut};
+        return {isControlled ? EditAction::EraseWordRight : EditAction::EraseRight};
+    case B_INSERT:
+        if (isShifted || isControlled)
+            return {isShifted ? EditAction::Paste : EditAction::Copy};
+        return {};
+    case B_ENTER:
+        return {EditAction::Commit};
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+EditKey EditKeyOf(const BMessage& keyDown) {
+    const char* bytes = keyDown.GetString("bytes", "");
+    auto held = static_cast<uint32>(keyDown.GetInt32("modifiers", 0));
+    bool isShifted = (held & B_SHIFT_KEY) != 0;
+    bool isControlled = (held & B_CONTROL_KEY) != 0;
+    bool isCommanded = (held & B_COMMAND_KEY) != 0;
+    auto first = static_cast<unsigned char>(bytes[0]);
+    if (first == 0 || (held & B_OPTION_KEY) != 0 || (isControlled && isCommanded))
+        return {};
+    if (first < B_SPACE || first == B_DELETE)
+        return isCommanded ? EditKey{} : SpecialKeyOf(bytes[0], isShifted, isControlled);
+    if (!isControlled && !isCommanded)
+        return {EditAction::Type};
+    char letter = first < 0x80 ? LowerCase(bytes[0]) : LetterAt(keyDown.GetInt32("key", 0));
+    return {CommandOf(letter, isShifted)};
+}

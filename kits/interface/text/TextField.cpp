@@ -1,0 +1,265 @@
+#include "kits/interface/text/TextField.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/draw/VisibleText.h"
+#include "kits/interface/text/TextControl.h"
+#include "kits/interface/window/WindowState.h"
+
+namespace {
+
+constexpr float kMargin = 2; // left and right of the text
+// What a user may bring in: all of it is measured when the caret goes behind it.
+constexpr size_t kMaxBytes = 256 << 10;
+constexpr rgb_color kPaper{255, 255, 255, 255};
+constexpr rgb_color kInk{0, 0, 0, 255};
+constexpr rgb_color kSelectionColor{172, 200, 255, 255};
+constexpr rgb_color kPassiveSelectionColor{216, 216, 216, 255};
+
+// As much of `text`, up to whole characters, as there is room for.
+std::string_view Fitting(std::string_view text, size_t room) {
+    // A text that was set may be longer than any that can be typed.
+    if (room > kMaxBytes)
+        room = 0;
+    if (text.size() <= room)
+        return text;
+    while (room > 0 && (text[room] & 0xc0) == 0x80)
+        room--;
+    return text.substr(0, room);
+}
+
+void Beep() {
+    if (host::Display* display = host::Display::Shared())
+        display->Beep();
+}
+
+} // namespace
+
+TextField::TextField(BTextControl& control)
+    : BTextView(BRect(0, 0, 0, 0), "field", BRect(), B_FOLLOW_NONE,
+                B_WILL_DRAW | B_FRAME_EVENTS | B_FULL_UPDATE_ON_RESIZE)
+    , fControl(control) {
+    SetViewColor(kPaper);
+    SetViewCursor(B_I_BEAM_CURSOR);
+}
+
+void TextField::SetText(const char* text) {
+    std::string_view changed = text ? text : "";
+    if (changed == fLine.Text())
+        return;
+    fLine.SetText(changed);
+    fHistory.Clear();
+    fAnchor = fCaret = 0;
+    fScroll = 0;
+    Invalidate();
+}
+
+void TextField::SetFontAndColor(int32 start, int32 end, const BFont* font, uint32 mode,
+                                const rgb_color* color) {
+    BTextView::SetFontAndColor(start, end, font, mode, color);
+    if (color != nullptr)
+        SetHighColor(*color);
+    if (font == nullptr)
+        return;
+    BView::SetFont(font, mode);
+    BFont whole;
+    GetFont(&whole);
+    fLine.SetFont(whole);
+    ShowCaret();
+    Invalidate();
+}
+
+void TextField::SetFont(const BFont* font, uint32 mask) {
+    SetFontAndColor(0, TextLength(), font, mask);
+}
+
+TextLine::Range TextField::Selection() const {
+    return std::minmax(fAnchor, fCaret);
+}
+
+void TextField::Select(int32 start, int32 end) {
+    fAnchor = fLine.Snapped(start);
+    SetCaret(fLine.Snapped(end), true);
+}
+
+void TextField::SelectAll() {
+    Select(0, TextLength());
+}
+
+void TextField::GetSelection(int32* start, int32* end) const {
+    *start = Selection().first;
+    *end = Selection().second;
+}
+
+void TextField::SetCaret(int32 caret, bool extends) {
+    fHistory.EndGroup();
+    fCaret = caret;
+    if (!extends)
+        fAnchor = caret;
+    ShowCaret();
+    UpdateCaret();
+    Invalidate();
+}
+
+void TextField::Change(TextLine::Range range, std::string_view text, UndoHistory::Kind kind) {
+    auto start = static_cast<size_t>(range.first);
+    auto length = static_cast<size_t>(range.second - range.first);
+    std::string_view added = Fitting(text, kMaxBytes + length - fLine.Text().size());
+    if (added.size() < text.size())
+        Beep();
+    fHistory.Add({range.first, fLine.Text().substr(start, length), std::string(added), Selection()},
+                 kind);
+    fLine.Replace(range, added);
+    fAnchor = fCaret = fLine.Snapped(range.first + static_cast<int32>(added.size()));
+    ShowCaret();
+    UpdateCaret();
+    Invalidate();
+}
+
+void TextField::Insert(const char* text) {
+    std::string line = host::LineOf(text ? text : "");
+    if (!line.empty())
+        Change(Selection(), line, UndoHistory::Kind::Other);
+}
+
+void TextField::Undo() {
+    const TextEdit* edit = fHistory.Undo();
+    if (edit == nullptr)
+        return;
+    fLine.Replace({edit->offset, edit->offset + static_cast<int32>(edit->inserted.size())},
+                  edit->removed);
+    Select(edit->selection.first, edit->selection.second);
+}
+
+void TextField::Redo() {
+    const TextEdit* edit = fHistory.Redo();
+    if (edit == nullptr)
+        return;
+    fLine.Replace({edit->offset, edit->offset + static_cast<int32>(edit->removed.size())},
+                  edit->inserted);
+    SetCaret(fLine.Snapped(edit->offset + static_cast<int32>(edit->inserted.size())), false);
+}
+
+void TextField::SetEnabled(bool enabled) {
+    fIsEnabled = enabled;
+    if (!enabled)
+        MakeFocus(false);
+    SetViewCursor(enabled ? B_I_BEAM_CURSOR : B_SYSTEM_DEFAULT_CURSOR);
+    SetViewColor(enabled ? kPaper : tint_color(fControl.ViewColor(), B_LIGHTEN_1_TINT));
+    Invalidate();
+}
+
+bool TextField::ShowsFocus() const {
+    return IsFocus() && Window()->IsActive();
+}
+
+float TextField::Baseline() const {
+    font_height height;
+    GetFontHeight(&height);
+    return std::floor((Bounds().Height() + 1 + height.ascent - height.descent) / 2);
+}
+
+float TextField::TextRoom() const {
+    return Bounds().Width() + 1 - 2 * kMargin;
+}
+
+float TextField::LinePlaceOf(BPoint where) const {
+    return where.x - kMargin + fScroll;
+}
+
+// Scrolls as little as that takes, and leaves no room unused behind the text.
+void TextField::ShowCaret() {
+    float place = fLine.PlaceOf(fCaret);
+    float last = TextRoom() - 1;
+    fScroll = std::clamp(fScroll, place - last, place);
+    float most = std::max(0.0f, fLine.Width(fScroll + last) - last);
+    fScroll = std::floor(std::clamp(fScroll, 0.0f, most + 0.5f));
+}
+
+void TextField::Draw(BRect updateRect) {
+    float left = LinePlaceOf(updateRect.LeftTop());
+    float right = LinePlaceOf(updateRect.RightBottom()) + 1;
+    DrawSelection(left, right);
+    rgb_color ink = HighColor();
+    if (!fIsEnabled)
+        SetHighColor(tint_color(fControl.ViewColor(), B_DARKEN_4_TINT));
+    for (const TextLine::Part& part : fLine.PartsIn(left, right)) {
+        DrawString(part.text.data(), static_cast<int32>(part.text.size()),
+                   BPoint(kMargin - fScroll + part.x, Baseline()));
+    }
+    SetHighColor(ink);
+    DrawCaret();
+}
+
+void TextField::DrawSelection(float left, float right) {
+    if (fAnchor == fCaret)
+        return;
+    rgb_color ink = HighColor();
+    SetHighColor(ShowsFocus() ? kSelectionColor : kPassiveSelectionColor);
+    for (auto [from, to] : fLine.StretchesIn(Selection(), left, right)) {
+        FillRect(
+            BRect(kMargin - fScroll + from, 1, kMargin - fScroll + to - 1, Bounds().bottom - 1));
+    }
+    SetHighColor(ink);
+}
+
+BRect TextField::CaretFrame() const {
+    float x = std::floor(kMargin - fScroll + fLine.PlaceOf(fCaret));
+    return {x, 1, x, Bounds().bottom - 1};
+}
+
+void TextField::DrawCaret() {
+    if (!ShowsFocus() || fAnchor != fCaret || !fBlink.IsVisible())
+        return;
+    rgb_color ink = HighColor();
+    SetHighColor(kInk);
+    FillRect(CaretFrame());
+    SetHighColor(ink);
+}
+
+void TextField::UpdateCaret() {
+    if (ShowsFocus() && fAnchor == fCaret)
+        fBlink.Restart();
+    else
+        fBlink.Stop();
+    if (ShowsFocus())
+        Window()->fState->ShowTextCaret(*this, CaretFrame());
+}
+
+void TextField::MakeFocus(bool focus) {
+    if (Window() == nullptr || focus == IsFocus() || (focus && !fIsEnabled))
+        return;
+    BTextView::MakeFocus(focus);
+    if (focus) {
+        SelectAll();
+    } else {
+        EndDrag();
+        Window()->fState->HideTextCaret();
+    }
+    fHistory.EndGroup();
+    UpdateCaret();
+    Invalidate();
+    fControl.FocusChanged(focus);
+}
+
+void TextField::WindowActivated(bool active) {
+    if (!IsFocus())
+        return;
+    if (!active)
+        Window()->fState->HideTextCaret();
+    UpdateCaret();
+    Invalidate();
+    fControl.Invalidate();
+}
+
+void TextField::FrameResized(float, float) {
+    ShowCaret();
+}
+
+void TextField::DetachedFromWindow() {
+    EndDrag();
+    fBlink.Stop();
+    if (IsFocus())
+        Window()->fState->HideTextCaret();
+}

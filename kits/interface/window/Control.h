@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+
+#include "kits/app/Invoker.h"
+#include "kits/interface/window/View.h"
+
+enum : int32 {
+    B_CONTROL_OFF = 0,
+    B_CONTROL_ON = 1,
+};
+
+// A view with a label and a value that sends a message when it is used. Its target is its window
+// unless another one was set.
+class BControl : public BView, public BInvoker {
+public:
+    // `message` belongs to the control.
+    BControl(BRect frame, const char* name, const char* label, BMessage* message,
+             uint32 resizingMode, uint32 flags);
+
+    // Takes the target, and the parent's view colour.
+    void AttachedToWindow() override;
+    void DetachedFromWindow() override;
+    // Has the control get the release of the button wherever it happens.
+    void MouseDown(BPoint where) override;
+    // Space invokes it, and Enter if the window has no default button.
+    void KeyDown(const char* bytes, int32 numBytes) override;
+    void MakeFocus(bool focus = true) override;
+
+    // Each redraws the control if it changes something.
+    virtual void SetLabel(const char* label);
+    const char* Label() const { return fLabel.c_str(); }
+    virtual void SetValue(int32 value);
+    int32 Value() const { return fValue; }
+    virtual void SetEnabled(bool enabled);
+    bool IsEnabled() const { return fEnabled; }
+
+    // Sends `message`, or the control's own, to the target, with "when" (int64), "source" (pointer,
+    // the control) and "be:value" (int32) added. B_BAD_VALUE if there is no message.
+    status_t Invoke(BMessage* message = nullptr) override;
+
+protected:
+    bool IsTracking() const { return fTracking; }
+    void SetTracking(bool tracking) { fTracking = tracking; }
+
+private:
+    std::string fLabel;
+    int32 fValue = B_CONTROL_OFF;
+    bool fEnabled = true;
+    bool fTracking = false;
+};

@@ -1,0 +1,355 @@
+#include "kits/interface/window/Window.h"
+
+#include <utility>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Message.h"
+#include "kits/app/MessageFilter.h"
+#include "kits/app/MessageQueue.h"
+#include "kits/interface/controls/Button.h"
+#include "kits/interface/window/DraggedFile.h"
+#include "kits/interface/window/WindowRoster.h"
+#include "kits/interface/window/WindowState.h"
+
+namespace {
+
+window_look LookOf(window_type type) {
+    switch (type) {
+    case B_BORDERED_WINDOW:
+        return B_BORDERED_WINDOW_LOOK;
+    case B_MODAL_WINDOW:
+        return B_MODAL_WINDOW_LOOK;
+    case B_TITLED_WINDOW:
+        break;
+    }
+    return B_TITLED_WINDOW_LOOK;
+}
+
+// A place of the pointer that it has left already is of no use to anyone.
+filter_result DropOldMoves(BMessage*, BHandler** target, BMessageFilter*) {
+    BMessageQueue* queue = (*target)->Looper()->MessageQueue();
+    queue->Lock();
+    BMessage* next = queue->FindMessage(0);
+    bool isOld = next != nullptr && next->what == B_MOUSE_MOVED;
+    queue->Unlock();
+    return isOld ? B_SKIP_MESSAGE : B_DISPATCH_MESSAGE;
+}
+
+} // namespace
+
+BWindow::BWindow(BRect frame, const char* title, window_look look, window_feel feel, uint32 flags,
+                 uint32 workspaces)
+    : BLooper(title)
+    , fState(std::make_unique<State>(this, frame, title, look, feel, flags, workspaces)) {
+    fState->root.fWindow = this;
+    AddCommonFilter(new BMessageFilter(B_MOUSE_MOVED, DropOldMoves));
+    WindowRoster::Shared().Add(this);
+}
+
+BWindow::BWindow(BRect frame, const char* title, window_type type, uint32 flags, uint32 workspaces)
+    : BWindow(frame, title, LookOf(type),
+              type == B_MODAL_WINDOW ? B_MODAL_APP_WINDOW_FEEL : B_NORMAL_WINDOW_FEEL, flags,
+              workspaces) {}
+
+BWindow::~BWindow() {
+    WindowRoster::Shared().Remove(this);
+    while (BView* child = ChildAt(0)) {
+        child->RemoveSelf();
+        delete child;
+    }
+}
+
+void BWindow::AddChild(BView* child, BView* before) {
+    fState->root.AddChild(child, before);
+}
+
+bool BWindow::RemoveChild(BView* child) {
+    return fState->root.RemoveChild(child);
+}
+
+int32 BWindow::CountChildren() const {
+    return fState->root.CountChildren();
+}
+
+BView* BWindow::ChildAt(int32 index) const {
+    return fState->root.ChildAt(index);
+}
+
+BView* BWindow::FindView(const char* name) const {
+    for (BView* child : fState->root.fChildren) {
+        if (BView* view = child->FindView(name))
+            return view;
+    }
+    return nullptr;
+}
+
+BView* BWindow::FindView(BPoint where) const {
+    return fState->ViewAt(where);
+}
+
+void BWindow::Show() {
+    if (!Lock())
+        return;
+    if (--fState->hideCount == 0) {
+        if (!std::exchange(fState->hasShown, true)) {
+            fState->BringInside();
+            fState->Invalidate(Bounds());
+        }
+        UpdateIfNeeded();
+        if (fState->host)
+            fState->host->Show();
+        if (!fState->hasRun)
+            Run();
+    }
+    Unlock();
+}
+
+void BWindow::Hide() {
+    if (!Lock())
+        return;
+    if (fState->hideCount++ == 0 && fState->host)
+        fState->host->Hide();
+    Unlock();
+}
+
+bool BWindow::IsHidden() const {
+    return !fState->IsVisible();
+}
+
+thread_id BWindow::Run() {
+    fState->hasRun = true;
+    return BLooper::Run();
+}
+
+void BWindow::Minimize(bool minimize) {
+    if (fState->host)
+        fState->host->SetMinimized(minimize);
+}
+
+bool BWindow::IsMinimized() const {
+    return fState->isMinimized;
+}
+
+void BWindow::Activate(bool active) {
+    if (active && fState->host && (fState->flags & B_AVOID_FOCUS) == 0)
+        fState->host->Activate();
+}
+
+bool BWindow::IsActive() const {
+    return fState->isActive && !fState->isActivating;
+}
+
+BRect BWindow::Frame() const {
+    return fState->Frame();
+}
+
+BRect BWindow::Bounds() const {
+    return fState->Bounds();
+}
+
+void BWindow::MoveTo(float x, float y) {
+    fState->SetFrame(BPoint(x, y), fState->width, fState->height);
+}
+
+void BWindow::MoveBy(float x, float y) {
+    MoveTo(fState->place + BPoint(x, y));
+}
+
+void BWindow::ResizeTo(float width, float height) {
+    fState->SetFrame(fState->place, width, height);
+}
+
+void BWindow::ResizeBy(float width, float height) {
+    ResizeTo(fState->width + width, fState->height + height);
+}
+
+BPoint BWindow::ConvertToScreen(BPoint point) const {
+    return point + fState->place;
+}
+
+BPoint BWindow::ConvertFromScreen(BPoint point) const {
+    return point - fState->place;
+}
+
+BRect BWindow::ConvertToScreen(BRect rect) const {
+    return rect.OffsetByCopy(fState->place);
+}
+
+BRect BWindow::ConvertFromScreen(BRect rect) const {
+    return rect.OffsetByCopy(-fState->place.x, -fState->place.y);
+}
+
+const char* BWindow::Title() const {
+    return fState->title.c_str();
+}
+
+void BWindow::SetTitle(const char* title) {
+    fState->title = title ? title : "";
+    if (fState->host)
+        fState->host->SetTitle(fState->title);
+}
+
+window_look BWindow::Look() const {
+    return fState->look;
+}
+
+window_feel BWindow::Feel() const {
+    return fState->feel;
+}
+
+status_t BWindow::SetFeel(window_feel feel) {
+    if (feel != B_NORMAL_WINDOW_FEEL && feel != B_FLOATING_ALL_WINDOW_FEEL)
+        return B_BAD_VALUE;
+    fState->feel = feel;
+    if (fState->host)
+        fState->host->SetFloating(feel == B_FLOATING_ALL_WINDOW_FEEL);
+    return B_OK;
+}
+
+uint32 BWindow::Flags() const {
+    return fState->flags;
+}
+
+uint32 BWindow::Workspaces() const {
+    return fState->workspaces;
+}
+
+void BWindow::SetWorkspaces(uint32 workspaces) {
+    if (workspaces == fState->workspaces)
+        return;
+    fState->workspaces = workspaces;
+    if (fState->host)
+        fState->host->SetAllDesktops(workspaces == B_ALL_WORKSPACES);
+}
+
+BView* BWindow::CurrentFocus() const {
+    return fState->focus;
+}
+
+void BWindow::SetDefaultButton(BButton* button) {
+    BButton* before = std::exchange(fState->defaultButton, button);
+    if (before == button)
+        return;
+    for (BButton* changed : {before, button}) {
+        if (changed != nullptr) {
+            changed->fDefault = changed == button;
+            changed->Invalidate();
+        }
+    }
+}
+
+BButton* BWindow::DefaultButton() const {
+    return fState->defaultButton;
+}
+
+void BWindow::UpdateIfNeeded() {
+    fState->Update();
+    fState->Present();
+}
+
+void BWindow::Flush() const {
+    fState->Present();
+}
+
+void BWindow::Sync() const {
+    fState->Present();
+    if (host::Display* display = host::Display::Shared())
+        display->Sync();
+}
+
+void BWindow::WindowActivated(bool) {}
+
+void BWindow::FrameMoved(BPoint) {}
+
+void BWindow::FrameResized(float, float) {}
+
+void BWindow::WorkspacesChanged(uint32, uint32) {}
+
+bool BWindow::QuitRequested() {
+    return true;
+}
+
+void BWindow::Quit() {
+    if (fState->host)
+        fState->host->Hide();
+    BLooper::Quit();
+}
+
+void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
+    if (handler != this) {
+        auto* view = dynamic_cast<BView*>(handler);
+        if (view == nullptr || !fState->WatchedKeyChanged(*view, *message))
+            BLooper::DispatchMessage(message, handler);
+        return;
+    }
+    switch (message->what) {
+    case B_MOUSE_DOWN:
+        // A window manager activates first and hands the press on afterwards.
+        fState->isActivating = message->GetInt64("when", 0) < fState->activeSince;
+        fState->MouseDown(*message);
+        fState->isActivating = false;
+        break;
+    case B_MOUSE_UP:
+        fState->MouseUp(*message);
+        break;
+    case B_MOUSE_MOVED:
+        fState->MouseMoved(*message);
+        break;
+    case kPointerLeft:
+        fState->PointerLeft();
+        break;
+    case kColorDropped:
+        fState->ColorDropped(*message);
+        break;
+    case kSaveDragged:
+        if (const std::shared_ptr<DraggedFile> file = fState->draggedFile)
+            file->Save(*this);
+        break;
+    case B_MOUSE_WHEEL_CHANGED:
+        fState->WheelTurned(*message);
+        break;
+    case B_KEY_DOWN:
+    case B_KEY_UP:
+    case B_UNMAPPED_KEY_DOWN:
+    case B_UNMAPPED_KEY_UP:
+    case B_MODIFIERS_CHANGED:
+        fState->KeyChanged(*message);
+        break;
+    case B_WINDOW_ACTIVATED:
+        fState->Activated(message->GetBool("active"), message->GetInt64("when", 0));
+        break;
+    case B_MINIMIZE:
+        fState->isMinimized = message->GetBool("minimize");
+        break;
+    case B_WORKSPACES_CHANGED:
+        WorkspacesChanged(static_cast<uint32>(message->GetInt32("old", 0)),
+                          static_cast<uint32>(message->GetInt32("new", 0)));
+        break;
+    case kFrameChanged:
+        fState->TakeFrame({message->GetInt32("left", 0), message->GetInt32("top", 0),
+                           message->GetInt32("right", 1), message->GetInt32("bottom", 1)});
+        break;
+    case kBringInside:
+        fState->BringInside();
+        break;
+    default:
+        BLooper::DispatchMessage(message, handler);
+    }
+}
+
+void BWindow::MessageReceived(BMessage* message) {
+    BLooper::MessageReceived(message);
+}
+
+void BWindow::MessageHandled() {
+    UpdateIfNeeded();
+}
+
+status_t BWindow::GrabInput(bigtime_t timeout) {
+    return fState->host ? fState->host->GrabInput(timeout) : B_NO_INIT;
+}
+
+void BWindow::ReleaseInput() {
+    if (fState->host)
+        fState->host->ReleaseInput();
+}

@@ -1,0 +1,162 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "base/Point.h"
+#include "base/Rect.h"
+#include "kits/app/Looper.h"
+#include "kits/interface/drawing/InterfaceDefs.h"
+
+class BButton;
+class BView;
+
+enum window_look {
+    B_BORDERED_WINDOW_LOOK = 20, // a black border of one logical pixel around the content
+    B_NO_BORDER_WINDOW_LOOK = 19,
+    B_TITLED_WINDOW_LOOK = 1,
+    B_MODAL_WINDOW_LOOK = 3,
+    kMenuWindowLook = 1000, // private to the kit: a menu, which the window manager leaves alone
+};
+
+enum window_feel {
+    B_NORMAL_WINDOW_FEEL = 0,
+    B_MODAL_APP_WINDOW_FEEL = 1,
+    B_FLOATING_ALL_WINDOW_FEEL = 6,
+    kMenuWindowFeel = 1000,
+};
+
+enum window_type {
+    B_TITLED_WINDOW = 1,
+    B_MODAL_WINDOW = 3,
+    B_BORDERED_WINDOW = 20,
+};
+
+// Window flags.
+enum : uint32 {
+    B_NOT_MOVABLE = 0x00000001,
+    B_NOT_RESIZABLE = 0x00000002,
+    B_WILL_ACCEPT_FIRST_CLICK = 0x00000010,
+    B_NOT_CLOSABLE = 0x00000020,
+    B_NOT_ZOOMABLE = 0x00000040,
+    B_AVOID_FRONT = 0x00000080,
+    B_AVOID_FOCUS = 0x00002000, // never active
+    B_NOT_MINIMIZABLE = 0x00004000,
+    B_ASYNCHRONOUS_CONTROLS = 0x00080000,
+};
+
+inline constexpr uint32 B_CURRENT_WORKSPACE = 0;
+inline constexpr uint32 B_ALL_WORKSPACES = 0xffffffff;
+
+// Connects the program to the display and the application object to the windows (see
+// SessionHooks.h). B_ERROR without a display; a line on standard error says why. Call it once, from
+// main(), before the first window.
+status_t connect_display();
+
+// A window on the screen with a looper of its own. Built with new; deleted by Quit().
+//
+// One with a border that floats above all, cannot be moved and avoids the focus is a help bubble:
+// the window manager leaves it alone, and clicks go through to what is under it.
+//
+// Its frame is its content's, without the border, in logical pixels of the screen. Until it is
+// shown for the first time its thread does not run and the thread that built it has it locked;
+// after that every call but the ones marked "any thread" needs the lock.
+class BWindow : public BLooper {
+public:
+    BWindow(BRect frame, const char* title, window_look look, window_feel feel, uint32 flags,
+            uint32 workspaces = B_CURRENT_WORKSPACE);
+    BWindow(BRect frame, const char* title, window_type type, uint32 flags,
+            uint32 workspaces = B_CURRENT_WORKSPACE);
+    ~BWindow() override;
+
+    // Views belong to the window from now on, and are attached at once.
+    void AddChild(BView* child, BView* before = nullptr);
+    bool RemoveChild(BView* child);
+    int32 CountChildren() const;
+    BView* ChildAt(int32 index) const;
+    BView* FindView(const char* name) const;
+    // The deepest visible view there, in the window's coordinates; or null.
+    BView* FindView(BPoint where) const;
+
+    // Calls are counted: a window that was hidden twice needs two Show(). The first Show() draws
+    // the window, puts it on the screen and starts its thread; a window that would lie outside
+    // every monitor is moved into the nearest one first. Any thread.
+    virtual void Show();
+    virtual void Hide();
+    bool IsHidden() const;
+
+    // Starts the thread of a window that is to stay hidden for now.
+    thread_id Run() override;
+
+    // Any thread.
+    virtual void Minimize(bool minimize);
+    bool IsMinimized() const;
+    // Asks for the keyboard focus and brings the window up; `active` false does nothing.
+    void Activate(bool active = true);
+    // Still false while the press that activates it is handled.
+    bool IsActive() const;
+
+    BRect Frame() const;
+    BRect Bounds() const;
+    // A place is rounded to the display's pixels, a size to whole logical pixels.
+    void MoveTo(BPoint where) { MoveTo(where.x, where.y); }
+    void MoveTo(float x, float y);
+    void MoveBy(float x, float y);
+    void ResizeTo(float width, float height);
+    void ResizeBy(float width, float height);
+
+    BPoint ConvertToScreen(BPoint point) const;
+    BPoint ConvertFromScreen(BPoint point) const;
+    BRect ConvertToScreen(BRect rect) const;
+    BRect ConvertFromScreen(BRect rect) const;
+
+    const char* Title() const;
+    void SetTitle(const char* title);
+    window_look Look() const;
+    window_feel Feel() const;
+    status_t SetFeel(window_feel feel);
+    uint32 Flags() const;
+    uint32 Workspaces() const;
+    void SetWorkspaces(uint32 workspaces);
+
+    // The view that gets the keys, or null: then the window's MessageReceived() gets them.
+    BView* CurrentFocus() const;
+    // The button that Enter presses, whichever view has the focus; or null.
+    void SetDefaultButton(BButton* button);
+    BButton* DefaultButton() const;
+
+    // Draws what waits to be drawn, and shows it.
+    void UpdateIfNeeded();
+    // Shows what has been drawn; Sync() returns when the display server has it.
+    void Flush() const;
+    void Sync() const;
+
+    // Hooks; those that do something here say so.
+    virtual void WindowActivated(bool active);
+    virtual void FrameMoved(BPoint newPosition);
+    virtual void FrameResized(float width, float height);
+    virtual void WorkspacesChanged(uint32 oldWorkspaces, uint32 newWorkspaces);
+    bool QuitRequested() override; // true
+
+    void Quit() override;
+    void DispatchMessage(BMessage* message, BHandler* handler) override;
+    void MessageReceived(BMessage* message) override;
+
+protected:
+    void MessageHandled() override;
+
+    // Directs all mouse and keyboard input of the session to this window, until ReleaseInput() or
+    // its end: its messages have "screen_where", whichever window the pointer is over. Tries for
+    // `timeout` microseconds; an error if another program holds the input for that long.
+    status_t GrabInput(bigtime_t timeout);
+    void ReleaseInput();
+
+private:
+    friend class BView;
+    friend class BAlert;
+    friend class WindowRoster;
+    friend class TextField;
+    struct State;
+
+    std::unique_ptr<State> fState;
+};

@@ -1,0 +1,181 @@
+#include "kits/interface/window/WindowRoster.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Application.h"
+#include "kits/interface/controls/Alert.h"
+#include "kits/interface/menus/MenuTracking.h"
+#include "kits/interface/window/KeyWatchers.h"
+#include "kits/interface/window/WindowState.h"
+
+namespace {
+
+// The window behind `messenger`, locked; or null.
+BWindow* LockWindow(const BMessenger& messenger) {
+    if (!messenger.LockTarget())
+        return nullptr;
+    BLooper* looper = nullptr;
+    messenger.Target(&looper);
+    return static_cast<BWindow*>(looper);
+}
+
+} // namespace
+
+// Never deleted: the display thread may call until the process ends.
+WindowRoster& WindowRoster::Shared() {
+    static WindowRoster* roster = new WindowRoster;
+    return *roster;
+}
+
+void WindowRoster::Add(BWindow* window) {
+    std::lock_guard lock(fMutex);
+    fWindows.push_back(window);
+    if (window == MainWindow())
+        fMainFrame = window->fState->device;
+}
+
+void WindowRoster::Remove(BWindow* window) {
+    std::lock_guard lock(fMutex);
+    if (window == MainWindow())
+        fMainFrame = {};
+    std::erase(fWindows, window);
+}
+
+BWindow* WindowRoster::MainWindow() const {
+    for (BWindow* window : fWindows) {
+        const auto& state = *window->fState;
+        if (!state.IsMenu() && !state.IsAlert() && !state.IsBubble())
+            return window;
+    }
+    return nullptr;
+}
+
+bool WindowRoster::AddAlert(BAlert* alert) {
+    std::lock_guard lock(fMutex);
+    if (fIsDismissed)
+        return false;
+    fAlerts.push_back(alert);
+    fHasAlert = true;
+    UpdateMenus();
+    return true;
+}
+
+void WindowRoster::RemoveAlert(BAlert* alert) {
+    std::lock_guard lock(fMutex);
+    std::erase(fAlerts, alert);
+    fHasAlert = !fAlerts.empty();
+    UpdateMenus();
+    fAlertRemoved.notify_all();
+}
+
+void WindowRoster::UpdateMenus() {
+    bool allowed = fAlerts.empty() && !fIsDismissed;
+    allow_menus(allowed);
+    if (!allowed)
+        close_all_menus();
+}
+
+void WindowRoster::PointAtAlert() {
+    if (host::Display* display = host::Display::Shared())
+        display->Beep();
+    std::lock_guard lock(fMutex);
+    if (!fAlerts.empty() && fAlerts.back()->fState->host)
+        fAlerts.back()->fState->host->Activate();
+}
+
+void WindowRoster::Dismiss() {
+    std::lock_guard lock(fMutex);
+    fIsDismissed = true;
+    UpdateMenus();
+    for (BAlert* alert : fAlerts)
+        alert->PostMessage(B_QUIT_REQUESTED);
+}
+
+void WindowRoster::Allow() {
+    std::lock_guard lock(fMutex);
+    fIsDismissed = false;
+    UpdateMenus();
+}
+
+// Those whose threads run; a window that was never shown belongs to whoever built it.
+std::vector<BMessenger> WindowRoster::Running() const {
+    std::lock_guard lock(fMutex);
+    std::vector<BMessenger> running;
+    for (BWindow* window : fWindows) {
+        if (!window->fState->IsMenu() && !window->fState->IsAlert() && window->Thread() >= 0)
+            running.emplace_back(window);
+    }
+    return running;
+}
+
+bool WindowRoster::QuitWindows() {
+    std::vector<BMessenger> windows = Running();
+    for (const BMessenger& messenger : windows) {
+        BWindow* window = LockWindow(messenger);
+        if (window == nullptr)
+            continue;
+        bool agrees = window->QuitRequested();
+        window->Unlock();
+        if (!agrees)
+            return false;
+    }
+    for (const BMessenger& messenger : windows) {
+        if (BWindow* window = LockWindow(messenger))
+            window->Quit();
+    }
+    delete_menu_windows();
+    // Alerts were dismissed and are about to be gone.
+    std::unique_lock lock(fMutex);
+    fAlertRemoved.wait_for(lock, std::chrono::seconds(1), [this] { return fAlerts.empty(); });
+    return true;
+}
+
+void WindowRoster::Wake() {
+    std::lock_guard lock(fMutex);
+    BWindow* window = MainWindow();
+    if (window == nullptr || !window->fState->host)
+        return;
+    window->fState->host->SetMinimized(false);
+    window->fState->host->Activate();
+}
+
+BMessenger WindowRoster::WindowAt(int32 index) const {
+    std::lock_guard lock(fMutex);
+    const auto at = static_cast<size_t>(index);
+    return at < fWindows.size() ? BMessenger(fWindows[at]) : BMessenger();
+}
+
+host::PixelRect WindowRoster::MainFrame() const {
+    std::lock_guard lock(fMutex);
+    return fMainFrame;
+}
+
+void WindowRoster::FrameChanged(const BWindow* window, const host::PixelRect& frame) {
+    std::lock_guard lock(fMutex);
+    if (window == MainWindow())
+        fMainFrame = frame;
+}
+
+void WindowRoster::FocusLeftProgram() {
+    close_all_menus();
+}
+
+void WindowRoster::MonitorsChanged() {
+    close_all_menus();
+    for (const BMessenger& window : Running())
+        window.SendMessage(kBringInside);
+}
+
+// While an alert waits the windows handle nothing: what is typed elsewhere must not pile up in
+// them.
+void WindowRoster::SessionKeyChanged(const host::SessionKey& key) {
+    if (!HasAlert())
+        KeyWatchers::Shared().Tell(key);
+}
+
+void WindowRoster::DisplayLost() {
+    if (be_app != nullptr)
+        be_app->QuitFromOutside(true);
+}
