@@ -19,7 +19,76 @@ protected:
         const Box button = fProgram.Button(0);
         return WaitUntil([&] { return fScreen.Pixel(button.x + 2, button.y + 2) == colour; });
     }
+    // A click on a button opens its menu, and all that happened before has been handled then.
+    void ExpectButtonWorks() {
+        ClickButton(1);
+        ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+        CloseMenus();
+    }
+    void ReleaseOverTheMenuOfAKey() {
+        fRobot.Key(XK_KP_3);
+        ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+        fRobot.Release();
+        fRobot.Key(XK_Escape);
+        ASSERT_TRUE(MenusClosed());
+    }
 };
+
+TEST_F(BarTest, ADragEndsWhenAMenuTakesThePointer) {
+    ActivateBar();
+    fRobot.MoveTo(30 + 15, 30 + 7);
+    fRobot.Press();
+    ReleaseOverTheMenuOfAKey();
+    fRobot.MoveTo(400, 400);
+    fRobot.MoveTo(30 + 15, 30 + 7);
+    fRobot.MoveTo(30 + 10, 30 + 9);
+    ExpectButtonWorks();
+    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+}
+
+TEST_F(BarTest, AButtonIsLetGoWhenAMenuTakesThePointer) {
+    ActivateBar();
+    const Box button = fProgram.Button(0);
+    fRobot.MoveTo(button.CenterX(), button.CenterY());
+    fRobot.Press();
+    ASSERT_TRUE(ButtonTurns(0x989898));
+    ReleaseOverTheMenuOfAKey();
+    EXPECT_TRUE(ButtonTurns(kActive));
+    ExpectButtonWorks();
+}
+
+TEST_F(BarTest, ADragEndsWhenTheBarIsMinimised) {
+    const xcb_window_t bar = fProgram.Bar().id;
+    fRobot.MoveTo(30 + 15, 30 + 7);
+    fRobot.Press();
+    fRobot.MoveTo(130 + 15, 130 + 7);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 130; }));
+    const auto iconify = fDesktop.Message(bar, "WM_CHANGE_STATE", {3});
+    xcb_send_event(fDesktop.Connection(), 0, fDesktop.Root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&iconify));
+    fDesktop.Sync();
+    ASSERT_TRUE(WaitUntil([&] { return !fScreen.IsViewable(bar); }));
+    fRobot.Release();
+    fScreen.Activate(bar);
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.IsViewable(bar); }));
+    fRobot.MoveTo(400, 400);
+    fRobot.MoveTo(130 + 15, 130 + 7);
+    fRobot.MoveTo(130 + 10, 130 + 9);
+    ExpectButtonWorks();
+    EXPECT_EQ(fProgram.Content(), (Box{130, 130, 22, 264}));
+}
+
+TEST_F(BarTest, ADragFromAButtonEndsOverTheStripWithoutTheSettings) {
+    OpenSettings();
+    CloseMenus();
+    const Box button = fProgram.Button(0);
+    fRobot.MoveTo(button.CenterX(), button.CenterY());
+    fRobot.Press();
+    fRobot.MoveTo(30 + 15, 30 + 7);
+    fRobot.Release();
+    ExpectButtonWorks();
+}
 
 TEST_F(BarTest, TheGrabbedPointStaysUnderThePointer) {
     fRobot.MoveTo(30 + 15, 30 + 7);

@@ -365,7 +365,7 @@ void BView::GetMouse(BPoint* where, uint32* buttons, bool checkMessageQueue) {
     BPoint place;
     uint32 down = 0;
     if (fWindow != nullptr)
-        fWindow->fState->GetMouse(&place, &down, checkMessageQueue);
+        fWindow->fState->GetMouse(*this, &place, &down, checkMessageQueue);
     if (where != nullptr)
         *where = place - OriginInWindow();
     if (buttons != nullptr)
@@ -390,9 +390,9 @@ bool BView::IsWatching() const {
 }
 
 status_t BView::SetMouseEventMask(uint32 mask, uint32) {
-    if (fWindow == nullptr || fWindow->fState->buttons == 0)
+    if (fWindow == nullptr || fWindow->fState->tracking != this)
         return B_ERROR;
-    fWindow->fState->masked = (mask & B_POINTER_EVENTS) ? this : nullptr;
+    fWindow->fState->isMasked = (mask & B_POINTER_EVENTS) != 0;
     return B_OK;
 }
 

@@ -85,6 +85,10 @@ public:
     virtual void Draw(BRect updateRect);
     // "buttons", "clicks" and more are in Window()->CurrentMessage().
     virtual void MouseDown(BPoint where);
+    // The view that was pressed, and no other, gets the end of the press: when the last button is
+    // released, wherever the pointer is, and also, with a place outside the view, when a menu or a
+    // drag takes the pointer or the window leaves the screen. Also called for each earlier release
+    // of several buttons.
     virtual void MouseUp(BPoint where);
     virtual void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage);
     // For the focus view. `bytes` is what the key types. Tab moves the focus to the next view that
@@ -235,8 +239,9 @@ public:
     // effect; `options` are accepted. Always B_OK.
     status_t SetEventMask(uint32 mask, uint32 options = 0);
 
-    // Called in MouseDown(): until all buttons are up, this view also gets the mouse events that
-    // are not over it. `options` are accepted; the history of the pointer is never sent.
+    // Called in MouseDown(): until the press ends, this view also gets the moves that are not over
+    // it. `options` are accepted; the history of the pointer is never sent. B_ERROR for a view that
+    // is not pressed.
     status_t SetMouseEventMask(uint32 mask, uint32 options = 0);
 
     // Has the user drag `message` from here on, until the buttons are up, and drop it on any

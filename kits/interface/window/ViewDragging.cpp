@@ -25,5 +25,8 @@ status_t BView::DragMessage(const BMessage* message, BBitmap* image, drawing_mod
     }
     auto file = std::make_shared<DraggedFile>(BMessenger(fWindow), sender);
     state.draggedFile = file;
-    return state.host->Drag(spec, file);
+    const status_t status = state.host->Drag(spec, file);
+    if (status == B_OK)
+        state.EndPress();
+    return status;
 }

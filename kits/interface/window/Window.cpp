@@ -109,6 +109,7 @@ void BWindow::Hide() {
         return;
     if (fState->hideCount++ == 0 && fState->host)
         fState->host->Hide();
+    PostMessage(kPressTaken);
     Unlock();
 }
 
@@ -295,6 +296,9 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
     case B_MOUSE_MOVED:
         fState->MouseMoved(*message);
         break;
+    case kPressTaken:
+        fState->EndPress();
+        break;
     case kPointerLeft:
         fState->PointerLeft();
         break;
@@ -320,6 +324,8 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
         break;
     case B_MINIMIZE:
         fState->isMinimized = message->GetBool("minimize");
+        if (fState->isMinimized)
+            fState->EndPress();
         break;
     case B_WORKSPACES_CHANGED:
         WorkspacesChanged(static_cast<uint32>(message->GetInt32("old", 0)),
@@ -346,7 +352,10 @@ void BWindow::MessageHandled() {
 }
 
 status_t BWindow::GrabInput(bigtime_t timeout) {
-    return fState->host ? fState->host->GrabInput(timeout) : B_NO_INIT;
+    const status_t status = fState->host ? fState->host->GrabInput(timeout) : B_NO_INIT;
+    if (status == B_OK)
+        WindowRoster::Shared().PointerTaken();
+    return status;
 }
 
 void BWindow::ReleaseInput() {

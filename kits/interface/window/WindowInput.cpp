@@ -93,28 +93,47 @@ BView* BWindow::State::ViewAt(BPoint where) {
 
 void BWindow::State::MouseDown(BMessage& message) {
     lastWhere = message.GetPoint("where", B_ORIGIN);
-    buttons = ButtonsOf(message);
+    const uint32 down = ButtonsOf(message);
+    const bool isFirst = (down & (down - 1)) == 0;
+    if (isFirst)
+        EndPress(); // of an earlier press whose release was lost
+    buttons = down;
     MoveOver(ViewAt(lastWhere), lastWhere);
-    if (over != nullptr)
+    if (tracking == nullptr) {
+        tracking = over;
+        pressPlace = place;
+    }
+    // A further button belongs to the press that has begun.
+    if (over != nullptr && over == tracking)
         over->MouseDown(lastWhere - over->OriginInWindow());
 }
 
 void BWindow::State::MouseUp(BMessage& message) {
     lastWhere = message.GetPoint("where", B_ORIGIN);
     buttons = ButtonsOf(message);
-    BView* tracking = masked;
     if (buttons == 0)
-        masked = nullptr;
-    ShowCursor();
-    if (tracking != nullptr)
+        EndPress(lastWhere);
+    else if (tracking != nullptr)
         tracking->MouseUp(lastWhere - tracking->OriginInWindow());
-    BView* under = ViewAt(lastWhere);
-    if (under != nullptr && under != tracking)
-        under->MouseUp(lastWhere - under->OriginInWindow());
+}
+
+void BWindow::State::EndPress(BPoint where, const BView* poller) {
+    buttons = 0;
+    isMasked = false;
+    BView* view = std::exchange(tracking, nullptr);
+    ShowCursor();
+    if (view == nullptr)
+        return;
+    if (view != poller)
+        view->MouseUp(where - view->OriginInWindow());
+    if (place != pressPlace)
+        BringInside();
 }
 
 void BWindow::State::MouseMoved(BMessage& message) {
     buttons = ButtonsOf(message);
+    if (buttons == 0)
+        EndPress();
     BPoint where = message.GetPoint("where", B_ORIGIN);
     // A drag may have moved the window since the event: where the pointer is on the screen holds.
     if (buttons != 0) {
@@ -128,8 +147,8 @@ void BWindow::State::MouseMoved(BMessage& message) {
         MoveOver(now, where);
     else if (now != nullptr)
         now->MouseMoved(where - now->OriginInWindow(), B_INSIDE_VIEW, nullptr);
-    if (masked != nullptr && masked != over && masked != before)
-        masked->MouseMoved(where - masked->OriginInWindow(), B_OUTSIDE_VIEW, nullptr);
+    if (isMasked && tracking != over && tracking != before)
+        tracking->MouseMoved(where - tracking->OriginInWindow(), B_OUTSIDE_VIEW, nullptr);
 }
 
 void BWindow::State::PointerLeft() {
@@ -164,7 +183,7 @@ void BWindow::State::MoveOver(BView* view, BPoint where) {
 }
 
 void BWindow::State::ShowCursor() {
-    const BView* view = masked != nullptr ? masked : over;
+    const BView* view = isMasked ? tracking : over;
     BCursor wanted = view != nullptr ? view->fCursor : BCursor();
     if (std::exchange(cursor, wanted) == wanted || !host)
         return;
@@ -301,9 +320,9 @@ void BWindow::State::Activated(bool isActiveNow, bigtime_t when) {
     root.ActivateAll(isActive);
 }
 
-void BWindow::State::GetMouse(BPoint* where, uint32* down, bool checkQueue) {
+void BWindow::State::GetMouse(const BView& poller, BPoint* where, uint32* down, bool checkQueue) {
     Present();
-    if (checkQueue && TakeMouseMessage(where, down))
+    if (checkQueue && TakeMouseMessage(poller, where, down))
         return;
     host::Display* display = host::Display::Shared();
     host::Pointer pointer = display ? display->GetPointer() : host::Pointer{};
@@ -311,19 +330,18 @@ void BWindow::State::GetMouse(BPoint* where, uint32* down, bool checkQueue) {
         // The release has happened; its message is on its way and would come as a surprise later.
         bigtime_t end = system_time() + kReleaseDeadline;
         while (system_time() < end) {
-            if (TakeMouseMessage(where, down))
+            if (TakeMouseMessage(poller, where, down))
                 return;
             snooze(1000);
         }
-        buttons = 0;
-        masked = nullptr;
+        EndPress(kNowhere, &poller);
     }
     *where = Floored({static_cast<float>((pointer.screenX - device.left) / scale),
                       static_cast<float>((pointer.screenY - device.top) / scale)});
     *down = pointer.buttons;
 }
 
-bool BWindow::State::TakeMouseMessage(BPoint* where, uint32* down) {
+bool BWindow::State::TakeMouseMessage(const BView& poller, BPoint* where, uint32* down) {
     BMessageQueue* queue = window->MessageQueue();
     queue->Lock();
     std::unique_ptr<BMessage> taken;
@@ -345,7 +363,7 @@ bool BWindow::State::TakeMouseMessage(BPoint* where, uint32* down) {
     lastWhere = taken->GetPoint("where", B_ORIGIN);
     buttons = ButtonsOf(*taken);
     if (buttons == 0)
-        masked = nullptr;
+        EndPress(lastWhere, &poller);
     *where = lastWhere;
     *down = buttons;
     return true;
@@ -355,8 +373,10 @@ void BWindow::State::Forget(BView& view) {
     ClipChanged();
     if (over == &view)
         over = nullptr;
-    if (masked == &view)
-        masked = nullptr;
+    if (tracking == &view) {
+        tracking = nullptr;
+        isMasked = false;
+    }
     ShowCursor();
     if (focus == &view)
         focus = nullptr;

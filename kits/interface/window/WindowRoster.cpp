@@ -77,6 +77,11 @@ void WindowRoster::UpdateMenus() {
         close_all_menus();
 }
 
+void WindowRoster::PointerTaken() {
+    for (const BMessenger& window : Running())
+        window.SendMessage(kPressTaken);
+}
+
 void WindowRoster::PointAtAlert() {
     if (host::Display* display = host::Display::Shared())
         display->Beep();

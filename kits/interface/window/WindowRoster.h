@@ -25,6 +25,8 @@ public:
     bool AddAlert(BAlert* alert);
     void RemoveAlert(BAlert* alert);
     bool HasAlert() const { return fHasAlert; }
+    // A menu's window has the pointer: presses in the others have ended.
+    void PointerTaken();
     // Shows the user that it is an alert that waits for an answer.
     void PointAtAlert();
 

@@ -15,6 +15,11 @@
 class BMenuItem;
 class DraggedFile;
 
+inline constexpr uint32 kPressTaken = '_kpt'; // another window has the pointer now
+
+// Outside every view, in window coordinates.
+inline const BPoint kNowhere(-32000, -32000);
+
 // The inside of a window. Everything is used with the window locked, but what is marked as
 // constant.
 struct BWindow::State {
@@ -52,6 +57,9 @@ struct BWindow::State {
     void MouseDown(BMessage& message);
     void MouseUp(BMessage& message);
     void MouseMoved(BMessage& message);
+    // The one end of a press, whatever ended it: the view that was pressed gets MouseUp(), unless
+    // it is `poller`, which has seen the end itself. At kNowhere nothing is released over it.
+    void EndPress(BPoint where = kNowhere, const BView* poller = nullptr);
     void PointerLeft();
     void ColorDropped(const BMessage& message);
     void MoveOver(BView* view, BPoint where);
@@ -69,8 +77,8 @@ struct BWindow::State {
     BMenuItem* ItemOfShortcut(BView& view, char character, uint32 modifiers);
     void FocusNext(bool backwards, bool byGroup);
     void Activated(bool isActive, bigtime_t when);
-    void GetMouse(BPoint* where, uint32* buttons, bool checkQueue);
-    bool TakeMouseMessage(BPoint* where, uint32* buttons);
+    void GetMouse(const BView& poller, BPoint* where, uint32* buttons, bool checkQueue);
+    bool TakeMouseMessage(const BView& poller, BPoint* where, uint32* buttons);
     void Forget(BView& view);
 
     BWindow* const window;
@@ -105,7 +113,9 @@ struct BWindow::State {
     BView* focus = nullptr;
     BView* watching = nullptr; // is handling a key that it got by its event mask
     BView* over = nullptr;     // the pointer is over it
-    BView* masked = nullptr;   // gets all events of the pointer until the buttons are up
+    BView* tracking = nullptr; // was pressed, and gets the release
+    bool isMasked = false;     // it also gets all moves until then
+    BPoint pressPlace;         // of the window when it was pressed
     BCursor cursor;            // as the host was told
     uint32 buttons = 0;
     BPoint lastWhere;
