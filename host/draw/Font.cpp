@@ -4,8 +4,8 @@
 #include <cmath>
 #include <system_error>
 
+#include "base/Utf8.h"
 #include "host/draw/TextLayouts.h"
-#include "host/draw/VisibleText.h"
 
 namespace host {
 
@@ -29,13 +29,6 @@ BRect LogicalInk(PangoLayoutLine* line, double scale) {
             static_cast<float>(std::floor(ink.y / scale)),
             static_cast<float>(std::ceil((ink.x + ink.width) / scale) - 1),
             static_cast<float>(std::ceil((ink.y + ink.height) / scale) - 1)};
-}
-
-void RemoveLastCharacter(std::string& text) {
-    while (!text.empty() && (text.back() & 0xc0) == 0x80)
-        text.pop_back();
-    if (!text.empty())
-        text.pop_back();
 }
 
 } // namespace
@@ -86,7 +79,7 @@ std::vector<BRect> MeasureGlyphs(const FontSpec& font, std::string_view text, do
     std::vector<BRect> glyphs;
     std::string_view rest = visible;
     while (!rest.empty()) {
-        std::string_view character = rest.substr(0, CharacterLength(rest[0]));
+        std::string_view character = rest.substr(0, FirstCharacter(rest).length);
         glyphs.push_back(LogicalInk(layouts.LineOf(key, character), scale));
         rest.remove_prefix(character.size());
     }
@@ -112,7 +105,7 @@ std::string TruncateText(const FontSpec& font, std::string_view text, float widt
     std::string kept = VisibleText(text).substr(0, cut);
     // Letters may stand closer together in the whole text than at its new end.
     while (!kept.empty() && widthOf(kept + std::string(kEllipsis)) > width)
-        RemoveLastCharacter(kept);
+        kept.resize(CutUtf8(kept, kept.size() - 1).size());
     return kept + std::string(kEllipsis);
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/draw/VisibleText.h"
+#include "base/Utf8.h"
 
 namespace host {
 
@@ -13,6 +13,11 @@ namespace {
 constexpr std::size_t kKeptLayouts = 64;
 // Fonts in use at once are a handful.
 constexpr std::size_t kKeptExtents = 16;
+
+// Laying out takes time for every byte, and a name or an address may be of any length.
+constexpr std::size_t kMaxBytes = 4096;
+// In every font, so that it brings in no second one.
+constexpr std::string_view kControlMark = "\xc2\xb7";
 
 constexpr double kMaxPixelSize = 200;
 
@@ -28,6 +33,22 @@ Description Describe(TextLayouts::FontKey font) {
 }
 
 } // namespace
+
+std::string VisibleText(std::string_view text) {
+    std::string visible;
+    visible.reserve(std::min(text.size(), kMaxBytes));
+    while (!text.empty() && visible.size() < kMaxBytes) {
+        Utf8Character character = FirstCharacter(text);
+        if (character.code == kNoCharacter)
+            visible += kReplacementMark;
+        else if (IsControl(character.code))
+            visible += kControlMark;
+        else
+            visible += text.substr(0, character.length);
+        text.remove_prefix(character.length);
+    }
+    return visible;
+}
 
 TextLayouts& TextLayouts::Shared() {
     // Never destroyed: threads may still draw while the process ends.

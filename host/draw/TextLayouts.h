@@ -16,6 +16,11 @@ struct ReleaseObject {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
 
+// What a person is shown for `text`: valid UTF-8 on one line. Bytes that are not UTF-8 become
+// replacement marks, each control character and line separator becomes one dot, and what lies
+// beyond a few thousand bytes, which no window shows, is left out. Any thread.
+std::string VisibleText(std::string_view text);
+
 // The process's one way to Pango, whose objects bear only one thread at a time: hold Lock() as long
 // as anything that came from it is in use. Made with the first use.
 class TextLayouts {

@@ -1,7 +1,7 @@
 #include "host/draw/TextStops.h"
 
+#include "base/Utf8.h"
 #include "host/draw/TextLayouts.h"
-#include "host/draw/VisibleText.h"
 
 namespace host {
 
@@ -55,17 +55,18 @@ TextStops MeasureStops(const FontSpec& font, std::string_view text, double scale
     std::size_t index = 0;
     for (int i = 0; i + 1 < count; i++) {
         const Edges& edge = edges[index];
-        index += static_cast<std::size_t>(CharacterLength(shown[index]));
+        index += FirstCharacter(shown.substr(index)).length;
         if (attributes[i].is_cursor_position || i == 0) {
             found.stops.push_back({offset, logical(edge.near), logical(edge.near),
                                    attributes[i].is_word_start != 0,
                                    attributes[i].is_word_end != 0});
         }
         found.stops.back().farX = logical(edge.far);
-        offset += ShownLength(text.substr(static_cast<std::size_t>(offset)));
+        offset += static_cast<int>(FirstCharacter(text.substr(offset)).length);
     }
     float end = found.stops.empty() ? 0 : found.stops.back().farX;
-    found.stops.push_back({offset, end, end, false, attributes[count - 1].is_word_end != 0});
+    found.stops.push_back(
+        {static_cast<int>(text.size()), end, end, false, attributes[count - 1].is_word_end != 0});
     return found;
 }
 

@@ -23,7 +23,8 @@ struct TextStops {
 };
 
 // Of one line of text as Canvas draws it at `scale` device pixels per logical pixel. A byte that is
-// not UTF-8 counts as a character. What lies beyond a few thousand bytes has no stops. Any thread.
+// not UTF-8 counts as a character, as does all that lies beyond a few thousand bytes together with
+// the character before it. Any thread.
 TextStops MeasureStops(const FontSpec& font, std::string_view text, double scale);
 
 } // namespace host

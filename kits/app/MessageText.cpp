@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/Color.h"
+#include "base/Utf8.h"
 #include "kits/app/MessageField.h"
 
 using Json = nlohmann::ordered_json;
@@ -33,38 +34,6 @@ constexpr NamedType kNamedTypes[] = {
 // Each message in a message adds the levels of its object, field list, field and value list;
 // the innermost value may have one of its own.
 constexpr size_t kMaxNesting = 4 * kMaxMessageDepth + 1;
-
-// The length of the UTF-8 character at the start of `bytes`, 0 if there is none.
-size_t CharacterLength(std::string_view bytes) {
-    const auto byte = [&](size_t i) { return i < bytes.size() ? static_cast<uint8>(bytes[i]) : 0; };
-    const auto isTail = [&](size_t i) { return (byte(i) & 0xc0) == 0x80; };
-    const uint8 lead = byte(0);
-    if (lead < 0x80)
-        return 1;
-    if (lead >= 0xc2 && lead < 0xe0)
-        return isTail(1) ? 2 : 0;
-    if (lead >= 0xe0 && lead < 0xf0) {
-        // Neither longer than needed nor a surrogate.
-        const bool isRight = !(lead == 0xe0 && byte(1) < 0xa0) && !(lead == 0xed && byte(1) > 0x9f);
-        return isRight && isTail(1) && isTail(2) ? 3 : 0;
-    }
-    if (lead >= 0xf0 && lead < 0xf5) {
-        // Neither longer than needed nor behind the last character.
-        const bool isRight = !(lead == 0xf0 && byte(1) < 0x90) && !(lead == 0xf4 && byte(1) > 0x8f);
-        return isRight && isTail(1) && isTail(2) && isTail(3) ? 4 : 0;
-    }
-    return 0;
-}
-
-bool IsUtf8(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const size_t length = CharacterLength(bytes);
-        if (length == 0)
-            return false;
-        bytes.remove_prefix(length);
-    }
-    return true;
-}
 
 Json HexOf(std::string_view bytes) {
     static const char kDigits[] = "0123456789abcdef";

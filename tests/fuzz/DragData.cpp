@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "base/Utf8.h"
 #include "kits/app/Message.h"
 #include "kits/interface/window/DragData.h"
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <cstring>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -15,7 +14,7 @@
 
 namespace test {
 
-// An input-method server by the name of "testim" that takes the key "a" and gives kGiven for it;
+// An input-method server by the name of "testim" that takes the key "a" and gives `given` for it;
 // all other keys it gives back, "d" only when the next one comes. It dies with the object, as if it
 // had crashed.
 class InputServer {
@@ -52,6 +51,7 @@ public:
     void Pause() { fPause = std::unique_lock(fLock); }
     void Resume() { fPause.unlock(); }
 
+    std::string given = kGiven; // not while a key may come
     std::atomic<int> keys = 0;
     std::atomic<int> focuses = 0;   // of contexts, so far
     std::atomic<uint32_t> spot = 0; // x in the upper half, y in the lower one
@@ -94,7 +94,7 @@ private:
             return;
         }
         size_t length = 0;
-        char* text = xcb_utf8_to_compound_text(kGiven, std::strlen(kGiven), &length);
+        char* text = xcb_utf8_to_compound_text(given.c_str(), given.size(), &length);
         xcb_im_commit_string(fServer, context, XCB_XIM_LOOKUP_CHARS, text,
                              static_cast<uint32_t>(length), 0);
         std::free(text);

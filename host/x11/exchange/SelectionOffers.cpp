@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/Utf8.h"
 #include "host/x11/exchange/SelectionAnswer.h"
-#include "host/x11/exchange/SelectionText.h"
 #include "host/x11/server/Clock.h"
 
 namespace host {

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "base/Errors.h"
-#include "host/x11/exchange/SelectionText.h"
+#include "base/Utf8.h"
 #include "host/x11/server/Clock.h"
 
 namespace host {

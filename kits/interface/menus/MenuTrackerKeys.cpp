@@ -3,6 +3,7 @@
 #include <cwctype>
 #include <locale.h>
 
+#include "base/Utf8.h"
 #include "kits/app/Message.h"
 #include "kits/interface/menus/Menu.h"
 #include "kits/interface/menus/MenuLock.h"
@@ -16,17 +17,9 @@ wint_t FirstLetter(std::string_view text) {
     static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     if (text.empty())
         return 0;
-    const auto first = static_cast<unsigned char>(text[0]);
-    const int length = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-    if (first < 0x80 || first < 0xc2 || first > 0xf4 || text.size() < static_cast<size_t>(length))
-        return first < 0x80 ? towlower_l(first, utf8) : first;
-    wint_t letter = first & (0xff >> (length + 1));
-    for (int i = 1; i < length; i++) {
-        const auto next = static_cast<unsigned char>(text[static_cast<size_t>(i)]);
-        if ((next & 0xc0) != 0x80)
-            return first;
-        letter = letter << 6 | (next & 0x3f);
-    }
+    const char32_t letter = FirstCharacter(text).code;
+    if (letter == kNoCharacter)
+        return static_cast<unsigned char>(text[0]);
     return towlower_l(letter, utf8);
 }
 

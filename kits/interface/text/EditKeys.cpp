@@ -88,7 +88,8 @@ EditKey EditKeyOf(const BMessage& keyDown) {
     auto first = static_cast<unsigned char>(bytes[0]);
     if (first == 0 || (held & B_OPTION_KEY) != 0 || (isControlled && isCommanded))
         return {};
-    if (first < B_SPACE || first == B_DELETE)
+    // An input method may give a text that begins with a new line.
+    if ((first < B_SPACE || first == B_DELETE) && bytes[1] == '\0')
         return isCommanded ? EditKey{} : SpecialKeyOf(bytes[0], isShifted, isControlled);
     if (!isControlled && !isCommanded)
         return {EditAction::Type};

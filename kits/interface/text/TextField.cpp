@@ -3,31 +3,24 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/draw/VisibleText.h"
+#include "base/Utf8.h"
+#include "kits/app/Message.h"
 #include "kits/interface/text/TextControl.h"
 #include "kits/interface/window/WindowState.h"
 
 namespace {
 
 constexpr float kMargin = 2; // left and right of the text
-// What a user may bring in: all of it is measured when the caret goes behind it.
-constexpr size_t kMaxBytes = 256 << 10;
+// All of a text is measured again with each change.
+constexpr size_t kMaxBytes = 4096;
+
+constexpr bigtime_t kBlinkInterval = 530'000;
+// It stops some seconds after the user's last change; an even number ends with a visible caret.
+constexpr int32 kBlinks = 20;
 constexpr rgb_color kPaper{255, 255, 255, 255};
 constexpr rgb_color kInk{0, 0, 0, 255};
 constexpr rgb_color kSelectionColor{172, 200, 255, 255};
 constexpr rgb_color kPassiveSelectionColor{216, 216, 216, 255};
-
-// As much of `text`, up to whole characters, as there is room for.
-std::string_view Fitting(std::string_view text, size_t room) {
-    // A text that was set may be longer than any that can be typed.
-    if (room > kMaxBytes)
-        room = 0;
-    if (text.size() <= room)
-        return text;
-    while (room > 0 && (text[room] & 0xc0) == 0x80)
-        room--;
-    return text.substr(0, room);
-}
 
 void Beep() {
     if (host::Display* display = host::Display::Shared())
@@ -105,7 +98,9 @@ void TextField::SetCaret(int32 caret, bool extends) {
 void TextField::Change(TextLine::Range range, std::string_view text, UndoHistory::Kind kind) {
     auto start = static_cast<size_t>(range.first);
     auto length = static_cast<size_t>(range.second - range.first);
-    std::string_view added = Fitting(text, kMaxBytes + length - fLine.Text().size());
+    // A text that was set may be longer than any that can be typed.
+    size_t kept = std::min(fLine.Text().size() - length, kMaxBytes);
+    std::string_view added = CutUtf8(text, kMaxBytes - kept);
     if (added.size() < text.size())
         Beep();
     fHistory.Add({range.first, fLine.Text().substr(start, length), std::string(added), Selection()},
@@ -117,10 +112,10 @@ void TextField::Change(TextLine::Range range, std::string_view text, UndoHistory
     Invalidate();
 }
 
-void TextField::Insert(const char* text) {
-    std::string line = host::LineOf(text ? text : "");
+void TextField::Insert(std::string_view text, UndoHistory::Kind kind) {
+    std::string line = OneLineOf(text);
     if (!line.empty())
-        Change(Selection(), line, UndoHistory::Kind::Other);
+        Change(Selection(), line, kind);
 }
 
 void TextField::Undo() {
@@ -173,31 +168,24 @@ void TextField::ShowCaret() {
     float place = fLine.PlaceOf(fCaret);
     float last = TextRoom() - 1;
     fScroll = std::clamp(fScroll, place - last, place);
-    float most = std::max(0.0f, fLine.Width(fScroll + last) - last);
+    float most = std::max(0.0f, fLine.Width() - last);
     fScroll = std::floor(std::clamp(fScroll, 0.0f, most + 0.5f));
 }
 
-void TextField::Draw(BRect updateRect) {
-    float left = LinePlaceOf(updateRect.LeftTop());
-    float right = LinePlaceOf(updateRect.RightBottom()) + 1;
-    DrawSelection(left, right);
+void TextField::Draw(BRect) {
+    DrawSelection();
     rgb_color ink = HighColor();
     if (!fIsEnabled)
         SetHighColor(tint_color(fControl.ViewColor(), B_DARKEN_4_TINT));
-    for (const TextLine::Part& part : fLine.PartsIn(left, right)) {
-        DrawString(part.text.data(), static_cast<int32>(part.text.size()),
-                   BPoint(kMargin - fScroll + part.x, Baseline()));
-    }
+    DrawString(Text(), BPoint(kMargin - fScroll, Baseline()));
     SetHighColor(ink);
     DrawCaret();
 }
 
-void TextField::DrawSelection(float left, float right) {
-    if (fAnchor == fCaret)
-        return;
+void TextField::DrawSelection() {
     rgb_color ink = HighColor();
     SetHighColor(ShowsFocus() ? kSelectionColor : kPassiveSelectionColor);
-    for (auto [from, to] : fLine.StretchesIn(Selection(), left, right)) {
+    for (auto [from, to] : fLine.StretchesIn(Selection())) {
         FillRect(
             BRect(kMargin - fScroll + from, 1, kMargin - fScroll + to - 1, Bounds().bottom - 1));
     }
@@ -210,7 +198,7 @@ BRect TextField::CaretFrame() const {
 }
 
 void TextField::DrawCaret() {
-    if (!ShowsFocus() || fAnchor != fCaret || !fBlink.IsVisible())
+    if (!ShowsFocus() || fAnchor != fCaret || !fShowsCaret)
         return;
     rgb_color ink = HighColor();
     SetHighColor(kInk);
@@ -219,12 +207,25 @@ void TextField::DrawCaret() {
 }
 
 void TextField::UpdateCaret() {
-    if (ShowsFocus() && fAnchor == fCaret)
-        fBlink.Restart();
-    else
-        fBlink.Stop();
-    if (ShowsFocus())
-        Window()->fState->ShowTextCaret(*this, CaretFrame());
+    fShowsCaret = true;
+    fBlinkRound++;
+    fBlinker.reset();
+    if (!ShowsFocus())
+        return;
+    if (fAnchor == fCaret) {
+        BMessage tick(kBlinkTick);
+        tick.AddInt32("round", fBlinkRound);
+        fBlinker =
+            std::make_unique<BMessageRunner>(BMessenger(this), &tick, kBlinkInterval, kBlinks);
+    }
+    Window()->fState->ShowTextCaret(*this, CaretFrame());
+}
+
+void TextField::Blink(const BMessage& tick) {
+    if (tick.GetInt32("round", 0) != fBlinkRound)
+        return;
+    fShowsCaret = !fShowsCaret;
+    Invalidate(CaretFrame());
 }
 
 void TextField::MakeFocus(bool focus) {
@@ -259,7 +260,7 @@ void TextField::FrameResized(float, float) {
 
 void TextField::DetachedFromWindow() {
     EndDrag();
-    fBlink.Stop();
+    fBlinker.reset();
     if (IsFocus())
         Window()->fState->HideTextCaret();
 }

@@ -6,7 +6,6 @@
 
 #include "host/x11/Display.h"
 #include "kits/app/MessageRunner.h"
-#include "kits/interface/text/CaretBlink.h"
 #include "kits/interface/text/EditKeys.h"
 #include "kits/interface/text/TextLine.h"
 #include "kits/interface/text/TextView.h"
@@ -15,7 +14,9 @@
 class BTextControl;
 
 // The field of a BTextControl: one line of text in one font and colour that scrolls sideways.
-// Offsets count bytes and stand between two characters as a person sees them.
+// Offsets count bytes and stand between two characters as a person sees them. What the user types
+// or brings in is kept to one line and, with the rest, to 4 KiB; a text that is set may be of any
+// length. Window's thread.
 class TextField : public BTextView {
 public:
     explicit TextField(BTextControl& control);
@@ -32,12 +33,11 @@ public:
     void Select(int32 start, int32 end);
     void SelectAll();
     void GetSelection(int32* start, int32* end) const;
-    // In the place of what is selected, as if the user had done it: new lines become blanks, other
-    // control characters are left out.
-    void Insert(const char* text);
+    // In the place of the selection, as if the user had typed it.
+    void Insert(std::string_view text, UndoHistory::Kind kind = UndoHistory::Kind::Other);
     void Undo();
     void Redo();
-    // With the desktop's clipboard. Its text comes later, as a message.
+    // With the desktop's clipboard. A pasted text comes later, as a message.
     void Cut();
     void Copy();
     void Paste();
@@ -61,19 +61,17 @@ public:
 
 private:
     enum class Drag { None, Characters, Words, All };
-    // A message to itself: the field "text", if there was any.
-    static constexpr uint32 kTextCame = '_ktc';
-    // Another: an item of its menu was chosen, "action" int32.
-    static constexpr uint32 kActionChosen = '_kta';
+    static constexpr uint32 kBlinkTick = '_kcb'; // a message to itself, "round" int32
 
     // Drawing and the place of the text (TextField.cpp).
     TextLine::Range Selection() const;
     float TextRoom() const;
-    void DrawSelection(float left, float right);
+    void DrawSelection();
     void DrawCaret();
     BRect CaretFrame() const;
     void ShowCaret();
     void UpdateCaret();
+    void Blink(const BMessage& tick);
     float LinePlaceOf(BPoint where) const;
 
     // Changes (TextField.cpp).
@@ -88,15 +86,11 @@ private:
     void DragTo(BPoint where);
     void EndDrag();
 
-    // The menu of the secondary button (TextFieldMenu.cpp).
     void OpenMenu(BPoint where);
     bool Offers(EditAction action) const;
-
-    // The desktop's selections (TextFieldClipboard.cpp).
     std::string SelectedText() const;
     void OfferSelected();
     void AskFor(host::SelectionKind selection);
-    void TakeText(const BMessage& message);
 
     BTextControl& fControl;
     TextLine fLine;
@@ -109,5 +103,7 @@ private:
     TextLine::Range fDragStart; // the word that a drag began with
     BPoint fDragPlace;
     std::unique_ptr<BMessageRunner> fScroller; // while the pointer is dragged beyond the field
-    CaretBlink fBlink{*this};
+    std::unique_ptr<BMessageRunner> fBlinker;  // null while the caret stays as it is
+    int32 fBlinkRound = 0;                     // ticks of earlier rounds may still be in the queue
+    bool fShowsCaret = true;
 };

@@ -1,14 +1,37 @@
+#include <algorithm>
+
 #include "kits/app/Message.h"
+#include "kits/interface/menus/MenuItem.h"
+#include "kits/interface/menus/PopUpMenu.h"
+#include "kits/interface/text/Clipboard.h"
 #include "kits/interface/text/TextControl.h"
 #include "kits/interface/text/TextField.h"
 #include "kits/interface/window/Window.h"
 
-#include <algorithm>
-
 namespace {
 
+// Messages to itself.
 constexpr uint32 kScroll = '_kts';
+constexpr uint32 kTextCame = '_ktc';     // "text" string
+constexpr uint32 kActionChosen = '_kta'; // "action" int32, from the menu
+
 constexpr bigtime_t kScrollInterval = 50'000;
+// Of another program's text; far more than a field takes.
+constexpr size_t kMaxTaken = 1 << 16;
+
+struct Entry {
+    const char* label; // null for a line between items
+    EditAction action;
+};
+
+// With a selection every way of erasing takes that.
+constexpr EditAction kDelete = EditAction::EraseRight;
+
+constexpr Entry kEntries[] = {
+    {"Undo", EditAction::Undo}, {"Redo", EditAction::Redo},  {nullptr, EditAction::None},
+    {"Cut", EditAction::Cut},   {"Copy", EditAction::Copy},  {"Paste", EditAction::Paste},
+    {"Delete", kDelete},        {nullptr, EditAction::None}, {"Select All", EditAction::SelectAll},
+};
 
 } // namespace
 
@@ -29,7 +52,7 @@ bool TextField::HandleKey(EditKey key, std::string_view typed) {
         fControl.Commit();
         return false;
     case EditAction::Type:
-        Change(Selection(), typed, UndoHistory::Kind::Typing);
+        Insert(typed, UndoHistory::Kind::Typing);
         return true;
     case EditAction::SelectAll:
         SelectAll();
@@ -191,9 +214,8 @@ void TextField::DragTo(BPoint where) {
 
 void TextField::MessageReceived(BMessage* message) {
     switch (message->what) {
-    case CaretBlink::kTick:
-        if (fBlink.Tick(*message))
-            Invalidate(CaretFrame());
+    case kBlinkTick:
+        Blink(*message);
         break;
     case kScroll:
         DragTo(fDragPlace);
@@ -202,9 +224,93 @@ void TextField::MessageReceived(BMessage* message) {
         HandleKey({static_cast<EditAction>(message->GetInt32("action", 0))}, {});
         break;
     case kTextCame:
-        TakeText(*message);
+        if (fIsEnabled)
+            Insert(message->GetString("text", ""));
         break;
     default:
         BTextView::MessageReceived(message);
     }
+}
+
+std::string TextField::SelectedText() const {
+    auto [start, end] = Selection();
+    return fLine.Text().substr(static_cast<size_t>(start), static_cast<size_t>(end - start));
+}
+
+void TextField::Cut() {
+    Copy();
+    if (fAnchor != fCaret)
+        Change(Selection(), {}, UndoHistory::Kind::Other);
+}
+
+void TextField::Copy() {
+    std::string text = SelectedText();
+    if (text.empty() || !be_clipboard->Lock())
+        return;
+    be_clipboard->Clear();
+    be_clipboard->Data()->AddData("text/plain", B_MIME_TYPE, text.data(),
+                                  static_cast<ssize_t>(text.size()));
+    be_clipboard->Commit();
+    be_clipboard->Unlock();
+}
+
+void TextField::Paste() {
+    AskFor(host::SelectionKind::Clipboard);
+}
+
+// The middle button brings it into other fields and programs.
+void TextField::OfferSelected() {
+    host::Display* display = host::Display::Shared();
+    if (display != nullptr && fAnchor != fCaret)
+        display->OwnSelection(host::SelectionKind::Primary, SelectedText());
+}
+
+// The program that holds the text may be slow: the window must not wait for it.
+void TextField::AskFor(host::SelectionKind selection) {
+    host::Display* display = host::Display::Shared();
+    if (display == nullptr)
+        return;
+    display->AskSelection(selection, [target = BMessenger(this)](status_t, std::string text) {
+        BMessage message(kTextCame);
+        text.resize(std::min(text.size(), kMaxTaken));
+        std::erase(text, '\0');
+        message.AddString("text", text.c_str());
+        target.SendMessage(&message);
+    });
+}
+
+bool TextField::Offers(EditAction action) const {
+    switch (action) {
+    case EditAction::Undo:
+        return fHistory.CanUndo();
+    case EditAction::Redo:
+        return fHistory.CanRedo();
+    case EditAction::Cut:
+    case EditAction::Copy:
+    case kDelete:
+        return fAnchor != fCaret;
+    case EditAction::SelectAll:
+        return TextLength() > 0;
+    default:
+        return true;
+    }
+}
+
+// The window goes on while it is open: the choice comes as a message.
+void TextField::OpenMenu(BPoint where) {
+    auto* menu = new BPopUpMenu("Edit", false, false);
+    for (const Entry& entry : kEntries) {
+        if (entry.label == nullptr) {
+            menu->AddSeparatorItem();
+            continue;
+        }
+        auto* message = new BMessage(kActionChosen);
+        message->AddInt32("action", static_cast<int32>(entry.action));
+        auto* item = new BMenuItem(entry.label, message);
+        item->SetEnabled(Offers(entry.action));
+        menu->AddItem(item);
+    }
+    menu->SetTargetForItems(BMessenger(this));
+    menu->SetAsyncAutoDestruct(true);
+    menu->Go(ConvertToScreen(where), true, true, true);
 }

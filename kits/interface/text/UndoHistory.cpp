@@ -3,14 +3,9 @@
 namespace {
 
 constexpr size_t kMaxEdits = 1000;
-constexpr size_t kMaxBytes = 1 << 20;
 
 bool BeginsWord(const TextEdit& before, const TextEdit& next) {
     return before.inserted.ends_with(' ') && !next.inserted.starts_with(' ');
-}
-
-size_t BytesOf(const TextEdit& edit) {
-    return edit.removed.size() + edit.inserted.size();
 }
 
 } // namespace
@@ -21,7 +16,8 @@ void UndoHistory::Add(TextEdit edit, Kind kind) {
     fLastKind = kind;
     if (!isContinued)
         fEdits.push_back(std::move(edit));
-    Trim();
+    if (fEdits.size() > kMaxEdits)
+        fEdits.erase(fEdits.begin());
     fDone = fEdits.size();
 }
 
@@ -47,18 +43,6 @@ bool UndoHistory::Continue(const TextEdit& edit, Kind kind) {
     last.removed.insert(0, edit.removed);
     last.offset = edit.offset;
     return true;
-}
-
-void UndoHistory::Trim() {
-    size_t kept = 0;
-    size_t bytes = 0;
-    while (kept < fEdits.size() && kept < kMaxEdits) {
-        bytes += BytesOf(fEdits[fEdits.size() - 1 - kept]);
-        if (bytes > kMaxBytes)
-            break;
-        kept++;
-    }
-    fEdits.erase(fEdits.begin(), fEdits.end() - static_cast<std::ptrdiff_t>(kept));
 }
 
 void UndoHistory::Clear() {

@@ -34,7 +34,6 @@ public:
 
 private:
     bool Continue(const TextEdit& edit, Kind kind);
-    void Trim();
 
     std::vector<TextEdit> fEdits;
     size_t fDone = 0; // those before it are in the text

@@ -14,6 +14,3 @@ std::vector<host::DragData> DragDataOf(const BMessage& message);
 // The name in "be:clip_name" of the file that the sender of the message will write where it is
 // dropped. Empty if the message offers no such copy (B_COPY_TARGET in "be:actions").
 std::string DragFileNameOf(const BMessage& message);
-
-// The same text in UTF-16, in this computer's byte order. What is no UTF-8 is left out.
-std::string Utf16Of(std::string_view text);

@@ -21,6 +21,9 @@ using testing::ElementsAre;
 
 namespace {
 
+// Its end is a new line in a form longer than UTF-8 allows.
+constexpr char kName[] = "L\xc3\xadnk\xe0\x80\x8a";
+
 // A link that is dragged as soon as it is pressed, and becomes a file.
 class Link : public RecordingView {
 public:
@@ -32,7 +35,7 @@ public:
         RecordingView::MouseDown(where);
         BMessage message(B_MIME_DATA);
         message.AddInt32("be:actions", B_COPY_TARGET);
-        message.AddString("be:clip_name", "L\xc3\xadnk");
+        message.AddString("be:clip_name", kName);
         message.AddString("be:url", "http://a.example/");
         message.AddData("text/plain", B_MIME_TYPE, "the text", 9);
         status = DragMessage(&message, new BBitmap(BRect(0, 0, 20, 10), B_RGBA32), B_OP_ALPHA,
@@ -68,7 +71,7 @@ protected:
         EXPECT_TRUE(manager.AwaitOver());
         robot.Release();
         EXPECT_TRUE(manager.AwaitDrop());
-        EXPECT_EQ(manager.SaveName(), "L\xc3\xadnk");
+        EXPECT_EQ(manager.SaveName(), kName);
         EXPECT_THAT(manager.OfferedTypes(),
                     ElementsAre("XdndDirectSave0", "text/x-moz-url", "UTF8_STRING",
                                 "text/plain;charset=utf-8", "text/plain"));
