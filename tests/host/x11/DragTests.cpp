@@ -245,16 +245,17 @@ TEST_F(DragOutTest, IsNotDroppedWhereItIsNotTaken) {
 
 TEST(FileUriTest, NamesFilesOfThisMachineOnly) {
     std::string path;
-    EXPECT_EQ(PathOfFileUri("file:///a/b%2fc%25", "here", &path), B_OK);
-    EXPECT_EQ(path, "/a/b/c%");
+    EXPECT_EQ(PathOfFileUri("file:///a/b%20c%25", "here", &path), B_OK);
+    EXPECT_EQ(path, "/a/b c%");
     EXPECT_EQ(PathOfFileUri("FILE:/x", "here", &path), B_OK);
     EXPECT_EQ(PathOfFileUri("file://Here/y", "here", &path), B_OK);
     EXPECT_EQ(PathOfFileUri("file://localhost/z\n", "here", &path), B_OK);
     EXPECT_EQ(path, "/z");
     for (const char* foreign : {"file://there/x", "sftp://here/x", "file://here.there/x"})
         EXPECT_EQ(PathOfFileUri(foreign, "here", &path), B_UNSUPPORTED) << foreign;
-    for (const char* bad : {"", "/x", "file:", "file://here", "file:x", "file:///", "file:///a/..",
-                            "file:///a/", "file:///%00", "file:///%", "file:///%g0", "file:///%2"})
+    for (const char* bad :
+         {"", "/x", "file:", "file://here", "file:x", "file:///", "file:///a/..", "file:///a/",
+          "file:///%00", "file:///a%2fb", "file:///%", "file:///%g0", "file:///%2"})
         EXPECT_EQ(PathOfFileUri(bad, "here", &path), B_BAD_VALUE) << bad;
     EXPECT_EQ(path, "/z");
     EXPECT_EQ(FileNameFor(" ..\n"), "");
