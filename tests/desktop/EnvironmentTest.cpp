@@ -61,8 +61,11 @@ protected:
     static constexpr Box kLeft = {0, 0, 700, 900};
     static constexpr Box kRight = {700, 0, 700, 700};
 
-    TwoMonitorsTest()
-        : OwnDesktopTest({.width = 1400, .height = 900, .monitors = {kLeft, kRight}}) {}
+    explicit TwoMonitorsTest(bool windowManager = true)
+        : OwnDesktopTest({.width = 1400,
+                          .height = 900,
+                          .windowManager = windowManager,
+                          .monitors = {kLeft, kRight}}) {}
     void StartAt(float x, float y) {
         BMessage settings;
         settings.AddPoint("pos", BPoint(x, y));
@@ -81,6 +84,46 @@ TEST_F(TwoMonitorsTest, TheBarIsOnAMonitorAlsoWhenOneGoes) {
     StartAt(1000, 850); // below the right one
     EXPECT_TRUE(kRight.Contains(fProgram.Content()));
     fOwn.SetMonitors({kLeft});
+    EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
+}
+
+TEST_F(TwoMonitorsTest, ABarComesBackWhenLessThanHalfOfItsStripIsSeen) {
+    StartAt(-11, 893); // half of the strip's width, half of its height
+    EXPECT_TRUE(kLeft.Contains(fProgram.Content()));
+    fProgram.Stop();
+    StartAt(-11, 400);
+    EXPECT_EQ(fProgram.Content().x, -11);
+    fProgram.Stop();
+    StartAt(-12, 400);
+    EXPECT_TRUE(kLeft.Contains(fProgram.Content()));
+    // So it does when a person leaves it there.
+    const Box strip = fProgram.DragBar();
+    fRobot.MoveTo(strip.x + strip.width - 2, strip.y + 7);
+    fRobot.Press();
+    fRobot.MoveTo(3, 400);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Content().x < -15; }));
+    fRobot.Release();
+    EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
+}
+
+// Where nobody keeps windows on the screen.
+class UnmanagedMonitorsTest : public TwoMonitorsTest {
+protected:
+    UnmanagedMonitorsTest()
+        : TwoMonitorsTest(false) {}
+};
+
+TEST_F(UnmanagedMonitorsTest, ADragWhoseMonitorGoesEndsOnAnother) {
+    StartAt(1000, 300);
+    fRobot.MoveTo(1015, 307);
+    fRobot.Press();
+    fRobot.MoveTo(1115, 307);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 1100; }));
+    fOwn.SetMonitors({kLeft});
+    ASSERT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
+    fRobot.MoveTo(1215, 407);
+    ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 1200; }));
+    fRobot.Release();
     EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
 }
 

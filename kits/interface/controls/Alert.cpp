@@ -12,7 +12,6 @@
 #include "kits/interface/controls/AlertIcon.h"
 #include "kits/interface/controls/Button.h"
 #include "kits/interface/text/TextView.h"
-#include "kits/interface/window/Monitors.h"
 #include "kits/interface/window/Screen.h"
 #include "kits/interface/window/WindowRoster.h"
 #include "kits/interface/window/WindowState.h"

@@ -164,6 +164,10 @@ void BWindow::ResizeBy(float width, float height) {
     ResizeTo(fState->width + width, fState->height + height);
 }
 
+void BWindow::SetGrip(BRect grip) {
+    fState->grip = grip;
+}
+
 BPoint BWindow::ConvertToScreen(BPoint point) const {
     return point + fState->place;
 }

@@ -79,8 +79,7 @@ public:
     BView* FindView(BPoint where) const;
 
     // Calls are counted: a window that was hidden twice needs two Show(). The first Show() draws
-    // the window, puts it on the screen and starts its thread; a window that would lie outside
-    // every monitor is moved into the nearest one first. Any thread.
+    // the window, puts it on the screen, in reach (see SetGrip), and starts its thread. Any thread.
     virtual void Show();
     virtual void Hide();
     bool IsHidden() const;
@@ -104,6 +103,12 @@ public:
     void MoveBy(float x, float y);
     void ResizeTo(float width, float height);
     void ResizeBy(float width, float height);
+
+    // The part, in the window's coordinates, that a person moves the window by; the whole window
+    // unless it is set. A window whose grip is out of reach when it is first shown, when a press
+    // that moved it ends or when the monitors change is moved into the nearest monitor: half of the
+    // grip, or 20 by 20 pixels of it, must be on one. An addition to the platform.
+    void SetGrip(BRect grip);
 
     BPoint ConvertToScreen(BPoint point) const;
     BPoint ConvertFromScreen(BPoint point) const;

@@ -5,12 +5,13 @@
 #include <utility>
 
 #include "kits/interface/drawing/HostFont.h"
-#include "kits/interface/window/Monitors.h"
+#include "kits/interface/window/Screen.h"
 #include "kits/interface/window/WindowRoster.h"
 
 namespace {
 
 constexpr float kMaxSide = 16000;
+constexpr float kEnoughGrip = 20; // wide and high, to be taken hold of
 
 // What a program asks for may come from a settings file.
 float UsablePlace(float at) {
@@ -141,6 +142,14 @@ void BWindow::State::ContentResized(BRect oldBounds) {
         Invalidate(rect);
 }
 
+host::PixelRect BWindow::State::GripOnScreen() const {
+    const BRect part = grip.IsValid() ? grip : Bounds();
+    const int left = device.left + DevicePlace(part.left, scale);
+    const int top = device.top + DevicePlace(part.top, scale);
+    return {left, top, left + DeviceLength(part.Width(), scale),
+            top + DeviceLength(part.Height(), scale)};
+}
+
 void BWindow::State::BringInside() {
     host::Display* display = host::Display::Shared();
     if (display == nullptr || IsMenu() || IsBubble())
@@ -148,9 +157,10 @@ void BWindow::State::BringInside() {
     int border = Spec().border;
     host::PixelRect whole{device.left - border, device.top - border, device.right + border,
                           device.bottom + border};
-    host::PixelRect inside = BroughtInside(display->Monitors(), whole);
-    if (inside == whole)
+    const std::vector<host::PixelRect> monitors = display->Monitors();
+    if (IsInReach(monitors, GripOnScreen(), DeviceLength(kEnoughGrip - 1, scale)))
         return;
+    const host::PixelRect inside = MovedInside(monitors, whole);
     window->MoveTo(static_cast<float>((inside.left + border) / scale),
                    static_cast<float>((inside.top + border) / scale));
 }

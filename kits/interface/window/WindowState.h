@@ -40,6 +40,7 @@ struct BWindow::State {
     void TakeFrame(const host::PixelRect& device);
     void ContentResized(BRect oldBounds);
     void BringInside();
+    host::PixelRect GripOnScreen() const;
 
     // Drawing (WindowDrawing.cpp). Regions are in window coordinates.
     void Invalidate(BRect rect);
@@ -95,6 +96,7 @@ struct BWindow::State {
     float height;
     host::PixelRect device;   // the same as the host was told or told us
     host::PixelRect reported; // as the frame hooks were told
+    BRect grip;               // not valid: the whole window
     int32 hideCount = 1;
     bool hasRun = false;
     bool hasShown = false;

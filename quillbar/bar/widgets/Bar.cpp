@@ -103,6 +103,7 @@ void QBBar::SetAlign(QBAlign align) {
         ResizeTo(kThickness, window.Height());
     else
         ResizeTo(window.Width(), kThickness);
+    Window()->SetGrip(Frame());
 }
 
 void QBBar::DblClicked(BPoint) {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "kits/interface/window/Monitors.h"
+#include "kits/interface/window/Screen.h"
 
 namespace {
 
@@ -46,12 +46,15 @@ TEST_F(WindowTest, StoredPlacesComeBackToThePixelAtEveryScale) {
     EXPECT_EXIT(RestorePlaces(144), ::testing::ExitedWithCode(0), "");
 }
 
-TEST(Monitors, AWindowIsMovedOnlyWhenNoMonitorShowsIt) {
+TEST(Screen, AWindowOutOfReachIsMovedIntoTheNearestMonitor) {
     const std::vector<host::PixelRect> monitors = {{0, 0, 1000, 800}, {1000, 200, 1800, 800}};
-    const host::PixelRect partly{-20, -20, 10, 10};
-    EXPECT_EQ(BroughtInside(monitors, partly), partly);
-    EXPECT_EQ(BroughtInside(monitors, {1900, 100, 2000, 150}),
+    EXPECT_TRUE(IsInReach(monitors, {-280, 780, 20, 1000}, 20));
+    EXPECT_FALSE(IsInReach(monitors, {-280, 781, 20, 1000}, 20));
+    EXPECT_TRUE(IsInReach(monitors, {993, 100, 1007, 114}, 20));
+    EXPECT_FALSE(IsInReach(monitors, {994, 100, 1008, 114}, 20));
+    EXPECT_TRUE(IsInReach(monitors, {990, 193, 1010, 207}, 20)) << "three quarters on two monitors";
+    EXPECT_EQ(MovedInside(monitors, {1900, 100, 2000, 150}),
               (host::PixelRect{1700, 200, 1800, 250}));
-    EXPECT_EQ(BroughtInside(monitors, {-500, 900, -400, 950}), (host::PixelRect{0, 750, 100, 800}));
-    EXPECT_EQ(BroughtInside(monitors, {5000, 300, 7000, 2000}).left, 1000);
+    EXPECT_EQ(MovedInside(monitors, {-500, 900, -400, 950}), (host::PixelRect{0, 750, 100, 800}));
+    EXPECT_EQ(MovedInside(monitors, {5000, 300, 7000, 2000}).left, 1000);
 }
