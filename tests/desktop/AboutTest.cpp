@@ -1,7 +1,7 @@
 // The about box of the running program.
 
 #include "tests/desktop/DesktopTest.h"
-#include "tests/host/x11/OtherProgram.h"
+#include "tests/support/Peer.h"
 
 using namespace test;
 
@@ -44,9 +44,9 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     fRobot.Key(XK_End);
     fRobot.Key(XK_Return);
     ASSERT_TRUE(MenusClosed());
-    host::OtherProgram other(fDesktop);
+    Peer other(fDesktop);
     EXPECT_TRUE(WaitUntil(
-        [&] { return other.Converted("CLIPBOARD", "UTF8_STRING") == "http://quillbar.example/"; }));
+        [&] { return other.Ask("CLIPBOARD", "UTF8_STRING") == "http://quillbar.example/"; }));
 
     // Each request opens one more; closing one leaves the rest.
     ActivateBar();

@@ -2,7 +2,7 @@
 
 #include "base/Color.h"
 #include "tests/desktop/DesktopTest.h"
-#include "tests/support/DragPartner.h"
+#include "tests/support/Peer.h"
 
 using namespace test;
 
@@ -34,10 +34,10 @@ protected:
     }
     // What the bar says to it.
     std::optional<bool> DropOn(const Box& part, const std::string& type) {
-        return fPartner.DragTo(fProgram.Bar().id, part.CenterX(), part.CenterY(), {type});
+        return fPartner.Drop(fProgram.Bar().id, part.CenterX(), part.CenterY(), {type});
     }
 
-    DragPartner fPartner{fDesktop};
+    Peer fPartner{fDesktop};
 };
 
 TEST_F(DropTest, AColorOnAnyPartIsTheBarsAndIsKept) {

@@ -7,13 +7,13 @@
 #include "base/Errors.h"
 #include "host/x11/exchange/FileUri.h"
 #include "tests/host/x11/Recorded.h"
-#include "tests/support/DragPartner.h"
+#include "tests/support/Peer.h"
 #include "tests/support/Robot.h"
 
 namespace host {
 namespace {
 
-using test::DragPartner;
+using test::Peer;
 using test::WaitUntil;
 using testing::ElementsAre;
 
@@ -29,7 +29,7 @@ protected:
     TestDisplay display{desktop};
     TestWindow window = display.CreateShown(BarSpec({100, 100, 140, 300}));
     const xcb_window_t id = display.IdOf(window);
-    DragPartner partner{desktop, {400, 100, 200, 200}};
+    Peer partner{desktop, {400, 100, 200, 200}};
 };
 
 class DropInTest : public DragTest {};
@@ -38,7 +38,7 @@ TEST_F(DropInTest, AColorComesToItsPlace) {
     partner.offered[kColorType] = {std::string("\x11\x10\x22\x20\x33\x30\x00\x00", 8), 16};
     std::vector<std::string> types(2000, "text/html");
     types[900] = kColorType;
-    EXPECT_EQ(partner.DragTo(id, 110, 130, types), true);
+    EXPECT_EQ(partner.Drop(id, 110, 130, types), true);
     ASSERT_TRUE(window.events->Await<ColorDropped>());
     const auto dropped = window.events->Last<ColorDropped>();
     EXPECT_EQ(dropped.x, 10);
@@ -47,13 +47,13 @@ TEST_F(DropInTest, AColorComesToItsPlace) {
     // It is read once, however far it is dragged, and may come in parts of one.
     partner.offered = {{"UTF8_STRING", {"  #A0b0C0\n"}}};
     partner.requests = 0;
-    partner.Take();
+    partner.Own("XdndSelection");
     partner.Enter(id, {"UTF8_STRING"});
     for (int y : {120, 140, 160}) {
         partner.Move(id, 120, y);
         EXPECT_EQ(partner.AwaitStatus(), true);
     }
-    partner.Drop(id);
+    partner.LetGo(id);
     EXPECT_EQ(partner.AwaitFinish(), true);
     EXPECT_EQ(partner.requests, 1u);
     EXPECT_EQ(window.events->Last<ColorDropped>().color, (rgb_color{0xa0, 0xb0, 0xc0, 255}));
@@ -62,45 +62,45 @@ TEST_F(DropInTest, AColorComesToItsPlace) {
 
 TEST_F(DropInTest, RefusesWhatIsNoColorAndWhatComesOutOfOrder) {
     const uint32 huge = 200u << 20;
-    const DragPartner::Data refused[] = {
+    const Peer::Data refused[] = {
         {white.substr(2), 16},
         {white + "\xff\xff", 16},
         {std::string(3'000'000, '\xff'), 16},
         {std::string(reinterpret_cast<const char*>(&huge), 4), 32, "INCR"},
     };
-    for (const DragPartner::Data& data : refused) {
+    for (const Peer::Data& data : refused) {
         partner.offered[kColorType] = data;
-        EXPECT_EQ(partner.DragTo(id, 110, 130, {kColorType}), false) << data.bytes.size();
+        EXPECT_EQ(partner.Drop(id, 110, 130, {kColorType}), false) << data.bytes.size();
     }
     for (const char* text : {"", "#12345", "#1234567", "#12345g", "# 12345", "#+12345"}) {
         partner.offered["text/plain"] = {text};
-        EXPECT_EQ(partner.DragTo(id, 110, 130, {"text/plain"}), false) << text;
+        EXPECT_EQ(partner.Drop(id, 110, 130, {"text/plain"}), false) << text;
     }
-    partner.Drop(id); // has left
+    partner.LetGo(id); // has left
     EXPECT_EQ(partner.AwaitFinish(), false);
     partner.Move(id, 110, 130);
     EXPECT_EQ(partner.AwaitStatus(), false);
     partner.Enter(id, {kColorType});
-    partner.Drop(id); // at no place
+    partner.LetGo(id); // at no place
     EXPECT_EQ(partner.AwaitFinish(), false);
     EXPECT_TRUE(window.events->All<ColorDropped>().empty());
 }
 
 TEST_F(DropInTest, OutlivesSourcesThatStopOrDie) {
     partner.offered[kColorType] = {"", 0};
-    EXPECT_EQ(partner.DragTo(id, 110, 130, {kColorType}), false);
+    EXPECT_EQ(partner.Drop(id, 110, 130, {kColorType}), false);
     {
-        DragPartner dying(desktop);
+        Peer dying(desktop);
         dying.offered[kColorType] = {"", 0};
-        dying.Take();
+        dying.Own("XdndSelection");
         dying.Enter(id, {kColorType});
         dying.Move(id, 110, 130);
-        dying.Drop(id);
+        dying.LetGo(id);
         display.AwaitEvents();
     }
     // The next one need not wait for it.
     partner.offered[kColorType] = {white, 16};
-    EXPECT_EQ(partner.DragTo(id, 110, 130, {kColorType}), true);
+    EXPECT_EQ(partner.Drop(id, 110, 130, {kColorType}), true);
 }
 
 TEST_F(DropInTest, SurvivesAnyMessages) {
@@ -118,7 +118,7 @@ TEST_F(DropInTest, SurvivesAnyMessages) {
                             desktop.Atom(kColorType),
                             desktop.Atom("text/plain")};
     partner.offered[kColorType] = {white, 16};
-    partner.Take();
+    partner.Own("XdndSelection");
     for (int i = 0; i < 10'000; i++) {
         std::vector<uint32> data(5);
         for (uint32& word : data)
@@ -127,9 +127,9 @@ TEST_F(DropInTest, SurvivesAnyMessages) {
     }
     display.AwaitEvents();
     window.events->Forget();
-    DragPartner later(desktop);
+    Peer later(desktop);
     later.offered = partner.offered;
-    EXPECT_EQ(later.DragTo(id, 110, 130, {kColorType}), true);
+    EXPECT_EQ(later.Drop(id, 110, 130, {kColorType}), true);
     EXPECT_TRUE(window.events->Await<ColorDropped>());
 }
 
@@ -217,7 +217,7 @@ TEST_F(DragOutTest, IsNotDroppedWhereItIsNotTaken) {
     robot.Release();
     EXPECT_TRUE(partner.AwaitLeave());
     // A target that says nothing, and one that dies.
-    auto silent = std::make_unique<DragPartner>(desktop, test::Box{700, 100, 200, 200});
+    auto silent = std::make_unique<Peer>(desktop, test::Box{700, 100, 200, 200});
     silent->answers = false;
     ASSERT_EQ(Begin(), B_OK);
     robot.MoveTo(800, 200);

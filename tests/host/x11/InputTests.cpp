@@ -6,11 +6,13 @@
 #include "host/x11/server/Clock.h"
 #include "tests/host/x11/Recorded.h"
 #include "tests/host/x11/SessionInput.h"
+#include "tests/support/Peer.h"
 #include "tests/support/Robot.h"
 
 namespace host {
 namespace {
 
+using test::Peer;
 using test::PlainWindow;
 using test::PrivateDesktop;
 using test::Robot;
@@ -57,16 +59,11 @@ TEST_F(Input, ThePointerIsOverAWindowOnlyWhileItsEventsComeThere) {
     };
     EXPECT_TRUE(becomes(true)) << "mapped under the pointer";
 
-    const auto grab =
-        xcb_grab_pointer(fDesktop.Connection(), false, fDesktop.Root(), 0, XCB_GRAB_MODE_ASYNC,
-                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
-    Reply<xcb_grab_pointer_reply_t> granted(
-        xcb_grab_pointer_reply(fDesktop.Connection(), grab, nullptr));
-    ASSERT_EQ(granted->status, XCB_GRAB_STATUS_SUCCESS);
+    Peer other(fDesktop);
+    ASSERT_TRUE(other.GrabPointer());
     EXPECT_TRUE(becomes(false)) << "another program took it";
     fRobot.MoveTo(700, 700);
-    xcb_ungrab_pointer(fDesktop.Connection(), XCB_CURRENT_TIME);
-    fDesktop.Sync();
+    other.Ungrab();
     fDisplay.AwaitEvents();
     EXPECT_FALSE(window.events->Last<PointerOver>().over);
 
@@ -235,8 +232,8 @@ TEST_F(Input, PointerLeavesTheWindowForAGrabbingMenu) {
 
 TEST_F(Input, GrabWaitsForOthersAndGivesUpInTime) {
     TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
-    auto foreign = std::make_unique<ForeignGrab>(fDesktop);
-    ASSERT_TRUE(foreign->IsHeld());
+    Peer foreign(fDesktop);
+    ASSERT_TRUE(foreign.GrabKeyboard());
     bigtime_t start = Now();
     EXPECT_EQ(menu->GrabInput(100'000), B_TIMED_OUT);
     EXPECT_GE(Now() - start, 100'000);
@@ -248,14 +245,14 @@ TEST_F(Input, GrabWaitsForOthersAndGivesUpInTime) {
     std::thread releaser([&] {
         // Long enough for several tries; whether it is does not change the result.
         std::this_thread::sleep_for(std::chrono::milliseconds(40));
-        foreign.reset();
+        foreign.Die();
     });
     EXPECT_EQ(menu->GrabInput(10'000'000), B_OK);
     releaser.join();
-    EXPECT_FALSE(ForeignGrab(fDesktop).IsHeld());
+    EXPECT_FALSE(Peer(fDesktop).GrabKeyboard());
     menu->ReleaseInput();
     fDisplay->Sync();
-    EXPECT_TRUE(ForeignGrab(fDesktop).IsHeld());
+    EXPECT_TRUE(Peer(fDesktop).GrabKeyboard());
 }
 
 TEST_F(Input, ProgramLosesTheFocusToOthersOnly) {

@@ -2,15 +2,16 @@
 
 #include <gmock/gmock.h>
 #include <xcb/xinput.h>
-#include <xcb/xtest.h>
 
 #include "tests/host/x11/Recorded.h"
 #include "tests/host/x11/SessionInput.h"
+#include "tests/support/Peer.h"
 #include "tests/support/Robot.h"
 
 namespace host {
 namespace {
 
+using test::Peer;
 using test::PlainWindow;
 using test::PrivateDesktop;
 using test::Robot;
@@ -39,13 +40,8 @@ protected:
     }
     ~RawKeyTest() override { SetLayout({"us"}); }
 
-    void Send(uint8 type, const Place& place) {
-        xcb_test_fake_input(fDesktop.Connection(), type, place.number, XCB_CURRENT_TIME,
-                            XCB_WINDOW_NONE, 0, 0, 0);
-        fDesktop.Sync();
-    }
-    void Press(const Place& place) { Send(XCB_KEY_PRESS, place); }
-    void Release(const Place& place) { Send(XCB_KEY_RELEASE, place); }
+    void Press(const Place& place) { fPeer.PressKey(place.number); }
+    void Release(const Place& place) { fPeer.ReleaseKey(place.number); }
 
     // What was told until now.
     std::vector<SessionKey> Told() {
@@ -61,6 +57,7 @@ protected:
     TestDisplay fDisplay{fDesktop};
     PlainWindow fOther{fDesktop, {600, 300, 200, 100}};
     Robot fRobot{fDesktop};
+    Peer fPeer{fDesktop};
 };
 
 TEST_F(RawKeyTest, AreToldOnceByTheirPlace) {
@@ -118,14 +115,12 @@ TEST_F(RawKeyTest, RepeatingKeysStayOnePress) {
 }
 
 TEST_F(RawKeyTest, GrabsHideNothing) {
-    {
-        ForeignGrab grab(fDesktop);
-        ASSERT_TRUE(grab.IsHeld());
-        Press(kKeypad3);
-        Release(kKeypad3);
-        EXPECT_EQ(Told().size(), 2u);
-    }
-    EXPECT_TRUE(ForeignGrab(fDesktop).IsHeld()) << "watching takes hold of nothing";
+    ASSERT_TRUE(fPeer.GrabKeyboard());
+    Press(kKeypad3);
+    Release(kKeypad3);
+    EXPECT_EQ(Told().size(), 2u);
+    fPeer.Ungrab();
+    EXPECT_TRUE(Peer(fDesktop).GrabKeyboard()) << "watching takes hold of nothing";
     // The program's own.
     TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
     Press(kDigit1);

@@ -1,14 +1,16 @@
+#include <cstring>
 #include <future>
 
 #include <gmock/gmock.h>
 
 #include "base/Errors.h"
-#include "tests/host/x11/OtherProgram.h"
 #include "tests/host/x11/Recorded.h"
+#include "tests/support/Peer.h"
 
 namespace host {
 namespace {
 
+using test::Peer;
 using test::PrivateDesktop;
 using test::WaitUntil;
 
@@ -43,22 +45,23 @@ protected:
 
     PrivateDesktop& desktop = PrivateDesktop::Shared();
     TestDisplay display{desktop};
-    OtherProgram other{desktop};
+    Peer other{desktop};
 };
 
 TEST_F(SelectionTest, OffersItsTextInTheFormsThatOthersAskFor) {
     const std::string text = "gr\xc3\xbc\xc3\x9f \xe2\x82\xac";
     display->OwnSelection(SelectionKind::Clipboard, text);
     for (const char* target : {"UTF8_STRING", "TEXT", "text/plain;charset=utf-8"})
-        EXPECT_EQ(other.Converted("CLIPBOARD", target), text) << target;
-    EXPECT_EQ(other.Converted("CLIPBOARD", "STRING"), "gr\xfc\xdf ?");
-    EXPECT_EQ(other.Converted("CLIPBOARD", "TIMESTAMP").size(), 4u);
-    EXPECT_EQ(other.Converted("CLIPBOARD", "TARGETS").size(), 7 * 4u);
-    EXPECT_EQ(other.Converted("CLIPBOARD", "image/png"), "");
-    EXPECT_EQ(other.Converted("PRIMARY", "UTF8_STRING"), "");
+        EXPECT_EQ(other.Ask("CLIPBOARD", target), text) << target;
+    EXPECT_EQ(other.Ask("CLIPBOARD", "STRING"), "gr\xfc\xdf ?");
+    EXPECT_EQ(other.Ask("CLIPBOARD", "TIMESTAMP")->size(), 4u);
+    EXPECT_EQ(other.Ask("CLIPBOARD", "TARGETS")->size(), 7 * 4u);
+    EXPECT_EQ(other.Ask("CLIPBOARD", "image/png"), std::nullopt);
+    EXPECT_EQ(other.Ask("PRIMARY", "UTF8_STRING"), std::nullopt);
 
-    other.SetAtoms("TAKEN", {"UTF8_STRING", "FIRST", "image/png", "SECOND", "MULTIPLE", "THIRD"});
-    const std::string pairs = other.Converted("CLIPBOARD", "MULTIPLE");
+    other.SetAtoms("TAKEN", {"UTF8_STRING", "FIRST", "image/png", "SECOND", "MULTIPLE", "THIRD"},
+                   "ATOM_PAIR");
+    const std::string pairs = other.Ask("CLIPBOARD", "MULTIPLE").value_or("");
     ASSERT_EQ(pairs.size(), 6 * 4u);
     xcb_atom_t atoms[6];
     std::memcpy(atoms, pairs.data(), sizeof(atoms));
@@ -72,36 +75,36 @@ TEST_F(SelectionTest, SendsALongTextInPartsAlsoToSeveralAndWhenOneDies) {
     const std::string text = LongText(1'000'000);
     display->OwnSelection(SelectionKind::Primary, text);
     {
-        OtherProgram dying(desktop);
-        dying.Converted("PRIMARY", "UTF8_STRING");
-        ASSERT_EQ(dying.lastType, desktop.Atom("INCR"));
+        Peer dying(desktop);
+        dying.Ask("PRIMARY", "UTF8_STRING");
+        ASSERT_EQ(dying.askedType, desktop.Atom("INCR"));
     }
-    OtherProgram second(desktop);
-    EXPECT_EQ(other.Converted("PRIMARY", "UTF8_STRING").size(), 4u);
-    EXPECT_EQ(second.Converted("PRIMARY", "UTF8_STRING").size(), 4u);
+    Peer second(desktop);
+    EXPECT_EQ(other.Ask("PRIMARY", "UTF8_STRING")->size(), 4u);
+    EXPECT_EQ(second.Ask("PRIMARY", "UTF8_STRING")->size(), 4u);
     // What it holds now does not matter to what is on its way.
     display->OwnSelection(SelectionKind::Primary, "short");
-    EXPECT_EQ(second.TakeParts(), text);
-    EXPECT_EQ(other.TakeParts(), text);
-    EXPECT_EQ(other.Converted("PRIMARY", "UTF8_STRING"), "short");
+    EXPECT_EQ(second.AwaitParts(), text);
+    EXPECT_EQ(other.AwaitParts(), text);
+    EXPECT_EQ(other.Ask("PRIMARY", "UTF8_STRING"), "short");
 }
 
 TEST_F(SelectionTest, AsksForOtherFormsWhenTheFirstIsRefused) {
     auto nobody = Ask(SelectionKind::Clipboard);
     EXPECT_EQ(Await(nobody).status, B_ENTRY_NOT_FOUND);
 
-    other.Take("CLIPBOARD");
+    other.Own("CLIPBOARD");
     auto answer = Ask(SelectionKind::Clipboard);
     for (const char* target : {"UTF8_STRING", "text/plain;charset=utf-8"}) {
         auto request = other.AwaitRequest();
-        ASSERT_TRUE(request && other.Asks(*request, target));
-        other.Notify(*request, XCB_NONE);
+        ASSERT_TRUE(request && other.IsFor(*request, target));
+        other.Refuse(*request);
     }
     auto request = other.AwaitRequest();
-    ASSERT_TRUE(request && other.Asks(*request, "STRING"));
-    other.Give(*request, "STRING",
-               "\xfc"
-               "ber");
+    ASSERT_TRUE(request && other.IsFor(*request, "STRING"));
+    other.Answer(*request, {"\xfc"
+                            "ber",
+                            8, "STRING"});
     Answer got = Await(answer);
     EXPECT_EQ(got.status, B_OK);
     EXPECT_EQ(got.text, "\xc3\xbc"
@@ -111,23 +114,23 @@ TEST_F(SelectionTest, AsksForOtherFormsWhenTheFirstIsRefused) {
     display->OwnSelection(SelectionKind::Clipboard, "own");
     answer = Ask(SelectionKind::Clipboard);
     EXPECT_EQ(Await(answer).text, "own");
-    other.Take("CLIPBOARD");
+    other.Own("CLIPBOARD");
     display.AwaitEvents();
     answer = Ask(SelectionKind::Clipboard);
     request = other.AwaitRequest();
     ASSERT_TRUE(request);
-    other.Give(*request, "UTF8_STRING", "theirs");
+    other.Answer(*request, {"theirs"});
     EXPECT_EQ(Await(answer).text, "theirs");
 }
 
 TEST_F(SelectionTest, TakesALongTextInPartsUpToABound) {
-    other.Take("CLIPBOARD");
+    other.Own("CLIPBOARD");
     auto answer = Ask(SelectionKind::Clipboard);
     auto request = other.AwaitRequest();
     ASSERT_TRUE(request);
     other.BeginParts(*request);
     for (const char* part : {"one ", "two ", "three", ""})
-        EXPECT_TRUE(other.GivePart(*request, part));
+        EXPECT_TRUE(other.AnswerPart(*request, part));
     EXPECT_EQ(Await(answer).text, "one two three");
 
     answer = Ask(SelectionKind::Clipboard);
@@ -137,7 +140,7 @@ TEST_F(SelectionTest, TakesALongTextInPartsUpToABound) {
     const std::string part(200'000, 'x');
     size_t given = 0;
     while (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready &&
-           given < (size_t{20} << 20) && other.GivePart(*request, part))
+           given < (size_t{20} << 20) && other.AnswerPart(*request, part))
         given += part.size();
     Answer got = Await(answer);
     EXPECT_EQ(got.status, B_NO_MEMORY);
@@ -146,14 +149,14 @@ TEST_F(SelectionTest, TakesALongTextInPartsUpToABound) {
 }
 
 TEST_F(SelectionTest, GivesUpOwnersThatStopAnswering) {
-    auto dying = std::make_unique<OtherProgram>(desktop);
-    dying->Take("PRIMARY");
+    auto dying = std::make_unique<Peer>(desktop);
+    dying->Own("PRIMARY");
     auto half = Ask(SelectionKind::Primary);
     auto request = dying->AwaitRequest();
     ASSERT_TRUE(request);
     dying->BeginParts(*request);
-    dying->GivePart(*request, "a beginning");
-    other.Take("CLIPBOARD");
+    dying->AnswerPart(*request, "a beginning");
+    other.Own("CLIPBOARD");
     auto silent = Ask(SelectionKind::Clipboard);
     dying.reset();
     // Meanwhile all else goes on.
@@ -168,12 +171,12 @@ TEST_F(SelectionTest, LeavesTheClipboardToItsManager) {
     display->OwnSelection(SelectionKind::Clipboard, text);
     // Without a manager there is nothing to wait for.
     display->SaveClipboard(60'000'000);
-    other.Take("CLIPBOARD_MANAGER");
+    other.Own("CLIPBOARD_MANAGER");
     auto saving = std::async(std::launch::async, [&] { display->SaveClipboard(60'000'000); });
     auto request = other.AwaitRequest();
-    ASSERT_TRUE(request && other.Asks(*request, "SAVE_TARGETS"));
-    other.Converted("CLIPBOARD", "UTF8_STRING");
-    EXPECT_EQ(other.TakeParts(), text);
+    ASSERT_TRUE(request && other.IsFor(*request, "SAVE_TARGETS"));
+    other.Ask("CLIPBOARD", "UTF8_STRING");
+    EXPECT_EQ(other.AwaitParts(), text);
     EXPECT_NE(saving.wait_for(std::chrono::seconds(0)), std::future_status::ready);
     other.Notify(*request, request->property);
     EXPECT_EQ(saving.wait_for(test::kDeadline), std::future_status::ready);

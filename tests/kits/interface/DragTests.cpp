@@ -14,7 +14,7 @@
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"
 #include "tests/kits/interface/InterfaceTest.h"
-#include "tests/support/DragPartner.h"
+#include "tests/support/Peer.h"
 
 using namespace test;
 using testing::ElementsAre;
@@ -91,7 +91,7 @@ protected:
         window->AddChild(view);
         return view;
     }();
-    DragPartner manager{desktop, {600, 200, 200, 200}};
+    Peer manager{desktop, {600, 200, 200, 200}};
     std::string folder = "/tmp/drag-test-XXXXXX";
 };
 

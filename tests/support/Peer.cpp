@@ -1,0 +1,323 @@
+#include "tests/support/Peer.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+#include <xcb/xtest.h>
+
+namespace test {
+
+using host::Reply;
+
+namespace {
+
+constexpr uint32_t kDragVersion = 5;
+
+} // namespace
+
+Peer::Peer(PrivateDesktop& desktop, const Box& frame)
+    : fDesktop(desktop)
+    , fConnection(xcb_connect(desktop.Name().c_str(), nullptr))
+    , fWindow(xcb_generate_id(fConnection)) {
+    const uint32_t values[] = {0x8090a0, true, XCB_EVENT_MASK_PROPERTY_CHANGE};
+    xcb_create_window(fConnection, XCB_COPY_FROM_PARENT, fWindow, desktop.Root(),
+                      static_cast<int16_t>(frame.x), static_cast<int16_t>(frame.y),
+                      static_cast<uint16_t>(std::max(frame.width, 1)),
+                      static_cast<uint16_t>(std::max(frame.height, 1)), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, fWindow, desktop.Atom("XdndAware"),
+                        XCB_ATOM_ATOM, 32, 1, &kDragVersion);
+    if (frame.width > 0)
+        xcb_map_window(fConnection, fWindow);
+    Sync();
+}
+
+void Peer::Die() {
+    if (fConnection)
+        xcb_disconnect(std::exchange(fConnection, nullptr));
+}
+
+void Peer::Sync() const {
+    std::free(xcb_get_input_focus_reply(fConnection, xcb_get_input_focus(fConnection), nullptr));
+}
+
+void Peer::Send(xcb_window_t to, xcb_window_t about, const std::string& type,
+                const std::vector<uint32_t>& data) {
+    const auto event = fDesktop.Message(about, type, data);
+    xcb_send_event(fConnection, false, to, 0, reinterpret_cast<const char*>(&event));
+    xcb_flush(fConnection);
+}
+
+void Peer::Watch(xcb_window_t window, uint32_t events) {
+    xcb_change_window_attributes(fConnection, window, XCB_CW_EVENT_MASK, &events);
+    Sync();
+}
+
+std::optional<std::vector<uint32_t>> Peer::AwaitMessage(const std::string& type) {
+    const auto found = Await<xcb_client_message_event_t>(
+        XCB_CLIENT_MESSAGE,
+        [atom = fDesktop.Atom(type)](const auto& message) { return message.type == atom; });
+    if (!found)
+        return std::nullopt;
+    return std::vector<uint32_t>(found->data.data32, found->data.data32 + 5);
+}
+
+void Peer::SendKey(uint8_t type, uint8_t key) {
+    xcb_test_fake_input(fConnection, type, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    Sync();
+}
+
+// Grabs.
+
+bool Peer::GrabKeyboard() {
+    const auto cookie = xcb_grab_keyboard(fConnection, false, fDesktop.Root(), XCB_CURRENT_TIME,
+                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(fConnection, cookie, nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+bool Peer::GrabPointer() {
+    const auto cookie =
+        xcb_grab_pointer(fConnection, false, fDesktop.Root(), 0, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(fConnection, cookie, nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void Peer::Ungrab() {
+    xcb_ungrab_keyboard(fConnection, XCB_CURRENT_TIME);
+    xcb_ungrab_pointer(fConnection, XCB_CURRENT_TIME);
+    Sync();
+}
+
+// Selections.
+
+void Peer::Own(const std::string& selection) {
+    xcb_set_selection_owner(fConnection, fWindow, fDesktop.Atom(selection), XCB_CURRENT_TIME);
+    Sync();
+}
+
+Peer::Request Peer::AwaitRequest() {
+    return Await<xcb_selection_request_event_t>(XCB_SELECTION_REQUEST,
+                                                [](const auto&) { return true; });
+}
+
+bool Peer::IsFor(const xcb_selection_request_event_t& request, const std::string& type) const {
+    return request.target == fDesktop.Atom(type);
+}
+
+void Peer::Answer(const xcb_selection_request_event_t& request, const Data& data) {
+    const xcb_atom_t type = data.type.empty() ? request.target : fDesktop.Atom(data.type);
+    xcb_change_property(
+        fConnection, XCB_PROP_MODE_REPLACE, request.requestor, request.property, type, data.format,
+        static_cast<uint32_t>(data.bytes.size() / (data.format / 8)), data.bytes.data());
+    Notify(request, request.property);
+}
+
+void Peer::Notify(const xcb_selection_request_event_t& request, xcb_atom_t property) {
+    xcb_selection_notify_event_t answer{};
+    answer.response_type = XCB_SELECTION_NOTIFY;
+    answer.time = request.time;
+    answer.requestor = request.requestor;
+    answer.selection = request.selection;
+    answer.target = request.target;
+    answer.property = property;
+    xcb_send_event(fConnection, false, request.requestor, 0,
+                   reinterpret_cast<const char*>(&answer));
+    xcb_flush(fConnection);
+}
+
+void Peer::BeginParts(const xcb_selection_request_event_t& request) {
+    Watch(request.requestor, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    Answer(request, {std::string("\1\0\0\0", 4), 32, "INCR"}); // at least one byte
+    AwaitRemoval();
+}
+
+bool Peer::AnswerPart(const xcb_selection_request_event_t& request, const std::string& part) {
+    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
+                        fDesktop.Atom("UTF8_STRING"), 8, static_cast<uint32_t>(part.size()),
+                        part.data());
+    xcb_flush(fConnection);
+    return AwaitRemoval();
+}
+
+bool Peer::AwaitRemoval() {
+    constexpr std::chrono::seconds kPatience(3);
+    return Await<xcb_property_notify_event_t>(
+               XCB_PROPERTY_NOTIFY,
+               [](const auto& change) { return change.state == XCB_PROPERTY_DELETE; },
+               kPatience) != nullptr;
+}
+
+std::optional<std::string> Peer::Ask(const std::string& selection, const std::string& type) {
+    xcb_convert_selection(fConnection, fWindow, fDesktop.Atom(selection), fDesktop.Atom(type),
+                          fDesktop.Atom("TAKEN"), XCB_CURRENT_TIME);
+    xcb_flush(fConnection);
+    const auto answer =
+        Await<xcb_selection_notify_event_t>(XCB_SELECTION_NOTIFY, [](const auto&) { return true; });
+    if (!answer || answer->property == XCB_NONE)
+        return std::nullopt;
+    return TakeProperty("TAKEN");
+}
+
+std::string Peer::AwaitParts() {
+    std::string all;
+    while (Await<xcb_property_notify_event_t>(XCB_PROPERTY_NOTIFY, [](const auto& change) {
+        return change.state == XCB_PROPERTY_NEW_VALUE;
+    })) {
+        const std::string part = TakeProperty("TAKEN");
+        if (part.empty())
+            return all;
+        all += part;
+    }
+    return "nothing came";
+}
+
+void Peer::SetAtoms(const std::string& property, const std::vector<std::string>& names,
+                    const std::string& type) {
+    std::vector<xcb_atom_t> atoms;
+    for (const std::string& name : names)
+        atoms.push_back(fDesktop.Atom(name));
+    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, fWindow, fDesktop.Atom(property),
+                        fDesktop.Atom(type), 32, static_cast<uint32_t>(atoms.size()), atoms.data());
+    Sync();
+}
+
+std::string Peer::TakeProperty(const std::string& property) {
+    return Property(fWindow, property, true);
+}
+
+std::string Peer::Property(xcb_window_t window, const std::string& name, bool remove) {
+    constexpr uint32_t kMostWords = 1 << 22;
+    const auto cookie =
+        xcb_get_property(fConnection, remove, window, fDesktop.Atom(name), 0, 0, kMostWords);
+    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(fConnection, cookie, nullptr));
+    if (!reply)
+        return {};
+    if (remove)
+        askedType = reply->type;
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+// Drags from here.
+
+std::optional<bool> Peer::Drop(xcb_window_t target, int x, int y,
+                               const std::vector<std::string>& types) {
+    Own("XdndSelection");
+    Enter(target, types);
+    Move(target, x, y);
+    const std::optional<bool> status = AwaitStatus();
+    if (!status.value_or(false)) {
+        Leave(target);
+        return status;
+    }
+    LetGo(target);
+    return AwaitFinish();
+}
+
+void Peer::Enter(xcb_window_t target, const std::vector<std::string>& types) {
+    SetAtoms("XdndTypeList", types);
+    std::vector<uint32_t> data = {fWindow, kDragVersion << 24 | (types.size() > 3)};
+    for (size_t i = 0; i < std::min<size_t>(types.size(), 3); i++)
+        data.push_back(fDesktop.Atom(types[i]));
+    Send(target, target, "XdndEnter", data);
+}
+
+void Peer::Move(xcb_window_t target, int x, int y) {
+    Send(target, target, "XdndPosition",
+         {fWindow, 0, static_cast<uint32_t>(x << 16 | y), XCB_CURRENT_TIME,
+          fDesktop.Atom("XdndActionCopy")});
+}
+
+void Peer::Leave(xcb_window_t target) {
+    Send(target, target, "XdndLeave", {fWindow});
+}
+
+void Peer::LetGo(xcb_window_t target) {
+    Send(target, target, "XdndDrop", {fWindow, 0, XCB_CURRENT_TIME});
+}
+
+std::optional<bool> Peer::AwaitStatus() {
+    const auto status = AwaitMessage("XdndStatus");
+    return status ? std::optional((status->at(1) & 1) != 0) : std::nullopt;
+}
+
+std::optional<bool> Peer::AwaitFinish() {
+    const auto finish = AwaitMessage("XdndFinished");
+    return finish ? std::optional((finish->at(1) & 1) != 0) : std::nullopt;
+}
+
+// Drags to here.
+
+std::vector<std::string> Peer::OfferedTypes() {
+    std::vector<std::string> names;
+    for (const uint32_t type : fTypes) {
+        Reply<xcb_get_atom_name_reply_t> reply(
+            xcb_get_atom_name_reply(fConnection, xcb_get_atom_name(fConnection, type), nullptr));
+        if (reply)
+            names.emplace_back(xcb_get_atom_name_name(reply.get()),
+                               static_cast<size_t>(xcb_get_atom_name_name_length(reply.get())));
+    }
+    return names;
+}
+
+std::string Peer::SaveName() {
+    return Property(fSource, "XdndDirectSave0");
+}
+
+void Peer::SetSaveUri(const std::string& uri) {
+    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, fSource,
+                        fDesktop.Atom("XdndDirectSave0"), fDesktop.Atom("text/plain"), 8,
+                        static_cast<uint32_t>(uri.size()), uri.data());
+    xcb_flush(fConnection);
+}
+
+void Peer::Finish() {
+    Send(fSource, fSource, "XdndFinished", {fWindow, 1, fDesktop.Atom("XdndActionCopy")});
+}
+
+// Events that need an answer, whatever the peer waits for.
+
+void Peer::Handle(const xcb_generic_event_t& event) {
+    switch (event.response_type & 0x7f) {
+    case XCB_CLIENT_MESSAGE:
+        HandleMessage(reinterpret_cast<const xcb_client_message_event_t&>(event));
+        break;
+    case XCB_SELECTION_REQUEST:
+        HandleRequest(reinterpret_cast<const xcb_selection_request_event_t&>(event));
+        break;
+    }
+}
+
+void Peer::HandleMessage(const xcb_client_message_event_t& event) {
+    const uint32_t* words = event.data.data32;
+    if (event.type == fDesktop.Atom("XdndEnter")) {
+        fSource = words[0];
+        fTypes.assign(words + 2, words + 5);
+        if (words[1] & 1) {
+            const std::string list = Property(fSource, "XdndTypeList");
+            fTypes.resize(list.size() / 4);
+            std::memcpy(fTypes.data(), list.data(), fTypes.size() * 4);
+        }
+    } else if (event.type == fDesktop.Atom("XdndPosition") && answers) {
+        Send(words[0], words[0], "XdndStatus",
+             {fWindow, accepts, 0, 0, fDesktop.Atom("XdndActionCopy")});
+    }
+}
+
+void Peer::HandleRequest(const xcb_selection_request_event_t& request) {
+    requests++;
+    if (offered.empty())
+        return;
+    const auto found = std::ranges::find_if(
+        offered, [&](const auto& entry) { return IsFor(request, entry.first); });
+    if (found == offered.end())
+        Refuse(request);
+    else if (found->second.format != 0)
+        Answer(request, found->second);
+}
+
+} // namespace test

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/x11/server/Connection.h"
+#include "tests/support/PrivateDesktop.h"
+#include "tests/support/Wait.h"
+
+namespace test {
+
+// Another program: an X client with one window, at the other end of a selection, a drag or a grab.
+// It handles its events while it waits for something; those that nobody waits for are dropped. One
+// thread.
+class Peer {
+public:
+    // The window is above all others and accepts drags. It is shown unless `frame` is empty.
+    explicit Peer(PrivateDesktop& desktop, const Box& frame = {});
+    ~Peer() { Die(); }
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+
+    xcb_window_t Window() const { return fWindow; }
+    void Send(xcb_window_t to, xcb_window_t about, const std::string& type,
+              const std::vector<uint32_t>& data);
+
+    // Own: takes a selection. Requests are answered with what is offered, and refused for other
+    // types. While nothing is offered they wait for AwaitRequest.
+    void Own(const std::string& selection);
+    struct Data {
+        std::string bytes;
+        uint8_t format = 8; // 0: the request gets no answer
+        std::string type{}; // empty: the type that was asked for
+    };
+    std::map<std::string, Data> offered; // by type
+    size_t requests = 0;
+
+    // Answer: what was asked of a selection of this peer.
+    using Request = host::Reply<xcb_selection_request_event_t>;
+    Request AwaitRequest(); // null after a while
+    bool IsFor(const xcb_selection_request_event_t& request, const std::string& type) const;
+    void Answer(const xcb_selection_request_event_t& request, const Data& data);
+    void Refuse(const xcb_selection_request_event_t& request) { Notify(request, XCB_NONE); }
+    // Announces parts (INCR), and waits until they are wanted.
+    void BeginParts(const xcb_selection_request_event_t& request);
+    // False if nobody takes it.
+    bool AnswerPart(const xcb_selection_request_event_t& request, const std::string& part);
+    void Notify(const xcb_selection_request_event_t& request, xcb_atom_t property);
+
+    // Ask: the selection's data as that type; nothing if it is refused. `askedType` is then the
+    // type of the answer. After an INCR, AwaitParts gives the text.
+    std::optional<std::string> Ask(const std::string& selection, const std::string& type);
+    xcb_atom_t askedType = XCB_NONE;
+    std::string AwaitParts();
+    void SetAtoms(const std::string& property, const std::vector<std::string>& names,
+                  const std::string& type = "ATOM");
+    std::string TakeProperty(const std::string& property);
+
+    // Press: a key by the server's number, wherever the layout puts it.
+    void PressKey(uint8_t key) { SendKey(XCB_KEY_PRESS, key); }
+    void ReleaseKey(uint8_t key) { SendKey(XCB_KEY_RELEASE, key); }
+
+    // Grab: all input of the session. False if it is refused.
+    bool GrabKeyboard();
+    bool GrabPointer();
+    void Ungrab();
+
+    // Drop: what the target answers to a drop at that place of the screen; nothing if it does not
+    // answer in time. And its steps.
+    std::optional<bool> Drop(xcb_window_t target, int x, int y,
+                             const std::vector<std::string>& types);
+    void Enter(xcb_window_t target, const std::vector<std::string>& types);
+    void Move(xcb_window_t target, int x, int y);
+    void Leave(xcb_window_t target);
+    void LetGo(xcb_window_t target);
+    std::optional<bool> AwaitStatus();
+    std::optional<bool> AwaitFinish();
+
+    // Drop, on this peer's window.
+    bool answers = true; // positions
+    bool accepts = true;
+    bool AwaitOver() { return AwaitMessage("XdndPosition").has_value(); }
+    bool AwaitDrop() { return AwaitMessage("XdndDrop").has_value(); }
+    bool AwaitLeave() { return AwaitMessage("XdndLeave").has_value(); }
+    std::vector<std::string> OfferedTypes();
+    std::optional<std::string> Get(const std::string& type) { return Ask("XdndSelection", type); }
+    std::string SaveName(); // of XdndDirectSave0
+    void SetSaveUri(const std::string& uri);
+    void Finish();
+
+    // Watch: asks for events of another window.
+    void Watch(xcb_window_t window, uint32_t events);
+    using Event = host::Reply<xcb_generic_event_t>;
+    // The next event of the type for which `holds`; null after `deadline`.
+    template <typename T, typename Predicate>
+    host::Reply<T> Await(uint8_t type, Predicate holds,
+                         std::chrono::milliseconds deadline = kDeadline) {
+        Event found;
+        WaitUntil(
+            [&] {
+                while (Event event{found ? nullptr : xcb_poll_for_event(fConnection)}) {
+                    Handle(*event);
+                    if ((event->response_type & 0x7f) == type &&
+                        holds(reinterpret_cast<const T&>(*event)))
+                        found = std::move(event);
+                }
+                return found != nullptr;
+            },
+            deadline);
+        return host::Reply<T>(reinterpret_cast<T*>(found.release()));
+    }
+    // The words of the next client message of that type.
+    std::optional<std::vector<uint32_t>> AwaitMessage(const std::string& type);
+
+    // Die: without a word to anybody. Only the destructor may follow.
+    void Die();
+
+private:
+    void Handle(const xcb_generic_event_t& event);
+    void HandleMessage(const xcb_client_message_event_t& event);
+    void HandleRequest(const xcb_selection_request_event_t& request);
+    bool AwaitRemoval();
+    void SendKey(uint8_t type, uint8_t key);
+    void Sync() const;
+    std::string Property(xcb_window_t window, const std::string& name, bool remove = false);
+
+    PrivateDesktop& fDesktop;
+    xcb_connection_t* fConnection;
+    const xcb_window_t fWindow;
+    xcb_window_t fSource = XCB_NONE;
+    std::vector<uint32_t> fTypes;
+};
+
+} // namespace test
