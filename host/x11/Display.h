@@ -234,7 +234,8 @@ public:
 
     // Directs all pointer and keyboard input of the session to this window until ReleaseInput;
     // pointer places are then still given in this window's coordinates. Tries for `timeout`
-    // microseconds if another program holds a grab; B_TIMED_OUT if it still does.
+    // microseconds if another program holds a grab; B_TIMED_OUT if it still does. B_CANCELED if
+    // another thread releases the input meanwhile, or takes it for another window.
     virtual status_t GrabInput(bigtime_t timeout) = 0;
     virtual void ReleaseInput() = 0;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <mutex>
 
 #include "host/x11/server/Connection.h"
 
@@ -12,7 +13,8 @@ public:
     explicit InputGrab(const Connection& connection)
         : fConnection(connection) {}
 
-    // As HostWindow::GrabInput and ReleaseInput.
+    // As HostWindow::GrabInput and ReleaseInput. B_CANCELED if the input is released, or taken for
+    // another window, while this one waits for it.
     status_t Take(xcb_window_t window, bigtime_t timeout);
     void Release(xcb_window_t window);
 
@@ -21,16 +23,22 @@ public:
     // How often it was taken so far.
     uint32 Count() const { return fCount; }
 
-    // The window that an event is for: while input is held the server tells the root window.
+    // The window that an event is for: while input is held the server sends it to the root window.
     xcb_window_t TargetOf(xcb_window_t event) const {
         return event == fConnection.Root() ? fOwner.load() : event;
     }
 
 private:
-    bool Try() const;
+    enum class Result { Granted, Refused, Canceled };
+
+    Result Try(xcb_window_t window);
+    bool GiveUp(xcb_window_t window);
 
     const Connection& fConnection;
-    // Set before the server is asked: the events that the grab causes are known for its own.
+    // Held while the owner changes and the request for that is sent, so that the server gets the
+    // requests in the order of the owners. Not held while an answer is waited for.
+    std::mutex fLock;
+    // Set before the server is asked: the events that the grab causes are known as its own.
     std::atomic<xcb_window_t> fOwner = XCB_WINDOW_NONE;
     std::atomic<uint32> fCount = 0;
 };

@@ -1,4 +1,5 @@
 #include <X11/keysym.h>
+#include <future>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -253,6 +254,39 @@ TEST_F(Input, GrabWaitsForOthersAndGivesUpInTime) {
     menu->ReleaseInput();
     fDisplay->Sync();
     EXPECT_TRUE(Peer(fDesktop).GrabKeyboard());
+}
+
+TEST_F(Input, ReleaseEndsAGrabThatIsStillBeingTakenOnAnotherThread) {
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
+    Peer other(fDesktop);
+    ASSERT_TRUE(other.GrabKeyboard());
+    auto taking = std::async(std::launch::async, [&] { return menu->GrabInput(10'000'000); });
+    ASSERT_TRUE(WaitUntil([&] { return fDisplay->Grab().IsHeld(); }));
+    menu->ReleaseInput();
+    other.Ungrab();
+    EXPECT_EQ(taking.get(), B_CANCELED);
+    for (int i = 0; i < 300; i++) {
+        taking = std::async(std::launch::async, [&] { return menu->GrabInput(0); });
+        menu->ReleaseInput();
+        taking.wait();
+        menu->ReleaseInput();
+        fDisplay->Sync();
+        ASSERT_TRUE(other.GrabKeyboard() && other.GrabPointer()) << "round " << i;
+        other.Ungrab();
+    }
+}
+
+TEST_F(Input, RefusedGrabLeavesThePressItsRelease) {
+    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
+    fRobot.MoveTo(160, 160);
+    fRobot.Press();
+    ASSERT_TRUE(menu.events->Await<ButtonPressed>());
+    Peer other(fDesktop);
+    ASSERT_TRUE(other.GrabKeyboard());
+    EXPECT_EQ(menu->GrabInput(50'000), B_TIMED_OUT);
+    fRobot.MoveTo(700, 700);
+    fRobot.Release();
+    EXPECT_TRUE(menu.events->Await<ButtonReleased>());
 }
 
 TEST_F(Input, ProgramLosesTheFocusToOthersOnly) {
