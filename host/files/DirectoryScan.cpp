@@ -1,8 +1,6 @@
 #include "host/files/DirectoryScan.h"
 
 #include <fcntl.h>
-#include <linux/magic.h>
-#include <sys/vfs.h>
 
 #include <cerrno>
 #include <cstring>
@@ -12,7 +10,6 @@ namespace host {
 namespace {
 
 constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-constexpr uint32 kXfsMagic = 0x58465342;
 
 } // namespace
 
@@ -44,29 +41,12 @@ status_t DirectoryScan::Next(Entry& entry) {
             continue;
         entry.name = next->d_name;
         entry.kind = KindOfEntryType(next->d_type);
-        entry.node = int64(next->d_ino);
         return B_OK;
     }
 }
 
 void DirectoryScan::Rewind() {
     rewinddir(fStream.get());
-}
-
-bool TellsNodeNumbers(int directory) {
-    struct statfs disk;
-    if (fstatfs(directory, &disk) != 0)
-        return false;
-    switch (uint32(disk.f_type)) {
-    case EXT4_SUPER_MAGIC:
-    case BTRFS_SUPER_MAGIC:
-    case TMPFS_MAGIC:
-    case F2FS_SUPER_MAGIC:
-    case kXfsMagic:
-        return true;
-    default:
-        return false;
-    }
 }
 
 } // namespace host

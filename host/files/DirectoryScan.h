@@ -17,8 +17,6 @@ public:
         std::string name;
         // What the directory says; Unknown if it does not.
         NodeKind kind = NodeKind::Unknown;
-        // What the directory says, which on some disks is not the number of the node.
-        int64 node = 0;
     };
 
     status_t Open(const std::string& path);
@@ -41,8 +39,5 @@ private:
 
     std::unique_ptr<DIR, Closer> fStream;
 };
-
-// Whether the numbers that a walk through this open directory tells are those of the nodes.
-bool TellsNodeNumbers(int directory);
 
 } // namespace host

@@ -248,7 +248,7 @@ std::vector<Watch*> EntryReconciler::WatchesMovedTo(const Place& place) {
     std::vector<Watch*> watches = fState.watches.FindNode(there.ref);
     std::erase_if(watches, [&](const Watch* watch) {
         Descriptor node;
-        return !watch->status.IsSameNode(there) || MonitorState::Hold(*watch, node);
+        return MonitorState::Hold(*watch, node);
     });
     return watches;
 }

@@ -16,12 +16,10 @@ bool FindIn(const std::string& directory, const Watch& watch, std::string& path,
     DirectoryScan scan;
     if (scan.Open(directory) != B_OK)
         return false;
-    bool tellsNumbers = TellsNodeNumbers(scan.Get());
     DirectoryScan::Entry entry;
     while (scan.Next(entry) == B_OK) {
         path = Join(directory, entry.name);
-        if ((!tellsNumbers || entry.node == watch.Node().node) &&
-            MonitorState::Hold(watch, path, node))
+        if (MonitorState::Hold(watch, path, node))
             return true;
     }
     return false;
@@ -43,7 +41,7 @@ void MonitorState::Forget(int number) {
 bool MonitorState::Hold(const Watch& watch, const std::string& path, Descriptor& node) {
     NodeStatus status;
     return HoldNode(path, node) == B_OK && LookAt(node.Get(), "", status) == B_OK &&
-           status.IsSameNode(watch.status);
+           status.ref == watch.status.ref;
 }
 
 // Most moves of a single node are renames.

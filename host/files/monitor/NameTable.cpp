@@ -10,13 +10,11 @@ status_t NameTable::Fill(const Descriptor& directory) {
     status_t status = scan.Open(directory);
     if (status != B_OK)
         return status;
-    bool tellsNumbers = TellsNodeNumbers(scan.Get());
     DirectoryScan::Entry entry;
     while ((status = scan.Next(entry)) == B_OK) {
         NodeStatus there;
-        if (!tellsNumbers && LookAt(scan.Get(), entry.name, there) == B_OK)
-            entry.node = there.ref.node;
-        Put(entry.name, {.node = entry.node, .kind = entry.kind});
+        if (LookAt(scan.Get(), entry.name, there) == B_OK)
+            Put(entry.name, {.node = there.ref.node, .kind = there.kind});
     }
     return status == B_ENTRY_NOT_FOUND ? B_OK : status;
 }

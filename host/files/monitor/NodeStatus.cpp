@@ -6,6 +6,7 @@
 #include <sys/sysmacros.h>
 
 #include <cerrno>
+#include <limits>
 
 namespace host {
 
@@ -28,6 +29,14 @@ int64 Nanoseconds(const statx_timestamp& time) {
     return int64(uint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec);
 }
 
+// Times of birth differ by much less than the multiplier moves neighbouring inodes apart.
+int64 NumberOf(const struct statx& raw) {
+    if (!(raw.stx_mask & STATX_BTIME))
+        return int64(raw.stx_ino);
+    uint64 mixed = raw.stx_ino * 0x9e3779b97f4a7c15 + uint64(Nanoseconds(raw.stx_btime));
+    return int64(mixed & std::numeric_limits<int64>::max());
+}
+
 } // namespace
 
 status_t LookAt(int directory, const std::string& path, NodeStatus& status, bool follow) {
@@ -40,9 +49,8 @@ status_t LookAt(int directory, const std::string& path, NodeStatus& status, bool
         return StatusFromErrno(errno);
     }
     status.ref.device = int32(uint32(makedev(raw.stx_dev_major, raw.stx_dev_minor)));
-    status.ref.node = int64(raw.stx_ino);
+    status.ref.node = NumberOf(raw);
     status.kind = KindOfMode(raw.stx_mode);
-    status.birth = raw.stx_mask & STATX_BTIME ? Nanoseconds(raw.stx_btime) : 0;
     status.mode = raw.stx_mode;
     status.owner = raw.stx_uid;
     status.group = raw.stx_gid;

@@ -16,23 +16,18 @@ enum class NodeKind : uint8 {
     Other,
 };
 
-// What the disk says of a node.
+// The status of a node when it was read.
 struct NodeStatus {
+    // The number is made of inode and birth time: disks give an inode number again, often at once,
+    // and no two nodes may be taken for one. It is the inode where the disk keeps no birth times.
     node_ref ref;
     NodeKind kind = NodeKind::Nothing;
-    // With the number, tells a node from a later one that got the same number; 0 if the disk keeps
-    // no birth times.
-    int64 birth = 0;
     uint32 mode = 0;
     uint32 owner = 0;
     uint32 group = 0;
     int64 size = 0;
     int64 modified = 0;
     int64 changed = 0;
-
-    bool IsSameNode(const NodeStatus& other) const {
-        return ref == other.ref && birth == other.birth;
-    }
 };
 
 // Looks at `path` (relative to the directory `directory`, a descriptor or AT_FDCWD), or at the node

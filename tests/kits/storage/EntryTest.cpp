@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <set>
+
 #include "kits/storage/Directory.h"
 #include "kits/storage/Path.h"
 #include "kits/storage/Volume.h"
@@ -66,10 +68,10 @@ TEST_F(EntryTest, RefLeadsBackToTheEntry) {
     entry_ref ref;
     ASSERT_EQ(get_ref_for_path(In("folder/file").c_str(), &ref), B_OK);
     EXPECT_EQ(ref.name, "file");
-    struct stat status;
-    ASSERT_EQ(stat(OnDisk("folder").c_str(), &status), 0);
-    EXPECT_EQ(ref.directory, int64(status.st_ino));
-    EXPECT_EQ(ref.device, int32(status.st_dev));
+    node_ref folder;
+    ASSERT_EQ(BEntry(In("folder").c_str()).GetNodeRef(&folder), B_OK);
+    EXPECT_EQ(ref.directory, folder.node);
+    EXPECT_EQ(ref.device, folder.device);
     EXPECT_EQ(PathOf(BEntry(&ref)), In("folder/file"));
 
     ref.name = "other";
@@ -88,6 +90,23 @@ TEST_F(EntryTest, RefOfAReplacedDirectoryLeadsNowhere) {
     std::filesystem::rename(OnDisk("folder"), OnDisk("elsewhere"));
     MakeFolder("folder");
     EXPECT_EQ(BEntry(&ref).InitCheck(), B_ENTRY_NOT_FOUND);
+}
+
+// Common disks give the inode of a removed file to the next one.
+TEST_F(EntryTest, NumberOfANodeIsNeverUsedAgain) {
+    std::set<int64> numbers;
+    node_ref node;
+    for (int i = 0; i < 20; i++) {
+        MakeFile("file");
+        ASSERT_EQ(BEntry(In("file").c_str()).GetNodeRef(&node), B_OK);
+        EXPECT_TRUE(numbers.insert(node.node).second) << "file " << i;
+        std::filesystem::remove(OnDisk("file"));
+    }
+    // Without birth times, the inode is the number.
+    struct stat status;
+    ASSERT_EQ(stat("/proc/version", &status), 0);
+    ASSERT_EQ(BEntry("/proc/version").GetNodeRef(&node), B_OK);
+    EXPECT_EQ(node.node, int64(status.st_ino));
 }
 
 TEST_F(EntryTest, RenameReplacesOnlyWhenAllowed) {

@@ -1,11 +1,10 @@
-#include <sys/stat.h>
-
+#include "quillbar/store/Item.h"
 #include "kits/app/Message.h"
+#include "kits/storage/Entry.h"
 #include "kits/storage/Path.h"
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/bar/widgets/MenuItem.h"
 #include "quillbar/base/Commands.h"
-#include "quillbar/store/Item.h"
 #include "tests/quillbar/store/Store.h"
 
 namespace {
@@ -67,9 +66,10 @@ TEST_F(ItemTest, FillingAFilledSlotKeepsTheLabel) {
     fItem.SetValid(false);
     EXPECT_STREQ(fItem.Name().String(), "");
     EXPECT_STREQ(fItem.Url().String(), "");
-    struct stat status;
-    ASSERT_EQ(stat(FilePath("0 - Other").c_str(), &status), 0);
-    EXPECT_EQ(fItem.RawItem()->node, static_cast<int64>(status.st_ino));
+    node_ref node;
+    const entry_ref ref = fItem.Ref();
+    ASSERT_EQ(BEntry(&ref).GetNodeRef(&node), B_OK);
+    EXPECT_EQ(fItem.RawItem()->node, node.node);
     EXPECT_EQ(fItem.Ref().name, "0 - Other");
 }
 
