@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 
+#include "host/files/monitor/Inotify.h"
 #include "host/files/monitor/NodeMonitor.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
@@ -125,6 +126,10 @@ status_t watch_node(const node_ref* node, uint32 flags, BMessenger target) {
     if (!target.IsValid())
         return B_BAD_HANDLER;
     return host::NodeMonitor::Shared().Listen(*node, flags, SharedListeners().FindOrCreate(target));
+}
+
+const char* watch_limit_file(status_t status) {
+    return host::WatchLimitFile(status);
 }
 
 status_t watch_node(const node_ref* node, uint32 flags, const BHandler* handler,

@@ -51,12 +51,18 @@ enum : int32 {
 // returns, no more messages about the node are sent to the target. The watch follows the node
 // through renames and ends when it is removed or moved to a place that cannot be learned.
 // B_ENTRY_NOT_FOUND if the node is not there any more or its ref was never handed out,
-// B_NOT_A_DIRECTORY for B_WATCH_DIRECTORY on something else, B_DEVICE_FULL or B_NO_MORE_FDS when
-// the system gives no more watches (said once on standard error); B_BAD_VALUE for a stop of what
-// was not watched. Any thread; does not wait for the target's lock.
+// B_NOT_A_DIRECTORY for B_WATCH_DIRECTORY on something else, B_PERMISSION_DENIED if the node cannot
+// be read, B_BAD_VALUE for a stop of what was not watched. When the system gives no more watches:
+// B_DEVICE_FULL or B_NO_MORE_FDS, also reported once on standard error; nothing is watched then
+// that was not watched before, and a later call succeeds when other watches have ended. Any thread;
+// does not wait for the target's lock.
 status_t watch_node(const node_ref* node, uint32 flags, BMessenger target);
 status_t watch_node(const node_ref* node, uint32 flags, const BHandler* handler,
                     const BLooper* looper = nullptr);
+
+// The file that holds the limit of the system that made watch_node fail with `status`, to be shown
+// to a person; null if no limit did. Never freed. Any thread.
+const char* watch_limit_file(status_t status);
 
 // Ends all watches of the target. Any thread.
 status_t stop_watching(BMessenger target);

@@ -14,6 +14,12 @@ constexpr size_t kBufferSize = 64 * 1024;
 
 } // namespace
 
+const char* WatchLimitFile(status_t status) {
+    if (status == B_DEVICE_FULL)
+        return "/proc/sys/fs/inotify/max_user_watches";
+    return status == B_NO_MORE_FDS ? "/proc/sys/fs/inotify/max_user_instances" : nullptr;
+}
+
 status_t Inotify::Open() {
     fDescriptor = Descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     return fDescriptor ? B_OK : Report(errno);
@@ -43,17 +49,18 @@ bool Inotify::Read(std::vector<InotifyEvent>& events) {
     return size > 0;
 }
 
-// Running out is a limit of the system that a person has to raise: said once, it does not go away.
+// Running out is a limit of the system that a person has to raise: reported once, since it stays.
 status_t Inotify::Report(int error) {
-    bool isLimit = error == ENOSPC || error == EMFILE || error == ENFILE;
-    if (isLimit && !fReported) {
+    status_t status = StatusFromErrno(error);
+    const char* limit = WatchLimitFile(status);
+    if (limit && !fReported) {
         fReported = true;
         fprintf(stderr,
-                "The system gives no more file watches (%s): changes of some files will not be "
-                "noticed. See fs.inotify in sysctl.\n",
-                error == ENOSPC ? "max_user_watches" : "max_user_instances");
+                "The system gives no more file watches: changes of some files will not be "
+                "noticed. The limit is in %s.\n",
+                limit);
     }
-    return StatusFromErrno(error);
+    return status;
 }
 
 } // namespace host

@@ -16,6 +16,10 @@ struct InotifyEvent {
     std::string name;
 };
 
+// The file that holds the limit which a new watch would have exceeded, when that failed with
+// `status`; null if no limit did. Any thread.
+const char* WatchLimitFile(status_t status);
+
 // The system's file watches of this process.
 class Inotify {
 public:

@@ -1,11 +1,17 @@
 #include "kits/storage/NodeMonitor.h"
 
+#include <sched.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <vector>
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Looper.h"
 #include "kits/app/Message.h"
+#include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
 #include "tests/kits/storage/StorageFixture.h"
@@ -137,6 +143,48 @@ TEST_F(NodeMonitorTest, TargetThatIsGoneIsForgotten) {
     EXPECT_EQ(String(Message(0), "name"), "one");
     EXPECT_TRUE(WaitUntil([&] { return stop_watching(gone) == B_BAD_VALUE; }));
     EXPECT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, gone), B_BAD_HANDLER);
+}
+
+// Gives this process few watches. It must have one thread only.
+void LimitWatches(int count) {
+    const std::string user = "0 " + std::to_string(getuid()) + " 1";
+    if (unshare(CLONE_NEWUSER) != 0)
+        _exit(EXIT_FAILURE);
+    std::ofstream("/proc/self/uid_map") << user;
+    std::ofstream("/proc/sys/user/max_inotify_watches") << count;
+}
+
+// Returns what watching two directories leads to when there is one watch.
+std::string WatchWithoutEnough() {
+    LimitWatches(1);
+    TemporaryHome home;
+    node_ref nodes[2];
+    for (int i = 0; i < 2; i++) {
+        const std::string name = "/boot/home/" + std::to_string(i);
+        create_directory(name.c_str(), 0777);
+        BEntry(name.c_str()).GetNodeRef(&nodes[i]);
+    }
+    auto* collector = new Collector;
+    collector->Run();
+    const status_t first = watch_node(&nodes[0], B_WATCH_DIRECTORY, collector);
+    const status_t refused = watch_node(&nodes[1], B_WATCH_DIRECTORY, collector);
+    watch_node(&nodes[0], B_STOP_WATCHING, collector);
+    const status_t last = watch_node(&nodes[1], B_WATCH_DIRECTORY, collector);
+    const char* limit = watch_limit_file(refused);
+    return "first " + std::to_string(first) + ", refused by " + (limit ? limit : "nothing") +
+           ", last " + std::to_string(last);
+}
+
+TEST(WatchLimitTest, RunningOutIsAnErrorThatNamesTheLimit) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const std::string limit = "/proc/sys/fs/inotify/max_user_watches";
+    auto watch = [] {
+        fprintf(stderr, "%s\n", WatchWithoutEnough().c_str());
+        _exit(EXIT_SUCCESS);
+    };
+    EXPECT_EXIT(watch(), testing::ExitedWithCode(EXIT_SUCCESS),
+                "The limit is in " + limit + ".*\nfirst 0, refused by " + limit + ", last 0");
+    EXPECT_EQ(watch_limit_file(B_PERMISSION_DENIED), nullptr);
 }
 
 } // namespace test
