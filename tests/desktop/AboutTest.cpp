@@ -17,6 +17,10 @@ protected:
     bool AboutsBecome(size_t count) {
         return WaitUntil([&] { return Abouts().size() == count; });
     }
+    // Where the link is, on the screen.
+    static std::pair<int, int> LinkIn(const WindowInfo& about) {
+        return {about.frame.x + 25 + 86, about.frame.y + 20 + 78};
+    }
 };
 
 TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
@@ -31,7 +35,7 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     EXPECT_NEAR(about.frame.CenterY(), 450, 1);
     // Text and link are within their places: the columns and rows around them are the window's.
     SettledPicture(fScreen, about.frame);
-    const int linkX = about.frame.x + 25 + 86, linkY = about.frame.y + 20 + 78;
+    const auto [linkX, linkY] = LinkIn(about);
     EXPECT_GT(fScreen.Grab({linkX, linkY, 109, 16}).Count(0x0000ff), 50u);
     EXPECT_EQ(fScreen.Grab({linkX + 108, linkY, 2, 16}).Count(0xd8d8d8), 32u);
 
@@ -62,6 +66,33 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     fScreen.Close(about.id);
     EXPECT_TRUE(AboutsBecome(1));
     EXPECT_TRUE(fProgram.IsRunning());
+}
+
+TEST_F(AboutTest, TheLinkBecomesAnotherBookmarkWithEachDrop) {
+    Peer manager(fDesktop, {1000, 600, 200, 200});
+    fProgram.Start();
+    ActivateBar();
+    ChooseSetting(setting::kAbout);
+    ASSERT_TRUE(AboutsBecome(1));
+    const WindowInfo about = Abouts()[0];
+    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == about.id; }));
+    const auto [linkX, linkY] = LinkIn(about);
+    const std::filesystem::path file = fHome.Path() / "link";
+    for (const char* made : {"link", "link 2", "link 3"}) {
+        fRobot.MoveTo(linkX + 30, linkY + 9);
+        fRobot.Press();
+        fRobot.MoveTo(linkX + 30, linkY + 40);
+        fRobot.MoveTo(1100, 700);
+        ASSERT_TRUE(manager.AwaitOver());
+        fRobot.Release();
+        ASSERT_TRUE(manager.AwaitDrop());
+        manager.SetSaveUri("file://" + file.string());
+        EXPECT_EQ(manager.Get("XdndDirectSave0"), "S");
+        manager.Finish();
+        EXPECT_EQ(GetAttribute(fHome.Path() / made, "META:url"),
+                  std::string("http://quillbar.example/") + '\0')
+            << made;
+    }
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 
 #include "base/Utf8.h"
 #include "kits/app/Message.h"
-#include "kits/interface/window/DragData.h"
+#include "kits/interface/window/DraggedFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

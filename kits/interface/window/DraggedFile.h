@@ -3,24 +3,30 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "host/x11/Display.h"
 #include "kits/app/Messenger.h"
 
+class BMessage;
 class BWindow;
 
-// What is dragged out of a window and may become a file: it makes the empty file where it was
-// dropped and asks the drag's sender to write it.
+// The forms in which other programs can take a message that is dragged, the most telling first: the
+// link in "be:url" (as a list only if no file is offered), and the text in "text/plain".
+std::vector<host::DragData> DragDataOf(const BMessage& message);
+
+// Makes the empty file where a dragged message is dropped, and asks the drag's sender to write it.
 class DraggedFile : public host::DragSink {
 public:
     // `sender` gets the B_COPY_TARGET message.
     DraggedFile(const BMessenger& window, const BMessenger& sender);
 
-    // Hands the request to the window's thread. Display thread.
+    // Sends the request to the window's thread. Display thread.
     void SaveRequested(const std::string& path, std::function<void(status_t)> answer) override;
 
-    // Carries it out. When it answers, a sender of this window has written the file; one of another
-    // looper has been told to. The window's thread, locked.
+    // Makes the file, under another name if there is one at that path. Before it answers, a sender
+    // of this window has written the file; one of another looper has got the message. The window's
+    // thread, locked.
     void Save(BWindow& window);
 
 private:
