@@ -177,7 +177,6 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
         break;
     }
     case XCB_DESTROY_NOTIFY:
-        fDisplay.HandedTexts().HandleDestroy(As<xcb_destroy_notify_event_t>(event).window);
         // By another program: ours takes its windows from the registry first.
         Tell(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
         break;
@@ -288,7 +287,7 @@ void EventThread::HandleFocus(const xcb_focus_in_event_t& event, bool active) {
 }
 
 void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
-    if (fDisplay.HandedTexts().HandleProperty(event) || fDisplay.Drops().HandleProperty(event))
+    if (fDisplay.Selections().HandleProperty(event) || fDisplay.Drops().HandleProperty(event))
         return;
     if (event.window == fConnection.Root()) {
         if (event.atom == fConnection[kNetActiveWindow])
@@ -310,7 +309,7 @@ void EventThread::HandleSelection(const xcb_generic_event_t& event) {
     }
     if (type == XCB_SELECTION_NOTIFY)
         fDisplay.Drops().HandleNotify(As<xcb_selection_notify_event_t>(event));
-    fDisplay.HandedTexts().Handle(event);
+    fDisplay.Selections().Handle(event);
 }
 
 void EventThread::HandleMessage(const xcb_client_message_event_t& event) {

@@ -51,7 +51,10 @@ XDisplay::XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink,
     , fCursors(*fConnection)
     , fSelections(*fConnection, fIdentity.leader, fWindows)
     , fDrags(*fConnection, fGrab)
-    , fDrops(*fConnection, fWindows)
+    , fDrops(*fConnection, fWindows,
+             [this](xcb_window_t window, int screenX, int screenY, rgb_color color) {
+                 DeliverColor(window, screenX, screenY, color);
+             })
     , fThread(*this, sink) {
     const uint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(*fConnection, fConnection->Root(), XCB_CW_EVENT_MASK, &events);
@@ -106,6 +109,13 @@ xcb_timestamp_t XDisplay::LastKnownPressTime() const {
     xcb_timestamp_t any = fThread.Keys().LastPressTime();
     // The server's clock starts again after 49 days.
     return own == 0 || (any != 0 && static_cast<int32>(any - own) > 0) ? any : own;
+}
+
+void XDisplay::DeliverColor(xcb_window_t id, int screenX, int screenY, rgb_color color) {
+    fWindows.Deliver(id, [&](XWindow& window) {
+        auto [x, y] = window.ContentPlace(XCB_WINDOW_NONE, screenX, screenY);
+        window.Tell(ColorDropped{x, y, color});
+    });
 }
 
 void XDisplay::OwnSelection(SelectionKind selection, std::string text) {

@@ -51,7 +51,7 @@ public:
     InputGrab& Grab() { return fGrab; }
     Cursors& PointerShapes() { return fCursors; }
     int PointerSize() const { return fSettings.PointerSize(); }
-    Selections& HandedTexts() { return fSelections; }
+    host::Selections& Selections() { return fSelections; }
     InputMethod& TextInput() { return fThread.TextInput(); }
     DragSource& Drags() { return fDrags; }
     DropTarget& Drops() { return fDrops; }
@@ -74,6 +74,7 @@ public:
 private:
     XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink, ProgramIdentity identity);
     void MakeLeader();
+    void DeliverColor(xcb_window_t id, int screenX, int screenY, rgb_color color);
 
     const std::unique_ptr<Connection> fConnection;
     const Pens fPens;
@@ -83,7 +84,7 @@ private:
     WindowRegistry fWindows;
     InputGrab fGrab;
     Cursors fCursors;
-    Selections fSelections;
+    host::Selections fSelections;
     DragSource fDrags;
     DropTarget fDrops;
     std::atomic<xcb_timestamp_t> fLastInputTime = 0;

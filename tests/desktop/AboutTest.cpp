@@ -1,9 +1,13 @@
 // The about box of the running program.
 
+#include <gmock/gmock.h>
+
+#include "base/Utf8.h"
 #include "tests/desktop/DesktopTest.h"
 #include "tests/support/Peer.h"
 
 using namespace test;
+using testing::ElementsAre;
 
 namespace {
 
@@ -77,22 +81,34 @@ TEST_F(AboutTest, TheLinkBecomesAnotherBookmarkWithEachDrop) {
     const WindowInfo about = Abouts()[0];
     ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == about.id; }));
     const auto [linkX, linkY] = LinkIn(about);
-    const std::filesystem::path file = fHome.Path() / "link";
-    for (const char* made : {"link", "link 2", "link 3"}) {
-        fRobot.MoveTo(linkX + 30, linkY + 9);
+    const std::string url = "http://quillbar.example/";
+    // What a file manager gets that wants the file at that place.
+    const auto saveAt = [&, x = linkX + 30, y = linkY + 9](const std::string& uri) {
+        fRobot.MoveTo(x, y);
         fRobot.Press();
-        fRobot.MoveTo(linkX + 30, linkY + 40);
+        fRobot.MoveTo(x, y + 40);
         fRobot.MoveTo(1100, 700);
-        ASSERT_TRUE(manager.AwaitOver());
+        EXPECT_TRUE(manager.AwaitOver());
         fRobot.Release();
-        ASSERT_TRUE(manager.AwaitDrop());
-        manager.SetSaveUri("file://" + file.string());
-        EXPECT_EQ(manager.Get("XdndDirectSave0"), "S");
+        EXPECT_TRUE(manager.AwaitDrop());
+        EXPECT_EQ(manager.SaveName(), "http:--quillbar.example-");
+        EXPECT_THAT(manager.OfferedTypes(),
+                    ElementsAre("XdndDirectSave0", "text/x-moz-url", "UTF8_STRING",
+                                "text/plain;charset=utf-8", "text/plain"));
+        EXPECT_EQ(manager.Get("text/plain"), url);
+        EXPECT_EQ(manager.Get("text/x-moz-url"), Utf16Of(url + "\n" + url));
+        manager.SetSaveUri(uri);
+        const auto answer = manager.Get("XdndDirectSave0");
         manager.Finish();
-        EXPECT_EQ(GetAttribute(fHome.Path() / made, "META:url"),
-                  std::string("http://quillbar.example/") + '\0')
-            << made;
+        return answer;
+    };
+    const std::string folder = "file://" + fHome.Path().string();
+    for (const char* made : {"link", "link 2", "link 3"}) {
+        EXPECT_EQ(saveAt(folder + "/link"), "S");
+        EXPECT_EQ(GetAttribute(fHome.Path() / made, "META:url"), url + '\0') << made;
     }
+    EXPECT_EQ(saveAt(folder + "/none/link"), "F");
+    EXPECT_EQ(saveAt("file://other.example/tmp/link"), "F");
 }
 
 } // namespace

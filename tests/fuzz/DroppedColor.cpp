@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "host/x11/exchange/DroppedColor.h"
+#include "host/x11/exchange/DropTarget.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);

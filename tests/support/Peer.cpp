@@ -162,19 +162,6 @@ std::optional<std::string> Peer::Ask(const std::string& selection, const std::st
     return TakeProperty("TAKEN");
 }
 
-std::string Peer::AwaitParts() {
-    std::string all;
-    while (Await<xcb_property_notify_event_t>(XCB_PROPERTY_NOTIFY, [](const auto& change) {
-        return change.state == XCB_PROPERTY_NEW_VALUE;
-    })) {
-        const std::string part = TakeProperty("TAKEN");
-        if (part.empty())
-            return all;
-        all += part;
-    }
-    return "nothing came";
-}
-
 void Peer::SetAtoms(const std::string& property, const std::vector<std::string>& names,
                     const std::string& type) {
     std::vector<xcb_atom_t> atoms;
@@ -196,8 +183,6 @@ std::string Peer::Property(xcb_window_t window, const std::string& name, bool re
     Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(fConnection, cookie, nullptr));
     if (!reply)
         return {};
-    if (remove)
-        askedType = reply->type;
     return {static_cast<const char*>(xcb_get_property_value(reply.get())),
             static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
 }

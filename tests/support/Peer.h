@@ -50,11 +50,8 @@ public:
     bool AnswerPart(const xcb_selection_request_event_t& request, const std::string& part);
     void Notify(const xcb_selection_request_event_t& request, xcb_atom_t property);
 
-    // Ask: the selection's data as that type; nothing if it is refused. `askedType` is then the
-    // type of the answer. After an INCR, AwaitParts gives the text.
+    // Ask: the selection's data as that type; nothing if it is refused.
     std::optional<std::string> Ask(const std::string& selection, const std::string& type);
-    xcb_atom_t askedType = XCB_NONE;
-    std::string AwaitParts();
     void SetAtoms(const std::string& property, const std::vector<std::string>& names,
                   const std::string& type = "ATOM");
     std::string TakeProperty(const std::string& property);

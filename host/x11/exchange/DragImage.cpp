@@ -30,7 +30,7 @@ uint32 Opaque(uint32 pixel) {
     return plain;
 }
 
-// None if there is no such visual.
+// XCB_NONE if the screen has no such visual.
 xcb_visualid_t VisualWithAlpha(const xcb_screen_t& screen) {
     auto depths = xcb_screen_allowed_depths_iterator(&screen);
     for (; depths.rem; xcb_depth_next(&depths)) {
@@ -104,7 +104,7 @@ void DragImage::Create(uint8 depth, xcb_visualid_t visual) {
                           {fConnection[kNetWmWindowTypeDnd]});
 }
 
-// As the background, so that the server shows it without being told.
+// As the background, so that the server repaints it by itself.
 void DragImage::Paint(const Image& image, uint8 depth, bool isOpaque) {
     xcb_pixmap_t pixmap = xcb_generate_id(fConnection);
     xcb_gcontext_t pen = xcb_generate_id(fConnection);
@@ -127,7 +127,7 @@ void DragImage::Paint(const Image& image, uint8 depth, bool isOpaque) {
     xcb_free_pixmap(fConnection, pixmap);
 }
 
-// What has less than a third of the strongest pixel's opacity is left out.
+// Leaves out pixels with less than a third of the strongest one's opacity.
 void DragImage::Shape(const Image& image) {
     uint32 strongest = 1;
     for (int y = 0; y < fHeight; y++) {

@@ -5,9 +5,9 @@
 
 namespace host {
 
-// The picture of what is dragged, under the pointer and above all windows: half transparent on a
-// desktop that can show that, else in the shape of what can be seen of it. The pointer goes through
-// it. Without the server's shape extension there is none, since it would hide all targets.
+// The picture under the pointer during a drag, above all windows: half transparent on a desktop
+// that can show that, else cut to the shape of its visible pixels. The pointer goes through it.
+// Without the server's shape extension nothing is shown, since it would hide all targets.
 class DragImage {
 public:
     // The pointer is at `hotX`, `hotY` of the picture, in device pixels. Shown by the first MoveTo.

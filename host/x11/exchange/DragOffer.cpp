@@ -3,7 +3,7 @@
 #include <unistd.h>
 
 #include "host/x11/exchange/FileUri.h"
-#include "host/x11/exchange/SelectionAnswer.h"
+#include "host/x11/exchange/Selections.h"
 #include "host/x11/server/Clock.h"
 
 namespace host {
@@ -17,15 +17,6 @@ std::string MachineName() {
     char name[256] = {};
     gethostname(name, sizeof(name) - 1);
     return name;
-}
-
-// The other program's window may be gone at any time, which is no error worth a line.
-void PutData(const Connection& connection, const xcb_selection_request_event_t& request,
-             xcb_atom_t type, uint8 format, const void* data, std::size_t count) {
-    auto cookie = xcb_change_property_checked(connection, XCB_PROP_MODE_REPLACE, request.requestor,
-                                              request.property, type, format,
-                                              static_cast<uint32>(count), data);
-    xcb_discard_reply(connection, cookie.sequence);
 }
 
 // The protocol's letter for how a saving ended.
@@ -56,7 +47,7 @@ struct DragOffer::Saving {
         if (!connection)
             return;
         char letter = LetterOf(status);
-        PutData(*connection, request, request.target, 8, &letter, 1);
+        PutAnswer(*connection, request.requestor, request.property, request.target, 8, &letter, 1);
         AnswerRequest(*connection, request, request.property);
         connection = nullptr;
     }
@@ -135,11 +126,11 @@ void DragOffer::HandleRequest(const xcb_selection_request_event_t& asked, bool i
 
 void DragOffer::Give(const xcb_selection_request_event_t& request, xcb_atom_t type, uint8 format,
                      const void* data, std::size_t count) const {
-    PutData(fConnection, request, type, format, data, count);
+    PutAnswer(fConnection, request.requestor, request.property, type, format, data, count);
     AnswerRequest(fConnection, request, request.property);
 }
 
-// Where the other program wants the file, it has put on the drag's window.
+// The other program has put the place for the file on the drag's window.
 std::string DragOffer::SaveUri() const {
     Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         fConnection,

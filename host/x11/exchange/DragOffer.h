@@ -10,20 +10,20 @@
 
 namespace host {
 
-// What one drag has to give: it owns the protocol's selection by a window of its own, and hands the
-// data out. One thread at a time, but for the answer to a request for saving.
+// The data of one drag: it owns the protocol's selection by a window of its own and answers the
+// requests for it. One thread at a time, except for the answer to a request for saving.
 class DragOffer {
 public:
     DragOffer(const Connection& connection, const DragSpec& spec, std::shared_ptr<DragSink> sink,
               xcb_timestamp_t time);
-    // What is still to be saved is answered as failed.
+    // Answers a request for saving that still waits as failed.
     ~DragOffer();
     DragOffer(const DragOffer&) = delete;
 
     xcb_window_t Window() const { return fWindow; }
     const std::vector<xcb_atom_t>& Types() const { return fTypes; }
 
-    // Until it was dropped nothing is saved; after that, once.
+    // Nothing is saved before the drop, and only once after it.
     void HandleRequest(const xcb_selection_request_event_t& request, bool isDropped);
     // Gives up a saving that takes too long.
     void CheckSaving();

@@ -7,13 +7,19 @@
 #include "host/loop/ServiceLoop.h"
 #include "host/x11/exchange/DragImage.h"
 #include "host/x11/exchange/DragOffer.h"
-#include "host/x11/exchange/DropSearch.h"
 #include "host/x11/server/InputGrab.h"
 
 namespace host {
 
-// What is dragged out of the program, from the press that it began with to the other program's word
-// that it has it. One at a time. Any thread; the display thread hands the events in.
+// A place on the screen that takes drops.
+struct DropPlace {
+    xcb_window_t window = XCB_WINDOW_NONE;   // None: nothing there takes drops
+    xcb_window_t receiver = XCB_WINDOW_NONE; // of the messages about it
+    uint32 version = 0;                      // of the protocol to be spoken
+};
+
+// A drag out of the program, from its press to the other program's answer that it has the data. One
+// at a time. Any thread; the display thread passes the events in.
 class DragSource {
 public:
     DragSource(const Connection& connection, InputGrab& grab);
@@ -26,7 +32,7 @@ public:
     void Forget(xcb_window_t window);
 
     void HandleMotion(const xcb_motion_notify_event_t& event);
-    // After the program's window was told of it; `buttons` are still down.
+    // After the program's window got it; `buttons` are still down.
     void HandleRelease(const xcb_button_release_event_t& event, uint32 buttons);
     // Whether the key is used up.
     bool HandleKey(const KeyChanged& key);
@@ -72,7 +78,7 @@ private:
     void Cancel();
     void Send(AtomIndex type, uint32 second = 0, uint32 third = 0, uint32 fourth = 0,
               uint32 fifth = 0) const;
-    // Leave the lock open.
+    // Unlock `lock`.
     void Release(Lock& lock);
     void DropOrLeave(Lock& lock);
     void HandleStatus(Lock& lock, bool isAccepted);

@@ -1,11 +1,10 @@
 #include "host/x11/exchange/DropTarget.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstring>
 
 #include "base/Errors.h"
-#include "host/x11/XWindow.h"
-#include "host/x11/exchange/DragMessages.h"
-#include "host/x11/exchange/DroppedColor.h"
 
 namespace host {
 
@@ -18,11 +17,36 @@ constexpr uint32 kHasTypeList = 1;
 // In XdndStatus' and XdndFinished's second word.
 constexpr uint32 kAccepted = 1;
 
+constexpr std::string_view kBlanks(" \t\r\n\0", 5);
+
 } // namespace
 
-DropTarget::DropTarget(const Connection& connection, WindowRegistry& windows)
+std::optional<rgb_color> ColorOfWords(std::string_view bytes) {
+    uint16 words[4];
+    if (bytes.size() != sizeof(words))
+        return std::nullopt;
+    std::memcpy(words, bytes.data(), sizeof(words));
+    auto channel = [&](int index) { return static_cast<uint8>(words[index] >> 8); };
+    return rgb_color{channel(0), channel(1), channel(2), 255};
+}
+
+std::optional<rgb_color> ColorOfText(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
+    if (text.size() != 7 || text[0] != '#')
+        return std::nullopt;
+    uint32 value = 0;
+    if (std::from_chars(text.data() + 1, text.data() + 7, value, 16).ptr != text.data() + 7)
+        return std::nullopt;
+    return rgb_color{static_cast<uint8>(value >> 16), static_cast<uint8>(value >> 8),
+                     static_cast<uint8>(value), 255};
+}
+
+DropTarget::DropTarget(const Connection& connection, const WindowRegistry& windows,
+                       ColorSink takeColor)
     : fConnection(connection)
     , fWindows(windows)
+    , fTakeColor(std::move(takeColor))
     , fReads(connection, kMaxBytes) {}
 
 bool DropTarget::HandleMessage(const xcb_client_message_event_t& event) {
@@ -58,7 +82,7 @@ void DropTarget::Enter(const xcb_client_message_event_t& event) {
     Begin(drag);
 }
 
-// The type among those that are offered, in which a colour may be had; or None.
+// The offered type in which the colour is asked for, or None.
 xcb_atom_t DropTarget::TypeOf(const xcb_client_message_event_t& event) const {
     const uint32* words = event.data.data32;
     std::vector<uint32> offered(words + 2, words + 5);
@@ -78,7 +102,7 @@ void DropTarget::Move(const xcb_client_message_event_t& event) {
     std::unique_lock lock(fLock);
     if (!fDrag.Is(event) || fDrag.isDropped) {
         lock.unlock();
-        Tell(event, false);
+        SendStatus(event, false);
         return;
     }
     fDrag.screenX = static_cast<int16>(event.data.data32[2] >> 16);
@@ -106,7 +130,7 @@ void DropTarget::Drop(const xcb_client_message_event_t& event) {
     std::unique_lock lock(fLock);
     if (!fDrag.Is(event) || fDrag.isDropped) {
         lock.unlock();
-        Finish(event, false);
+        SendFinished(event, false);
         return;
     }
     fDrag.isDropped = true;
@@ -142,8 +166,8 @@ void DropTarget::TakeAnswer(uint32 drag, status_t status, const std::string& byt
     Judge(lock);
 }
 
-// Tells the other program what it waits for, and the window of a colour that was dropped. Leaves
-// `lock` open.
+// Answers the other program if it waits, and delivers a colour that was dropped. Unlocks `lock`
+// before calling back.
 void DropTarget::Judge(std::unique_lock<std::mutex>& lock) {
     if (fDrag.verdict == Verdict::Reading) {
         lock.unlock();
@@ -159,28 +183,24 @@ void DropTarget::Judge(std::unique_lock<std::mutex>& lock) {
     event.window = drag.window;
     event.data.data32[0] = drag.source;
     if (drag.isAwaited)
-        Tell(event, isAccepted);
+        SendStatus(event, isAccepted);
     if (!drag.isDropped)
         return;
-    if (isAccepted) {
-        fWindows.Deliver(drag.window, [&](XWindow& window) {
-            auto [x, y] = window.ContentPlace(XCB_WINDOW_NONE, drag.screenX, drag.screenY);
-            window.Tell(ColorDropped{x, y, drag.color});
-        });
-    }
-    Finish(event, isAccepted);
+    if (isAccepted)
+        fTakeColor(drag.window, drag.screenX, drag.screenY, drag.color);
+    SendFinished(event, isAccepted);
 }
 
-void DropTarget::Tell(const xcb_client_message_event_t& event, bool accepted) const {
-    SendDragMessage(fConnection, event.data.data32[0], event.data.data32[0], kXdndStatus,
-                    {event.window, accepted ? kAccepted : 0, 0, 0,
-                     accepted ? fConnection[kXdndActionCopy] : xcb_atom_t{XCB_ATOM_NONE}});
+void DropTarget::SendStatus(const xcb_client_message_event_t& event, bool accepted) const {
+    fConnection.SendMessage(event.data.data32[0], event.data.data32[0], kXdndStatus,
+                            {event.window, accepted ? kAccepted : 0, 0, 0,
+                             accepted ? fConnection[kXdndActionCopy] : xcb_atom_t{XCB_ATOM_NONE}});
 }
 
-void DropTarget::Finish(const xcb_client_message_event_t& event, bool accepted) const {
-    SendDragMessage(fConnection, event.data.data32[0], event.data.data32[0], kXdndFinished,
-                    {event.window, accepted ? kAccepted : 0,
-                     accepted ? fConnection[kXdndActionCopy] : xcb_atom_t{XCB_ATOM_NONE}});
+void DropTarget::SendFinished(const xcb_client_message_event_t& event, bool accepted) const {
+    fConnection.SendMessage(event.data.data32[0], event.data.data32[0], kXdndFinished,
+                            {event.window, accepted ? kAccepted : 0,
+                             accepted ? fConnection[kXdndActionCopy] : xcb_atom_t{XCB_ATOM_NONE}});
 }
 
 } // namespace host

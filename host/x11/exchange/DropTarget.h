@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -11,14 +12,25 @@
 
 namespace host {
 
-// What other programs drag over the program's windows and drop on them. A colour is taken, all else
-// is refused; what it is is looked at while it is still dragged, so that the other program can show
-// either. One drag at a time, the newest. The display thread hands the events in.
+// A colour chooser's four words: red, green, blue and an opacity, which does not count. Nothing if
+// `bytes` has any other length.
+std::optional<rgb_color> ColorOfWords(std::string_view bytes);
+
+// "#rrggbb", with blanks around it.
+std::optional<rgb_color> ColorOfText(std::string_view text);
+
+// The receiving end of drags from other programs. A colour is taken, all else is refused. The data
+// is read during the drag, so the source can show whether it will be accepted. One drag at a time,
+// the newest. The display thread passes the events in.
 class DropTarget {
 public:
-    DropTarget(const Connection& connection, WindowRegistry& windows);
+    // Gets the window of the program on which a colour was dropped, and the place on the screen.
+    using ColorSink =
+        std::function<void(xcb_window_t window, int screenX, int screenY, rgb_color color)>;
 
-    // Whether the message is one of a drag. It may come from anybody, at any time.
+    DropTarget(const Connection& connection, const WindowRegistry& windows, ColorSink takeColor);
+
+    // Whether the message is one of a drag. Any program can send one at any time.
     bool HandleMessage(const xcb_client_message_event_t& event);
     void HandleNotify(const xcb_selection_notify_event_t& event) { fReads.HandleNotify(event); }
     // Whether the property is one of a transfer.
@@ -40,7 +52,7 @@ private:
         Verdict verdict = Verdict::Refused;
         rgb_color color{};
         int screenX = 0, screenY = 0;
-        bool isAwaited = false; // by the other program: where may it drop?
+        bool isAwaited = false; // the other program waits for the verdict
         bool isDropped = false;
 
         bool Is(const xcb_client_message_event_t& event) const {
@@ -56,12 +68,13 @@ private:
     void Read(xcb_timestamp_t time);
     void TakeAnswer(uint32 drag, status_t status, const std::string& bytes);
     void Begin(const Drag& drag);
-    void Tell(const xcb_client_message_event_t& event, bool accepted) const;
-    void Finish(const xcb_client_message_event_t& event, bool accepted) const;
+    void SendStatus(const xcb_client_message_event_t& event, bool accepted) const;
+    void SendFinished(const xcb_client_message_event_t& event, bool accepted) const;
     void Judge(std::unique_lock<std::mutex>& lock);
 
     const Connection& fConnection;
-    WindowRegistry& fWindows;
+    const WindowRegistry& fWindows;
+    const ColorSink fTakeColor;
     std::mutex fLock; // for the next two; not held while others are called
     Drag fDrag;
     uint32 fCount = 0; // of the drags so far

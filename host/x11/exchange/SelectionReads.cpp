@@ -63,8 +63,8 @@ void SelectionReads::Begin(Read read) {
     Ask(window, added);
 }
 
-// At the present time, unless the caller knows better: whoever holds the selection now may have
-// taken it after the last key that this program has seen.
+// At the present time unless the caller gave one: the owner may have taken the selection after the
+// last key that this program has seen.
 void SelectionReads::Ask(xcb_window_t window, Read& read) {
     read.lastProgress = Now();
     xcb_convert_selection(fConnection, window, read.selection, read.targets.front(),
@@ -76,7 +76,7 @@ void SelectionReads::Ask(xcb_window_t window, Read& read) {
 void SelectionReads::HandleNotify(const xcb_selection_notify_event_t& event) {
     Lock lock(fLock);
     auto at = fReads.find(event.requestor);
-    // Anybody can send such an event.
+    // Any program can send such an event.
     if (at == fReads.end() || at->second.isIncremental || event.selection != at->second.selection)
         return;
     if (event.property != XCB_ATOM_NONE)
@@ -98,7 +98,7 @@ bool SelectionReads::HandleProperty(const xcb_property_notify_event_t& event) {
     return true;
 }
 
-// Takes what is in the property. Its removal tells the other program to go on.
+// Takes the property's data. Its removal asks the other program for the next part.
 void SelectionReads::Take(Lock& lock, Reads::iterator at) {
     Read& read = at->second;
     Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
@@ -113,7 +113,7 @@ void SelectionReads::Take(Lock& lock, Reads::iterator at) {
     read.lastProgress = Now();
     auto length = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
     if (!read.isIncremental && reply->type == fConnection[kIncr]) {
-        // It tells how much will come at least.
+        // The value is a lower bound of the whole length.
         bool isTooLong =
             length >= 4 && *static_cast<uint32*>(xcb_get_property_value(reply.get())) > fMaxBytes;
         if (isTooLong)
@@ -144,7 +144,7 @@ void SelectionReads::CheckProgress(xcb_window_t window) {
         Finish(lock, at, B_TIMED_OUT);
 }
 
-// Leaves `lock` open.
+// Unlocks `lock` before calling back.
 void SelectionReads::Finish(Lock& lock, Reads::iterator at, status_t status) {
     Reads::node_type finished = fReads.extract(at);
     lock.unlock();

@@ -11,23 +11,23 @@
 
 namespace host {
 
-// Gets selections from other programs. Each transfer has a window of its own, so what belongs to
-// one that was given up reaches no other. Any thread; the display thread hands the events in.
+// Reads selections of other programs. Each transfer has a window of its own, so that late answers
+// to one that was given up reach no other. Any thread; the display thread passes the events in.
 class SelectionReads {
 public:
-    // What is longer than `maxBytes` is refused.
+    // A text longer than `maxBytes` is refused.
     SelectionReads(const Connection& connection, std::size_t maxBytes);
-    // Cancels what is under way.
+    // Cancels all transfers.
     ~SelectionReads();
 
-    // Any form of text.
+    // In any form of text.
     void Start(xcb_atom_t selection, SelectionAnswer answer);
-    // That form only: the bytes as they are, of values of at most 16 bits in this computer's order.
+    // In that form only: the bytes as they are, of values of 8 or 16 bits in this computer's order.
     void Start(xcb_atom_t selection, xcb_atom_t target, xcb_timestamp_t time,
                SelectionAnswer answer);
     // Asks the clipboard manager to take what the program offers; the answer has no text.
     void StartSaving(SelectionAnswer answer);
-    // Answers all that is under way with B_CANCELED.
+    // Answers all transfers with B_CANCELED.
     void Cancel();
 
     void HandleNotify(const xcb_selection_notify_event_t& event);
@@ -58,7 +58,7 @@ private:
 
     const Connection& fConnection;
     const std::size_t fMaxBytes;
-    std::mutex fLock; // for what follows; not held while an answer is given or a timer ended
+    std::mutex fLock; // guards the next one; not held while an answer is given or a timer ended
     Reads fReads;
 };
 

@@ -4,19 +4,51 @@
 #include <future>
 
 #include "base/Errors.h"
+#include "base/Utf8.h"
 
 namespace host {
 
 namespace {
 
-constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
+constexpr std::size_t kMaxBytes = std::size_t{16} << 20; // of another program's text
+constexpr std::size_t kMaxTargets = 32;                  // of one MULTIPLE request
+
+// Without a time the selection was taken before all other times.
+bool IsBefore(xcb_timestamp_t time, xcb_timestamp_t since) {
+    return since != XCB_CURRENT_TIME && static_cast<int32>(time - since) < 0;
+}
 
 } // namespace
+
+void PutAnswer(const Connection& connection, xcb_window_t requestor, xcb_atom_t property,
+               xcb_atom_t type, uint8 format, const void* data, std::size_t count) {
+    auto cookie =
+        xcb_change_property_checked(connection, XCB_PROP_MODE_REPLACE, requestor, property, type,
+                                    format, static_cast<uint32>(count), data);
+    xcb_discard_reply(connection, cookie.sequence);
+}
+
+void AnswerRequest(const Connection& connection, const xcb_selection_request_event_t& request,
+                   xcb_atom_t property) {
+    xcb_selection_notify_event_t answer{};
+    answer.response_type = XCB_SELECTION_NOTIFY;
+    answer.time = request.time;
+    answer.requestor = request.requestor;
+    answer.selection = request.selection;
+    answer.target = request.target;
+    answer.property = property;
+    auto cookie =
+        xcb_send_event_checked(connection, false, request.requestor, XCB_EVENT_MASK_NO_EVENT,
+                               reinterpret_cast<const char*>(&answer));
+    xcb_discard_reply(connection, cookie.sequence);
+    connection.Flush();
+}
 
 Selections::Selections(const Connection& connection, xcb_window_t owner,
                        const WindowRegistry& windows)
     : fConnection(connection)
-    , fOffers(connection, owner, windows)
+    , fOwner(owner)
+    , fWindows(windows)
     , fReads(connection, kMaxBytes) {}
 
 xcb_atom_t Selections::AtomOf(SelectionKind selection) const {
@@ -24,19 +56,38 @@ xcb_atom_t Selections::AtomOf(SelectionKind selection) const {
                                                : fConnection[kClipboard];
 }
 
-void Selections::Own(SelectionKind selection, xcb_timestamp_t time, std::string text) {
-    fOffers.Own(AtomOf(selection), time, std::move(text));
+bool Selections::Holds(xcb_atom_t selection) const {
+    std::lock_guard lock(fLock);
+    return fOffers.contains(selection);
 }
 
-void Selections::Ask(SelectionKind selection, SelectionAnswer answer) {
-    if (SelectionOffers::Text own = fOffers.TextOf(AtomOf(selection)))
-        answer(B_OK, *own);
-    else
-        fReads.Start(AtomOf(selection), std::move(answer));
+void Selections::Own(SelectionKind kind, xcb_timestamp_t time, std::string text) {
+    xcb_atom_t selection = AtomOf(kind);
+    std::lock_guard lock(fLock);
+    fOffers[selection] = {std::move(text), time};
+    xcb_set_selection_owner(fConnection, fOwner, selection, time);
+    // The server refuses it if another program took the selection later than that.
+    Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+        fConnection, xcb_get_selection_owner(fConnection, selection), nullptr));
+    if (owner && owner->owner != fOwner)
+        fOffers.erase(selection);
+}
+
+void Selections::Ask(SelectionKind kind, SelectionAnswer answer) {
+    std::unique_lock lock(fLock);
+    auto own = fOffers.find(AtomOf(kind));
+    if (own == fOffers.end()) {
+        lock.unlock();
+        fReads.Start(AtomOf(kind), std::move(answer));
+        return;
+    }
+    std::string text = own->second.text;
+    lock.unlock();
+    answer(B_OK, std::move(text));
 }
 
 void Selections::SaveClipboard(bigtime_t timeout) {
-    if (!fOffers.TextOf(fConnection[kClipboard]) || fConnection.IsLost())
+    if (!Holds(fConnection[kClipboard]) || fConnection.IsLost())
         return;
     auto saved = std::make_shared<std::promise<void>>();
     auto isSaved = saved->get_future();
@@ -47,10 +98,10 @@ void Selections::SaveClipboard(bigtime_t timeout) {
 void Selections::Handle(const xcb_generic_event_t& event) {
     switch (event.response_type & 0x7f) {
     case XCB_SELECTION_CLEAR:
-        fOffers.HandleClear(reinterpret_cast<const xcb_selection_clear_event_t&>(event));
+        HandleClear(reinterpret_cast<const xcb_selection_clear_event_t&>(event));
         break;
     case XCB_SELECTION_REQUEST:
-        fOffers.HandleRequest(reinterpret_cast<const xcb_selection_request_event_t&>(event));
+        HandleRequest(reinterpret_cast<const xcb_selection_request_event_t&>(event));
         break;
     case XCB_SELECTION_NOTIFY:
         fReads.HandleNotify(reinterpret_cast<const xcb_selection_notify_event_t&>(event));
@@ -58,8 +109,76 @@ void Selections::Handle(const xcb_generic_event_t& event) {
     }
 }
 
-bool Selections::HandleProperty(const xcb_property_notify_event_t& event) {
-    return fReads.HandleProperty(event) || fOffers.HandleProperty(event);
+void Selections::HandleClear(const xcb_selection_clear_event_t& event) {
+    std::lock_guard lock(fLock);
+    auto found = fOffers.find(event.selection);
+    // The program may have taken the selection back since.
+    if (found != fOffers.end() && !IsBefore(event.time, found->second.since))
+        fOffers.erase(found);
+}
+
+bool Selections::MayHave(const xcb_selection_request_event_t& event) const {
+    auto found = fOffers.find(event.selection);
+    if (found == fOffers.end() || event.requestor == fOwner || fWindows.Contains(event.requestor))
+        return false;
+    return event.time == XCB_CURRENT_TIME || !IsBefore(event.time, found->second.since);
+}
+
+void Selections::HandleRequest(const xcb_selection_request_event_t& event) {
+    // Old programs leave the choice of the property to the owner.
+    xcb_atom_t property = event.property != XCB_ATOM_NONE ? event.property : event.target;
+    std::lock_guard lock(fLock);
+    bool isAnswered = MayHave(event) && Answer(fOffers.at(event.selection),
+                                               {event.requestor, property}, event.target);
+    AnswerRequest(fConnection, event, isAnswered ? property : xcb_atom_t{XCB_ATOM_NONE});
+}
+
+bool Selections::Answer(const Offer& offer, Place place, xcb_atom_t target) const {
+    if (target == fConnection[kTargets]) {
+        const xcb_atom_t targets[] = {target,
+                                      fConnection[kMultiple],
+                                      fConnection[kTimestamp],
+                                      fConnection[kUtf8String],
+                                      fConnection[kTextPlainUtf8],
+                                      fConnection[kText],
+                                      XCB_ATOM_STRING};
+        Put(place, XCB_ATOM_ATOM, 32, targets, std::size(targets));
+        return true;
+    }
+    if (target == fConnection[kTimestamp]) {
+        Put(place, XCB_ATOM_INTEGER, 32, &offer.since, 1);
+        return true;
+    }
+    if (target == fConnection[kMultiple])
+        return AnswerAll(offer, place);
+    if (target == fConnection[kUtf8String] || target == fConnection[kText])
+        return AnswerText(place, fConnection[kUtf8String], offer.text);
+    if (target == fConnection[kTextPlainUtf8])
+        return AnswerText(place, target, offer.text);
+    return target == XCB_ATOM_STRING && AnswerText(place, target, Latin1FromUtf8(offer.text));
+}
+
+// The property holds pairs of a target and the property for it; a refused one gets None there.
+bool Selections::AnswerAll(const Offer& offer, Place place) const {
+    auto pairs = fConnection.ReadValues(
+        fConnection.AskForValues(place.first, place.second, fConnection[kAtomPair]));
+    if (pairs.empty() || pairs.size() > 2 * kMaxTargets)
+        return false;
+    for (std::size_t i = 0; i + 1 < pairs.size(); i += 2) {
+        bool isNested = pairs[i] == fConnection[kMultiple];
+        if (isNested || pairs[i + 1] == XCB_ATOM_NONE ||
+            !Answer(offer, {place.first, pairs[i + 1]}, pairs[i]))
+            pairs[i + 1] = XCB_ATOM_NONE;
+    }
+    Put(place, fConnection[kAtomPair], 32, pairs.data(), pairs.size());
+    return true;
+}
+
+bool Selections::AnswerText(Place place, xcb_atom_t type, const std::string& text) const {
+    if (text.size() > fConnection.MaxRequestBytes() - sizeof(xcb_change_property_request_t))
+        return false;
+    Put(place, type, 8, text.data(), text.size());
+    return true;
 }
 
 } // namespace host

@@ -5,6 +5,8 @@
 
 #include <xcb/xcb.h>
 
+#include "base/Types.h"
+
 // Every atom that the program names, in one table: they are interned in one round trip.
 #define X11_ATOMS(ATOM)                                                                            \
     ATOM(kApplicationColor, "application/x-color")                                                 \
@@ -85,5 +87,9 @@ private:
     std::array<xcb_intern_atom_cookie_t, kAtomCount> fCookies{};
     std::array<xcb_atom_t, kAtomCount> fAtoms{};
 };
+
+// The drag protocol's version that windows announce, and the lowest that another program may speak.
+inline constexpr uint32 kXdndVersion = 5;
+inline constexpr uint32 kLowestXdndVersion = 3;
 
 } // namespace host

@@ -143,6 +143,20 @@ void Connection::SendToRoot(xcb_window_t window, xcb_atom_t type,
                    reinterpret_cast<const char*>(&event));
 }
 
+void Connection::SendMessage(xcb_window_t receiver, xcb_window_t window, AtomIndex type,
+                             const std::array<uint32, 5>& data) const {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = fAtoms[type];
+    std::ranges::copy(data, event.data.data32);
+    auto cookie = xcb_send_event_checked(fConnection, false, receiver, XCB_EVENT_MASK_NO_EVENT,
+                                         reinterpret_cast<const char*>(&event));
+    xcb_discard_reply(fConnection, cookie.sequence);
+    Flush();
+}
+
 void Connection::SendMessageTo(xcb_window_t window) const {
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;

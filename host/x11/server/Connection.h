@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -43,6 +44,10 @@ public:
 
     // Asks the window manager for something about `window`.
     void SendToRoot(xcb_window_t window, xcb_atom_t type, const std::vector<uint32>& data) const;
+
+    // A client message about `window` to another program's window. Either may be gone.
+    void SendMessage(xcb_window_t receiver, xcb_window_t window, AtomIndex type,
+                     const std::array<uint32, 5>& data) const;
 
     // An empty message to a window of the program: it wakes the display thread.
     void SendMessageTo(xcb_window_t window) const;

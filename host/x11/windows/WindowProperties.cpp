@@ -5,8 +5,6 @@
 
 #include <unistd.h>
 
-#include "host/x11/exchange/DragMessages.h"
-
 namespace host {
 
 namespace {
