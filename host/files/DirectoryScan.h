@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "host/files/monitor/NodeStatus.h"
+#include "host/files/NodeStatus.h"
 #include "host/loop/Descriptor.h"
 
 namespace host {

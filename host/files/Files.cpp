@@ -3,13 +3,15 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <memory>
 
+#include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
-#include "host/files/monitor/NodeStatus.h"
 
 namespace host {
 
@@ -31,14 +33,14 @@ status_t SyncDirectory(const std::string& path) {
 // For disks whose rename cannot refuse to replace.
 status_t RenameUnlessExists(const std::string& from, const std::string& to) {
     NodeStatus there;
-    if (LookAt(to, there) == B_OK)
+    if (Stat(to, there) == B_OK)
         return B_FILE_EXISTS;
     return rename(from.c_str(), to.c_str()) == 0 ? B_OK : StatusFromErrno(errno);
 }
 
 } // namespace
 
-status_t HoldNode(const std::string& path, Descriptor& node, bool follow) {
+status_t OpenPathOnly(const std::string& path, Descriptor& node, bool follow) {
     int flags = O_PATH | O_CLOEXEC | (follow ? 0 : O_NOFOLLOW);
     node = Descriptor(open(path.c_str(), flags));
     return node ? B_OK : StatusFromErrno(errno);
@@ -46,7 +48,7 @@ status_t HoldNode(const std::string& path, Descriptor& node, bool follow) {
 
 status_t OpenFile(const std::string& path, int flags, Descriptor& file) {
     NodeStatus there;
-    status_t status = LookAt(path, there, true);
+    status_t status = Stat(path, there, true);
     if (status == B_OK)
         status = RefuseUnlessFile(there.kind);
     if (status != B_OK && !(status == B_ENTRY_NOT_FOUND && (flags & O_CREAT)))
@@ -55,7 +57,7 @@ status_t OpenFile(const std::string& path, int flags, Descriptor& file) {
     Descriptor opened(open(path.c_str(), flags | kSafely, 0666));
     if (!opened)
         return StatusFromErrno(errno);
-    status = LookAt(opened.Get(), "", there);
+    status = Stat(opened.Get(), "", there);
     if (status == B_OK)
         status = RefuseUnlessFile(there.kind);
     if (status == B_OK)
@@ -71,7 +73,7 @@ status_t SyncNode(int descriptor) {
 
     // It only names the node.
     NodeStatus status;
-    status_t result = LookAt(descriptor, "", status);
+    status_t result = Stat(descriptor, "", status);
     if (result != B_OK || (status.kind != NodeKind::File && status.kind != NodeKind::Directory))
         return result;
     std::string path = "/proc/self/fd/" + std::to_string(descriptor);
@@ -93,7 +95,7 @@ status_t CreateDirectories(const std::string& path, mode_t mode) {
     if (status != B_FILE_EXISTS)
         return status;
     NodeStatus there;
-    status = LookAt(path, there, true);
+    status = Stat(path, there, true);
     if (status != B_OK)
         return status;
     return there.kind == NodeKind::Directory ? B_OK : B_NOT_A_DIRECTORY;
@@ -115,6 +117,25 @@ status_t Rename(const std::string& from, const std::string& to, bool replace) {
 
 status_t Remove(const std::string& path) {
     return remove(path.c_str()) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+status_t ReadLink(int link, std::string& target) {
+    char buffer[PATH_MAX];
+    const ssize_t length = readlinkat(link, "", buffer, sizeof buffer);
+    if (length < 0)
+        return errno == ENOENT ? B_BAD_VALUE : StatusFromErrno(errno);
+    target.assign(buffer, static_cast<size_t>(length));
+    return B_OK;
+}
+
+status_t SetPermissions(int node, mode_t mode) {
+    if (fchmod(node, mode) == 0)
+        return B_OK;
+    if (errno != EBADF)
+        return StatusFromErrno(errno);
+    // A descriptor that only names the node is refused, its name in /proc is not.
+    const std::string name = "/proc/self/fd/" + std::to_string(node);
+    return chmod(name.c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
 }
 
 status_t ResolvePath(const std::string& path, std::string& resolved) {

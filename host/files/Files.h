@@ -9,15 +9,15 @@
 
 namespace host {
 
-// Names a node without opening it: nothing blocks, no right to read it is needed, and it can be
-// asked for its status and attributes. A link at the end is named itself unless `follow`.
-status_t HoldNode(const std::string& path, Descriptor& node, bool follow = false);
+// Opens a node as a name only (O_PATH): nothing blocks, no right to read it is needed, and its
+// status and attributes can be read. A link at the end is opened itself unless `follow`.
+status_t OpenPathOnly(const std::string& path, Descriptor& node, bool follow = false);
 
-// Opens a regular file, following links; `flags` are those of open(). Anything else is refused with
-// B_IS_A_DIRECTORY or B_NOT_ALLOWED and is not opened.
+// Opens a regular file, following links; `flags` are those of open(). Other nodes are refused with
+// B_IS_A_DIRECTORY or B_NOT_ALLOWED and are not opened.
 status_t OpenFile(const std::string& path, int flags, Descriptor& file);
 
-// Waits until the node is on the disk. Does nothing for what is neither file nor directory.
+// Waits until the node is on the disk. Does nothing for nodes other than files and directories.
 status_t SyncNode(int descriptor);
 
 status_t CreateDirectory(const std::string& path, mode_t mode);
@@ -28,6 +28,13 @@ status_t CreateDirectories(const std::string& path, mode_t mode);
 // the disk afterwards.
 status_t Rename(const std::string& from, const std::string& to, bool replace);
 status_t Remove(const std::string& path);
+
+// The target of a symbolic link, which need not exist. `link` is a descriptor of the link itself.
+// B_BAD_VALUE if it is not a link.
+status_t ReadLink(int link, std::string& target);
+
+// Sets the permission bits of a node by any descriptor of it.
+status_t SetPermissions(int node, mode_t mode);
 
 // The place that a path leads to when all links are followed; all of it must exist.
 status_t ResolvePath(const std::string& path, std::string& resolved);

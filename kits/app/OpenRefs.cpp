@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "host/files/KnownPaths.h"
 #include "host/files/Paths.h"
-#include "host/files/monitor/KnownPaths.h"
 #include "kits/app/Message.h"
 #include "kits/app/Roster.h"
 

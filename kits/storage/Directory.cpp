@@ -2,8 +2,8 @@
 
 #include "host/files/DirectoryScan.h"
 #include "host/files/Files.h"
+#include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
-#include "host/files/monitor/NodeStatus.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"
 #include "kits/storage/Path.h"
@@ -52,12 +52,12 @@ status_t BDirectory::SetTo(const BEntry* entry) {
 status_t BDirectory::SetToHostPath(const std::string& path) {
     Unset();
     host::NodeStatus there;
-    status_t status = host::LookAt(path, there, true);
+    status_t status = host::Stat(path, there, true);
     if (status == B_OK && there.kind != host::NodeKind::Directory)
         status = B_NOT_A_DIRECTORY;
     host::Descriptor node;
     if (status == B_OK)
-        status = host::HoldNode(path, node, true);
+        status = host::OpenPathOnly(path, node, true);
     auto scan = std::make_unique<host::DirectoryScan>();
     if (status == B_OK)
         status = scan->Open(node);

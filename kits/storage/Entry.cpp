@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "host/files/Files.h"
+#include "host/files/KnownPaths.h"
 #include "host/files/Paths.h"
-#include "host/files/monitor/KnownPaths.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Path.h"
 #include "kits/storage/Volume.h"
@@ -63,7 +63,7 @@ void BEntry::Unset() {
 status_t BEntry::SetToHostPath(std::string path, bool traverse) {
     Unset();
     host::NodeStatus there;
-    status_t status = host::LookAt(path, there);
+    status_t status = host::Stat(path, there);
     if (traverse && there.kind == host::NodeKind::Link)
         status = host::ResolvePath(path, path);
     else if (status == B_ENTRY_NOT_FOUND)
@@ -75,7 +75,7 @@ status_t BEntry::SetToHostPath(std::string path, bool traverse) {
 
 bool BEntry::Exists() const {
     host::NodeStatus there;
-    return host::LookAt(fHostPath, there) == B_OK;
+    return host::Stat(fHostPath, there) == B_OK;
 }
 
 bool BEntry::IsFile() const {
@@ -94,7 +94,7 @@ host::NodeKind BEntry::Kind() const {
     if (fKind && *fKind != host::NodeKind::Unknown)
         return *fKind;
     host::NodeStatus there;
-    host::LookAt(fHostPath, there);
+    host::Stat(fHostPath, there);
     // Of a scan's entry, the directory did not tell.
     if (fKind)
         fKind = there.kind;
@@ -126,7 +126,7 @@ status_t BEntry::GetRef(entry_ref* ref) const {
         return B_BAD_VALUE;
     std::string directory = host::ParentPath(fHostPath);
     host::NodeStatus there;
-    status_t status = host::LookAt(directory, there, true);
+    status_t status = host::Stat(directory, there, true);
     if (status != B_OK)
         return status;
     host::KnownPaths::Shared().Remember(there.ref, directory);
@@ -138,7 +138,7 @@ status_t BEntry::GetNodeRef(node_ref* ref) const {
     if (fStatus != B_OK)
         return fStatus;
     host::NodeStatus there;
-    status_t status = ref ? host::LookAt(fHostPath, there) : B_BAD_VALUE;
+    status_t status = ref ? host::Stat(fHostPath, there) : B_BAD_VALUE;
     if (status != B_OK)
         return status;
     host::KnownPaths::Shared().Remember(there.ref, fHostPath);
@@ -168,7 +168,7 @@ status_t BEntry::GetVolume(BVolume* volume) const {
     if (fStatus != B_OK)
         return fStatus;
     host::NodeStatus there;
-    status_t status = volume ? host::LookAt(fHostPath, there, true) : B_BAD_VALUE;
+    status_t status = volume ? host::Stat(fHostPath, there, true) : B_BAD_VALUE;
     if (status != B_OK)
         return status;
     volume->fHostPath = fHostPath;

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/EntryRef.h"
-#include "host/files/monitor/NodeStatus.h"
+#include "host/files/NodeStatus.h"
 #include "kits/storage/StorageDefs.h"
 
 class BDirectory;

@@ -6,8 +6,8 @@
 #include <cerrno>
 
 #include "host/files/Files.h"
+#include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
-#include "host/files/monitor/NodeStatus.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Path.h"
 
@@ -144,7 +144,7 @@ status_t BFile::GetSize(off_t* size) const {
     if (InitCheck() != B_OK)
         return InitCheck();
     host::NodeStatus there;
-    status_t status = size ? host::LookAt(fDescriptor.Get(), "", there) : B_BAD_VALUE;
+    status_t status = size ? host::Stat(fDescriptor.Get(), "", there) : B_BAD_VALUE;
     if (status == B_OK)
         *size = there.size;
     return status;

@@ -5,8 +5,7 @@
 
 #include "host/files/Attributes.h"
 #include "host/files/Files.h"
-#include "host/files/monitor/Links.h"
-#include "host/files/monitor/NodeStatus.h"
+#include "host/files/NodeStatus.h"
 #include "kits/storage/Entry.h"
 
 BNode::BNode(const char* path) {
@@ -44,7 +43,7 @@ status_t BNode::SetTo(const BEntry* entry) {
     host::Descriptor node;
     status_t status = entry ? entry->InitCheck() : B_BAD_VALUE;
     if (status == B_OK)
-        status = host::HoldNode(entry->fHostPath, node);
+        status = host::OpenPathOnly(entry->fHostPath, node);
     return status == B_OK ? SetToDescriptor(std::move(node)) : Fail(status);
 }
 
@@ -66,7 +65,7 @@ status_t BNode::GetNodeRef(node_ref* ref) const {
     if (fStatus != B_OK)
         return fStatus;
     host::NodeStatus there;
-    status_t status = ref ? host::LookAt(fDescriptor.Get(), "", there) : B_BAD_VALUE;
+    status_t status = ref ? host::Stat(fDescriptor.Get(), "", there) : B_BAD_VALUE;
     if (status == B_OK)
         *ref = there.ref;
     return status;
@@ -120,7 +119,7 @@ status_t BNode::GetPermissions(mode_t* permissions) const {
     if (fStatus != B_OK)
         return fStatus;
     host::NodeStatus status;
-    const status_t result = host::LookAt(fDescriptor.Get(), "", status);
+    const status_t result = host::Stat(fDescriptor.Get(), "", status);
     if (result == B_OK)
         *permissions = status.mode & 07777;
     return result;

@@ -29,17 +29,6 @@ int32 OpcodeOf(ChangeKind kind) {
     }
 }
 
-int32 CauseOf(host::AttributeCause cause) {
-    switch (cause) {
-    case host::AttributeCause::Created:
-        return B_ATTR_CREATED;
-    case host::AttributeCause::Removed:
-        return B_ATTR_REMOVED;
-    default:
-        return B_ATTR_CHANGED;
-    }
-}
-
 void FillMessage(BMessage& message, const NodeChange& change) {
     message.AddInt32("opcode", OpcodeOf(change.kind));
     message.AddInt32("device", change.node.device);
@@ -52,11 +41,8 @@ void FillMessage(BMessage& message, const NodeChange& change) {
     case ChangeKind::Removed:
         message.AddInt64("directory", change.directory);
         break;
-    case ChangeKind::AttributeChanged:
-        message.AddString("attr", change.attribute.c_str());
-        message.AddInt32("cause", CauseOf(change.cause));
-        break;
     case ChangeKind::StatusChanged:
+    case ChangeKind::AttributesChanged:
         break;
     }
     message.AddInt64("node", change.node.node);

@@ -6,12 +6,12 @@
 class BHandler;
 class BLooper;
 
-// What to be told about a node; 0 stops.
+// The changes of a node that a watch asks for; 0 ends the watch.
 enum : uint32 {
     B_STOP_WATCHING = 0x0000,
     B_WATCH_NAME = 0x0001,      // it is renamed, moved or removed
     B_WATCH_STAT = 0x0002,      // its size, times, owner or permissions change
-    B_WATCH_ATTR = 0x0004,      // one of its attributes changes
+    B_WATCH_ATTR = 0x0004,      // its attributes change
     B_WATCH_DIRECTORY = 0x0008, // entries in it are created, removed, renamed, moved in or out
 };
 
@@ -22,17 +22,18 @@ enum : uint32 {
 //   B_ENTRY_MOVED    "from directory", "to directory" (int64, equal for a rename), "name" (string,
 //                    the new one; the old one if the entry went to a place that cannot be learned)
 //   B_STAT_CHANGED
-//   B_ATTR_CHANGED   "attr" (string), "cause" (int32: B_ATTR_CREATED, B_ATTR_REMOVED,
-//   B_ATTR_CHANGED)
+//   B_ATTR_CHANGED
 // A directory that is not known (an entry came from or went to a directory that nobody watches) is
 // 0.
 //
-// A node's own watchers and those of its directory are told; one target is told once. A new regular
-// file is announced when nothing has happened to it for 50 ms, since programs that copy set the
-// attributes last, and is announced again if it gets its MIME type only later. An entry that
-// replaces another is told as the other's removal first. When changes were lost (too many at once,
-// the disk unmounted), each target is told that the topmost directories it watches were removed;
-// those that are still there stay watched.
+// The messages go to the watchers of the node and to those of its directory, once to each target. A
+// new regular file is announced when nothing has happened to it for 50 ms, since programs that copy
+// set the attributes last, and is announced again if its MIME type comes only later. When an entry
+// replaces another, the removal of the other comes first. B_ATTR_CHANGED does not say which
+// attribute changed, nor whether it has another value: it is sent when attributes, permissions or
+// the number of links may have changed. When changes were lost (too many at once, the disk
+// unmounted), each target gets the removal of the topmost directories that it watches; those that
+// still exist stay watched.
 enum : int32 {
     B_ENTRY_CREATED = 1,
     B_ENTRY_REMOVED = 2,
@@ -41,14 +42,8 @@ enum : int32 {
     B_ATTR_CHANGED = 5,
 };
 
-// Values of "cause", besides B_ATTR_CHANGED.
-enum : int32 {
-    B_ATTR_CREATED = 1,
-    B_ATTR_REMOVED = 2,
-};
-
-// Adds `flags` to what `target` is told about the node; B_STOP_WATCHING ends it all: when that
-// returns, no more messages about the node are sent to the target. The watch follows the node
+// Adds `flags` to the changes of the node that are sent to `target`; B_STOP_WATCHING ends all: when
+// that returns, no more messages about the node are sent to the target. The watch follows the node
 // through renames and ends when it is removed or moved to a place that cannot be learned.
 // B_ENTRY_NOT_FOUND if the node is not there any more or its ref was never handed out,
 // B_NOT_A_DIRECTORY for B_WATCH_DIRECTORY on something else, B_PERMISSION_DENIED if the node cannot

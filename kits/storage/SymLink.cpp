@@ -1,7 +1,7 @@
 #include "kits/storage/SymLink.h"
 
+#include "host/files/Files.h"
 #include "host/files/Paths.h"
-#include "host/files/monitor/Links.h"
 #include "kits/storage/Path.h"
 
 status_t BSymLink::MakeLinkedPath(const char* directoryPath, BPath* path) const {

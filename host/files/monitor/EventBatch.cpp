@@ -2,21 +2,50 @@
 
 #include <sys/inotify.h>
 
+#include <algorithm>
+
 namespace host {
 
+namespace {
+
+constexpr uint32 kNameChanges = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+
+} // namespace
+
 void EventBatch::Add(const InotifyEvent& event) {
-    if (event.mask & IN_Q_OVERFLOW) {
+    fCount++;
+    if (event.mask & IN_Q_OVERFLOW)
         fHasOverflown = true;
-        return;
+    else if (event.name.empty())
+        AddSelfEvent(fSelves[event.watch], event.mask);
+    else
+        AddEntryEvent({event.watch, event.name}, event);
+}
+
+void EventBatch::AddEntryEvent(const Place& place, const InotifyEvent& event) {
+    auto [found, isNew] = fTouches.try_emplace(place);
+    if (isNew)
+        fPlaces.push_back(place);
+    Touch& touch = found->second;
+    if (event.mask & kNameChanges)
+        touch.changes.push_back({fCount, event.mask, event.cookie});
+    if (event.mask & IN_MOVED_FROM)
+        fLeft.insert(event.cookie);
+    if (event.mask & IN_MOVED_TO)
+        fArrived[event.cookie] = {fCount, place};
+    if (event.mask & (IN_ATTRIB | IN_CLOSE_WRITE))
+        touch.isWritten = true;
+}
+
+void EventBatch::AddSelfEvent(Self& self, uint32 mask) const {
+    if (mask & IN_MOVE_SELF) {
+        self.hasMoved = true;
+        self.movedAt = fCount;
     }
-    // Events of a watch that was ended are still delivered.
-    Watch* watch = fWatches.Find(event.watch);
-    if (!watch)
-        return;
-    if (event.name.empty())
-        AddSelfEvent(*watch, event.mask);
-    else if (watch->names)
-        AddEntryEvent({watch->number, event.name}, event);
+    self.isRemoved |= (mask & IN_DELETE_SELF) != 0;
+    self.hasAttributes |= (mask & IN_ATTRIB) != 0;
+    self.isWritten |= (mask & IN_MODIFY) != 0;
+    self.hasEnded |= (mask & (IN_IGNORED | IN_UNMOUNT)) != 0;
 }
 
 const EventBatch::Touch& EventBatch::At(const Place& place) const {
@@ -25,52 +54,42 @@ const EventBatch::Touch& EventBatch::At(const Place& place) const {
     return found == fTouches.end() ? kUntouched : found->second;
 }
 
-void EventBatch::AddEntryEvent(const Place& place, const InotifyEvent& event) {
-    Touch& touch = TouchOf(place);
-    if (event.mask & IN_CREATE) {
-        touch.isCreated = true;
-        fTrails.Created(place);
-    }
-    if (event.mask & IN_DELETE) {
-        touch.isRemoved = true;
-        fTrails.Removed(place);
-    }
-    if (event.mask & IN_MOVED_FROM)
-        fTrails.Left(place, event.cookie);
-    if (event.mask & IN_MOVED_TO) {
-        touch.hasArrived = true;
-        fTrails.Arrived(place, event.cookie);
-    }
-    if (event.mask & (IN_ATTRIB | IN_CLOSE_WRITE))
-        touch.isChanged = true;
+bool EventBatch::IsRemoved(int watch) const {
+    auto found = fSelves.find(watch);
+    return found != fSelves.end() && found->second.isRemoved;
 }
 
-void EventBatch::AddSelfEvent(const Watch& watch, uint32 mask) {
-    Self& self = fSelves[watch.number];
-    if (mask & IN_MOVE_SELF) {
-        self.hasMoved = true;
-        fTrails.MoveEnded(watch.Node());
+// The halves of a move belong together by their cookie; foreign events may come between them.
+EventBatch::Fate EventBatch::FateOf(Place place, const Watch* watch) const {
+    auto self = watch ? fSelves.find(watch->number) : fSelves.end();
+    size_t since = 0;
+    for (;;) {
+        const auto& changes = At(place).changes;
+        auto change = std::find_if(changes.begin(), changes.end(),
+                                   [since](const auto& item) { return item.index > since; });
+        if (change == changes.end())
+            return since == 0 ? Fate::Removed : Fate::Open;
+        // A name that another one comes to, without a departure, was replaced.
+        if (!(change->mask & IN_MOVED_FROM))
+            return Fate::Removed;
+        auto arrival = fArrived.find(change->cookie);
+        if (arrival == fArrived.end()) {
+            // The node's own event comes behind the second half.
+            bool hasEnded = self != fSelves.end() && self->second.movedAt > change->index;
+            return hasEnded ? Fate::MovedOut : Fate::Open;
+        }
+        since = arrival->second.index;
+        place = arrival->second.place;
     }
-    if (mask & IN_DELETE_SELF) {
-        self.isRemoved = true;
-        // Its directory tells it too, but only behind this.
-        Place place;
-        if (fTrails.NodeRemoved(watch, place))
-            TouchOf(place).isRemoved = true;
-    }
-    if (mask & (IN_ATTRIB | IN_MODIFY | IN_CLOSE_WRITE))
-        self.isChanged = true;
-    if (mask & IN_IGNORED)
-        self.hasEnded = true;
-    if (mask & IN_UNMOUNT)
-        self.isUnmounted = true;
 }
 
-EventBatch::Touch& EventBatch::TouchOf(const Place& place) {
-    auto [found, isNew] = fTouches.try_emplace(place);
-    if (isNew)
-        fPlaces.push_back(place);
-    return found->second;
+bool EventBatch::CameFromOutside(const Place& place) const {
+    const auto& changes = At(place).changes;
+    auto arrival = std::find_if(changes.rbegin(), changes.rend(), [](const auto& change) {
+        return (change.mask & (IN_CREATE | IN_MOVED_TO)) != 0;
+    });
+    return arrival != changes.rend() && (arrival->mask & IN_MOVED_TO) &&
+           !fLeft.contains(arrival->cookie);
 }
 
 } // namespace host

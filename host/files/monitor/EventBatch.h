@@ -1,57 +1,78 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <vector>
 
-#include "host/files/monitor/Inotify.h"
-#include "host/files/monitor/Trails.h"
-#include "host/files/monitor/WatchTable.h"
+#include "host/files/monitor/Watches.h"
 
 namespace host {
 
-// What the events of some reads say, gathered by what they are about: entries of watched
-// directories, and the watched nodes themselves.
+// The events of some reads, gathered by what they are about: the entries of watched directories,
+// and the watched nodes themselves.
 class EventBatch {
 public:
+    // The events of one name.
     struct Touch {
-        bool isCreated = false;
-        bool hasArrived = false;
-        bool isRemoved = false;
-        // Attributes, link count, permissions, or closed after writing.
-        bool isChanged = false;
+        struct Change {
+            size_t index; // in the order of the events
+            uint32 mask;
+            uint32 cookie;
+        };
+        // It was created, removed, or moved in or out.
+        std::vector<Change> changes;
+        // The attributes or permissions changed, or the file was closed after writing.
+        bool isWritten = false;
     };
+    // The events of a watched node.
     struct Self {
+        size_t movedAt = 0;
         bool hasMoved = false;
         bool isRemoved = false;
-        bool isChanged = false;
+        bool hasAttributes = false;
+        bool isWritten = false;
         // The system watches it no more.
         bool hasEnded = false;
-        bool isUnmounted = false;
     };
-
-    EventBatch(WatchTable& watches, Trails& trails)
-        : fWatches(watches)
-        , fTrails(trails) {}
+    // What became of an entry that is not at its place any more.
+    enum class Fate : uint8 {
+        Removed,
+        MovedOut,
+        // The events do not say yet where it went.
+        Open,
+    };
 
     void Add(const InotifyEvent& event);
 
+    size_t Count() const { return fCount; }
     bool HasOverflown() const { return fHasOverflown; }
-
     // The touched entries, in the order of their first events.
     const std::vector<Place>& Places() const { return fPlaces; }
     const Touch& At(const Place& place) const;
     const std::map<int, Self>& Selves() const { return fSelves; }
+    bool IsRemoved(int watch) const;
+
+    // Follows the node that was at `place` before these events. `watch` is its own watch, or null.
+    Fate FateOf(Place place, const Watch* watch) const;
+    // The last one to come here came by a move whose other half is not among the events.
+    bool CameFromOutside(const Place& place) const;
 
 private:
-    void AddEntryEvent(const Place& place, const InotifyEvent& event);
-    void AddSelfEvent(const Watch& watch, uint32 mask);
-    Touch& TouchOf(const Place& place);
+    struct Arrival {
+        size_t index;
+        Place place;
+    };
 
-    WatchTable& fWatches;
-    Trails& fTrails;
+    void AddEntryEvent(const Place& place, const InotifyEvent& event);
+    void AddSelfEvent(Self& self, uint32 mask) const;
+
+    size_t fCount = 0;
     std::vector<Place> fPlaces;
     std::map<Place, Touch> fTouches;
     std::map<int, Self> fSelves;
+    // By cookie.
+    std::set<uint32> fLeft;
+    std::map<uint32, Arrival> fArrived;
     bool fHasOverflown = false;
 };
 

@@ -8,7 +8,7 @@
 
 namespace host {
 
-// One event, as the system tells it: a hint to look at the disk.
+// One event of the system: a hint to look at the disk.
 struct InotifyEvent {
     int watch = -1;
     uint32 mask = 0;
@@ -24,15 +24,14 @@ const char* WatchLimitFile(status_t status);
 class Inotify {
 public:
     status_t Open();
-    bool IsOpen() const { return bool(fDescriptor); }
     int Get() const { return fDescriptor.Get(); }
 
-    // Watches exactly the node that `node` names, or replaces what is watched of it. `watch` is the
-    // watch's number, which is never used twice.
+    // Watches exactly the node that `node` names, or changes the mask of its watch. The number of a
+    // watch is never used twice.
     status_t Add(const Descriptor& node, uint32 mask, int& watch);
     void Remove(int watch);
 
-    // Adds the events that are waiting, as many as fit one read; false when there are none.
+    // Adds the events that are waiting, as many as fit one read; false when nothing waits.
     bool Read(std::vector<InotifyEvent>& events);
 
 private:

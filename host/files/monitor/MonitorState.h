@@ -1,37 +1,86 @@
 #pragma once
 
-#include "host/files/monitor/Announcer.h"
-#include "host/files/monitor/Inotify.h"
-#include "host/files/monitor/QuietFiles.h"
-#include "host/files/monitor/Trails.h"
-#include "host/files/monitor/WatchTable.h"
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/files/monitor/Watches.h"
 
 namespace host {
 
-// What the parts of the node monitor work on together.
+// A time for each of some keys.
+template <typename Key>
+class Deadlines {
+public:
+    void Set(const Key& key, bigtime_t time) {
+        Remove(key);
+        fTimes[key] = time;
+        fQueue.insert({time, key});
+    }
+
+    void Remove(const Key& key) {
+        auto found = fTimes.find(key);
+        if (found == fTimes.end())
+            return;
+        fQueue.erase({found->second, key});
+        fTimes.erase(found);
+    }
+
+    // The keys whose time has come; they are removed.
+    std::vector<Key> TakeDue(bigtime_t now) {
+        std::vector<Key> due;
+        while (!fQueue.empty() && fQueue.begin()->first <= now) {
+            due.push_back(fQueue.begin()->second);
+            Remove(due.back());
+        }
+        return due;
+    }
+
+    void Clear() {
+        fTimes.clear();
+        fQueue.clear();
+    }
+
+    // 0 when there is no key.
+    bigtime_t Next() const { return fQueue.empty() ? 0 : fQueue.begin()->first; }
+
+private:
+    std::map<Key, bigtime_t> fTimes;
+    std::set<std::pair<bigtime_t, Key>> fQueue;
+};
+
+// An entry that is not at its place any more.
+struct DepartedEntry {
+    node_ref node;
+    KnownEntry entry = {};
+    Place origin = {};
+    int64 directory = 0;
+    std::string path = {};
+};
+
+// The state of the node monitor between its batches of events.
 struct MonitorState {
     // Ends a watch.
     void Drop(int number);
     // Forgets a watch that the system has ended.
     void Forget(int number);
-
-    // Holds the node of a watch by the path it was last seen at, or another; false if that leads
-    // elsewhere.
-    static bool Hold(const Watch& watch, Descriptor& node) { return Hold(watch, watch.path, node); }
-    static bool Hold(const Watch& watch, const std::string& path, Descriptor& node);
-
-    // Holds the node where it was last seen or under another name beside that.
-    static bool Find(const Watch& watch, std::string& path, Descriptor& node);
-
-    // The node went from one path to another. `from` may be the path of a watch, which changes.
-    void FollowMove(node_ref node, std::string from, const std::string& to, node_ref parent,
-                    bool isDirectory);
+    void ForgetEntries(int number);
+    void ForgetAllEntries();
+    // The next end of a waiting time; 0 when nothing is waited for.
+    bigtime_t NextDeadline() const;
 
     Inotify inotify;
-    WatchTable watches;
-    Trails trails{watches};
-    QuietFiles quiet;
-    Announcer announcer{watches};
+    Watches watches;
+    // Entries that left by a move whose other half has not come yet.
+    std::map<node_ref, DepartedEntry> moves;
+    Deadlines<node_ref> moveEnds;
+    // New files, and files without a type, until nothing has happened to them for a while: programs
+    // that copy create a file, fill it, close it and only then set its attributes.
+    Deadlines<Place> quiet;
+    // The watches of directories that were not at their paths when their events came.
+    std::set<int> unread;
 };
 
 } // namespace host

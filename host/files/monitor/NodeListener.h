@@ -3,11 +3,10 @@
 #include <string>
 
 #include "base/EntryRef.h"
-#include "host/files/monitor/AttributeCopy.h"
 
 namespace host {
 
-// What a listener asks for about a node.
+// The changes of a node that a listener asks for.
 inline constexpr uint32 kWatchName = 1;
 inline constexpr uint32 kWatchStatus = 2;
 inline constexpr uint32 kWatchAttributes = 4;
@@ -18,29 +17,27 @@ enum class ChangeKind : uint8 {
     Removed,
     Moved,
     StatusChanged,
-    AttributeChanged,
+    AttributesChanged,
 };
 
 // Something that happened to a node.
 struct NodeChange {
     ChangeKind kind = ChangeKind::Created;
     node_ref node;
-    // The directory it is in, was removed from, or left; 0 if it came from one that is not known.
+    // The directory it is in, was removed from, or left; 0 if it came from an unknown one.
     int64 directory = 0;
-    // Moved: the directory it came to; 0 if that is not known.
+    // Moved: the directory it came to; 0 if that is unknown.
     int64 toDirectory = 0;
     // Its name, after a move the new one where that is known.
     std::string name = {};
-    std::string attribute = {};
-    AttributeCause cause = AttributeCause::Changed;
 };
 
-// Is told of changes, on the service thread, with the monitor locked: it must only pass them on.
+// Receives changes on the service thread, with the monitor locked: it must only pass them on.
 class NodeListener {
 public:
     virtual ~NodeListener() = default;
 
-    // False if nobody listens any more; it is then told nothing again.
+    // False if nobody listens any more; nothing is sent to it again.
     virtual bool NodeChanged(const NodeChange& change) = 0;
 };
 

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "host/files/Files.h"
-#include "host/files/monitor/EntryReconciler.h"
-#include "host/files/monitor/KnownPaths.h"
-#include "host/files/monitor/SelfReconciler.h"
+#include "host/files/KnownPaths.h"
+#include "host/files/monitor/EntryComparison.h"
+#include "host/files/monitor/NodeComparison.h"
 
 namespace host {
 
@@ -30,22 +30,19 @@ NodeMonitor& NodeMonitor::Shared() {
     return shared;
 }
 
-status_t NodeMonitor::Listen(node_ref node, uint32 flags,
-                             const std::shared_ptr<NodeListener>& listener) {
+status_t NodeMonitor::Listen(node_ref node, uint32 flags, const Listener& listener) {
     std::lock_guard lock(fMutex);
     status_t status = Start();
     return status == B_OK ? AddListener(node, flags, listener) : status;
 }
 
-status_t NodeMonitor::Stop(node_ref node, const std::shared_ptr<NodeListener>& listener) {
+status_t NodeMonitor::Stop(node_ref node, const Listener& listener) {
     std::lock_guard lock(fMutex);
-    bool wasListening = false;
-    for (Watch* watch : fState.watches.FindNode(node))
-        wasListening |= RemoveListener(*watch, listener);
-    return wasListening ? B_OK : B_BAD_VALUE;
+    Watch* watch = fState.watches.FindNode(node);
+    return watch && RemoveListener(*watch, listener) ? B_OK : B_BAD_VALUE;
 }
 
-status_t NodeMonitor::StopAll(const std::shared_ptr<NodeListener>& listener) {
+status_t NodeMonitor::StopAll(const Listener& listener) {
     std::lock_guard lock(fMutex);
     return RemoveEverywhere(listener) ? B_OK : B_BAD_VALUE;
 }
@@ -59,13 +56,12 @@ status_t NodeMonitor::Start() {
     return status;
 }
 
-status_t NodeMonitor::AddListener(node_ref node, uint32 flags,
-                                  const std::shared_ptr<NodeListener>& listener) {
+status_t NodeMonitor::AddListener(node_ref node, uint32 flags, const Listener& listener) {
     Descriptor descriptor;
     std::string path;
     NodeStatus there;
     bool isLink;
-    status_t status = KnownPaths::Shared().Hold(node, descriptor, path, there, isLink);
+    status_t status = KnownPaths::Shared().Open(node, descriptor, path, there, isLink);
     if (status == B_OK && (flags & kWatchEntries) && there.kind != NodeKind::Directory)
         status = B_NOT_A_DIRECTORY;
     // It is watched where it is itself, not by a link to it.
@@ -76,10 +72,9 @@ status_t NodeMonitor::AddListener(node_ref node, uint32 flags,
 
     // Adding a node twice replaces the mask: the new one has to serve the old listeners too.
     Watch wanted;
+    if (Watch* old = fState.watches.FindNode(node))
+        wanted.listeners = old->listeners;
     wanted.status = there;
-    for (Watch* watch : fState.watches.FindNode(node))
-        wanted.listeners.insert(wanted.listeners.end(), watch->listeners.begin(),
-                                watch->listeners.end());
     wanted.listeners.push_back({listener, flags});
     int number = -1;
     status = fState.inotify.Add(descriptor, wanted.Mask(), number);
@@ -88,49 +83,37 @@ status_t NodeMonitor::AddListener(node_ref node, uint32 flags,
 
     Watch* watch = fState.watches.Find(number);
     if (!watch)
-        watch = &fState.watches.Add(number, there, path);
-    auto old = std::find_if(watch->listeners.begin(), watch->listeners.end(),
-                            [&](const auto& item) { return item.first == listener; });
-    if (old != watch->listeners.end())
-        old->second |= flags;
-    else
-        watch->listeners.push_back({listener, flags});
-    status = Prepare(*watch, descriptor);
+        watch = &fState.watches.Add(number, there);
+    watch->SetPath(path);
+    watch->AddListener(listener, flags);
+    // The watch comes first, then the look: what happens in between is noticed twice rather than
+    // not.
+    if ((flags & kWatchEntries) && !watch->names)
+        status = watch->FillNames(descriptor);
     if (status != B_OK)
         RemoveListener(*watch, listener);
     return status;
 }
 
-// The watch comes first, then the look: what happens in between is told twice rather than not.
-status_t NodeMonitor::Prepare(Watch& watch, const Descriptor& node) {
-    uint32 flags = watch.Flags();
-    if ((flags & kWatchAttributes) && !watch.attributes)
-        watch.attributes.emplace().Update(node.Get(), watch.status.changed);
-    if (!(flags & kWatchEntries) || watch.names)
-        return B_OK;
-    return watch.names.emplace().Fill(node);
-}
-
-bool NodeMonitor::RemoveListener(Watch& watch, const std::shared_ptr<NodeListener>& listener) {
+bool NodeMonitor::RemoveListener(Watch& watch, const Listener& listener) {
     if (std::erase_if(watch.listeners, [&](auto& item) { return item.first == listener; }) == 0)
         return false;
     if (watch.listeners.empty()) {
         fState.Drop(watch.number);
         return true;
     }
-    uint32 flags = watch.Flags();
-    if (!(flags & kWatchEntries))
+    if (watch.names && !(watch.Flags() & kWatchEntries)) {
+        fState.ForgetEntries(watch.number);
         watch.names.reset();
-    if (!(flags & kWatchAttributes))
-        watch.attributes.reset();
+    }
     Descriptor node;
     int number;
-    if (!watch.isGone && MonitorState::Hold(watch, node))
+    if (!watch.isGone && watch.Open(node))
         fState.inotify.Add(node, watch.Mask(), number);
     return true;
 }
 
-bool NodeMonitor::RemoveEverywhere(const std::shared_ptr<NodeListener>& listener) {
+bool NodeMonitor::RemoveEverywhere(const Listener& listener) {
     bool wasListening = false;
     for (int number : fState.watches.Numbers())
         wasListening |= RemoveListener(*fState.watches.Find(number), listener);
@@ -142,41 +125,30 @@ void NodeMonitor::Process() {
     std::unique_ptr<Timer> replaced;
     std::lock_guard lock(fMutex);
     ProcessBatch();
-    for (const auto& listener : fState.announcer.TakeGone())
+    for (const auto& listener : fState.watches.TakeGone())
         RemoveEverywhere(listener);
     replaced = Rearm();
 }
 
 void NodeMonitor::ProcessBatch() {
-    EventBatch batch(fState.watches, fState.trails);
+    EventBatch batch;
     std::vector<InotifyEvent> events;
-    // Behind an overflow everything is read anew, which covers what is waiting as well.
-    while ((events.size() < kBatchSize || batch.HasOverflown()) && fState.inotify.Read(events)) {
+    // Behind an overflow everything is read anew, which covers the events that wait as well.
+    while ((batch.Count() < kBatchSize || batch.HasOverflown()) && fState.inotify.Read(events)) {
+        for (const InotifyEvent& event : events)
+            batch.Add(event);
+        events.clear();
     }
-    for (const InotifyEvent& event : events)
-        batch.Add(event);
-    Work(batch);
-}
-
-void NodeMonitor::Work(const EventBatch& batch) {
-    SelfReconciler selves(fState);
-    if (batch.HasOverflown()) {
-        selves.Settle(batch);
-        selves.Recover();
-        return;
-    }
-    EntryReconciler entries(fState, batch, Now());
-    entries.Settle();
-    selves.Settle(batch);
-    selves.CheckMissing(entries.Missing());
-    entries.SettleQuiet();
+    NodeComparison nodes(fState);
+    if (!batch.HasOverflown())
+        EntryComparison(fState, batch, Now()).Run();
+    nodes.Run(batch);
+    if (batch.HasOverflown())
+        nodes.Recover();
 }
 
 std::unique_ptr<Timer> NodeMonitor::Rearm() {
-    bigtime_t deadline = fState.quiet.NextDeadline();
-    bigtime_t waiting = fState.trails.NextDeadline();
-    if (deadline == 0 || (waiting != 0 && waiting < deadline))
-        deadline = waiting;
+    bigtime_t deadline = fState.NextDeadline();
     bool isArmed = fTimerDeadline != 0 && fTimerDeadline <= deadline;
     if (deadline == 0 || isArmed)
         return nullptr;

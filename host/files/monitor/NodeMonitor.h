@@ -3,38 +3,36 @@
 #include <memory>
 #include <mutex>
 
-#include "host/files/monitor/EventBatch.h"
 #include "host/files/monitor/MonitorState.h"
 #include "host/files/monitor/NodeListener.h"
 #include "host/loop/ServiceLoop.h"
 
 namespace host {
 
-// Tells listeners what happens to files and directories. Events are gathered and worked off on the
-// service thread; any thread may call.
+// Notifies listeners of the changes of files and directories. Events are gathered and compared with
+// the disk on the service thread; any thread may call.
 class NodeMonitor {
 public:
     static NodeMonitor& Shared();
 
-    // Adds `flags` (kWatchName and its fellows) to what the listener is told about the node.
-    status_t Listen(node_ref node, uint32 flags, const std::shared_ptr<NodeListener>& listener);
-    // When these return, the listener is told nothing more. B_BAD_VALUE if it was not listening.
-    status_t Stop(node_ref node, const std::shared_ptr<NodeListener>& listener);
-    status_t StopAll(const std::shared_ptr<NodeListener>& listener);
+    // Adds `flags` (kWatchName and the others) to the changes of the node that are sent to the
+    // listener. B_ENTRY_NOT_FOUND if the node is not there or its ref was never handed out,
+    // B_NOT_A_DIRECTORY; see WatchLimitFile for the limits.
+    status_t Listen(node_ref node, uint32 flags, const Listener& listener);
+    // When these return, nothing more is sent to the listener. B_BAD_VALUE if it was not listening.
+    status_t Stop(node_ref node, const Listener& listener);
+    status_t StopAll(const Listener& listener);
 
 private:
     NodeMonitor() = default;
 
     status_t Start();
-    status_t AddListener(node_ref node, uint32 flags,
-                         const std::shared_ptr<NodeListener>& listener);
-    status_t Prepare(Watch& watch, const Descriptor& node);
-    bool RemoveListener(Watch& watch, const std::shared_ptr<NodeListener>& listener);
-    bool RemoveEverywhere(const std::shared_ptr<NodeListener>& listener);
+    status_t AddListener(node_ref node, uint32 flags, const Listener& listener);
+    bool RemoveListener(Watch& watch, const Listener& listener);
+    bool RemoveEverywhere(const Listener& listener);
 
     void Process();
     void ProcessBatch();
-    void Work(const EventBatch& batch);
     std::unique_ptr<Timer> Rearm();
 
     std::mutex fMutex;

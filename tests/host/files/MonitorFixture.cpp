@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <fstream>
 
-#include "host/files/monitor/KnownPaths.h"
+#include "host/files/KnownPaths.h"
 #include "host/files/monitor/NodeMonitor.h"
 #include "host/loop/ServiceLoop.h"
 #include "tests/support/Wait.h"
@@ -47,7 +47,7 @@ MonitorTest::~MonitorTest() {
 
 node_ref MonitorTest::Know(const std::string& name) const {
     host::NodeStatus status;
-    EXPECT_EQ(host::LookAt(In(name), status), B_OK) << name;
+    EXPECT_EQ(host::Stat(In(name), status), B_OK) << name;
     host::KnownPaths::Shared().Remember(status.ref, In(name));
     return status.ref;
 }
@@ -55,7 +55,7 @@ node_ref MonitorTest::Know(const std::string& name) const {
 std::string MonitorTest::NameOf(int64 directory) const {
     for (const char* name : {".", "a", "b", "away"}) {
         host::NodeStatus status;
-        if (host::LookAt(In(name), status) == B_OK && status.ref.node == directory)
+        if (host::Stat(In(name), status) == B_OK && status.ref.node == directory)
             return name;
     }
     return "?";
@@ -120,7 +120,7 @@ std::string MonitorTest::TextOf(const host::NodeChange& change) const {
     case host::ChangeKind::StatusChanged:
         return "status";
     default:
-        return "attribute " + change.attribute;
+        return "attributes";
     }
 }
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "host/files/NodeStatus.h"
 #include "host/files/monitor/NodeListener.h"
-#include "host/files/monitor/NodeStatus.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace test {

@@ -32,8 +32,8 @@ struct NodeStatus {
 
 // Looks at `path` (relative to the directory `directory`, a descriptor or AT_FDCWD), or at the node
 // of `directory` itself if `path` is empty. A link at the end is looked at itself unless `follow`.
-status_t LookAt(int directory, const std::string& path, NodeStatus& status, bool follow = false);
-status_t LookAt(const std::string& path, NodeStatus& status, bool follow = false);
+status_t Stat(int directory, const std::string& path, NodeStatus& status, bool follow = false);
+status_t Stat(const std::string& path, NodeStatus& status, bool follow = false);
 
 // The kind that a directory entry's d_type stands for.
 NodeKind KindOfEntryType(unsigned char type);

@@ -1,4 +1,4 @@
-#include "host/files/monitor/NodeStatus.h"
+#include "host/files/NodeStatus.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -39,7 +39,7 @@ int64 NumberOf(const struct statx& raw) {
 
 } // namespace
 
-status_t LookAt(int directory, const std::string& path, NodeStatus& status, bool follow) {
+status_t Stat(int directory, const std::string& path, NodeStatus& status, bool follow) {
     struct statx raw;
     int flags = (path.empty() ? AT_EMPTY_PATH : 0) | (follow ? 0 : AT_SYMLINK_NOFOLLOW);
     // An automount must not be triggered by looking.
@@ -60,13 +60,13 @@ status_t LookAt(int directory, const std::string& path, NodeStatus& status, bool
     return B_OK;
 }
 
-status_t LookAt(const std::string& path, NodeStatus& status, bool follow) {
+status_t Stat(const std::string& path, NodeStatus& status, bool follow) {
     // An empty path would mean the working directory itself.
     if (path.empty()) {
         status = NodeStatus();
         return B_ENTRY_NOT_FOUND;
     }
-    return LookAt(AT_FDCWD, path, status, follow);
+    return Stat(AT_FDCWD, path, status, follow);
 }
 
 NodeKind KindOfEntryType(unsigned char type) {

@@ -1,4 +1,4 @@
-#include "host/files/monitor/KnownPaths.h"
+#include "host/files/KnownPaths.h"
 
 #include "host/files/Files.h"
 
@@ -39,10 +39,10 @@ status_t KnownPaths::Find(node_ref node, std::string& path) {
     Descriptor descriptor;
     NodeStatus status;
     bool isLink;
-    return Hold(node, descriptor, path, status, isLink);
+    return Open(node, descriptor, path, status, isLink);
 }
 
-status_t KnownPaths::Hold(node_ref node, Descriptor& descriptor, std::string& path,
+status_t KnownPaths::Open(node_ref node, Descriptor& descriptor, std::string& path,
                           NodeStatus& status, bool& isLink) {
     path = Lookup(node);
     if (path.empty())
@@ -50,8 +50,8 @@ status_t KnownPaths::Hold(node_ref node, Descriptor& descriptor, std::string& pa
     // A directory may be known by a link that leads to it.
     for (bool follow : {false, true}) {
         isLink = follow;
-        if (HoldNode(path, descriptor, follow) == B_OK &&
-            LookAt(descriptor.Get(), "", status) == B_OK && status.ref == node)
+        if (OpenPathOnly(path, descriptor, follow) == B_OK &&
+            Stat(descriptor.Get(), "", status) == B_OK && status.ref == node)
             return B_OK;
     }
     descriptor = Descriptor();

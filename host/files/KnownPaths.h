@@ -7,7 +7,7 @@
 
 #include "base/EntryRef.h"
 #include "base/Types.h"
-#include "host/files/monitor/NodeStatus.h"
+#include "host/files/NodeStatus.h"
 #include "host/loop/Descriptor.h"
 
 namespace host {
@@ -23,9 +23,8 @@ public:
 
     // A path that leads to the node now. B_ENTRY_NOT_FOUND if none is known.
     status_t Find(node_ref node, std::string& path);
-    // Holds the node itself (see HoldNode). `path` leads to it, perhaps by a link, which `isLink`
-    // says.
-    status_t Hold(node_ref node, Descriptor& descriptor, std::string& path, NodeStatus& status,
+    // Opens the node itself (see OpenPathOnly). `path` leads to it, by a link if `isLink` is set.
+    status_t Open(node_ref node, Descriptor& descriptor, std::string& path, NodeStatus& status,
                   bool& isLink);
 
     // The node went from one path to another and, if it is a directory, took along what is below.

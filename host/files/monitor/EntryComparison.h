@@ -1,0 +1,73 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <vector>
+
+#include "host/files/monitor/EventBatch.h"
+#include "host/files/monitor/MonitorState.h"
+
+namespace host {
+
+// Compares the name tables of the watched directories with the disk where a batch of events touched
+// them, and notifies the differences. A node that is gone at one place and has come at another was
+// moved. The events only decide what else a difference means: whether an entry that is gone was
+// removed or moved away, whether one that is there was made or moved in.
+class EntryComparison {
+public:
+    // How long the second half of a move may take.
+    static constexpr bigtime_t kGraceTime = 100'000;
+    // How long nothing must have happened to a new file before it is announced.
+    static constexpr bigtime_t kQuietTime = 50'000;
+
+    EntryComparison(MonitorState& state, const EventBatch& batch, bigtime_t now)
+        : fState(state)
+        , fBatch(batch)
+        , fNow(now) {}
+
+    void Run();
+
+private:
+    // An entry that has come to a place, or was seen there before it was announced.
+    struct Candidate {
+        Place place;
+        NodeStatus status;
+        bool isNew = false;
+        bool isTaken = false;
+    };
+
+    void CompareTouched();
+    bool CompareUnread();
+    void CompareAll(int watch, const Descriptor& directory);
+    void Compare(const Place& place, const NodeStatus& status);
+
+    void Settle();
+    Candidate* FindCandidate(node_ref node);
+    void SettleGone(const DepartedEntry& gone);
+    void SettleNew(const Candidate& candidate);
+    bool TakePending(node_ref node, DepartedEntry& departed);
+
+    void Move(const DepartedEntry& departed, const Place& place, const NodeStatus& status);
+    void MoveOut(const DepartedEntry& departed);
+    void NotifyMove(const DepartedEntry& departed, int64 toDirectory, const std::string& name);
+    void NotifyCreated(const Place& place, const KnownEntry& entry);
+    void Stir(const Place& place);
+    void EndWaiting();
+    void AnnounceQuiet();
+    void Announce(const Place& place, KnownEntry& entry);
+
+    // The directory is held for one batch only: its disk could not be unmounted otherwise.
+    const Descriptor& DirectoryOf(int watch);
+    bool HasType(const Place& place);
+
+    MonitorState& fState;
+    const EventBatch& fBatch;
+    bigtime_t fNow;
+    std::map<int, Descriptor> fDirectories;
+    std::vector<DepartedEntry> fGone;
+    std::vector<Candidate> fCandidates;
+    std::multimap<node_ref, size_t> fByNode;
+    std::vector<int> fDropped;
+};
+
+} // namespace host

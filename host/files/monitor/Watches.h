@@ -1,0 +1,113 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "host/files/NodeStatus.h"
+#include "host/files/monitor/Inotify.h"
+#include "host/files/monitor/NodeListener.h"
+
+namespace host {
+
+// An entry of a watched directory, by the number of the directory's watch.
+struct Place {
+    auto operator<=>(const Place&) const = default;
+
+    int watch = -1;
+    std::string name;
+};
+
+// An entry as it was when its directory was last compared with the disk.
+struct KnownEntry {
+    int64 node = 0;
+    // Listeners know of it, or it was there before them.
+    bool isAnnounced = true;
+    // It was announced without a MIME type, which may come later.
+    bool lacksType = false;
+};
+
+// The entries of a watched directory. Events give names only, and a node that is gone cannot be
+// looked at any more.
+using NameTable = std::unordered_map<std::string, KnownEntry>;
+
+using Listener = std::shared_ptr<NodeListener>;
+
+// A node that is watched, for all its listeners.
+struct Watch {
+    node_ref Node() const { return status.ref; }
+    std::string Name() const;
+    uint32 Flags() const;
+    // The events that the system is asked for.
+    uint32 Mask() const;
+    // Opens (O_PATH) the node at its last path; false if another node is there now, or nothing.
+    bool Open(Descriptor& node) const;
+    bool IsInPlace() const;
+    void SetPath(const std::string& newPath);
+    void AddListener(const Listener& listener, uint32 flags);
+    status_t FillNames(const Descriptor& directory);
+
+    int number = -1;
+    NodeStatus status;
+    // Its last path, and the directory that it was in there.
+    std::string path;
+    node_ref parent;
+    std::vector<std::pair<Listener, uint32>> listeners;
+    // The node does not exist any more; the end of the watch follows.
+    bool isGone = false;
+    // Its attributes changed while it was between the two halves of a move.
+    bool hasUnreadChange = false;
+    // Kept while a listener asks for entries.
+    std::optional<NameTable> names;
+};
+
+// The watched nodes, and the way to their listeners.
+class Watches {
+public:
+    // Null if there is no such watch. A pointer holds until that watch is removed.
+    Watch* Find(int number);
+    Watch* FindNode(node_ref node);
+    // The watch of a directory whose entries are watched.
+    Watch* FindDirectory(node_ref node);
+    // The entries that the watch keeps; null if it keeps none.
+    NameTable* NamesOf(int number);
+    KnownEntry* FindEntry(const Place& place);
+    std::vector<int> Numbers() const;
+
+    Watch& Add(int number, const NodeStatus& status);
+    void Remove(int number);
+
+    // "" if the directory is not watched any more.
+    std::string PathOf(const Place& place);
+    // Searches the directory that the node was in; false if it is not there under any name.
+    bool Search(const Watch& watch, std::string& path) const;
+
+    // The node, and all below it, went from one path to another. The path of its watch counts
+    // before `from`: it follows the moves of the directories above.
+    void Moved(node_ref node, std::string from, const std::string& to, node_ref parent,
+               bool isDirectory);
+
+    // Notifies the node's listeners and, if `toDirectories`, those of the directories that it is,
+    // was or comes in; each once.
+    void Notify(const NodeChange& change, bool toDirectories = true);
+    // Notifies every listener of `watch` except those who listen to the entries of `except`.
+    void NotifyAll(const Watch& watch, const NodeChange& change, const Watch* except);
+    // The listeners that turned out to be gone since the last call.
+    std::vector<Listener> TakeGone() { return std::exchange(fGone, {}); }
+
+private:
+    void Collect(std::vector<Listener>& listeners, node_ref node, uint32 flag);
+    void Send(const std::vector<Listener>& listeners, const NodeChange& change);
+
+    std::unordered_map<int, std::unique_ptr<Watch>> fWatches;
+    std::map<node_ref, Watch*> fByNode;
+    std::vector<Listener> fGone;
+};
+
+// The change that a watched node itself has left its place.
+NodeChange Departure(const Watch& watch, ChangeKind kind);
+
+} // namespace host
