@@ -82,9 +82,8 @@ BubbleHelper::~BubbleHelper() {
 }
 
 void BubbleHelper::SetHelp(BView* view, const char* text) {
-    if (!view || !entries)
+    if (!view || !entries || !entrylock.Lock())
         return;
-    entrylock.Lock();
     RemoveEntry(IndexOf(view));
     if (text)
         entries->AddItem(new HelpEntry{view, strdup(text)});
@@ -92,9 +91,8 @@ void BubbleHelper::SetHelp(BView* view, const char* text) {
 }
 
 const char* BubbleHelper::GetHelp(BView* view) {
-    if (!entries)
+    if (!entries || !entrylock.Lock())
         return nullptr;
-    entrylock.Lock();
     const auto* entry = static_cast<HelpEntry*>(entries->ItemAt(IndexOf(view)));
     const char* text = entry ? entry->text : nullptr;
     entrylock.Unlock();
@@ -150,7 +148,8 @@ void BubbleHelper::WithViewAt(BPoint where, const std::function<void(BView*)>& a
 std::string BubbleHelper::HelpAt(BPoint where) {
     std::string text;
     WithViewAt(where, [&](BView* view) {
-        entrylock.Lock();
+        if (!entrylock.Lock())
+            return;
         const char* found = nullptr;
         for (; view && !found; view = view->Parent())
             found = GetHelp(view);

@@ -139,4 +139,22 @@ TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {
     CloseMenus();
 }
 
+TEST_F(HotKeyTest, OnlyKeysOfAnAlertItselfAreKeptFromIt) {
+    Start(8, {XK_Super_L});
+    ActivateBar();
+    ChooseSetting(setting::kHotKey, setting::kWindowsKey);
+    ASSERT_TRUE(AlertOpens()) << "about the last key of the hot key";
+    fOther.Activate();
+    TypeAfterHotKey({XK_KP_3, XK_KP_5});
+    EXPECT_THAT(NextLaunches(), ElementsAre(kFive));
+
+    const xcb_window_t alert = fProgram.Alerts()[0].id;
+    fScreen.Activate(alert);
+    ASSERT_TRUE(WaitUntil([&] { return HasKeyboard(alert); }));
+    TypeAfterHotKey({XK_KP_3, XK_KP_5});
+    fOther.Activate();
+    EXPECT_TRUE(NothingIsLaunched());
+    DismissAlert();
+}
+
 } // namespace

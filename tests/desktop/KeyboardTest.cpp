@@ -56,6 +56,33 @@ TEST_F(KeyboardTest, AHeldKeyOpensItsMenuOnceAndChoosesNothing) {
     EXPECT_EQ(LastUrl(1), "http://seven.example/");
 }
 
+TEST_F(KeyboardTest, AKeyThatRepeatedOverItsMenuAndWasLetGoThereIsNotHeld) {
+    fRobot.KeyDown(XK_7);
+    ASSERT_TRUE(MenuOpens());
+    EXPECT_FALSE(MenusClosed(std::chrono::milliseconds(1000))) << "the key repeats meanwhile";
+    fRobot.KeyUp(XK_7);
+    fRobot.Key(XK_Escape);
+    ASSERT_TRUE(MenusClosed());
+    fRobot.Key(XK_3);
+    EXPECT_TRUE(MenuOpens());
+    CloseMenus();
+}
+
+TEST_F(KeyboardTest, AKeyThatTypedSomethingIsLetGoThoughItWouldTypeNothingNow) {
+    fRobot.Key(XK_Num_Lock);
+    fRobot.KeyDown(XK_KP_5);
+    ASSERT_TRUE(MenuOpens());
+    fRobot.KeyDown(XK_Shift_L);
+    fRobot.KeyUp(XK_KP_5);
+    fRobot.KeyUp(XK_Shift_L);
+    fRobot.Key(XK_Num_Lock);
+    fRobot.Key(XK_Escape);
+    ASSERT_TRUE(MenusClosed());
+    fRobot.Key(XK_3);
+    EXPECT_TRUE(MenuOpens());
+    CloseMenus();
+}
+
 TEST_F(KeyboardTest, BOpensTheSettings) {
     fRobot.Key(XK_b);
     ASSERT_TRUE(MenuOpens());

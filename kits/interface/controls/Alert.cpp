@@ -12,6 +12,7 @@
 #include "kits/interface/controls/AlertIcon.h"
 #include "kits/interface/controls/Button.h"
 #include "kits/interface/text/TextView.h"
+#include "kits/interface/window/KeyWatchers.h"
 #include "kits/interface/window/Screen.h"
 #include "kits/interface/window/WindowRoster.h"
 #include "kits/interface/window/WindowState.h"
@@ -89,8 +90,11 @@ BButton* BAlert::ButtonAt(int32 index) const {
 int32 BAlert::Go() {
     // The alert may be gone when Open() returns.
     std::shared_ptr<Answer> answer = fAnswer;
+    KeyWatchers::Shared().SetWaiting(true);
     Open();
-    return answer->Wait();
+    const int32 which = answer->Wait();
+    KeyWatchers::Shared().SetWaiting(false);
+    return which;
 }
 
 status_t BAlert::Go(BInvoker* invoker) {

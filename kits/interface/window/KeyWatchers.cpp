@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "kits/interface/window/KeyMessages.h"
+#include "kits/interface/window/EventTranslator.h"
 
 namespace {
 
@@ -21,24 +21,36 @@ KeyWatchers& KeyWatchers::Shared() {
 
 void KeyWatchers::Add(const BMessenger& view) {
     std::lock_guard lock(fMutex);
-    if (std::find(fViews.begin(), fViews.end(), view) != fViews.end())
+    if (std::ranges::find(fWatchers, view, &Watcher::view) != fWatchers.end())
         return;
-    fViews.push_back(view);
+    fWatchers.push_back({view, find_thread(nullptr)});
     Watch(true);
 }
 
 void KeyWatchers::Remove(const BMessenger& view) {
     std::lock_guard lock(fMutex);
-    if (std::erase(fViews, view) != 0 && fViews.empty())
+    bool isRemoved =
+        std::erase_if(fWatchers, [&](const Watcher& one) { return one.view == view; }) != 0;
+    if (isRemoved && fWatchers.empty())
         Watch(false);
 }
 
-void KeyWatchers::Tell(const host::SessionKey& key) {
+void KeyWatchers::SetWaiting(bool isWaiting) {
     std::lock_guard lock(fMutex);
-    if (fViews.empty())
+    for (Watcher& one : fWatchers) {
+        if (one.thread == find_thread(nullptr))
+            one.isWaiting = isWaiting;
+    }
+}
+
+void KeyWatchers::Notify(const host::SessionKey& key) {
+    std::lock_guard lock(fMutex);
+    if (fWatchers.empty())
         return;
     for (const BMessage& message : KeyMessages(key)) {
-        for (const BMessenger& view : fViews)
-            view.SendMessage(&message);
+        for (const Watcher& one : fWatchers) {
+            if (!one.isWaiting)
+                one.view.SendMessage(&message);
+        }
     }
 }

@@ -173,11 +173,17 @@ void WindowRoster::MonitorsChanged() {
         window.SendMessage(kBringInside);
 }
 
-// While an alert waits the windows handle nothing: what is typed elsewhere must not pile up in
-// them.
+void WindowRoster::SetActiveAlert(const EventTranslator* alert, bool active) {
+    if (active)
+        fActiveAlert = alert;
+    else
+        fActiveAlert.compare_exchange_strong(alert, nullptr);
+}
+
+// A key that an alert gets is an answer to the alert, and nothing else.
 void WindowRoster::SessionKeyChanged(const host::SessionKey& key) {
-    if (!HasAlert())
-        KeyWatchers::Shared().Tell(key);
+    if (fActiveAlert == nullptr)
+        KeyWatchers::Shared().Notify(key);
 }
 
 void WindowRoster::DisplayLost() {

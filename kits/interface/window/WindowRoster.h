@@ -10,6 +10,7 @@
 
 class BAlert;
 class BWindow;
+class EventTranslator;
 
 // All windows of the program, and what happens to all of them at once. It lives as long as the
 // process. Any thread may call; nothing here waits for a looper but QuitWindows().
@@ -41,6 +42,9 @@ public:
     host::PixelRect MainFrame() const;
     void FrameChanged(const BWindow* window, const host::PixelRect& frame);
 
+    // Of an alert's window, which has the focus or loses it.
+    void SetActiveAlert(const EventTranslator* alert, bool active);
+
     // Display thread.
     void FocusLeftProgram() override;
     void MonitorsChanged() override;
@@ -55,6 +59,7 @@ private:
     void UpdateMenus();
 
     std::atomic<bool> fHasAlert = false;
+    std::atomic<const EventTranslator*> fActiveAlert = nullptr;
     mutable std::mutex fMutex;
     // Guarded by fMutex.
     std::condition_variable fAlertRemoved;

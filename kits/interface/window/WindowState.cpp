@@ -50,9 +50,17 @@ BWindow::State::State(BWindow* window_, BRect frame, const char* title_, window_
     , device(DeviceFrame())
     , reported(device)
     , root(Bounds(), "root", B_FOLLOW_ALL, 0)
-    , poster(BMessenger(window), scale, !IsAlert() && !IsMenu(),
-             look == B_BORDERED_WINDOW_LOOK && (flags & B_NOT_CLOSABLE) != 0)
-    , host(CreateHostWindow(Spec(), &poster)) {}
+    , translator(BMessenger(window), scale, Role())
+    , host(CreateHostWindow(Spec(), &translator)) {}
+
+WindowRole BWindow::State::Role() const {
+    if (IsMenu())
+        return WindowRole::Menu;
+    if (IsAlert())
+        return WindowRole::Alert;
+    bool isMain = look == B_BORDERED_WINDOW_LOOK && (flags & B_NOT_CLOSABLE) != 0;
+    return isMain ? WindowRole::Main : WindowRole::Other;
+}
 
 host::PixelRect BWindow::State::DeviceFrame() const {
     int left = DevicePlace(place.x, scale);

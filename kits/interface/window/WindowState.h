@@ -8,7 +8,7 @@
 #include "host/draw/Canvas.h"
 #include "host/x11/Display.h"
 #include "kits/interface/drawing/ClipRegion.h"
-#include "kits/interface/window/EventPoster.h"
+#include "kits/interface/window/EventTranslator.h"
 #include "kits/interface/window/View.h"
 #include "kits/interface/window/Window.h"
 
@@ -27,6 +27,7 @@ struct BWindow::State {
           uint32 flags, uint32 workspaces);
 
     bool IsMenu() const { return builtFeel == kMenuWindowFeel; }
+    WindowRole Role() const;
     bool IsAlert() const { return builtFeel == B_MODAL_APP_WINDOW_FEEL; }
     bool IsBubble() const;
     bool IsVisible() const { return hideCount == 0; }
@@ -125,6 +126,6 @@ struct BWindow::State {
     BButton* defaultButton = nullptr;
 
     BView root; // parent of the views that were added to the window
-    EventPoster poster;
+    EventTranslator translator;
     const std::unique_ptr<host::HostWindow> host; // null without a display
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "host/x11/Display.h"
 #include "kits/app/Message.h"
 #include "kits/app/Messenger.h"
@@ -14,14 +16,23 @@ enum : uint32 {
     kWatchKeys = '_kwk', // to a view with B_KEYBOARD_EVENTS in its mask
 };
 
+// The messages for a key of the session, in this order: B_MODIFIERS_CHANGED if it is a modifier
+// key, then the key's own message, without "bytes".
+std::vector<BMessage> KeyMessages(const host::SessionKey& key);
+
+enum class WindowRole {
+    Main,  // the window manager's close of it is a quit request from outside the program
+    Other, // the close is a quit request to the window
+    Alert,
+    Menu,
+};
+
 // Turns the host's events of one window into messages for its looper. While alerts block the
 // window, its presses and keys go nowhere; what was begun before can still end.
-class EventPoster : public host::WindowSink {
+class EventTranslator : public host::WindowSink {
 public:
-    // The window manager's close of a window that `quitsProgram` is a quit request from outside the
-    // program, that of another one a quit request to the window.
-    EventPoster(const BMessenger& target, double scale, bool isBlockable, bool quitsProgram);
-    ~EventPoster() override;
+    EventTranslator(const BMessenger& target, double scale, WindowRole role);
+    ~EventTranslator() override;
 
     // Display thread.
     void HandleEvent(const host::WindowEvent& event) override;
@@ -48,7 +59,8 @@ private:
 
     const BMessenger fTarget;
     const double fScale;
-    const bool fIsBlockable;
+    const bool fIsAlert;
+    const bool fIsBlockable; // by alerts
     const bool fQuitsProgram;
     // The rest is the display thread's.
     bool fIsPressed = false;

@@ -1,0 +1,310 @@
+#include "kits/interface/window/EventTranslator.h"
+
+#include <cmath>
+#include <map>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Application.h"
+#include "kits/interface/drawing/InterfaceDefs.h"
+#include "kits/interface/window/PointerPresence.h"
+#include "kits/interface/window/WindowRoster.h"
+#include "kits/kernel/OS.h"
+
+namespace {
+
+constexpr uint32 kLocks = B_CAPS_LOCK | B_SCROLL_LOCK | B_NUM_LOCK;
+constexpr uint32 kCapsLockKey = 0x3b;
+constexpr uint32 kNumLockKey = 0x22;
+
+struct ModifierKey {
+    uint32 key;
+    uint32 bit;
+};
+constexpr ModifierKey kModifierKeys[] = {
+    {0x4b, B_SHIFT_KEY},   {0x56, B_SHIFT_KEY},   {0x5c, B_CONTROL_KEY},
+    {0x60, B_CONTROL_KEY}, {0x5d, B_COMMAND_KEY}, {0x5f, B_COMMAND_KEY},
+    {0x66, B_OPTION_KEY},  {0x67, B_OPTION_KEY},  {0x68, B_MENU_KEY},
+};
+
+uint32 ModifiersOf(const host::KeyStates& states) {
+    uint32 modifiers = 0;
+    for (const ModifierKey& modifier : kModifierKeys) {
+        if (host::IsHeld(states, modifier.key))
+            modifiers |= modifier.bit;
+    }
+    return modifiers;
+}
+
+void Set(host::KeyStates& states, uint32 key, bool isHeld) {
+    uint8 bit = 0x80 >> key % 8;
+    uint8& byte = states[key / 8];
+    byte = isHeld ? byte | bit : byte & ~bit;
+}
+
+// By its place: what a key of another program types is not known.
+bool TypesSomething(uint32 key) {
+    host::KeyStates states{};
+    Set(states, key, true);
+    return key != kCapsLockKey && key != kNumLockKey && ModifiersOf(states) == 0;
+}
+
+void AddStates(BMessage& message, const host::KeyStates& states) {
+    message.AddData("states", B_UINT8_TYPE, states.data(), static_cast<ssize_t>(states.size()));
+}
+
+BMessage MessageOf(const host::KeyChanged& key, bool isMapped) {
+    BMessage message(key.down ? (isMapped ? B_KEY_DOWN : B_UNMAPPED_KEY_DOWN)
+                              : (isMapped ? B_KEY_UP : B_UNMAPPED_KEY_UP));
+    message.AddInt64("when", key.when);
+    message.AddInt32("key", static_cast<int32>(key.key));
+    message.AddInt32("modifiers", static_cast<int32>(key.modifiers));
+    AddStates(message, key.states);
+    if (key.down && key.repeated)
+        message.AddInt32("be:key_repeat", 1);
+    if (!key.text.empty())
+        message.AddString("bytes", key.text.c_str());
+    return message;
+}
+
+BMessage MessageOf(const host::KeyChanged& key) {
+    return MessageOf(key, !key.text.empty());
+}
+
+void AddModifiers(std::vector<BMessage>& messages, uint32 before, uint32 now,
+                  const host::KeyStates& states, bigtime_t when) {
+    if (before == now)
+        return;
+    BMessage& message = messages.emplace_back(B_MODIFIERS_CHANGED);
+    message.AddInt64("when", when);
+    message.AddInt32("modifiers", static_cast<int32>(now));
+    message.AddInt32("be:old_modifiers", static_cast<int32>(before));
+    AddStates(message, states);
+}
+
+void Send(const BMessenger& target, const host::KeyChanged& key) {
+    host::KeyStates before = key.states;
+    Set(before, key.key, !key.down || key.repeated);
+    uint32 locks = key.modifiers & kLocks;
+    std::vector<BMessage> messages;
+    AddModifiers(messages, locks | ModifiersOf(before), locks | ModifiersOf(key.states), key.states,
+                 key.when);
+    messages.push_back(MessageOf(key));
+    for (const BMessage& message : messages)
+        target.SendMessage(&message);
+}
+
+// The press of no key in particular that types `text`.
+BMessage TypedMessage(const std::string& text) {
+    host::KeyChanged press{};
+    press.down = true;
+    press.text = text;
+    press.when = system_time();
+    return MessageOf(press);
+}
+
+// The release of a key for a window that will not get the real one.
+BMessage ReleaseMessage(host::KeyChanged press) {
+    press.down = false;
+    Set(press.states, press.key, false);
+    return MessageOf(press);
+}
+
+struct HeldKey {
+    BMessenger holder;
+    host::KeyChanged press;
+};
+
+// A release goes to the window that got the press, though a menu or another window may have the
+// keyboard by then. The display thread's, which works until the process ends.
+std::map<uint32, HeldKey>& HeldKeys() {
+    static auto& keys = *new std::map<uint32, HeldKey>;
+    return keys;
+}
+
+} // namespace
+
+std::vector<BMessage> KeyMessages(const host::SessionKey& key) {
+    uint32 modifiers = ModifiersOf(key.states);
+    std::vector<BMessage> messages;
+    AddModifiers(messages, ModifiersOf(key.before), modifiers, key.states, key.when);
+    if (key.key != 0) {
+        messages.push_back(MessageOf({.down = key.down,
+                                      .repeated = host::IsHeld(key.before, key.key),
+                                      .key = key.key,
+                                      .modifiers = modifiers,
+                                      .text = {},
+                                      .states = key.states,
+                                      .when = key.when},
+                                     TypesSomething(key.key)));
+    }
+    return messages;
+}
+
+EventTranslator::EventTranslator(const BMessenger& target, double scale, WindowRole role)
+    : fTarget(target)
+    , fScale(scale)
+    , fIsAlert(role == WindowRole::Alert)
+    , fIsBlockable(role == WindowRole::Main || role == WindowRole::Other)
+    , fQuitsProgram(role == WindowRole::Main) {}
+
+EventTranslator::~EventTranslator() {
+    if (fIsAlert)
+        WindowRoster::Shared().SetActiveAlert(this, false);
+    PointerPresence::Shared().Note(this, false);
+}
+
+void EventTranslator::HandleEvent(const host::WindowEvent& event) {
+    std::visit([this](const auto& one) { Handle(one); }, event);
+}
+
+bool EventTranslator::IsBlocked() const {
+    return fIsBlockable && WindowRoster::Shared().HasAlert();
+}
+
+// Rectangles end at whole pixels, so a place between them would be in none.
+BPoint EventTranslator::WholePlace(int x, int y) const {
+    return {static_cast<float>(std::floor(x / fScale)), static_cast<float>(std::floor(y / fScale))};
+}
+
+BMessage EventTranslator::PointerMessage(uint32 what, const host::PointerMoved& at,
+                                         bigtime_t when) const {
+    BMessage message(what);
+    message.AddInt64("when", when);
+    message.AddPoint("where", WholePlace(at.x, at.y));
+    message.AddPoint("screen_where", BPoint(static_cast<float>(at.screenX / fScale),
+                                            static_cast<float>(at.screenY / fScale)));
+    message.AddInt32("buttons", static_cast<int32>(at.buttons));
+    message.AddInt32("modifiers", static_cast<int32>(at.modifiers));
+    return message;
+}
+
+void EventTranslator::Handle(const host::PointerMoved& event) {
+    PointerPresence::Shared().NoteEvent();
+    if (IsBlocked() && !fIsPressed)
+        return;
+    BMessage message = PointerMessage(B_MOUSE_MOVED, event, system_time());
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::PointerLeft&) {
+    fTarget.SendMessage(kPointerLeft);
+}
+
+void EventTranslator::Handle(const host::PointerOver& event) {
+    PointerPresence::Shared().Note(this, event.over);
+}
+
+void EventTranslator::Handle(const host::ButtonPressed& event) {
+    if (IsBlocked()) {
+        WindowRoster::Shared().PointAtAlert();
+        return;
+    }
+    fIsPressed = true;
+    BMessage message = PointerMessage(B_MOUSE_DOWN, event.at, event.when);
+    message.AddInt32("clicks", event.clicks);
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::ButtonReleased& event) {
+    if (IsBlocked() && !fIsPressed)
+        return;
+    fIsPressed = event.at.buttons != 0;
+    BMessage message = PointerMessage(B_MOUSE_UP, event.at, event.when);
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::WheelTurned& event) {
+    if (IsBlocked())
+        return;
+    BMessage message = PointerMessage(B_MOUSE_WHEEL_CHANGED, event.at, system_time());
+    message.AddFloat("be:wheel_delta_x", event.deltaX);
+    message.AddFloat("be:wheel_delta_y", event.deltaY);
+    fTarget.SendMessage(&message);
+}
+
+// The press decides the release: who gets it, and whether it is one of a key that types something,
+// though Shift or Num Lock may have changed since. A repeat that comes to a menu leaves the key to
+// the window that it was pressed in.
+void EventTranslator::Handle(const host::KeyChanged& event) {
+    std::map<uint32, HeldKey>& keys = HeldKeys();
+    auto held = keys.find(event.key);
+    if (!event.down && held != keys.end()) {
+        host::KeyChanged release = event;
+        release.text = held->second.press.text;
+        Send(held->second.holder, release);
+        keys.erase(held);
+        return;
+    }
+    if (IsBlocked())
+        return;
+    if (event.down && (!event.repeated || held == keys.end()))
+        keys.insert_or_assign(event.key, HeldKey{fTarget, event});
+    Send(fTarget, event);
+}
+
+// As if one key had typed it all; no key goes up for it.
+void EventTranslator::Handle(const host::TextCommitted& event) {
+    if (IsBlocked())
+        return;
+    BMessage message = TypedMessage(event.text);
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::ColorDropped& event) {
+    if (IsBlocked()) {
+        WindowRoster::Shared().PointAtAlert();
+        return;
+    }
+    BMessage message(kColorDropped);
+    message.AddPoint("where", WholePlace(event.x, event.y));
+    message.AddData("color", B_RGB_COLOR_TYPE, &event.color, sizeof(event.color));
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::FocusChanged& event) {
+    if (!event.active)
+        LetKeysGo();
+    if (fIsAlert)
+        WindowRoster::Shared().SetActiveAlert(this, event.active);
+    BMessage message(B_WINDOW_ACTIVATED);
+    message.AddInt64("when", system_time());
+    message.AddBool("active", event.active);
+    fTarget.SendMessage(&message);
+}
+
+// Their release goes to the window that has the focus now, perhaps another program's.
+void EventTranslator::LetKeysGo() {
+    std::erase_if(HeldKeys(), [this](const auto& entry) {
+        const HeldKey& key = entry.second;
+        if (key.holder != fTarget)
+            return false;
+        const BMessage release = ReleaseMessage(key.press);
+        fTarget.SendMessage(&release);
+        return true;
+    });
+}
+
+void EventTranslator::Handle(const host::FrameChanged& event) {
+    BMessage message(kFrameChanged);
+    message.AddInt32("left", event.frame.left);
+    message.AddInt32("top", event.frame.top);
+    message.AddInt32("right", event.frame.right);
+    message.AddInt32("bottom", event.frame.bottom);
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::MinimizedChanged& event) {
+    BMessage message(B_MINIMIZE);
+    message.AddInt64("when", system_time());
+    message.AddBool("minimize", event.minimized);
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::CloseRequested&) {
+    if (fQuitsProgram && be_app != nullptr)
+        be_app->QuitFromOutside(false);
+    else if (IsBlocked())
+        WindowRoster::Shared().PointAtAlert();
+    else
+        fTarget.SendMessage(B_QUIT_REQUESTED);
+}
