@@ -4,7 +4,7 @@
 
 #include "host/x11/XDisplay.h"
 #include "host/x11/XWindow.h"
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 #include "host/x11/server/InputState.h"
 
 namespace host {

@@ -14,7 +14,7 @@
 #include <xcb/randr.h>
 #include <xcb/xcbext.h>
 
-#include "host/x11/server/Reply.h"
+#include "host/x11/server/Connection.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Screen.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/x11/server/Reply.h"
+#include "host/x11/server/Connection.h"
 
 namespace test {
 

@@ -4,7 +4,7 @@
 
 #include "host/x11/exchange/FileUri.h"
 #include "host/x11/exchange/Selections.h"
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 
 namespace host {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/Errors.h"
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 #include "host/x11/server/InputState.h"
 
 namespace host {

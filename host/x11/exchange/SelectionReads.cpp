@@ -4,7 +4,7 @@
 
 #include "base/Errors.h"
 #include "base/Utf8.h"
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 
 namespace host {
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 
 namespace host {
 

@@ -7,7 +7,7 @@
 #include <xcb/xkb.h>
 #undef explicit
 
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 #include "host/x11/server/InputState.h"
 
 namespace host {

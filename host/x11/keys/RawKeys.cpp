@@ -4,7 +4,7 @@
 
 #include <xcb/xinput.h>
 
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 #include "host/x11/windows/WindowProperties.h"
 
 namespace host {

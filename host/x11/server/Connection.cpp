@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <chrono>
 #include <cstring>
+#include <string_view>
 
 #include <xcb/randr.h>
 // The extension's header has a member of this name, a keyword here.
@@ -15,6 +17,12 @@ namespace host {
 namespace {
 
 constexpr uint32 kMaxValues = 1024;
+
+constexpr std::array<std::string_view, kAtomCount> kAtomNames = {
+#define ATOM(index, name) name,
+    X11_ATOMS(ATOM)
+#undef ATOM
+};
 
 const char* ConnectProblem(int error) {
     switch (error) {
@@ -59,6 +67,18 @@ bool HasWholeWords(const xcb_setup_t& setup, uint8 depth) {
 
 } // namespace
 
+bigtime_t Now() {
+    using namespace std::chrono;
+    return duration_cast<microseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+bigtime_t TimeOf(uint32 serverTime) {
+    constexpr uint32 kPlausibleAge = 5'000;
+    const bigtime_t now = Now();
+    const uint32 age = static_cast<uint32>(now / 1000) - serverTime;
+    return age < kPlausibleAge ? (now / 1000 - age) * 1000 : now;
+}
+
 std::unique_ptr<Connection> Connection::Open(const char* name, std::string& problem) {
     std::unique_ptr<Connection> opened(new Connection);
     int screen = 0;
@@ -74,9 +94,20 @@ std::unique_ptr<Connection> Connection::Open(const char* name, std::string& prob
         return nullptr;
     xcb_prefetch_extension_data(connection, &xcb_randr_id);
     xcb_prefetch_extension_data(connection, &xcb_xkb_id);
-    opened->fAtoms.Request(connection);
-    opened->fAtoms.Read(connection);
+    opened->ReadAtoms();
     return opened;
+}
+
+void Connection::ReadAtoms() {
+    std::array<xcb_intern_atom_cookie_t, kAtomCount> cookies;
+    for (std::size_t i = 0; i < kAtomCount; i++)
+        cookies[i] =
+            xcb_intern_atom(fConnection, false, kAtomNames[i].size(), kAtomNames[i].data());
+    for (std::size_t i = 0; i < kAtomCount; i++) {
+        Reply<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(fConnection, cookies[i], nullptr));
+        fAtoms[i] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    }
 }
 
 Connection::~Connection() {

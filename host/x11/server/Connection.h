@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,16 +9,100 @@
 #include <xcb/xcb.h>
 
 #include "base/Types.h"
-#include "host/x11/server/Atoms.h"
-#include "host/x11/server/Reply.h"
+
+// Every atom that the program names, in one table: they are interned in one round trip.
+#define X11_ATOMS(ATOM)                                                                            \
+    ATOM(kApplicationColor, "application/x-color")                                                 \
+    ATOM(kAtomPair, "ATOM_PAIR")                                                                   \
+    ATOM(kClipboard, "CLIPBOARD")                                                                  \
+    ATOM(kClipboardManager, "CLIPBOARD_MANAGER")                                                   \
+    ATOM(kCompositor, "_NET_WM_CM_S0")                                                             \
+    ATOM(kIncr, "INCR")                                                                            \
+    ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                                                         \
+    ATOM(kMultiple, "MULTIPLE")                                                                    \
+    ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                                                   \
+    ATOM(kNetCurrentDesktop, "_NET_CURRENT_DESKTOP")                                               \
+    ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")                                        \
+    ATOM(kNetWmDesktop, "_NET_WM_DESKTOP")                                                         \
+    ATOM(kNetWmIcon, "_NET_WM_ICON")                                                               \
+    ATOM(kNetWmName, "_NET_WM_NAME")                                                               \
+    ATOM(kNetWmPid, "_NET_WM_PID")                                                                 \
+    ATOM(kNetWmPing, "_NET_WM_PING")                                                               \
+    ATOM(kNetWmState, "_NET_WM_STATE")                                                             \
+    ATOM(kNetWmStateAbove, "_NET_WM_STATE_ABOVE")                                                  \
+    ATOM(kNetWmStateHidden, "_NET_WM_STATE_HIDDEN")                                                \
+    ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                                                  \
+    ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                                                      \
+    ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                                                  \
+    ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")                                     \
+    ATOM(kNetWmWindowTypeDnd, "_NET_WM_WINDOW_TYPE_DND")                                           \
+    ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                                     \
+    ATOM(kNetWmWindowTypePopupMenu, "_NET_WM_WINDOW_TYPE_POPUP_MENU")                              \
+    ATOM(kNetWmWindowTypeTooltip, "_NET_WM_WINDOW_TYPE_TOOLTIP")                                   \
+    ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")                                   \
+    ATOM(kSaveTargets, "SAVE_TARGETS")                                                             \
+    ATOM(kSelectionData, "SELECTION_DATA")                                                         \
+    ATOM(kTargets, "TARGETS")                                                                      \
+    ATOM(kText, "TEXT")                                                                            \
+    ATOM(kTextPlain, "text/plain")                                                                 \
+    ATOM(kTextPlainUtf8, "text/plain;charset=utf-8")                                               \
+    ATOM(kTimestamp, "TIMESTAMP")                                                                  \
+    ATOM(kUtf8String, "UTF8_STRING")                                                               \
+    ATOM(kWmChangeState, "WM_CHANGE_STATE")                                                        \
+    ATOM(kWmClientLeader, "WM_CLIENT_LEADER")                                                      \
+    ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                                                      \
+    ATOM(kWmProtocols, "WM_PROTOCOLS")                                                             \
+    ATOM(kWmState, "WM_STATE")                                                                     \
+    ATOM(kXdndActionCopy, "XdndActionCopy")                                                        \
+    ATOM(kXdndAware, "XdndAware")                                                                  \
+    ATOM(kXdndDirectSave, "XdndDirectSave0")                                                       \
+    ATOM(kXdndDrop, "XdndDrop")                                                                    \
+    ATOM(kXdndEnter, "XdndEnter")                                                                  \
+    ATOM(kXdndFinished, "XdndFinished")                                                            \
+    ATOM(kXdndLeave, "XdndLeave")                                                                  \
+    ATOM(kXdndPosition, "XdndPosition")                                                            \
+    ATOM(kXdndProxy, "XdndProxy")                                                                  \
+    ATOM(kXdndSelection, "XdndSelection")                                                          \
+    ATOM(kXdndStatus, "XdndStatus")                                                                \
+    ATOM(kXdndTypeList, "XdndTypeList")                                                            \
+    ATOM(kXimServers, "XIM_SERVERS")                                                               \
+    ATOM(kXSettingsOwner, "_XSETTINGS_S0")                                                         \
+    ATOM(kXSettingsSettings, "_XSETTINGS_SETTINGS")
 
 namespace host {
+
+enum AtomIndex : std::size_t {
+#define ATOM(index, name) index,
+    X11_ATOMS(ATOM)
+#undef ATOM
+        kAtomCount
+};
+
+// The drag protocol's version that windows announce, and the lowest that another program may speak.
+inline constexpr uint32 kXdndVersion = 5;
+inline constexpr uint32 kLowestXdndVersion = 3;
+
+struct FreeMemory {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+// Owns a reply, an event or an error of xcb's. Null when the request failed or the connection is
+// lost.
+template <typename T>
+using Reply = std::unique_ptr<T, FreeMemory>;
+
+// The clock of the events' `when`.
+bigtime_t Now();
+
+// When a server's event happened, at the earliest: its milliseconds are of the same clock where the
+// server runs on this machine. Where it does not, now.
+bigtime_t TimeOf(uint32 serverTime);
 
 // The connection to the X server and what stays the same as long as it lasts. Any thread.
 class Connection {
 public:
-    // Null, and `problem` says why, if there is no server or its screen is none that pictures of
-    // 0xRRGGBB words can be put on as they are. `name` null means the environment's display.
+    // Null, with the reason in `problem`, if there is no server or its screen does not take
+    // pictures of 0xRRGGBB words as they are. `name` null means the environment's display.
     static std::unique_ptr<Connection> Open(const char* name, std::string& problem);
     ~Connection();
     Connection(const Connection&) = delete;
@@ -25,6 +110,7 @@ public:
     operator xcb_connection_t*() const { return fConnection; }
     const xcb_screen_t& Screen() const { return *fScreen; }
     xcb_window_t Root() const { return fScreen->root; }
+    // None for an atom that could not be interned.
     xcb_atom_t operator[](AtomIndex index) const { return fAtoms[index]; }
     bool IsLost() const { return xcb_connection_has_error(fConnection) != 0; }
     void Flush() const { xcb_flush(fConnection); }
@@ -58,10 +144,11 @@ public:
 private:
     Connection() = default;
     std::string CheckScreen() const;
+    void ReadAtoms();
 
     xcb_connection_t* fConnection = nullptr;
     xcb_screen_t* fScreen = nullptr;
-    Atoms fAtoms;
+    std::array<xcb_atom_t, kAtomCount> fAtoms{};
 };
 
 } // namespace host

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 
 namespace host {
 

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "host/x11/server/Clock.h"
+#include "host/x11/server/Connection.h"
 #include "tests/host/x11/Recorded.h"
 #include "tests/host/x11/SessionInput.h"
 #include "tests/support/Peer.h"
