@@ -14,7 +14,7 @@ namespace {
 class AboutTest : public DesktopTest {
 protected:
     std::vector<WindowInfo> Abouts() {
-        return fScreen.Windows([this](const WindowInfo& info) {
+        return fDesk.Windows([this](const WindowInfo& info) {
             return info.viewable && info.pid == fProgram.Pid() && info.title == "About Quillbar";
         });
     }
@@ -38,58 +38,58 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     EXPECT_NEAR(about.frame.CenterX(), 640, 1);
     EXPECT_NEAR(about.frame.CenterY(), 450, 1);
     // Text and link are within their places: the columns and rows around them are the window's.
-    SettledPicture(fScreen, about.frame);
+    fDesk.Settled(about.frame);
     const auto [linkX, linkY] = LinkIn(about);
-    EXPECT_GT(fScreen.Grab({linkX, linkY, 109, 16}).Count(0x0000ff), 50u);
-    EXPECT_EQ(fScreen.Grab({linkX + 108, linkY, 2, 16}).Count(0xd8d8d8), 32u);
+    EXPECT_GT(fDesk.Grab({linkX, linkY, 109, 16}).Count(0x0000ff), 50u);
+    EXPECT_EQ(fDesk.Grab({linkX + 108, linkY, 2, 16}).Count(0xd8d8d8), 32u);
 
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == about.id; }));
-    fRobot.Click(linkX + 30, linkY + 9);
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.ActiveWindow() == about.id; }));
+    fDesk.Click(linkX + 30, linkY + 9);
     EXPECT_EQ(LastUrl(1), "http://quillbar.example/");
 
-    fRobot.Click(linkX + 30, linkY + 9, 3);
+    fDesk.Click(linkX + 30, linkY + 9, 3);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-    fRobot.Key(XK_End);
-    fRobot.Key(XK_Return);
+    fDesk.Key(XK_End);
+    fDesk.Key(XK_Return);
     ASSERT_TRUE(MenusClosed());
-    Peer other(fDesktop);
+    Peer other(fDesk);
     EXPECT_TRUE(WaitUntil(
         [&] { return other.Ask("CLIPBOARD", "UTF8_STRING") == "http://quillbar.example/"; }));
 
     // Each request opens one more; closing one leaves the rest.
     ActivateBar();
-    fRobot.Key(XK_minus);
+    fDesk.Key(XK_minus);
     ASSERT_TRUE(WaitUntil([&] {
         const auto windows = fProgram.AddWindows();
-        return windows.size() == 1 && fScreen.ActiveWindow() == windows[0].id;
+        return windows.size() == 1 && fDesk.ActiveWindow() == windows[0].id;
     }));
-    fRobot.KeyDown(XK_Alt_L);
-    fRobot.Key(XK_a);
-    fRobot.KeyUp(XK_Alt_L);
+    fDesk.KeyDown(XK_Alt_L);
+    fDesk.Key(XK_a);
+    fDesk.KeyUp(XK_Alt_L);
     EXPECT_TRUE(AboutsBecome(2));
-    fScreen.Close(about.id);
+    fDesk.Close(about.id);
     EXPECT_TRUE(AboutsBecome(1));
     EXPECT_TRUE(fProgram.IsRunning());
 }
 
 TEST_F(AboutTest, TheLinkBecomesAnotherBookmarkWithEachDrop) {
-    Peer manager(fDesktop, {1000, 600, 200, 200});
+    Peer manager(fDesk, {1000, 600, 200, 200});
     fProgram.Start();
     ActivateBar();
     ChooseSetting(setting::kAbout);
     ASSERT_TRUE(AboutsBecome(1));
     const WindowInfo about = Abouts()[0];
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == about.id; }));
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.ActiveWindow() == about.id; }));
     const auto [linkX, linkY] = LinkIn(about);
     const std::string url = "http://quillbar.example/";
     // What a file manager gets that wants the file at that place.
     const auto saveAt = [&, x = linkX + 30, y = linkY + 9](const std::string& uri) {
-        fRobot.MoveTo(x, y);
-        fRobot.Press();
-        fRobot.MoveTo(x, y + 40);
-        fRobot.MoveTo(1100, 700);
+        fDesk.MoveTo(x, y);
+        fDesk.Press();
+        fDesk.MoveTo(x, y + 40);
+        fDesk.MoveTo(1100, 700);
         EXPECT_TRUE(manager.AwaitOver());
-        fRobot.Release();
+        fDesk.Release();
         EXPECT_TRUE(manager.AwaitDrop());
         EXPECT_EQ(manager.SaveName(), "http:--quillbar.example-");
         EXPECT_THAT(manager.OfferedTypes(),

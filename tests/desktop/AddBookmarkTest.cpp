@@ -24,37 +24,37 @@ protected:
             fPlace = windows[0].frame;
             return true;
         }));
-        SettledPicture(fScreen, fPlace);
+        fDesk.Settled(fPlace);
     }
     void OpenWindow() {
         ActivateBar();
-        fRobot.Key(XK_minus);
+        fDesk.Key(XK_minus);
         WaitForWindow();
     }
     bool WindowCloses() {
         return WaitUntil([&] { return fProgram.AddWindows().empty(); });
     }
     // In the window, in units.
-    void ClickAt(int x, int y) { fRobot.Click(fPlace.x + x, fPlace.y + y); }
+    void ClickAt(int x, int y) { fDesk.Click(fPlace.x + x, fPlace.y + y); }
     void ClickBrowse(int digit) { ClickAt(10 + 44 + 20 * digit, 20 + 130 + 42); }
     void Alt(uint32_t key) {
-        fRobot.KeyDown(XK_Alt_L);
-        fRobot.Key(key);
-        fRobot.KeyUp(XK_Alt_L);
+        fDesk.KeyDown(XK_Alt_L);
+        fDesk.Key(key);
+        fDesk.KeyUp(XK_Alt_L);
     }
     // What is typed before a choice is shown would be replaced by it.
     bool LocationChanges(const std::function<void()>& work) {
         const Box box = {fPlace.x + 10, fPlace.y + 240, 310, 90};
-        const Picture before = SettledPicture(fScreen, box);
+        const Picture before = fDesk.Settled(box);
         work();
-        return WaitUntil([&] { return fScreen.Grab(box) != before; });
+        return WaitUntil([&] { return fDesk.Grab(box) != before; });
     }
     void ChooseByKeys() {
         EXPECT_TRUE(LocationChanges([&] { Alt(XK_2); }));
         EXPECT_TRUE(LocationChanges([&] {
-            fRobot.KeyDown(XK_Shift_L);
+            fDesk.KeyDown(XK_Shift_L);
             Alt(XK_4);
-            fRobot.KeyUp(XK_Shift_L);
+            fDesk.KeyUp(XK_Shift_L);
         }));
     }
     std::string Attribute(const std::string& name, const std::string& attribute) const {
@@ -66,16 +66,16 @@ protected:
 
 TEST_F(AddBookmarkTest, KeysMakeABookmark) {
     OpenWindow();
-    fRobot.Key(XK_Return);
+    fDesk.Key(XK_Return);
     DismissAlert(); // no slot is chosen
     WaitForWindow();
     ChooseByKeys();
-    fRobot.Type("News & more");
-    fRobot.Key(XK_Tab);
-    fRobot.Type("http://a.b/");
-    fRobot.Key(XK_Tab);
-    fRobot.Type("k");
-    fRobot.Key(XK_Return);
+    fDesk.Type("News & more");
+    fDesk.Key(XK_Tab);
+    fDesk.Type("http://a.b/");
+    fDesk.Key(XK_Tab);
+    fDesk.Type("k");
+    fDesk.Key(XK_Return);
     ASSERT_TRUE(WindowCloses());
     EXPECT_EQ(Attribute("4 - News & more", "mime_type"), kBookmarkType);
     EXPECT_EQ(Attribute("4 - News & more", "META:url"), std::string("http://a.b/\0", 12));
@@ -86,8 +86,8 @@ TEST_F(AddBookmarkTest, KeysMakeABookmark) {
     // What is refused is said; a quit takes the words away.
     OpenWindow();
     ChooseByKeys();
-    fRobot.Type("../x");
-    fRobot.Key(XK_Return);
+    fDesk.Type("../x");
+    fDesk.Key(XK_Return);
     DismissAlert();
     ASSERT_TRUE(WindowCloses());
     OpenWindow();
@@ -100,12 +100,12 @@ TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewritten) {
     ChooseSlot(2, 5); // "Add Bookmark Here"
     WaitForWindow();
     ClickBrowse(2);
-    const Box item = FolderMenu(fDesktop, fProgram).Slot(1);
-    fRobot.Click(item.CenterX(), item.CenterY());
+    const Box item = FolderMenu(fDesk, fProgram).Slot(1);
+    fDesk.Click(item.CenterX(), item.CenterY());
     ASSERT_TRUE(MenusClosed());
-    SettledPicture(fScreen, fPlace);
-    fRobot.Key(XK_End);
-    fRobot.Type("s");
+    fDesk.Settled(fPlace);
+    fDesk.Key(XK_End);
+    fDesk.Type("s");
     Alt(XK_d);
     ASSERT_TRUE(WindowCloses());
     EXPECT_EQ(Attribute("1 - Sites", "META:url"), std::string("http://site.example/\0", 21));
@@ -122,7 +122,7 @@ TEST_F(AddBookmarkTest, AFolderMenuGivesTheBarItsTargetBack) {
     EXPECT_EQ(LastUrl(1), "http://site.example/");
     ChooseSlot(2, 7); // one window at a time
     EXPECT_EQ(fProgram.AddWindows().size(), 1u);
-    fScreen.Activate(fProgram.AddWindows()[0].id);
+    fDesk.Activate(fProgram.AddWindows()[0].id);
     WaitForWindow();
     ClickBrowse(3);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
@@ -156,7 +156,7 @@ protected:
         return WaitUntil([&] { return fServer->focuses == count; });
     }
 
-    std::unique_ptr<InputServer> fServer = std::make_unique<InputServer>(fDesktop);
+    std::unique_ptr<InputServer> fServer = std::make_unique<InputServer>(fDesk);
 };
 
 TEST_F(InputMethodBookmarkTest, ItsTextIsTypedOnOneLine) {
@@ -164,15 +164,15 @@ TEST_F(InputMethodBookmarkTest, ItsTextIsTypedOnOneLine) {
     OpenWindow();
     ASSERT_TRUE(FieldGetsContext(1));
     ChooseByKeys();
-    fRobot.Type("bab");
-    fRobot.Key(XK_Tab);
+    fDesk.Type("bab");
+    fDesk.Key(XK_Tab);
     ASSERT_TRUE(FieldGetsContext(2));
-    fRobot.Type("http://b/a");
-    fRobot.Key(XK_Tab);
+    fDesk.Type("http://b/a");
+    fDesk.Key(XK_Tab);
     ASSERT_TRUE(FieldGetsContext(3));
     fServer.reset();
-    fRobot.Type("ka");
-    fRobot.Key(XK_Return);
+    fDesk.Type("ka");
+    fDesk.Key(XK_Return);
     ASSERT_TRUE(WindowCloses());
     EXPECT_EQ(Attribute("4 - b日 本éb", "META:url"), std::string("http://b/日 本é") + '\0');
     EXPECT_EQ(Attribute("4 - b日 本éb", "META:keyw"), std::string("ka\0", 3));

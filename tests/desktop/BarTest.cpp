@@ -17,7 +17,7 @@ protected:
     }
     bool ButtonTurns(uint32_t colour) {
         const Box button = fProgram.Button(0);
-        return WaitUntil([&] { return fScreen.Pixel(button.x + 2, button.y + 2) == colour; });
+        return WaitUntil([&] { return fDesk.Pixel(button.x + 2, button.y + 2) == colour; });
     }
     // A click on a button opens its menu, and all that happened before has been handled then.
     void ExpectButtonWorks() {
@@ -26,22 +26,22 @@ protected:
         CloseMenus();
     }
     void ReleaseOverTheMenuOfAKey() {
-        fRobot.Key(XK_KP_3);
+        fDesk.Key(XK_KP_3);
         ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-        fRobot.Release();
-        fRobot.Key(XK_Escape);
+        fDesk.Release();
+        fDesk.Key(XK_Escape);
         ASSERT_TRUE(MenusClosed());
     }
 };
 
 TEST_F(BarTest, ADragEndsWhenAMenuTakesThePointer) {
     ActivateBar();
-    fRobot.MoveTo(30 + 15, 30 + 7);
-    fRobot.Press();
+    fDesk.MoveTo(30 + 15, 30 + 7);
+    fDesk.Press();
     ReleaseOverTheMenuOfAKey();
-    fRobot.MoveTo(400, 400);
-    fRobot.MoveTo(30 + 15, 30 + 7);
-    fRobot.MoveTo(30 + 10, 30 + 9);
+    fDesk.MoveTo(400, 400);
+    fDesk.MoveTo(30 + 15, 30 + 7);
+    fDesk.MoveTo(30 + 10, 30 + 9);
     ExpectButtonWorks();
     EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
 }
@@ -49,8 +49,8 @@ TEST_F(BarTest, ADragEndsWhenAMenuTakesThePointer) {
 TEST_F(BarTest, AButtonIsLetGoWhenAMenuTakesThePointer) {
     ActivateBar();
     const Box button = fProgram.Button(0);
-    fRobot.MoveTo(button.CenterX(), button.CenterY());
-    fRobot.Press();
+    fDesk.MoveTo(button.CenterX(), button.CenterY());
+    fDesk.Press();
     ASSERT_TRUE(ButtonTurns(0x989898));
     ReleaseOverTheMenuOfAKey();
     EXPECT_TRUE(ButtonTurns(kActive));
@@ -59,22 +59,22 @@ TEST_F(BarTest, AButtonIsLetGoWhenAMenuTakesThePointer) {
 
 TEST_F(BarTest, ADragEndsWhenTheBarIsMinimised) {
     const xcb_window_t bar = fProgram.Bar().id;
-    fRobot.MoveTo(30 + 15, 30 + 7);
-    fRobot.Press();
-    fRobot.MoveTo(130 + 15, 130 + 7);
+    fDesk.MoveTo(30 + 15, 30 + 7);
+    fDesk.Press();
+    fDesk.MoveTo(130 + 15, 130 + 7);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 130; }));
-    const auto iconify = fDesktop.Message(bar, "WM_CHANGE_STATE", {3});
-    xcb_send_event(fDesktop.Connection(), 0, fDesktop.Root(),
+    const auto iconify = fDesk.Message(bar, "WM_CHANGE_STATE", {3});
+    xcb_send_event(fDesk.Connection(), 0, fDesk.Root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&iconify));
-    fDesktop.Sync();
-    ASSERT_TRUE(WaitUntil([&] { return !fScreen.IsViewable(bar); }));
-    fRobot.Release();
-    fScreen.Activate(bar);
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.IsViewable(bar); }));
-    fRobot.MoveTo(400, 400);
-    fRobot.MoveTo(130 + 15, 130 + 7);
-    fRobot.MoveTo(130 + 10, 130 + 9);
+    fDesk.Sync();
+    ASSERT_TRUE(WaitUntil([&] { return !fDesk.IsViewable(bar); }));
+    fDesk.Release();
+    fDesk.Activate(bar);
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.IsViewable(bar); }));
+    fDesk.MoveTo(400, 400);
+    fDesk.MoveTo(130 + 15, 130 + 7);
+    fDesk.MoveTo(130 + 10, 130 + 9);
     ExpectButtonWorks();
     EXPECT_EQ(fProgram.Content(), (Box{130, 130, 22, 264}));
 }
@@ -83,26 +83,26 @@ TEST_F(BarTest, ADragFromAButtonEndsOverTheStripWithoutTheSettings) {
     OpenSettings();
     CloseMenus();
     const Box button = fProgram.Button(0);
-    fRobot.MoveTo(button.CenterX(), button.CenterY());
-    fRobot.Press();
-    fRobot.MoveTo(30 + 15, 30 + 7);
-    fRobot.Release();
+    fDesk.MoveTo(button.CenterX(), button.CenterY());
+    fDesk.Press();
+    fDesk.MoveTo(30 + 15, 30 + 7);
+    fDesk.Release();
     ExpectButtonWorks();
 }
 
 TEST_F(BarTest, TheGrabbedPointStaysUnderThePointer) {
-    fRobot.MoveTo(30 + 15, 30 + 7);
-    fRobot.Press();
+    fDesk.MoveTo(30 + 15, 30 + 7);
+    fDesk.Press();
     for (const auto& [x, y] : {std::pair{300, 200}, {1000, 500}, {640, 333}}) {
-        fRobot.MoveTo(x, y);
+        fDesk.MoveTo(x, y);
         EXPECT_TRUE(WaitUntil([&] {
             return fProgram.Content() == Box{x - 15, y - 7, 22, 264};
         })) << x
             << ", " << y << " against " << fProgram.Content().x << ", " << fProgram.Content().y;
     }
-    fRobot.Release();
-    fRobot.MoveTo(100, 100);
-    fRobot.Click(640, 340); // whatever waits for the drag bar has been handled when this has
+    fDesk.Release();
+    fDesk.MoveTo(100, 100);
+    fDesk.Click(640, 340); // whatever waits for the drag bar has been handled when this has
     ASSERT_TRUE(ButtonTurns(kActive));
     EXPECT_EQ(fProgram.Content(), (Box{625, 326, 22, 264}));
 }
@@ -111,15 +111,15 @@ TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInIt) {
     ActivateBar();
     ASSERT_TRUE(ButtonTurns(kActive));
     const Box button = fProgram.Button(0);
-    fRobot.MoveTo(button.CenterX(), button.CenterY());
-    fRobot.Press();
+    fDesk.MoveTo(button.CenterX(), button.CenterY());
+    fDesk.Press();
     EXPECT_TRUE(ButtonTurns(0x989898)); // B_DARKEN_2_TINT
-    fRobot.MoveTo(600, 600);
+    fDesk.MoveTo(600, 600);
     EXPECT_TRUE(ButtonTurns(kActive));
-    fRobot.MoveTo(button.CenterX(), button.CenterY());
+    fDesk.MoveTo(button.CenterX(), button.CenterY());
     EXPECT_TRUE(ButtonTurns(0x989898));
-    fRobot.MoveTo(600, 600);
-    fRobot.Release();
+    fDesk.MoveTo(600, 600);
+    fDesk.Release();
     EXPECT_TRUE(ButtonTurns(kActive));
     ClickButton(1);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
@@ -127,25 +127,25 @@ TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInIt) {
 }
 
 TEST_F(BarTest, TheFirstClickOnTheCloseBoxOnlyActivates) {
-    PlainWindow other(fDesktop, {400, 300, 200, 100});
+    PlainWindow other(fDesk, {400, 300, 200, 100});
     other.Activate();
     ASSERT_TRUE(ButtonTurns(kInactive));
     const Box box = fProgram.CloseBox();
-    fRobot.Click(box.CenterX(), box.CenterY());
+    fDesk.Click(box.CenterX(), box.CenterY());
     ASSERT_TRUE(ButtonTurns(kActive));
 
     // Pressed, moved out and released: nothing; released inside: the end.
-    const auto middle = [&] { return fScreen.Pixel(box.CenterX(), box.CenterY()); };
-    fRobot.MoveTo(box.CenterX(), box.CenterY());
-    fRobot.Press();
+    const auto middle = [&] { return fDesk.Pixel(box.CenterX(), box.CenterY()); };
+    fDesk.MoveTo(box.CenterX(), box.CenterY());
+    fDesk.Press();
     EXPECT_TRUE(WaitUntil([&] { return middle() == kInactive; }));
-    fRobot.MoveTo(600, 600);
+    fDesk.MoveTo(600, 600);
     EXPECT_TRUE(WaitUntil([&] { return middle() == kActive; }));
-    fRobot.Release();
+    fDesk.Release();
     ClickButton(3);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
     CloseMenus();
-    fRobot.Click(box.CenterX(), box.CenterY());
+    fDesk.Click(box.CenterX(), box.CenterY());
     EXPECT_EQ(fProgram.WaitForEnd(), 0);
     EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
 }

@@ -16,10 +16,10 @@ protected:
              {std::string("3 - Some Folder"), "5 - \xff\n" + std::string(245, 'W')})
             std::filesystem::create_directories(fProgram.Root() / name);
     }
-    std::vector<WindowInfo> Bubbles() const { return fScreen.Shown("TOOLTIP"); }
+    std::vector<WindowInfo> Bubbles() const { return fDesk.Shown("TOOLTIP"); }
     void Point(int digit, int aside = 0) {
         const Box button = fProgram.Button(digit);
-        fRobot.MoveTo(button.CenterX() + aside, button.CenterY());
+        fDesk.MoveTo(button.CenterX() + aside, button.CenterY());
     }
     bool Goes() const {
         return WaitUntil([&] { return Bubbles().empty(); });
@@ -42,22 +42,22 @@ protected:
 
 TEST_F(BubbleTest, ShowsAFoldersNameUntilThePointerMovesOrAMenuOpens) {
     fProgram.Start();
-    PlainWindow other(fDesktop, {500, 500, 100, 100});
+    PlainWindow other(fDesk, {500, 500, 100, 100});
     other.Activate();
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.ActiveWindow() == other.Id(); }));
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.ActiveWindow() == other.Id(); }));
     const Box button = fProgram.Button(3);
     const Box one = Rest(3);
     EXPECT_EQ(one.x, button.CenterX() - kBorder);
     EXPECT_EQ(one.y, button.CenterY() + 20 - kBorder);
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.Grab(one).Count(0xf0f064) > 100; }));
-    EXPECT_EQ(fScreen.ActiveWindow(), other.Id());
-    EXPECT_EQ(fScreen.FocusedWindow(), other.Id());
+    EXPECT_TRUE(WaitUntil([&] { return fDesk.Grab(one).Count(0xf0f064) > 100; }));
+    EXPECT_EQ(fDesk.ActiveWindow(), other.Id());
+    EXPECT_EQ(fDesk.FocusedWindow(), other.Id());
 
-    fRobot.MoveTo(button.CenterX() + 1, button.CenterY());
+    fDesk.MoveTo(button.CenterX() + 1, button.CenterY());
     EXPECT_TRUE(Goes());
     ASSERT_EQ(Rest(3, 1).width, one.width);
-    fRobot.Press();
-    fRobot.Release();
+    fDesk.Press();
+    fDesk.Release();
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
     EXPECT_TRUE(Goes());
     CloseMenus();

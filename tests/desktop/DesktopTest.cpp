@@ -4,26 +4,21 @@
 
 using namespace test;
 
-DesktopTest::DesktopTest(PrivateDesktop& desktop)
-    : fDesktop(desktop) {}
-
 void DesktopTest::SetUp() {
     fApps.InstallBrowser();
     fApps.InstallOpera();
-    fRobot.MoveTo(fDesktop.Frame().width - 2, fDesktop.Frame().height - 2);
+    fDesk.MoveTo(fDesk.Frame().width - 2, fDesk.Frame().height - 2);
 }
 
 void DesktopTest::TearDown() {
     if (HasFailure()) {
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        const std::string picture =
-            testing::TempDir() + info->test_suite_name() + "." + info->name() + ".png";
-        std::string file = picture;
-        std::replace(file.begin() + testing::TempDir().size(), file.end(), '/', '-');
-        fScreen.Grab(fDesktop.Frame()).SavePng(file);
+        std::string file = std::string(info->test_suite_name()) + "." + info->name() + ".png";
+        std::replace(file.begin(), file.end(), '/', '-');
+        fDesk.Grab(fDesk.Frame()).SavePng(file);
         std::cerr << "screen at the end: " << file << ", the program "
                   << (fProgram.IsRunning() ? "runs" : "has ended") << std::hex << ", active is "
-                  << fScreen.ActiveWindow() << ", the keyboard is with " << fScreen.FocusedWindow()
+                  << fDesk.ActiveWindow() << ", the keyboard is with " << fDesk.FocusedWindow()
                   << std::dec << "\n"
                   << fProgram.Errors();
     }
@@ -41,29 +36,24 @@ void DesktopTest::AddBookmark(int folder, const std::string& name, const std::st
 }
 
 void DesktopTest::ActivateBar() {
-    fScreen.Activate(fProgram.Bar().id);
+    fDesk.Activate(fProgram.Bar().id);
     ASSERT_TRUE(
         WaitUntil([&] { return fProgram.IsBarActive() && HasKeyboard(fProgram.Bar().id); }));
 }
 
-// A window manager's word may still be of a window of the same number, of the program before.
-bool DesktopTest::HasKeyboard(xcb_window_t window) const {
-    return fScreen.ActiveWindow() == window && fScreen.FocusedWindow() == window;
-}
-
 void DesktopTest::ClickButton(int digit) {
     const Box button = fProgram.Button(digit);
-    fRobot.Click(button.CenterX(), button.CenterY());
+    fDesk.Click(button.CenterX(), button.CenterY());
 }
 
 FolderMenu DesktopTest::OpenFolder(int digit) {
     ClickButton(digit);
-    return FolderMenu(fDesktop, fProgram);
+    return FolderMenu(fDesk, fProgram);
 }
 
 void DesktopTest::ChooseSlot(int folder, int slot) {
     const Box place = OpenFolder(folder).Slot(slot);
-    fRobot.Click(place.CenterX(), place.CenterY());
+    fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_TRUE(MenusClosed());
 }
 
@@ -72,29 +62,29 @@ bool DesktopTest::MenusClosed(std::chrono::milliseconds deadline) {
 }
 
 void DesktopTest::CloseMenus() {
-    fRobot.Key(XK_Escape);
+    fDesk.Key(XK_Escape);
     ASSERT_TRUE(MenusClosed());
 }
 
 void DesktopTest::OpenSettings() {
     const Box bar = fProgram.DragBar();
-    fRobot.Click(bar.x + bar.width - 2, bar.y + bar.height - 2, 3);
+    fDesk.Click(bar.x + bar.width - 2, bar.y + bar.height - 2, 3);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-    SettledPicture(fScreen, fProgram.Menus()[0].frame);
+    fDesk.Settled(fProgram.Menus()[0].frame);
 }
 
 void DesktopTest::ChooseSetting(int downs, int inside) {
     OpenSettings();
     for (int i = 0; i < downs; ++i)
-        fRobot.Key(XK_Down);
+        fDesk.Key(XK_Down);
     if (inside > 0) {
-        fRobot.Key(XK_Right);
+        fDesk.Key(XK_Right);
         ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 2; }));
         // The first item is marked when a sub-menu was opened by the keyboard.
         for (int i = 1; i < inside; ++i)
-            fRobot.Key(XK_Down);
+            fDesk.Key(XK_Down);
     }
-    fRobot.Key(XK_Return);
+    fDesk.Key(XK_Return);
     ASSERT_TRUE(MenusClosed());
 }
 
@@ -105,9 +95,9 @@ bool DesktopTest::AlertOpens() {
 void DesktopTest::DismissAlert() {
     ASSERT_TRUE(AlertOpens());
     const WindowInfo alert = fProgram.Alerts()[0];
-    fScreen.Activate(alert.id);
+    fDesk.Activate(alert.id);
     ASSERT_TRUE(WaitUntil([&] { return HasKeyboard(alert.id); }));
-    fRobot.Key(XK_Return);
+    fDesk.Key(XK_Return);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Alerts().empty(); }));
 }
 

@@ -13,7 +13,8 @@
 // itself. What still runs at the end is asked to quit and must end with status 0.
 class DesktopTest : public testing::Test {
 protected:
-    explicit DesktopTest(test::PrivateDesktop& desktop = test::PrivateDesktop::Shared());
+    explicit DesktopTest(test::Desk& desk = test::Desk::Shared())
+        : fDesk(desk) {}
 
     void SetUp() override;
     void TearDown() override;
@@ -22,7 +23,7 @@ protected:
     void AddBookmark(int folder, const std::string& name, const std::string& url) const;
 
     void ActivateBar();
-    bool HasKeyboard(xcb_window_t window) const;
+    bool HasKeyboard(xcb_window_t window) const { return fDesk.HasKeyboard(window); }
     void ClickButton(int digit);
     FolderMenu OpenFolder(int digit);
     void ChooseSlot(int folder, int slot);
@@ -42,23 +43,24 @@ protected:
     // What the browser was last started with.
     std::string LastUrl(size_t launches) const;
 
-    test::PrivateDesktop& fDesktop;
+    test::Desk& fDesk;
     test::TemporaryHome fHome;
     test::RecordedApps fApps{fHome};
-    test::Screen fScreen{fDesktop};
-    test::Robot fRobot{fDesktop};
-    Program fProgram{fDesktop, fHome};
+    test::Desk& fDesktop = fDesk;
+    test::Desk& fScreen = fDesk;
+    test::Desk& fRobot = fDesk;
+    Program fProgram{fDesk, fHome};
 };
 
 struct OwnDesktop {
-    test::PrivateDesktop fOwn;
+    test::Desk fOwn;
 };
 
 // On a desktop of its own, unlike the usual one or to be lost.
 class OwnDesktopTest : protected OwnDesktop, public DesktopTest {
 protected:
-    explicit OwnDesktopTest(const test::PrivateDesktop::Options& options)
-        : OwnDesktop{test::PrivateDesktop(options)}
+    explicit OwnDesktopTest(const test::Desk::Options& options)
+        : OwnDesktop{test::Desk(options)}
         , DesktopTest(fOwn) {}
 };
 

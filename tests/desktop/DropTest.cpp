@@ -27,7 +27,7 @@ protected:
     // The ground under the last button has the bar's colour as it is.
     uint32_t Ground() const {
         const Box content = fProgram.Content();
-        return fScreen.Pixel(content.x, content.y + content.height - 1);
+        return fDesk.Pixel(content.x, content.y + content.height - 1);
     }
     bool BarBecomes(uint32_t color) {
         return WaitUntil([&] { return Ground() == color; });
@@ -37,7 +37,7 @@ protected:
         return fPartner.Drop(fProgram.Bar().id, part.CenterX(), part.CenterY(), {type});
     }
 
-    Peer fPartner{fDesktop};
+    Peer fPartner{fDesk};
 };
 
 TEST_F(DropTest, AColorOnAnyPartIsTheBarsAndIsKept) {

@@ -20,10 +20,10 @@ TEST_F(WithoutWindowManagerTest, TheBarWorks) {
     EXPECT_EQ(LastUrl(1), "http://five.example/");
     OpenFolder(3);
     CloseMenus();
-    fRobot.Drag(45, 40, 345, 240);
+    fDesk.Drag(45, 40, 345, 240);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{330, 230, 22, 264}; }));
     // Nobody could bring it back if it went.
-    fRobot.DoubleClick(345, 242);
+    fDesk.DoubleClick(345, 242);
     OpenFolder(3);
     CloseMenus();
 }
@@ -44,11 +44,11 @@ TEST_F(ScaledDesktopTest, EverythingIsTwiceAsLarge) {
     EXPECT_NEAR(menu.Frame().y, button.y, 4);
     EXPECT_GE(menu.Slot(0).height, 24);
     const Box place = menu.Slot(5);
-    fRobot.Click(place.CenterX(), place.CenterY());
+    fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(LastUrl(1), "http://five.example/");
 
-    fRobot.MoveTo(button.CenterX() + 1, button.CenterY());
-    const auto bubbles = [&] { return fScreen.Shown("TOOLTIP"); };
+    fDesk.MoveTo(button.CenterX() + 1, button.CenterY());
+    const auto bubbles = [&] { return fDesk.Shown("TOOLTIP"); };
     ASSERT_TRUE(WaitUntil([&] { return !bubbles().empty(); }));
     EXPECT_NEAR(bubbles()[0].frame.y, button.CenterY() + 2 * 20, 4);
     EXPECT_GE(bubbles()[0].frame.height, 2 * 16);
@@ -98,11 +98,11 @@ TEST_F(TwoMonitorsTest, ABarComesBackWhenLessThanHalfOfItsStripIsSeen) {
     EXPECT_TRUE(kLeft.Contains(fProgram.Content()));
     // So it does when a person leaves it there.
     const Box strip = fProgram.DragBar();
-    fRobot.MoveTo(strip.x + strip.width - 2, strip.y + 7);
-    fRobot.Press();
-    fRobot.MoveTo(3, 400);
+    fDesk.MoveTo(strip.x + strip.width - 2, strip.y + 7);
+    fDesk.Press();
+    fDesk.MoveTo(3, 400);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Content().x < -15; }));
-    fRobot.Release();
+    fDesk.Release();
     EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
 }
 
@@ -115,15 +115,15 @@ protected:
 
 TEST_F(UnmanagedMonitorsTest, ADragWhoseMonitorGoesEndsOnAnother) {
     StartAt(1000, 300);
-    fRobot.MoveTo(1015, 307);
-    fRobot.Press();
-    fRobot.MoveTo(1115, 307);
+    fDesk.MoveTo(1015, 307);
+    fDesk.Press();
+    fDesk.MoveTo(1115, 307);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 1100; }));
     fOwn.SetMonitors({kLeft});
     ASSERT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
-    fRobot.MoveTo(1215, 407);
+    fDesk.MoveTo(1215, 407);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 1200; }));
-    fRobot.Release();
+    fDesk.Release();
     EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
 }
 

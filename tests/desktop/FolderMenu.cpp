@@ -1,21 +1,8 @@
 #include "tests/desktop/FolderMenu.h"
 
-#include <set>
 #include <stdexcept>
 
 using namespace test;
-
-Picture SettledPicture(const Screen& screen, const Box& frame) {
-    Picture last;
-    WaitUntil([&] {
-        const Picture now = screen.Grab(frame);
-        const bool settled =
-            now == last && std::set(now.pixels.begin(), now.pixels.end()).size() > 2;
-        last = now;
-        return settled;
-    });
-    return last;
-}
 
 namespace {
 
@@ -44,25 +31,23 @@ Band Difference(const Picture& before, const Picture& after, int column) {
 
 } // namespace
 
-FolderMenu::FolderMenu(PrivateDesktop& desktop, const Program& program) {
+FolderMenu::FolderMenu(Desk& desk, const Program& program) {
     if (!WaitUntil([&] { return !program.Menus().empty(); }))
         throw std::runtime_error("no menu opened");
     fWindow = program.Menus().back();
-    const Screen screen(desktop);
-    Robot robot(desktop);
     const int column = fWindow.frame.width - 5;
     Picture plain;
     Band band;
     // A menu that opened under the pointer has an item marked until the pointer is seen to leave,
     // which gives a second band.
     const bool marked = WaitUntil([&] {
-        robot.MoveTo(0, desktop.Frame().height - 1);
-        plain = SettledPicture(screen, fWindow.frame);
-        robot.MoveTo(fWindow.frame.x + column, fWindow.frame.y + fWindow.frame.height - 5);
+        desk.MoveTo(0, desk.Frame().height - 1);
+        plain = desk.Settled(fWindow.frame);
+        desk.MoveTo(fWindow.frame.x + column, fWindow.frame.y + fWindow.frame.height - 5);
         return WaitUntil(
             [&] {
                 const Band before = band;
-                band = Difference(plain, screen.Grab(fWindow.frame), column);
+                band = Difference(plain, desk.Grab(fWindow.frame), column);
                 return band.height >= 8 && band == before;
             },
             std::chrono::milliseconds(500));

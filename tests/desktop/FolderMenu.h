@@ -11,7 +11,7 @@ public:
     static constexpr int kSlots = 10;
 
     // Waits until the program's newest menu is painted. Moves the pointer.
-    FolderMenu(test::PrivateDesktop& desktop, const Program& program);
+    FolderMenu(test::Desk& desk, const Program& program);
 
     const test::Box& Frame() const { return fWindow.frame; }
     test::Box Slot(int digit) const;                                        // on the screen
@@ -25,5 +25,6 @@ private:
     std::vector<test::Picture> fSlots;
 };
 
-// Waits until `window` is painted and does not change, and gives its picture.
-test::Picture SettledPicture(const test::Screen& screen, const test::Box& frame);
+inline test::Picture SettledPicture(const test::Desk& desk, const test::Box& frame) {
+    return desk.Settled(frame);
+}

@@ -29,7 +29,7 @@ TEST_F(FolderMenuTest, AClickOpensItBesideTheButtonAndAnotherChooses) {
     EXPECT_FALSE(menu.SameLabel(0, 5));
     EXPECT_TRUE(menu.SameLabel(4, 9));
     const Box place = menu.Slot(5);
-    fRobot.Click(place.CenterX(), place.CenterY());
+    fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(fApps.WaitForLaunches(1),
               (std::vector<RecordedApps::Launch>{{"browser", {"http://five.example/"}}}));
     EXPECT_TRUE(MenusClosed());
@@ -64,24 +64,24 @@ TEST_F(FolderMenuTest, NothingInAnAddressIsTakenForMoreThanText) {
 TEST_F(FolderMenuTest, KeypadDigitsChooseAndOtherKeysDoNot) {
     OpenFolder(3);
     for (const uint32_t key : {XK_KP_4, XK_5, XK_Return, XK_Down, XK_a})
-        fRobot.Key(key);
-    fRobot.Key(XK_KP_0);
+        fDesk.Key(key);
+    fDesk.Key(XK_KP_0);
     EXPECT_EQ(LastUrl(1), "http://zero.example/");
     EXPECT_TRUE(MenusClosed());
     OpenFolder(3);
-    fRobot.Key(XK_KP_Divide);
+    fDesk.Key(XK_KP_Divide);
     EXPECT_TRUE(MenusClosed());
     EXPECT_EQ(fApps.Launches().size(), 1u);
 }
 
 TEST_F(FolderMenuTest, LosingTheFocusOrAClickOutsideClosesIt) {
-    PlainWindow other(fDesktop, {500, 500, 200, 100});
+    PlainWindow other(fDesk, {500, 500, 200, 100});
     OpenFolder(3);
     other.Activate();
     EXPECT_TRUE(MenusClosed());
     OpenFolder(3);
     const Box bar = fProgram.DragBar();
-    fRobot.Click(bar.x + 15, bar.y + 11);
+    fDesk.Click(bar.x + 15, bar.y + 11);
     EXPECT_TRUE(MenusClosed());
     EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
 }
@@ -89,7 +89,7 @@ TEST_F(FolderMenuTest, LosingTheFocusOrAClickOutsideClosesIt) {
 TEST_F(FolderMenuTest, AHeldGrabOfAnotherProgramKeepsItShut) {
     ActivateBar();
     xcb_connection_t* other = xcb_connect(nullptr, nullptr);
-    const auto cookie = xcb_grab_keyboard(other, 0, fDesktop.Root(), XCB_CURRENT_TIME,
+    const auto cookie = xcb_grab_keyboard(other, 0, fDesk.Root(), XCB_CURRENT_TIME,
                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     auto* reply = xcb_grab_keyboard_reply(other, cookie, nullptr);
     ASSERT_NE(reply, nullptr);

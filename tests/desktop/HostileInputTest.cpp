@@ -17,7 +17,7 @@ protected:
     // The bar can be reached: its content lies on the screen at least in part, and a click works.
     void ExpectReachable() {
         const Box content = fProgram.Content();
-        const Box screen = fDesktop.Frame();
+        const Box screen = fDesk.Frame();
         EXPECT_LT(content.x, screen.width);
         EXPECT_LT(content.y, screen.height);
         EXPECT_GT(content.x + content.width, 0);
@@ -72,11 +72,11 @@ TEST_F(HostileInputTest, OddThingsInTheFolders) {
 
     fProgram.Start();
     const FolderMenu menu = OpenFolder(1);
-    EXPECT_TRUE(fDesktop.Frame().Contains(menu.Frame()));
+    EXPECT_TRUE(fDesk.Frame().Contains(menu.Frame()));
     for (int slot = 0; slot < 9; ++slot)
         EXPECT_EQ(menu.SameLabel(slot, 9), slot > 3) << slot;
     const Box place = menu.Slot(2);
-    fRobot.Click(place.CenterX(), place.CenterY());
+    fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(LastUrl(1), "http://odd.example/");
 
     // The same while it runs.
@@ -96,7 +96,7 @@ TEST_F(HostileInputTest, OddAttributes) {
     SetAttribute(path(3), "META:keyw", std::string(500, '\xff'));
 
     fProgram.Start();
-    EXPECT_TRUE(fDesktop.Frame().Contains(OpenFolder(1).Frame()));
+    EXPECT_TRUE(fDesk.Frame().Contains(OpenFolder(1).Frame()));
     CloseMenus();
     ChooseSlot(1, 1);
     EXPECT_EQ(LastUrl(1), "http://no.nul.example/");

@@ -36,7 +36,7 @@ protected:
     }
     void Type(const Keys& keys) {
         for (const uint32_t key : keys)
-            fRobot.Key(key);
+            fDesk.Key(key);
     }
     void TypeAfterHotKey(const Keys& keys) {
         Type(fHotKey);
@@ -75,7 +75,7 @@ protected:
         EXPECT_EQ(ChildProcess(options).Wait(), 0);
     }
 
-    PlainWindow fOther{fDesktop, {500, 500, 200, 100}};
+    PlainWindow fOther{fDesk, {500, 500, 200, 100}};
     Keys fHotKey;
     size_t fKnown = 0;
 };
@@ -84,18 +84,18 @@ TEST_F(HotKeyTest, TheWindowsKeyAndTwoKeypadDigitsLaunch) {
     Start(8, {XK_Super_L});
     TypeAfterHotKey({XK_KP_3, XK_KP_5});
     EXPECT_THAT(NextLaunches(), ElementsAre(kFive));
-    EXPECT_EQ(fScreen.ActiveWindow(), fOther.Id());
+    EXPECT_EQ(fDesk.ActiveWindow(), fOther.Id());
 
-    fRobot.KeyDown(XK_Super_R);
+    fDesk.KeyDown(XK_Super_R);
     Type({XK_KP_0, XK_KP_9});
-    fRobot.KeyUp(XK_Super_R);
+    fDesk.KeyUp(XK_Super_R);
     EXPECT_THAT(NextLaunches(), ElementsAre(kNine)) << "held";
 
     for (const uint32_t lock : {XK_Num_Lock, XK_Caps_Lock}) {
-        fRobot.Key(lock);
+        fDesk.Key(lock);
         TypeAfterHotKey({XK_KP_3, XK_KP_5});
         EXPECT_THAT(NextLaunches(), ElementsAre(kFive));
-        fRobot.Key(lock);
+        fDesk.Key(lock);
     }
     for (const char* layout : {"fr", "ru", "us(dvorak)"}) {
         SetLayout(layout);
@@ -115,26 +115,26 @@ TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {
     ActivateBar();
     TypeAfterHotKey({XK_KP_3});
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-    SettledPicture(fScreen, fProgram.Menus()[0].frame);
-    fRobot.Key(XK_KP_5);
+    fDesk.Settled(fProgram.Menus()[0].frame);
+    fDesk.Key(XK_KP_5);
     EXPECT_TRUE(MenusClosed());
     EXPECT_TRUE(WaitUntil([&] { return Launched().size() == 1; }));
     fOther.Activate();
     EXPECT_THAT(NextLaunches(), ElementsAre(kFive)) << "once, by the menu";
 
     // Keypad 5 without Num Lock opens a menu in the bar, and nowhere else.
-    fRobot.Key(XK_KP_5);
+    fDesk.Key(XK_KP_5);
     EXPECT_TRUE(NothingIsLaunched());
     EXPECT_THAT(fProgram.Menus(), IsEmpty());
 
-    fRobot.KeyDown(XK_Shift_L);
-    fRobot.KeyDown(XK_Control_R);
-    EXPECT_EQ(fScreen.ActiveWindow(), fOther.Id());
-    fRobot.KeyDown(XK_Alt_L);
+    fDesk.KeyDown(XK_Shift_L);
+    fDesk.KeyDown(XK_Control_R);
+    EXPECT_EQ(fDesk.ActiveWindow(), fOther.Id());
+    fDesk.KeyDown(XK_Alt_L);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.IsBarActive(); }));
     for (const uint32_t key : {XK_Alt_L, XK_Control_R, XK_Shift_L})
-        fRobot.KeyUp(key);
-    fRobot.Key(XK_KP_3);
+        fDesk.KeyUp(key);
+    fDesk.Key(XK_KP_3);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
     CloseMenus();
 }

@@ -26,11 +26,11 @@ protected:
 
 TEST_F(KeyboardTest, DigitsOfBothRowsOpenTheirFolder) {
     for (const uint32_t key : {XK_a, XK_space, XK_F1, XK_Return, XK_Tab})
-        fRobot.Key(key); // nothing to the bar
+        fDesk.Key(key); // nothing to the bar
     const std::pair<uint32_t, int> keys[] = {{XK_1, 1},    {XK_7, 7},    {XK_0, 0},   {XK_KP_0, 0},
                                              {XK_KP_1, 1}, {XK_KP_5, 5}, {XK_KP_8, 8}};
     for (const auto& [key, digit] : keys) {
-        fRobot.Key(key);
+        fDesk.Key(key);
         ASSERT_TRUE(MenuOpens()) << digit;
         EXPECT_TRUE(MenuIsAt(digit)) << digit;
         CloseMenus();
@@ -38,21 +38,21 @@ TEST_F(KeyboardTest, DigitsOfBothRowsOpenTheirFolder) {
 }
 
 TEST_F(KeyboardTest, AHeldKeyOpensItsMenuOnceAndChoosesNothing) {
-    fRobot.KeyDown(XK_KP_7);
+    fDesk.KeyDown(XK_KP_7);
     ASSERT_TRUE(MenuOpens());
     // The server repeats the key after two thirds of a second.
     EXPECT_FALSE(MenusClosed(std::chrono::milliseconds(1000)));
-    const Box corner = fDesktop.Frame();
-    fRobot.Click(corner.width - 2, corner.height - 2);
+    const Box corner = fDesk.Frame();
+    fDesk.Click(corner.width - 2, corner.height - 2);
     ASSERT_TRUE(MenusClosed());
     EXPECT_FALSE(
         WaitUntil([&] { return !fProgram.Menus().empty(); }, std::chrono::milliseconds(200)));
-    fRobot.KeyUp(XK_KP_7);
+    fDesk.KeyUp(XK_KP_7);
     ASSERT_TRUE(WaitUntil([&] {
-        fRobot.Key(XK_7);
+        fDesk.Key(XK_7);
         return !fProgram.Menus().empty();
     }));
-    fRobot.Key(XK_KP_7);
+    fDesk.Key(XK_KP_7);
     EXPECT_EQ(LastUrl(1), "http://seven.example/");
 }
 
@@ -84,7 +84,7 @@ TEST_F(KeyboardTest, AKeyThatTypedSomethingIsLetGoThoughItWouldTypeNothingNow) {
 }
 
 TEST_F(KeyboardTest, BOpensTheSettings) {
-    fRobot.Key(XK_b);
+    fDesk.Key(XK_b);
     ASSERT_TRUE(MenuOpens());
     const Box bar = fProgram.DragBar();
     const Box menu = fProgram.Menus()[0].frame;

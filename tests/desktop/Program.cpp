@@ -25,10 +25,9 @@ void GiveAway(const std::filesystem::path& path) {
 
 } // namespace
 
-Program::Program(PrivateDesktop& desktop, const TemporaryHome& home)
+Program::Program(Desk& desk, const TemporaryHome& home)
     : fHome(home)
-    , fDesktop(desktop)
-    , fScreen(desktop) {}
+    , fDesk(desk) {}
 
 BMessage Program::Settings() const {
     const std::string text = ReadFile(SettingsFile());
@@ -70,7 +69,7 @@ bool Program::WaitForBar() {
                if (!Bar().viewable)
                    return false;
                const Box button = Button(9);
-               return fScreen.Pixel(button.x + button.width - 2, button.y + 2) != 0;
+               return fDesk.Pixel(button.x + button.width - 2, button.y + 2) != 0;
            }) &&
            IsRunning();
 }
@@ -100,34 +99,16 @@ std::string Program::Errors() const {
 }
 
 WindowInfo Program::Bar() const {
-    const auto bars = fScreen.Windows([this](const WindowInfo& window) {
+    const auto bars = fDesk.Windows([this](const WindowInfo& window) {
         return window.pid == Pid() && window.HasType("_NET_WM_WINDOW_TYPE_UTILITY");
     });
     return bars.empty() ? WindowInfo{} : bars[0];
 }
 
-std::vector<WindowInfo> Program::Menus() const {
-    return Shown("POPUP_MENU");
-}
-
-std::vector<WindowInfo> Program::Alerts() const {
-    return Shown("DIALOG");
-}
-
-std::vector<WindowInfo> Program::Shown(const std::string& type) const {
-    auto windows = fScreen.Shown(type);
-    std::erase_if(windows, [this](const WindowInfo& window) { return window.pid != Pid(); });
-    return windows;
-}
-
 std::vector<WindowInfo> Program::AddWindows() const {
-    return fScreen.Windows([this](const WindowInfo& window) {
+    return fDesk.Windows([this](const WindowInfo& window) {
         return window.viewable && window.pid == Pid() && window.title == "Quillbar - Add Bookmark";
     });
-}
-
-bool Program::IsBarActive() const {
-    return fScreen.ActiveWindow() == Bar().id;
 }
 
 // The window is its content of 22 by 264 or 233 by 25 units, and the border around it.
@@ -146,7 +127,7 @@ bool Program::IsHorizontal() const {
 }
 
 double Program::Scale() const {
-    const std::string resources = fScreen.Text(fDesktop.Root(), "RESOURCE_MANAGER");
+    const std::string resources = fDesk.Text(fDesk.Root(), "RESOURCE_MANAGER");
     const size_t at = resources.find("Xft.dpi:");
     return at == std::string::npos ? 1 : std::stod(resources.substr(at + 8)) / 96;
 }

@@ -6,14 +6,13 @@
 
 #include "kits/app/Message.h"
 #include "tests/support/ChildProcess.h"
-#include "tests/support/Robot.h"
-#include "tests/support/Screen.h"
+#include "tests/support/Desk.h"
 #include "tests/support/TemporaryHome.h"
 
 // The program under test, on a desktop and in a home folder. Places are in screen pixels.
 class Program {
 public:
-    Program(test::PrivateDesktop& desktop, const test::TemporaryHome& home);
+    Program(test::Desk& desk, const test::TemporaryHome& home);
 
     // Where it keeps its things in the home folder.
     std::filesystem::path Root() const { return fHome.Config() / "Quillbar"; }
@@ -39,10 +38,10 @@ public:
 
     // Its windows that are shown. A bar that is minimised is still given.
     test::WindowInfo Bar() const;
-    std::vector<test::WindowInfo> Menus() const; // the newest last
-    std::vector<test::WindowInfo> Alerts() const;
+    std::vector<test::WindowInfo> Menus() const { return fDesk.Shown("POPUP_MENU", Pid()); }
+    std::vector<test::WindowInfo> Alerts() const { return fDesk.Shown("DIALOG", Pid()); }
     std::vector<test::WindowInfo> AddWindows() const;
-    bool IsBarActive() const;
+    bool IsBarActive() const { return fDesk.ActiveWindow() == Bar().id; }
 
     // Of the bar: what its border encloses, and the widgets in it.
     test::Box Content() const;
@@ -53,11 +52,9 @@ public:
     double Scale() const;
 
 private:
-    std::vector<test::WindowInfo> Shown(const std::string& type) const;
     test::Box InBar(int x, int y, int width, int height) const;
 
     const test::TemporaryHome& fHome;
-    test::PrivateDesktop& fDesktop;
-    test::Screen fScreen;
+    test::Desk& fDesk;
     std::unique_ptr<test::ChildProcess> fProcess;
 };

@@ -26,14 +26,14 @@ protected:
         ActivateBar();
         ChooseSetting(setting::kAlwaysOnTop); // so that there is something to save
         ASSERT_TRUE(
-            WaitUntil([&] { return fScreen.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
+            WaitUntil([&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
         if (moment == Moment::FolderMenu)
             OpenFolder(3);
         if (moment == Moment::SubMenu) {
             OpenSettings();
             for (int i = 0; i < setting::kHotKey; ++i)
-                fRobot.Key(XK_Down);
-            fRobot.Key(XK_Right);
+                fDesk.Key(XK_Down);
+            fDesk.Key(XK_Right);
             ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 2; }));
         }
         if (moment == Moment::Alert) {
@@ -50,7 +50,7 @@ TEST_P(QuitTest, SavesAndEndsInTime) {
     if (ending == Ending::Signal)
         fProgram.Signal(signals[static_cast<int>(moment)]);
     else if (ending == Ending::Close)
-        fScreen.Close(fProgram.Bar().id);
+        fDesk.Close(fProgram.Bar().id);
     else
         fOwn.KillServer();
     EXPECT_EQ(fProgram.WaitForEnd(kLimit), ending == Ending::LostDisplay ? 1 : 0);

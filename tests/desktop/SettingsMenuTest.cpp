@@ -16,7 +16,7 @@ protected:
     }
     Picture MenuPicture() {
         OpenSettings();
-        const Picture picture = SettledPicture(fScreen, fProgram.Menus()[0].frame);
+        const Picture picture = fDesk.Settled(fProgram.Menus()[0].frame);
         CloseMenus();
         return picture;
     }
@@ -58,17 +58,17 @@ TEST_F(SettingsMenuTest, AddressesAreShownOrNot) {
 }
 
 TEST_F(SettingsMenuTest, AlwaysOnTopFloatsTheBar) {
-    const auto isAbove = [&] { return fScreen.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); };
+    const auto isAbove = [&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); };
     ChooseSetting(setting::kAlwaysOnTop);
     EXPECT_TRUE(WaitUntil(isAbove));
-    PlainWindow other(fDesktop, {10, 10, 300, 300});
+    PlainWindow other(fDesk, {10, 10, 300, 300});
     other.Activate();
-    EXPECT_EQ(fScreen.Stacking().back(), fProgram.Bar().id);
+    EXPECT_EQ(fDesk.Stacking().back(), fProgram.Bar().id);
     ActivateBar();
     ChooseSetting(setting::kAlwaysOnTop);
     EXPECT_TRUE(WaitUntil([&] { return !isAbove(); }));
     other.Activate();
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.Stacking().back() == other.Id(); }));
+    EXPECT_TRUE(WaitUntil([&] { return fDesk.Stacking().back() == other.Id(); }));
 }
 
 TEST_F(SettingsMenuTest, TheLastHotKeyCannotBeTakenAwayAndQuitEndsTheProgram) {

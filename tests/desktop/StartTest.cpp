@@ -30,7 +30,7 @@ TEST_F(StartTest, FirstStartMakesTheFoldersAndStandsAtItsPlace) {
 }
 
 TEST_F(StartTest, TheWindowManagerIsToldWhatTheBarIs) {
-    PlainWindow other(fDesktop, {400, 300, 200, 100});
+    PlainWindow other(fDesk, {400, 300, 200, 100});
     other.Activate();
     fProgram.Start();
 
@@ -38,23 +38,23 @@ TEST_F(StartTest, TheWindowManagerIsToldWhatTheBarIs) {
     EXPECT_EQ(bar.title, "Quillbar");
     EXPECT_FALSE(bar.className.empty());
     EXPECT_FALSE(bar.overrideRedirect);
-    EXPECT_EQ(fScreen.Cardinals(bar.id, "_NET_WM_DESKTOP"), std::vector<uint32_t>{0xffffffff});
-    EXPECT_EQ(fScreen.Cardinals(bar.id, "_NET_FRAME_EXTENTS"), std::vector<uint32_t>(4, 0));
-    EXPECT_FALSE(fScreen.HasState(bar.id, "_NET_WM_STATE_SKIP_TASKBAR"));
-    EXPECT_FALSE(fScreen.HasState(bar.id, "_NET_WM_STATE_ABOVE"));
-    EXPECT_FALSE(fScreen.Cardinals(bar.id, "_NET_WM_ICON").empty());
-    EXPECT_EQ(fScreen.ActiveWindow(), other.Id());
+    EXPECT_EQ(fDesk.Cardinals(bar.id, "_NET_WM_DESKTOP"), std::vector<uint32_t>{0xffffffff});
+    EXPECT_EQ(fDesk.Cardinals(bar.id, "_NET_FRAME_EXTENTS"), std::vector<uint32_t>(4, 0));
+    EXPECT_FALSE(fDesk.HasState(bar.id, "_NET_WM_STATE_SKIP_TASKBAR"));
+    EXPECT_FALSE(fDesk.HasState(bar.id, "_NET_WM_STATE_ABOVE"));
+    EXPECT_FALSE(fDesk.Cardinals(bar.id, "_NET_WM_ICON").empty());
+    EXPECT_EQ(fDesk.ActiveWindow(), other.Id());
 }
 
 TEST_F(StartTest, TheBarIsDrawnAsBevelsOnItsColour) {
     fProgram.Start();
     ActivateBar();
-    fRobot.MoveTo(600, 600);
+    fDesk.MoveTo(600, 600);
     const uint32_t light = 0xffffff;
     const uint32_t dark = 0x888888;
-    ASSERT_TRUE(WaitUntil([&] { return fScreen.Pixel(32, 46) == kGrey; }));
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.Pixel(32, 46) == kGrey; }));
 
-    const Picture bar = SettledPicture(fScreen, {29, 29, 24, 266});
+    const Picture bar = fDesk.Settled({29, 29, 24, 266});
     for (int y = 0; y < bar.height; ++y) {
         EXPECT_EQ(bar.At(0, y), 0u) << y;
         EXPECT_EQ(bar.At(23, y), 0u) << y;
@@ -66,7 +66,7 @@ TEST_F(StartTest, TheBarIsDrawnAsBevelsOnItsColour) {
         EXPECT_EQ(bar.At(3, top + 20), dark) << digit;
         EXPECT_EQ(bar.At(22, top + 10), dark) << digit;
         EXPECT_EQ(bar.At(3, top + 1), kGrey) << digit;
-        EXPECT_GT(fScreen.Grab(fProgram.Button(digit)).Count(0), 5u) << "label " << digit;
+        EXPECT_GT(fDesk.Grab(fProgram.Button(digit)).Count(0), 5u) << "label " << digit;
     }
     // The close box: a sunken frame around a raised one.
     EXPECT_EQ(bar.At(3, 3), dark);
@@ -85,7 +85,7 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     fProgram.Start();
     ActivateBar();
     const Box bar = fProgram.DragBar();
-    fRobot.Drag(bar.x + 15, bar.y + 10, bar.x + 15 + 417, bar.y + 10 + 123);
+    fDesk.Drag(bar.x + 15, bar.y + 10, bar.x + 15 + 417, bar.y + 10 + 123);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 447; }));
     ChooseSetting(setting::kAlignHorizontally);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.IsHorizontal(); }));
@@ -102,10 +102,10 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     fProgram.Start();
     EXPECT_EQ(fProgram.Content(), (Box{447, 153, 233, 25}));
     EXPECT_TRUE(
-        WaitUntil([&] { return fScreen.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
+        WaitUntil([&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
     ActivateBar();
     const Box button = fProgram.Button(4);
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(button.x + 2, button.y + 2) == 0x6496c8; }));
+    EXPECT_TRUE(WaitUntil([&] { return fDesk.Pixel(button.x + 2, button.y + 2) == 0x6496c8; }));
     ChooseSlot(2, 1);
     const auto launches = fApps.WaitForLaunches(1);
     ASSERT_EQ(launches.size(), 1u);
@@ -121,14 +121,14 @@ TEST_F(StartTest, ASecondStartOrTheTaskBarWakesTheFirst) {
     for (const bool byTaskBar : {false, true}) {
         const Box bar = fProgram.DragBar();
         // Elsewhere the second time: in the same place it might count as a third click.
-        fRobot.DoubleClick(bar.x + (byTaskBar ? 4 : 15), bar.y + 12);
-        ASSERT_TRUE(WaitUntil([&] { return fScreen.IsMinimized(fProgram.Bar().id); }));
+        fDesk.DoubleClick(bar.x + (byTaskBar ? 4 : 15), bar.y + 12);
+        ASSERT_TRUE(WaitUntil([&] { return fDesk.IsMinimized(fProgram.Bar().id); }));
         if (byTaskBar)
-            fScreen.Activate(fProgram.Bar().id);
+            fDesk.Activate(fProgram.Bar().id);
         else
             EXPECT_EQ(fProgram.StartAgain(), 0);
         EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().viewable && fProgram.IsBarActive(); }));
-        EXPECT_FALSE(fScreen.IsMinimized(fProgram.Bar().id));
+        EXPECT_FALSE(fDesk.IsMinimized(fProgram.Bar().id));
         EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
     }
 }

@@ -66,7 +66,7 @@ TEST_F(StoreTest, ChangesWhileAMenuIsOpenAreThereWhenItOpensNext) {
     fs::rename(BookmarkPath(2, "1 - One"), fHome.Path() / "gone");
     AddBookmark(2, "6 - Six", "http://six.example/");
     const Box place = open.Slot(3);
-    fRobot.Click(place.CenterX(), place.CenterY());
+    fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(LastUrl(1), "http://three.example/");
     EXPECT_TRUE(SlotBecomes(2, 6, true));
     EXPECT_TRUE(SlotBecomes(2, 1, false));

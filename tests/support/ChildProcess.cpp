@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -41,13 +42,18 @@ int OpenForWriting(const std::string& path) {
 
 } // namespace
 
-ChildProcess::ChildProcess(const Options& options) {
+ChildProcess::ChildProcess(const Options& options)
+    : fEndsBy(options.endsBy) {
     // All memory is taken before the fork: other threads may hold the allocator's lock.
     std::vector<std::string> arguments = options.arguments;
     std::vector<std::string> variables = Environment(options.environment);
     const std::vector<char*> argv = Pointers(arguments);
     const std::vector<char*> envp = Pointers(variables);
-    const int output = OpenForWriting(options.output);
+    int ends[2] = {-1, -1};
+    if (options.pipe && pipe2(ends, O_CLOEXEC) != 0)
+        throw std::runtime_error("no pipe");
+    fOutput = ends[0];
+    const int output = options.pipe ? ends[1] : OpenForWriting(options.output);
     const int errors = OpenForWriting(options.errors);
     const pid_t parent = getpid();
 
@@ -57,20 +63,18 @@ ChildProcess::ChildProcess(const Options& options) {
         if (options.ordinaryUser &&
             (setresgid(user, user, user) != 0 || setresuid(user, user, user) != 0))
             _exit(127);
-        prctl(PR_SET_PDEATHSIG, SIGKILL); // behind the change of user, which clears it
+        prctl(PR_SET_PDEATHSIG, fEndsBy); // after the change of user, which clears it
         if (getppid() != parent)
             _exit(127);
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
-        // Shells start what runs in the background with this one ignored.
-        signal(SIGINT, SIG_DFL);
+        signal(SIGINT, SIG_DFL);  // which shells ignore for background jobs
+        signal(SIGPIPE, SIG_DFL); // which the test program ignores
         if (output >= 0)
             dup2(output, STDOUT_FILENO);
         if (errors >= 0)
             dup2(errors, STDERR_FILENO);
-        if (options.keep >= 0)
-            fcntl(options.keep, F_SETFD, 0);
         execvpe(argv[0], argv.data(), envp.data());
         _exit(127);
     }
@@ -89,6 +93,8 @@ uid_t ChildProcess::OrdinaryUser() {
 
 ChildProcess::~ChildProcess() {
     Kill();
+    if (fOutput >= 0)
+        close(fOutput);
 }
 
 bool ChildProcess::IsRunning() {
@@ -116,8 +122,24 @@ std::optional<int> ChildProcess::Wait(std::chrono::milliseconds deadline) {
 }
 
 void ChildProcess::Kill() {
+    Signal(fEndsBy);
+    if (Wait())
+        return;
     Signal(SIGKILL);
     Wait();
+}
+
+std::string ChildProcess::ReadLine(std::chrono::milliseconds deadline) {
+    std::string line;
+    pollfd ready{fOutput, POLLIN, 0};
+    char byte = 0;
+    while (poll(&ready, 1, static_cast<int>(deadline.count())) == 1 &&
+           read(fOutput, &byte, 1) == 1) {
+        if (byte == '\n')
+            return line;
+        line += byte;
+    }
+    throw std::runtime_error("a program did not write its line");
 }
 
 } // namespace test

@@ -32,14 +32,6 @@ fs::path MakeFolderWithAttributes() {
     throw std::runtime_error("no folder for temporary files keeps user attributes");
 }
 
-fs::path SharedFontCache() {
-    const fs::path path =
-        fs::temp_directory_path() / ("test-font-cache-" + std::to_string(getuid()));
-    std::error_code ignored;
-    fs::create_directory(path, ignored);
-    return path;
-}
-
 // Tests take permissions away; they are given back so that everything can be removed.
 void RemoveAll(const fs::path& folder) {
     std::error_code ignored;
@@ -66,7 +58,6 @@ TemporaryHome::TemporaryHome()
     // A session bus would be started for this home, and outlive it.
     Set("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     fs::permissions(Runtime(), fs::perms::owner_all);
-    fs::create_directory_symlink(SharedFontCache(), fPath / ".cache/fontconfig");
 }
 
 TemporaryHome::~TemporaryHome() {

@@ -9,9 +9,8 @@
 namespace test {
 
 // A fresh home folder on a disk that keeps user attributes: HOME and the XDG variables of this
-// process name places in it until the object goes, which also removes it. No desktop entry, no
-// setting and no session bus of the machine is seen from it. The font library's cache is shared by
-// all of them, so that a program's start is not slowed by building it anew.
+// process name places in it until the object goes, which also removes it. It hides the machine's
+// desktop entries, settings and session bus.
 class TemporaryHome {
 public:
     TemporaryHome();

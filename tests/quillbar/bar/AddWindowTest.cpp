@@ -21,8 +21,8 @@
 #include "quillbar/base/Settings.h"
 #include "tests/quillbar/RunningApplication.h"
 #include "tests/support/Bookmarks.h"
+#include "tests/support/Desk.h"
 #include "tests/support/RecordedApps.h"
-#include "tests/support/Screen.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Wait.h"
 
@@ -31,22 +31,11 @@ using test::WaitUntil;
 
 namespace {
 
-// Everything that there is once in a process.
-struct Session {
-    test::TemporaryHome home;
-    test::RecordedApps apps{home};
-    test::PrivateDesktop& desktop = test::PrivateDesktop::Shared();
-
-    Session() {
-        apps.InstallBrowser();
-        RunApplication();
-    }
-};
-
 class AddWindowTest : public testing::Test {
 protected:
     void SetUp() override {
         fs::remove_all(Root());
+        test::RecordedApps(RunApplication()).InstallBrowser();
         gSettings = new QBSettings(BPath("/boot/home/config/settings/Quillbar.settings"));
     }
     void TearDown() override {
@@ -56,10 +45,7 @@ protected:
         gSettings = nullptr;
     }
 
-    static fs::path Root() {
-        static auto* session = new Session;
-        return session->home.Config() / "Quillbar";
-    }
+    static fs::path Root() { return RunApplication().Config() / "Quillbar"; }
     static bool IsOpen() { return QBBookmarkWindow::Target().IsValid(); }
 
     void Show() {
@@ -213,11 +199,11 @@ TEST_F(AddWindowTest, AnAddressThatDoesNotFitIsReported) {
         window.PostMessage(kQBAddIt);
     });
     EXPECT_TRUE(WaitUntil([] { return !IsOpen(); }));
-    const test::Screen screen(test::PrivateDesktop::Shared());
-    ASSERT_TRUE(WaitUntil([&] { return screen.Shown("DIALOG").size() == 1; }));
+    const test::Desk& desk = test::Desk::Shared();
+    ASSERT_TRUE(WaitUntil([&] { return desk.Shown("DIALOG").size() == 1; }));
     EXPECT_FALSE(test::GetAttribute(Root() / "2 -" / "7 - Long", "META:url"));
-    screen.Close(screen.Shown("DIALOG")[0].id);
-    EXPECT_TRUE(WaitUntil([&] { return screen.Shown("DIALOG").empty(); }));
+    desk.Close(desk.Shown("DIALOG")[0].id);
+    EXPECT_TRUE(WaitUntil([&] { return desk.Shown("DIALOG").empty(); }));
 }
 
 // The bar tells the window of each change while the window comes and goes.

@@ -10,8 +10,7 @@
 #include "kits/interface/window/Window.h"
 #include "quillbar/bubbles/BubbleHelper.h"
 #include "tests/quillbar/RunningApplication.h"
-#include "tests/support/Robot.h"
-#include "tests/support/Screen.h"
+#include "tests/support/Desk.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Wait.h"
 
@@ -24,27 +23,14 @@ namespace {
 constexpr bigtime_t kQuickCycle = 5'000;
 constexpr auto kCycleTime = 5ms;
 
-// Everything that there is once in a process.
-struct Session {
-    test::TemporaryHome home;
-    test::PrivateDesktop& desktop = test::PrivateDesktop::Shared();
-
-    Session() { RunApplication(); }
-};
-
-test::PrivateDesktop& Desktop() {
-    static auto* session = new Session;
-    return session->desktop;
-}
-
 // Counts how often the bubble came and went: nothing is missed, however busy the machine is.
 class BubbleWatch {
 public:
-    explicit BubbleWatch(test::PrivateDesktop& desktop)
-        : fScreen(desktop)
-        , fConnection(xcb_connect(desktop.Name().c_str(), nullptr)) {
+    explicit BubbleWatch(test::Desk& desk)
+        : fDesk(desk)
+        , fConnection(xcb_connect(desk.Name().c_str(), nullptr)) {
         const uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-        xcb_change_window_attributes(fConnection, desktop.Root(), XCB_CW_EVENT_MASK, &events);
+        xcb_change_window_attributes(fConnection, desk.Root(), XCB_CW_EVENT_MASK, &events);
         free(xcb_get_input_focus_reply(fConnection, xcb_get_input_focus(fConnection), nullptr));
     }
     ~BubbleWatch() { xcb_disconnect(fConnection); }
@@ -65,13 +51,13 @@ private:
             const auto* change = reinterpret_cast<xcb_map_notify_event_t*>(event);
             const int type = event->response_type & 0x7f;
             if ((type == XCB_MAP_NOTIFY || type == XCB_UNMAP_NOTIFY) &&
-                fScreen.Describe(change->window).HasType("_NET_WM_WINDOW_TYPE_TOOLTIP"))
+                fDesk.Describe(change->window).HasType("_NET_WM_WINDOW_TYPE_TOOLTIP"))
                 (type == XCB_MAP_NOTIFY ? fComings : fGoings)++;
             free(event);
         }
     }
 
-    test::Screen fScreen;
+    test::Desk& fDesk;
     xcb_connection_t* fConnection;
     int fComings = 0;
     int fGoings = 0;
@@ -81,21 +67,19 @@ private:
 class BubbleHelperTest : public testing::Test {
 protected:
     BubbleHelperTest()
-        : robot(Desktop())
-        , screen(Desktop())
-        , window(new BWindow(BRect(400, 300, 599, 399), "Views", B_TITLED_WINDOW_LOOK,
+        : window(new BWindow(BRect(400, 300, 599, 399), "Views", B_TITLED_WINDOW_LOOK,
                              B_NORMAL_WINDOW_FEEL, 0))
         , parent(new BView(BRect(0, 0, 99, 99), "parent", B_FOLLOW_NONE, 0))
         , lower(new BView(BRect(10, 10, 49, 49), "lower", B_FOLLOW_NONE, 0))
         , upper(new BView(BRect(30, 10, 69, 49), "upper", B_FOLLOW_NONE, 0)) {
-        robot.MoveTo(1000, 800);
+        desk.MoveTo(1000, 800);
         parent->AddChild(lower);
         parent->AddChild(upper);
         window->AddChild(parent);
         window->Show();
         EXPECT_TRUE(WaitUntil([&] {
-            return screen.ActiveWindow() != XCB_NONE &&
-                   screen.Describe(screen.ActiveWindow()).title == "Views";
+            return desk.ActiveWindow() != XCB_NONE &&
+                   desk.Describe(desk.ActiveWindow()).title == "Views";
         }));
     }
     ~BubbleHelperTest() override {
@@ -104,7 +88,7 @@ protected:
     }
 
     std::vector<test::WindowInfo> Bubbles() const {
-        return screen.Windows([](const test::WindowInfo& info) {
+        return desk.Windows([](const test::WindowInfo& info) {
             return info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
         });
     }
@@ -140,7 +124,7 @@ protected:
     // From the pointer's coming to the bubble's going: seven cycles and the bubble's own.
     std::chrono::steady_clock::duration TimeAt(int x, int y) {
         const auto start = std::chrono::steady_clock::now();
-        robot.MoveTo(x, y);
+        desk.MoveTo(x, y);
         EXPECT_TRUE(Comes());
         EXPECT_TRUE(Goes());
         return std::chrono::steady_clock::now() - start;
@@ -151,9 +135,9 @@ protected:
         window->Unlock();
     }
 
-    test::Robot robot;
-    test::Screen screen;
-    BubbleWatch watch{Desktop()};
+    const test::TemporaryHome& home = RunApplication();
+    test::Desk& desk = test::Desk::Shared();
+    BubbleWatch watch{desk};
     int seen = 0;
     BWindow* window;
     BView* parent;
@@ -204,24 +188,24 @@ TEST_F(BubbleHelperTest, ComesWhereThePointerRestsAndGoesWhenItMovesOrPresses) {
     for (int line = 0; line < 20; line++)
         text += "one of the lines that make it stay for a long time\n";
     helper.SetHelp(parent, text.c_str());
-    robot.MoveTo(415, 315);
+    desk.MoveTo(415, 315);
     ASSERT_TRUE(Comes());
     EXPECT_EQ(Frame().x, 415);
     EXPECT_EQ(Frame().y, 335);
-    EXPECT_EQ(screen.Pixel(Frame().x, Frame().y), 0xf0f064u);
-    EXPECT_EQ(screen.Pixel(Frame().x - 1, Frame().y), 0u);
-    EXPECT_EQ(screen.Describe(screen.ActiveWindow()).title, "Views");
+    EXPECT_EQ(desk.Pixel(Frame().x, Frame().y), 0xf0f064u);
+    EXPECT_EQ(desk.Pixel(Frame().x - 1, Frame().y), 0u);
+    EXPECT_EQ(desk.Describe(desk.ActiveWindow()).title, "Views");
 
-    robot.MoveTo(416, 315);
+    desk.MoveTo(416, 315);
     EXPECT_TRUE(Goes());
     ASSERT_TRUE(Comes());
     EXPECT_TRUE(WaitUntil([&] { return Frame().x == 416; }));
-    robot.Press(2);
+    desk.Press(2);
     EXPECT_TRUE(Goes());
-    robot.Release(2);
+    desk.Release(2);
 
     helper.EnableHelp(false);
-    robot.MoveTo(417, 315);
+    desk.MoveTo(417, 315);
     EXPECT_TRUE(StaysAway());
     helper.EnableHelp(true);
     EXPECT_TRUE(Comes());
@@ -237,9 +221,9 @@ TEST_F(BubbleHelperTest, StaysAsLongAsItsTextAndComesOnceForAPlace) {
     EXPECT_TRUE(StaysAway());
     EXPECT_GE(TimeAt(435, 315), (7 + 161) * kCycleTime);
     helper.SetHelp(upper, nullptr);
-    robot.MoveTo(436, 315);
+    desk.MoveTo(436, 315);
     EXPECT_TRUE(StaysAway());
-    robot.MoveTo(415, 315);
+    desk.MoveTo(415, 315);
     EXPECT_TRUE(Comes());
 }
 
@@ -254,16 +238,16 @@ TEST_F(BubbleHelperTest, StandsInsideThePointersMonitor) {
     EXPECT_EQ(Displayed(helper, "some help", 10, 897 - 20 - h).y, 897 - 20 - h - h - 4);
     EXPECT_EQ(Displayed(helper, "some help", 1279, 899), (Box{1279 - w, 895 - h, w + 1, h + 1}));
 
-    Desktop().SetMonitors({{0, 0, 800, 900}, {800, 0, 480, 500}});
+    desk.SetMonitors({{0, 0, 800, 900}, {800, 0, 480, 500}});
     EXPECT_TRUE(WaitUntil([&] { return Displayed(helper, "some help", 790, 100).x == 799 - w; }));
     EXPECT_EQ(Displayed(helper, "some help", 1270, 495), (Box{1279 - w, 491 - h, w + 1, h + 1}));
     EXPECT_EQ(Displayed(helper, "some help", 10, 495).y, 515);
-    Desktop().SetMonitors({Desktop().Frame()});
+    desk.SetMonitors({desk.Frame()});
 }
 
 // At any moment: before the bubble's window is made, while it is, while a bubble is up.
 TEST_F(BubbleHelperTest, CanBeDestroyedHundredsOfTimesWithABubbleUp) {
-    robot.MoveTo(415, 315);
+    desk.MoveTo(415, 315);
     const auto countWindows = [] {
         int32 count = 0;
         while (be_app->WindowAt(count).IsTargetLocal())

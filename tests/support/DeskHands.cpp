@@ -1,0 +1,138 @@
+// The desk's pointer and keyboard.
+
+#include <X11/keysym.h>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+#include <xcb/xtest.h>
+
+#include "tests/support/Desk.h"
+
+namespace test {
+
+namespace {
+
+constexpr std::chrono::milliseconds kPauseOfHand(40);
+
+struct KeyPlace {
+    uint8_t code = 0;
+    int level = 0;
+};
+
+KeyPlace Find(xcb_connection_t* connection, uint32_t keysym) {
+    const xcb_setup_t* setup = xcb_get_setup(connection);
+    const int count = setup->max_keycode - setup->min_keycode + 1;
+    const auto map = Ask<xcb_get_keyboard_mapping, xcb_get_keyboard_mapping_reply>(
+        connection, setup->min_keycode, static_cast<uint8_t>(count));
+    const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(map.get());
+    const int perKey = map->keysyms_per_keycode;
+    for (int i = 0; i < count * perKey; ++i)
+        if (symbols[i] == keysym)
+            return {static_cast<uint8_t>(setup->min_keycode + i / perKey), i % perKey};
+    throw std::runtime_error("no key carries that symbol");
+}
+
+} // namespace
+
+void Desk::MoveTo(int x, int y) {
+    Fake(XCB_MOTION_NOTIFY, 0, x, y);
+}
+
+void Desk::Press(int button) {
+    fButtons.insert(static_cast<uint8_t>(button));
+    Fake(XCB_BUTTON_PRESS, static_cast<uint8_t>(button));
+}
+
+void Desk::Release(int button) {
+    fButtons.erase(static_cast<uint8_t>(button));
+    Fake(XCB_BUTTON_RELEASE, static_cast<uint8_t>(button));
+}
+
+void Desk::Click(int x, int y, int button) {
+    MoveTo(x, y);
+    Press(button);
+    Release(button);
+}
+
+void Desk::DoubleClick(int x, int y, int button) {
+    Click(x, y, button);
+    PressAgain(button);
+    Release(button);
+}
+
+void Desk::PressAgain(int button) {
+    std::this_thread::sleep_for(kPauseOfHand);
+    Press(button);
+}
+
+void Desk::Drag(int fromX, int fromY, int toX, int toY, int button, int steps) {
+    MoveTo(fromX, fromY);
+    Press(button);
+    for (int i = 1; i <= steps; ++i)
+        MoveTo(fromX + (toX - fromX) * i / steps, fromY + (toY - fromY) * i / steps);
+    Release(button);
+}
+
+void Desk::KeyDown(uint32_t keysym) {
+    const uint8_t code = Find(fConnection, keysym).code;
+    fKeys.insert(code);
+    Fake(XCB_KEY_PRESS, code);
+}
+
+void Desk::KeyUp(uint32_t keysym) {
+    const uint8_t code = Find(fConnection, keysym).code;
+    fKeys.erase(code);
+    Fake(XCB_KEY_RELEASE, code);
+}
+
+void Desk::Key(uint32_t keysym) {
+    KeyDown(keysym);
+    KeyUp(keysym);
+}
+
+void Desk::KeyWith(uint32_t modifier, uint32_t keysym) {
+    KeyDown(modifier);
+    Key(keysym);
+    KeyUp(modifier);
+}
+
+void Desk::Type(const std::string& text) {
+    for (const unsigned char character : text) {
+        if (Find(fConnection, character).level == 1)
+            KeyWith(XK_Shift_L, character);
+        else
+            Key(character);
+    }
+}
+
+void Desk::LetGo() {
+    for (const uint8_t key : std::exchange(fKeys, {}))
+        Fake(XCB_KEY_RELEASE, key);
+    for (const uint8_t button : std::exchange(fButtons, {}))
+        Fake(XCB_BUTTON_RELEASE, button);
+}
+
+void Desk::Fake(uint8_t type, uint8_t detail, int x, int y) {
+    xcb_test_fake_input(fConnection, type, detail, XCB_CURRENT_TIME, Root(),
+                        static_cast<int16_t>(x), static_cast<int16_t>(y), 0);
+    Sync();
+}
+
+bool Desk::IsInputFree() const {
+    return WaitUntil([this] {
+        const auto pointer = Ask<xcb_grab_pointer, xcb_grab_pointer_reply>(
+            fConnection, uint8_t{0}, Root(), uint16_t{0}, uint8_t{XCB_GRAB_MODE_ASYNC},
+            uint8_t{XCB_GRAB_MODE_ASYNC}, xcb_window_t{XCB_NONE}, xcb_cursor_t{XCB_NONE},
+            xcb_timestamp_t{XCB_CURRENT_TIME});
+        const auto keyboard = Ask<xcb_grab_keyboard, xcb_grab_keyboard_reply>(
+            fConnection, uint8_t{0}, Root(), xcb_timestamp_t{XCB_CURRENT_TIME},
+            uint8_t{XCB_GRAB_MODE_ASYNC}, uint8_t{XCB_GRAB_MODE_ASYNC});
+        xcb_ungrab_pointer(fConnection, XCB_CURRENT_TIME);
+        xcb_ungrab_keyboard(fConnection, XCB_CURRENT_TIME);
+        Sync();
+        return pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
+               keyboard->status == XCB_GRAB_STATUS_SUCCESS;
+    });
+}
+
+} // namespace test
