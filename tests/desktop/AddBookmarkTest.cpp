@@ -14,49 +14,19 @@ protected:
         AddBookmark(2, "1 - Site", "http://site.example/");
         fProgram.Start();
     }
-    // Waits until it has the keyboard; the name is what is typed first. (A click and what is typed
-    // after it may change places: the window manager holds the click for a moment.)
-    void WaitForWindow() {
-        ASSERT_TRUE(WaitUntil([&] {
-            const auto windows = fProgram.AddWindows();
-            if (windows.size() != 1 || !HasKeyboard(windows[0].id))
-                return false;
-            fPlace = windows[0].frame;
-            return true;
-        }));
-        fDesk.Settled(fPlace);
-    }
-    void OpenWindow() {
-        ActivateBar();
-        fDesk.Key(XK_minus);
-        WaitForWindow();
-    }
+    void WaitForWindow() { fPlace = WaitForAddWindow(); }
+    void OpenWindow() { fPlace = OpenAddWindow(); }
     bool WindowCloses() {
         return WaitUntil([&] { return fProgram.AddWindows().empty(); });
     }
     // In the window, in units.
     void ClickAt(int x, int y) { fDesk.Click(fPlace.x + x, fPlace.y + y); }
     void ClickBrowse(int digit) { ClickAt(10 + 44 + 20 * digit, 20 + 130 + 42); }
-    void Alt(uint32_t key) {
-        fDesk.KeyDown(XK_Alt_L);
-        fDesk.Key(key);
-        fDesk.KeyUp(XK_Alt_L);
-    }
-    // What is typed before a choice is shown would be replaced by it.
+    void Alt(uint32_t key) { fDesk.KeyWith(XK_Alt_L, key); }
     bool LocationChanges(const std::function<void()>& work) {
-        const Box box = {fPlace.x + 10, fPlace.y + 240, 310, 90};
-        const Picture before = fDesk.Settled(box);
-        work();
-        return WaitUntil([&] { return fDesk.Grab(box) != before; });
+        return LocationChangesIn(fPlace, work);
     }
-    void ChooseByKeys() {
-        EXPECT_TRUE(LocationChanges([&] { Alt(XK_2); }));
-        EXPECT_TRUE(LocationChanges([&] {
-            fDesk.KeyDown(XK_Shift_L);
-            Alt(XK_4);
-            fDesk.KeyUp(XK_Shift_L);
-        }));
-    }
+    void ChooseByKeys() { ChooseLocation(fPlace, 2, 4); }
     std::string Attribute(const std::string& name, const std::string& attribute) const {
         return GetAttribute(BookmarkPath(2, name), attribute).value_or("none");
     }

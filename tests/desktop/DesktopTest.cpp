@@ -101,6 +101,42 @@ void DesktopTest::DismissAlert() {
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Alerts().empty(); }));
 }
 
+Box DesktopTest::WaitForAddWindow() {
+    Box place;
+    EXPECT_TRUE(WaitUntil([&] {
+        const auto windows = fProgram.AddWindows();
+        if (windows.size() != 1 || !HasKeyboard(windows[0].id))
+            return false;
+        place = windows[0].frame;
+        return true;
+    }));
+    fDesk.Settled(place);
+    return place;
+}
+
+Box DesktopTest::OpenAddWindow() {
+    ActivateBar();
+    fDesk.Key(XK_minus);
+    return WaitForAddWindow();
+}
+
+bool DesktopTest::LocationChangesIn(const Box& window, const std::function<void()>& work) {
+    const Box box = {window.x + 10, window.y + 240, 310, 90};
+    const Picture before = fDesk.Settled(box);
+    work();
+    return WaitUntil([&] { return fDesk.Grab(box) != before; });
+}
+
+void DesktopTest::ChooseLocation(const Box& window, int folder, int slot) {
+    EXPECT_TRUE(LocationChangesIn(
+        window, [&] { fDesk.KeyWith(XK_Alt_L, XK_0 + static_cast<uint32_t>(folder)); }));
+    EXPECT_TRUE(LocationChangesIn(window, [&] {
+        fDesk.KeyDown(XK_Shift_L);
+        fDesk.KeyWith(XK_Alt_L, XK_0 + static_cast<uint32_t>(slot));
+        fDesk.KeyUp(XK_Shift_L);
+    }));
+}
+
 // The slots that are empty all look the same; slot 9 of the folder must be one of them.
 bool DesktopTest::SlotBecomes(int folder, int slot, bool filled) {
     return WaitUntil([&] {

@@ -38,6 +38,16 @@ protected:
     bool AlertOpens();
     void DismissAlert();
 
+    // The place of the Add Bookmark window, which is opened, or waited for, and has the keyboard;
+    // its name field is typed into first. (A click and a key after it may change places: the window
+    // manager holds the click for a moment.)
+    test::Box OpenAddWindow();
+    test::Box WaitForAddWindow();
+    // Whether `work` changes the location that the window shows: text that is typed before a choice
+    // is shown would be replaced by it.
+    bool LocationChangesIn(const test::Box& window, const std::function<void()>& work);
+    void ChooseLocation(const test::Box& window, int folder, int slot);
+
     // Opens and closes the folder's menu until its slot shows a bookmark, or shows none.
     bool SlotBecomes(int folder, int slot, bool filled);
     // What the browser was last started with.

@@ -42,9 +42,10 @@ void Program::WriteSettings(const BMessage& settings) const {
     std::ofstream(SettingsFile(), std::ios::binary) << text;
 }
 
-void Program::Launch(bool asOrdinaryUser) {
+void Program::Launch(bool asOrdinaryUser, const Variables& environment) {
     ChildProcess::Options options;
     options.arguments = {QUILLBAR_BINARY};
+    options.environment = environment;
     options.output = "/dev/null";
     options.errors = fHome.Path() / "errors";
     options.ordinaryUser = asOrdinaryUser;
@@ -56,8 +57,8 @@ void Program::Launch(bool asOrdinaryUser) {
     fProcess = std::make_unique<ChildProcess>(options);
 }
 
-void Program::Start() {
-    Launch();
+void Program::Start(const Variables& environment) {
+    Launch(false, environment);
     if (!WaitForBar())
         throw std::runtime_error("the bar did not come up: " + Errors());
 }

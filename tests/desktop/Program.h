@@ -21,8 +21,9 @@ public:
     void WriteSettings(const BMessage& settings) const;
 
     // Starts it; Start also waits until the bar stands painted on the screen.
-    void Launch(bool asOrdinaryUser = false);
-    void Start();
+    using Variables = std::map<std::string, std::string>;
+    void Launch(bool asOrdinaryUser = false, const Variables& environment = {});
+    void Start(const Variables& environment = {});
     bool WaitForBar();
     bool IsRunning();
     void Signal(int number) { fProcess->Signal(number); }

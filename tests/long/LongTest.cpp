@@ -1,0 +1,214 @@
+// What only many tries or much time show. TEST_SCALE makes all numbers and times smaller.
+
+#include <csignal>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <thread>
+
+#include "tests/desktop/DesktopTest.h"
+
+using namespace test;
+namespace fs = std::filesystem;
+
+namespace {
+
+int Scaled(int full) {
+    const char* scale = getenv("TEST_SCALE");
+    return std::max(1, static_cast<int>(full * (scale != nullptr ? std::stod(scale) : 1)));
+}
+
+class LongTest : public DesktopTest {
+protected:
+    // A value of the settings that only a whole file brings back.
+    static constexpr int32 kHotKey = 33;
+
+    void SetUp() override {
+        DesktopTest::SetUp();
+        BMessage settings;
+        settings.AddInt32("hotkey", kHotKey);
+        fProgram.WriteSettings(settings);
+        for (int slot = 1; slot <= 9; ++slot)
+            AddBookmark(2, std::to_string(slot) + " - Site", "http://site.example/");
+    }
+    int Random(int below) { return std::uniform_int_distribution(0, below - 1)(fRandom); }
+    void Rest(int milliseconds) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    }
+
+    std::mt19937 fRandom{std::random_device{}()};
+};
+
+TEST_F(LongTest, SigtermAtAnyMomentEndsItWithWholeSettings) {
+    for (int round = 0; round < Scaled(200); ++round) {
+        fProgram.Launch();
+        const bool isUp = round % 2 == 0 && fProgram.WaitForBar();
+        if (isUp)
+            ClickButton(2);
+        Rest(Random(isUp ? 30 : 150));
+        const int status = fProgram.Stop();
+        // Before it listens to signals it ends as any program does.
+        EXPECT_TRUE(status == 0 || (!isUp && status == 128 + SIGTERM)) << status;
+        EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), kHotKey) << "round " << round;
+    }
+}
+
+TEST_F(LongTest, OfFiftyStartsAtOnceOneStays) {
+    for (int round = 0; round < Scaled(10); ++round) {
+        std::vector<std::unique_ptr<ChildProcess>> all;
+        for (int i = 0; i < 50; ++i)
+            all.push_back(
+                std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {QUILLBAR_BINARY},
+                                                                     .environment = {},
+                                                                     .output = "/dev/null",
+                                                                     .errors = "/dev/null"}));
+        const auto running = [&] {
+            return std::count_if(all.begin(), all.end(),
+                                 [](auto& one) { return one->IsRunning(); });
+        };
+        EXPECT_TRUE(WaitUntil([&] { return running() == 1; }, std::chrono::seconds(60)));
+        Rest(500);
+        EXPECT_EQ(running(), 1);
+        EXPECT_EQ(fDesk.Shown("UTILITY").size(), 1u);
+        for (auto& one : all) {
+            one->Signal(SIGTERM);
+            EXPECT_EQ(one->Wait(), 0);
+        }
+    }
+}
+
+// Each call of a save fails, or is the last one: what was saved before is never lost.
+class FaultTest : public LongTest, public testing::WithParamInterface<bool> {
+protected:
+    bool Kills() const { return GetParam(); }
+    fs::path Log() const { return fHome.Path() / "faults"; }
+
+    // Starts the program whose call number `call` on such a path meets a fault once armed.
+    void StartWithFault(const std::string& path, int call) {
+        fs::remove(Log());
+        std::map<std::string, std::string> variables = {{"LD_PRELOAD", FAULTY_CALLS},
+                                                        {"FAULT_PATH", path},
+                                                        {"FAULT_LOG", Log()},
+                                                        {"FAULT_AT", std::to_string(call)}};
+        if (Kills())
+            variables["FAULT_KILLS"] = "1";
+        fProgram.Start(variables);
+    }
+    void Arm() const { std::ofstream(Log()).flush(); }
+    // Whether the fault came; the save is over then, or the program dead.
+    bool FaultCame(int call) const { return fs::file_size(Log()) >= static_cast<size_t>(call); }
+};
+
+TEST_P(FaultTest, SettingsAreTheOldOrTheNewOnes) {
+    int call = 1;
+    for (bool came = true; came && call < Scaled(100); ++call) {
+        StartWithFault("Quillbar.settings", call);
+        ActivateBar();
+        ChooseSetting(setting::kAlwaysOnTop);
+        Arm();
+        const int status = fProgram.Stop();
+        came = FaultCame(call);
+        EXPECT_EQ(status, Kills() && came ? 128 + SIGKILL : 0) << "call " << call;
+        EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), kHotKey) << "call " << call;
+    }
+    EXPECT_GT(call, 5) << "no save was seen";
+}
+
+TEST_P(FaultTest, ABookmarkIsTheOldOrTheNewOne) {
+    const auto urlOf = [&](const std::string& name) {
+        return GetAttribute(BookmarkPath(2, name), "META:url").value_or("").c_str() + std::string();
+    };
+    int call = 1;
+    for (bool came = true; came && call < Scaled(100); ++call) {
+        fs::remove_all(BookmarkPath(2, "").parent_path());
+        AddBookmark(2, "4 - Old", "http://old.example/");
+        StartWithFault(" - Folder/", call);
+        ChooseLocation(OpenAddWindow(), 2, 4);
+        Arm();
+        fDesk.Key(XK_End);
+        fDesk.Type("er");
+        fDesk.Key(XK_Return);
+        EXPECT_TRUE(WaitUntil([&] {
+            return !fProgram.IsRunning() || !fProgram.Alerts().empty() ||
+                   (fProgram.AddWindows().empty() && urlOf("4 - Older") != "");
+        })) << "call "
+            << call;
+        came = FaultCame(call);
+        const bool isOld = urlOf("4 - Old") == "http://old.example/";
+        const bool isNew = urlOf("4 - Older") == "http://old.example/";
+        EXPECT_TRUE(isOld || isNew) << "call " << call;
+        if (fProgram.IsRunning() && !fProgram.Alerts().empty())
+            DismissAlert();
+        if (fProgram.IsRunning()) {
+            EXPECT_EQ(fProgram.Stop(), 0);
+        }
+        // Nothing of it is in the way of the next start.
+        fProgram.Start();
+        EXPECT_EQ(fProgram.Stop(), 0);
+    }
+    EXPECT_GT(call, 5) << "no save was seen";
+}
+
+INSTANTIATE_TEST_SUITE_P(Error, FaultTest, testing::Values(false));
+INSTANTIATE_TEST_SUITE_P(Kill, FaultTest, testing::Values(true));
+
+// Memory of its own in kB, descriptors and watches of a process.
+struct Held {
+    long memory = 0, descriptors = 0, watches = 0;
+};
+
+Held HeldBy(pid_t pid) {
+    Held held;
+    const fs::path process = "/proc/" + std::to_string(pid);
+    std::ifstream maps(process / "smaps_rollup");
+    for (std::string word; maps >> word;)
+        if (word == "Private_Dirty:")
+            maps >> held.memory;
+    for (const auto& entry : fs::directory_iterator(process / "fdinfo")) {
+        held.descriptors++;
+        std::ifstream file(entry.path());
+        for (std::string line; std::getline(file, line);)
+            held.watches += line.starts_with("inotify ");
+    }
+    return held;
+}
+
+TEST_F(LongTest, AnHourOfChangesLeavesNothingBehind) {
+    fProgram.Start();
+    const auto change = [&](int i) {
+        const fs::path one = BookmarkPath(2, "1 - Site"), other = BookmarkPath(5, "3 - Moved");
+        switch (i % 4) {
+        case 0:
+            SetUrl(one, "http://site.example/" + std::to_string(i));
+            break;
+        case 1:
+            fs::create_directories(other.parent_path());
+            fs::rename(one, other);
+            break;
+        case 2:
+            fs::rename(other, one);
+            break;
+        default:
+            OpenFolder(2);
+            CloseMenus();
+        }
+        Rest(1000);
+    };
+    const int seconds = Scaled(3600) / 4 * 4;
+    for (int i = 0; i < 40; ++i)
+        change(i);
+    const Held before = HeldBy(fProgram.Pid());
+    for (int i = 0; i < seconds; ++i)
+        change(i);
+    const Held after = HeldBy(fProgram.Pid());
+    std::cout << seconds << " changes: " << before.memory << " -> " << after.memory << " kB, "
+              << before.descriptors << " -> " << after.descriptors << " descriptors, "
+              << before.watches << " -> " << after.watches << " watches\n";
+    EXPECT_EQ(after.descriptors, before.descriptors);
+    EXPECT_EQ(after.watches, before.watches);
+    EXPECT_LT(after.memory, before.memory + 128);
+    ChooseSlot(2, 9);
+    EXPECT_EQ(LastUrl(1), "http://site.example/");
+}
+
+} // namespace
