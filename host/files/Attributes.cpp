@@ -78,11 +78,6 @@ status_t WriteAttribute(int descriptor, const std::string& name, const std::stri
     return result == 0 ? B_OK : AttributeStatus(errno);
 }
 
-status_t RemoveAttribute(int descriptor, const std::string& name) {
-    int result = removexattr(PathOf(descriptor).c_str(), (kPrefix + name).c_str());
-    return result == 0 ? B_OK : AttributeStatus(errno);
-}
-
 status_t ListAttributes(int descriptor, std::vector<std::string>& names) {
     std::string path = PathOf(descriptor);
     std::string list;

@@ -45,8 +45,4 @@ status_t DirectoryScan::Next(Entry& entry) {
     }
 }
 
-void DirectoryScan::Rewind() {
-    rewinddir(fStream.get());
-}
-
 } // namespace host

@@ -25,7 +25,6 @@ public:
 
     // B_ENTRY_NOT_FOUND at the end.
     status_t Next(Entry& entry);
-    void Rewind();
 
     // The open directory.
     int Get() const { return dirfd(fStream.get()); }

@@ -5,40 +5,20 @@
 #include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
 #include "kits/storage/Entry.h"
-#include "kits/storage/File.h"
 #include "kits/storage/Path.h"
 
-BDirectory::BDirectory() = default;
 BDirectory::~BDirectory() = default;
 
 BDirectory::BDirectory(const char* path) {
     SetTo(path);
 }
 
-BDirectory::BDirectory(const entry_ref* ref) {
-    SetTo(ref);
-}
-
 BDirectory::BDirectory(const BEntry* entry) {
     SetTo(entry);
 }
 
-BDirectory::BDirectory(const BDirectory* directory, const char* path) {
-    SetTo(directory, path);
-}
-
 status_t BDirectory::SetTo(const char* path) {
     BEntry entry(path);
-    return SetTo(&entry);
-}
-
-status_t BDirectory::SetTo(const entry_ref* ref) {
-    BEntry entry(ref);
-    return SetTo(&entry);
-}
-
-status_t BDirectory::SetTo(const BDirectory* directory, const char* path) {
-    BEntry entry(directory, path);
     return SetTo(&entry);
 }
 
@@ -74,12 +54,6 @@ void BDirectory::Unset() {
     BNode::Unset();
 }
 
-status_t BDirectory::GetEntry(BEntry* entry) const {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    return entry ? entry->SetToHostPath(fHostPath, false) : B_BAD_VALUE;
-}
-
 status_t BDirectory::GetNextEntry(BEntry* entry, bool traverse) {
     if (!entry)
         return B_BAD_VALUE;
@@ -100,36 +74,6 @@ status_t BDirectory::GetNextEntry(BEntry* entry, bool traverse) {
     entry->fKind = next.kind;
     entry->fStatus = B_OK;
     return B_OK;
-}
-
-status_t BDirectory::Rewind() {
-    if (InitCheck() == B_OK)
-        fScan->Rewind();
-    return InitCheck();
-}
-
-bool BDirectory::Contains(const char* path) const {
-    return BEntry(this, path).Exists();
-}
-
-status_t BDirectory::CreateDirectory(const char* path, BDirectory* directory) {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    BEntry entry(this, path);
-    status_t status = entry.InitCheck();
-    if (status == B_OK)
-        status = host::CreateDirectory(entry.fHostPath, 0777);
-    return status == B_OK && directory ? directory->SetTo(&entry) : status;
-}
-
-status_t BDirectory::CreateFile(const char* path, BFile* file, bool failIfExists) {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    uint32 onExisting = failIfExists ? B_FAIL_IF_EXISTS : B_ERASE_FILE;
-    BFile created(this, path, B_READ_WRITE | B_CREATE_FILE | onExisting);
-    if (created.InitCheck() != B_OK || !file)
-        return created.InitCheck();
-    return file->SetTo(this, path, B_READ_WRITE);
 }
 
 std::string BDirectory::HostPathOf(const char* path) const {

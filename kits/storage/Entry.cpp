@@ -1,13 +1,11 @@
 #include "kits/storage/Entry.h"
 
-#include <cstring>
-
+#include "host/files/Attributes.h"
 #include "host/files/Files.h"
 #include "host/files/KnownPaths.h"
 #include "host/files/Paths.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Path.h"
-#include "kits/storage/Volume.h"
 
 BEntry::BEntry(const char* path, bool traverse) {
     SetTo(path, traverse);
@@ -107,18 +105,6 @@ status_t BEntry::GetPath(BPath* path) const {
     return path ? path->SetTo(host::PlatformPath(fHostPath).c_str()) : B_BAD_VALUE;
 }
 
-status_t BEntry::GetName(char* buffer) const {
-    if (fStatus != B_OK)
-        return fStatus;
-    std::string name = host::LeafOf(fHostPath);
-    if (!buffer)
-        return B_BAD_VALUE;
-    if (name.size() >= B_FILE_NAME_LENGTH)
-        return B_NAME_TOO_LONG;
-    memcpy(buffer, name.c_str(), name.size() + 1);
-    return B_OK;
-}
-
 status_t BEntry::GetRef(entry_ref* ref) const {
     if (fStatus != B_OK)
         return fStatus;
@@ -146,24 +132,6 @@ status_t BEntry::GetNodeRef(node_ref* ref) const {
     return B_OK;
 }
 
-status_t BEntry::GetParent(BEntry* parent) const {
-    if (fStatus != B_OK)
-        return fStatus;
-    if (!parent)
-        return B_BAD_VALUE;
-    std::string directory = host::ParentPath(fHostPath);
-    return directory.empty() ? B_ENTRY_NOT_FOUND : parent->SetToHostPath(directory, false);
-}
-
-status_t BEntry::GetParent(BDirectory* parent) const {
-    if (fStatus != B_OK)
-        return fStatus;
-    if (!parent)
-        return B_BAD_VALUE;
-    std::string directory = host::ParentPath(fHostPath);
-    return directory.empty() ? B_ENTRY_NOT_FOUND : parent->SetToHostPath(directory);
-}
-
 status_t BEntry::GetVolume(BVolume* volume) const {
     if (fStatus != B_OK)
         return fStatus;
@@ -172,7 +140,6 @@ status_t BEntry::GetVolume(BVolume* volume) const {
     if (status != B_OK)
         return status;
     volume->fHostPath = fHostPath;
-    volume->fDevice = there.ref.device;
     return volume->fStatus = B_OK;
 }
 
@@ -199,6 +166,10 @@ status_t BEntry::Rename(const char* path, bool clobber) {
 
 status_t BEntry::Remove() {
     return fStatus == B_OK ? host::Remove(fHostPath) : fStatus;
+}
+
+bool BVolume::KnowsAttr() const {
+    return fStatus == B_OK && host::KeepsAttributes(fHostPath);
 }
 
 status_t get_ref_for_path(const char* path, entry_ref* ref) {

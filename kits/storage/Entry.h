@@ -45,15 +45,11 @@ public:
     bool IsSymLink() const;
 
     status_t GetPath(BPath* path) const;
-    // Copies the name, which is less than B_FILE_NAME_LENGTH bytes with its NUL.
-    status_t GetName(char* buffer) const;
     // Names the entry by the node of its directory, which must exist.
     status_t GetRef(entry_ref* ref) const;
     // Names the node that is there, a link itself if it is one. B_ENTRY_NOT_FOUND if nothing is.
     status_t GetNodeRef(node_ref* ref) const;
-    // The directory that the entry is in; B_ENTRY_NOT_FOUND for "/".
-    status_t GetParent(BEntry* parent) const;
-    status_t GetParent(BDirectory* parent) const;
+    // The disk that the node that is there, or that a link there leads to, is on.
     status_t GetVolume(BVolume* volume) const;
 
     // Moves what is there to `path` (relative: in the same directory); the object then stands for
@@ -74,6 +70,23 @@ private:
     status_t fStatus = B_NO_INIT;
     // What the directory said is there; only set by a scan.
     mutable std::optional<host::NodeKind> fKind;
+};
+
+// A mounted disk, as seen from one entry on it: BEntry::GetVolume sets it. A value.
+class BVolume {
+public:
+    BVolume() = default;
+
+    // Whether files there can have attributes. It is learned by asking the entry for an attribute
+    // that it does not have: a disk without attributes answers differently from one with them, and
+    // nothing is written.
+    bool KnowsAttr() const;
+
+private:
+    friend class BEntry;
+
+    std::string fHostPath;
+    status_t fStatus = B_NO_INIT;
 };
 
 // Names the entry at `path`, which need not exist; its directory must.

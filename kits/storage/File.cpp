@@ -51,25 +51,12 @@ BFile::BFile(const char* path, uint32 openMode) {
     SetTo(path, openMode);
 }
 
-BFile::BFile(const entry_ref* ref, uint32 openMode) {
-    SetTo(ref, openMode);
-}
-
-BFile::BFile(const BEntry* entry, uint32 openMode) {
-    SetTo(entry, openMode);
-}
-
 BFile::BFile(const BDirectory* directory, const char* leaf, uint32 openMode) {
     SetTo(directory, leaf, openMode);
 }
 
 status_t BFile::SetTo(const char* path, uint32 openMode) {
     BEntry entry(path);
-    return SetTo(&entry, openMode);
-}
-
-status_t BFile::SetTo(const entry_ref* ref, uint32 openMode) {
-    BEntry entry(ref);
     return SetTo(&entry, openMode);
 }
 
@@ -101,43 +88,6 @@ ssize_t BFile::Write(const void* buffer, size_t size) {
     return Move(size, [&](size_t done, size_t left) {
         return write(fDescriptor.Get(), static_cast<const char*>(buffer) + done, left);
     });
-}
-
-ssize_t BFile::ReadAt(off_t position, void* buffer, size_t size) {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    return Move(size, [&](size_t done, size_t left) {
-        return pread(fDescriptor.Get(), static_cast<char*>(buffer) + done, left,
-                     position + off_t(done));
-    });
-}
-
-ssize_t BFile::WriteAt(off_t position, const void* buffer, size_t size) {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    return Move(size, [&](size_t done, size_t left) {
-        return pwrite(fDescriptor.Get(), static_cast<const char*>(buffer) + done, left,
-                      position + off_t(done));
-    });
-}
-
-off_t BFile::Seek(off_t position, uint32 mode) {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    off_t result = lseek(fDescriptor.Get(), position, int(mode));
-    return result >= 0 ? result : StatusFromErrno(errno);
-}
-
-off_t BFile::Position() const {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    return lseek(fDescriptor.Get(), 0, SEEK_CUR);
-}
-
-status_t BFile::SetSize(off_t size) {
-    if (InitCheck() != B_OK)
-        return InitCheck();
-    return ftruncate(fDescriptor.Get(), size) == 0 ? B_OK : StatusFromErrno(errno);
 }
 
 status_t BFile::GetSize(off_t* size) const {

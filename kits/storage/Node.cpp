@@ -2,40 +2,25 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "host/files/Attributes.h"
 #include "host/files/Files.h"
 #include "host/files/NodeStatus.h"
+#include "host/files/Paths.h"
 #include "kits/storage/Entry.h"
+#include "kits/storage/Path.h"
 
 BNode::BNode(const char* path) {
     SetTo(path);
-}
-
-BNode::BNode(const entry_ref* ref) {
-    SetTo(ref);
 }
 
 BNode::BNode(const BEntry* entry) {
     SetTo(entry);
 }
 
-BNode::BNode(const BDirectory* directory, const char* leaf) {
-    SetTo(directory, leaf);
-}
-
 status_t BNode::SetTo(const char* path) {
     BEntry entry(path);
-    return SetTo(&entry);
-}
-
-status_t BNode::SetTo(const entry_ref* ref) {
-    BEntry entry(ref);
-    return SetTo(&entry);
-}
-
-status_t BNode::SetTo(const BDirectory* directory, const char* leaf) {
-    BEntry entry(directory, leaf);
     return SetTo(&entry);
 }
 
@@ -59,16 +44,6 @@ status_t BNode::SetToDescriptor(host::Descriptor descriptor) {
 status_t BNode::Fail(status_t status) {
     fDescriptor = host::Descriptor();
     return fStatus = status;
-}
-
-status_t BNode::GetNodeRef(node_ref* ref) const {
-    if (fStatus != B_OK)
-        return fStatus;
-    host::NodeStatus there;
-    status_t status = ref ? host::Stat(fDescriptor.Get(), "", there) : B_BAD_VALUE;
-    if (status == B_OK)
-        *ref = there.ref;
-    return status;
 }
 
 ssize_t BNode::ReadAttr(const char* name, type_code, off_t offset, void* buffer,
@@ -96,12 +71,6 @@ ssize_t BNode::WriteAttr(const char* name, type_code, off_t offset, const void* 
     std::string value(static_cast<const char*>(buffer), length);
     status_t status = host::WriteAttribute(fDescriptor.Get(), name, value);
     return status == B_OK ? ssize_t(length) : status;
-}
-
-status_t BNode::RemoveAttr(const char* name) {
-    if (fStatus != B_OK)
-        return fStatus;
-    return name ? host::RemoveAttribute(fDescriptor.Get(), name) : B_BAD_VALUE;
 }
 
 status_t BNode::GetAttrInfo(const char* name, attr_info* info) const {
@@ -133,4 +102,47 @@ status_t BNode::SetPermissions(mode_t permissions) {
 
 status_t BNode::Sync() {
     return fStatus == B_OK ? host::SyncNode(fDescriptor.Get()) : fStatus;
+}
+
+BNodeInfo::BNodeInfo(BNode* node)
+    : fNode(node && node->InitCheck() == B_OK ? node : nullptr) {}
+
+status_t BNodeInfo::GetType(char* type) const {
+    if (!fNode)
+        return B_NO_INIT;
+    if (!type)
+        return B_BAD_VALUE;
+    char value[B_MIME_TYPE_LENGTH];
+    ssize_t size = fNode->ReadAttr(host::kTypeAttribute, B_MIME_TYPE, 0, value, sizeof(value));
+    if (size < 0)
+        return status_t(size);
+    size_t length = strnlen(value, size_t(size));
+    if (length == 0 || length == sizeof(value))
+        return B_BAD_DATA;
+    memcpy(type, value, length);
+    type[length] = '\0';
+    return B_OK;
+}
+
+status_t BNodeInfo::SetType(const char* type) {
+    if (!fNode)
+        return B_NO_INIT;
+    size_t length = type ? strlen(type) : 0;
+    if (length == 0 || length >= B_MIME_TYPE_LENGTH)
+        return B_BAD_VALUE;
+    // Other programs read the whole value as the type: it is kept without a NUL.
+    ssize_t size = fNode->WriteAttr(host::kTypeAttribute, B_MIME_TYPE, 0, type, length);
+    return size < 0 ? status_t(size) : B_OK;
+}
+
+status_t BSymLink::MakeLinkedPath(const char* directoryPath, BPath* path) const {
+    if (InitCheck() != B_OK)
+        return InitCheck();
+    std::string target;
+    const status_t status = host::ReadLink(fDescriptor.Get(), target);
+    if (status != B_OK)
+        return status;
+    if (target.starts_with('/'))
+        return path->SetTo(host::PlatformPath(target).c_str());
+    return path->SetTo(directoryPath, target.c_str());
 }

@@ -2,15 +2,14 @@
 
 #include <sys/types.h>
 
-#include "base/EntryRef.h"
 #include "base/TypeConstants.h"
 #include "host/loop/Descriptor.h"
 #include "kits/storage/StorageDefs.h"
 
-class BDirectory;
 class BEntry;
+class BPath;
 
-// What GetAttrInfo tells of an attribute. The disk keeps no types: `type` is always B_STRING_TYPE.
+// The type and size of an attribute. The disk keeps no types: `type` is always B_STRING_TYPE.
 struct attr_info {
     type_code type = B_STRING_TYPE;
     off_t size = 0;
@@ -20,15 +19,12 @@ struct attr_info {
 // attributes of the "user." name space, byte for byte: "META:url" is "user.META:url".
 //
 // The node is held without being opened for reading or writing, so a FIFO does not block and
-// nothing is asked of the file's permissions but by the operations. Not copyable; one thread at a
-// time.
+// only the operations need permissions. Not copyable; one thread at a time.
 class BNode {
 public:
     BNode() = default;
     explicit BNode(const char* path);
-    explicit BNode(const entry_ref* ref);
     explicit BNode(const BEntry* entry);
-    BNode(const BDirectory* directory, const char* leaf);
     virtual ~BNode() = default;
 
     // B_OK when a node is held, B_NO_INIT when none is, or what went wrong in the last SetTo.
@@ -36,12 +32,8 @@ public:
 
     // Holds the node that is there now; a symbolic link itself, not where it leads.
     status_t SetTo(const char* path);
-    status_t SetTo(const entry_ref* ref);
     status_t SetTo(const BEntry* entry);
-    status_t SetTo(const BDirectory* directory, const char* leaf);
     void Unset();
-
-    status_t GetNodeRef(node_ref* ref) const;
 
     // Copies at most `length` bytes of the attribute's value from byte `offset` on and returns how
     // many; 0 behind the end or for an empty value. Any `type` reads any attribute.
@@ -54,7 +46,6 @@ public:
     // file are more than its disk can keep, which on common disks is about 4,000 bytes together.
     ssize_t WriteAttr(const char* name, type_code type, off_t offset, const void* buffer,
                       size_t length);
-    status_t RemoveAttr(const char* name);
     status_t GetAttrInfo(const char* name, attr_info* info) const;
 
     // The permission bits, as chmod() takes them.
@@ -75,4 +66,33 @@ protected:
 
 private:
     status_t fStatus = B_NO_INIT;
+};
+
+// The MIME type of a node, kept in the attribute "mime_type" that desktops share.
+// The node stays the caller's and must outlive this object; same thread rule as the node.
+class BNodeInfo {
+public:
+    explicit BNodeInfo(BNode* node);
+
+    // B_NO_INIT without a node that is set; the others then fail with it.
+    status_t InitCheck() const { return fNode ? B_OK : B_NO_INIT; }
+
+    // Copies the type, at most B_MIME_TYPE_LENGTH bytes with its NUL, whether or not it is kept
+    // with one. B_ENTRY_NOT_FOUND if the node has none, B_BAD_DATA if it is empty or too long.
+    status_t GetType(char* type) const;
+    // Keeps `type`; B_BAD_VALUE if it is empty or too long.
+    status_t SetType(const char* type);
+
+private:
+    BNode* fNode = nullptr;
+};
+
+// A symbolic link. The same rules as for a node.
+class BSymLink : public BNode {
+public:
+    using BNode::BNode;
+
+    // Makes `path` the place that the link leads to, seen from the directory that it is in; nothing
+    // need be there. B_BAD_VALUE if the node is no link.
+    status_t MakeLinkedPath(const char* directoryPath, BPath* path) const;
 };

@@ -118,16 +118,7 @@ const char* watch_limit_file(status_t status) {
     return host::WatchLimitFile(status);
 }
 
-status_t watch_node(const node_ref* node, uint32 flags, const BHandler* handler,
-                    const BLooper* looper) {
-    return watch_node(node, flags, BMessenger(handler, looper));
-}
-
 status_t stop_watching(BMessenger target) {
     auto listener = SharedListeners().Find(target);
     return listener ? host::NodeMonitor::Shared().StopAll(listener) : B_BAD_VALUE;
-}
-
-status_t stop_watching(const BHandler* handler, const BLooper* looper) {
-    return stop_watching(BMessenger(handler, looper));
 }

@@ -3,9 +3,6 @@
 #include "base/EntryRef.h"
 #include "kits/app/Messenger.h"
 
-class BHandler;
-class BLooper;
-
 // The changes of a node that a watch asks for; 0 ends the watch.
 enum : uint32 {
     B_STOP_WATCHING = 0x0000,
@@ -52,8 +49,6 @@ enum : int32 {
 // that was not watched before, and a later call succeeds when other watches have ended. Any thread;
 // does not wait for the target's lock.
 status_t watch_node(const node_ref* node, uint32 flags, BMessenger target);
-status_t watch_node(const node_ref* node, uint32 flags, const BHandler* handler,
-                    const BLooper* looper = nullptr);
 
 // The file that holds the limit of the system that made watch_node fail with `status`, to be shown
 // to a person; null if no limit did. Never freed. Any thread.
@@ -61,4 +56,3 @@ const char* watch_limit_file(status_t status);
 
 // Ends all watches of the target. Any thread.
 status_t stop_watching(BMessenger target);
-status_t stop_watching(const BHandler* handler, const BLooper* looper = nullptr);

@@ -17,15 +17,15 @@ std::string WorkingDirectory() {
 
 } // namespace
 
-BPath::BPath(const char* path, const char* leaf, bool normalize) {
-    SetTo(path, leaf, normalize);
+BPath::BPath(const char* path, const char* leaf) {
+    SetTo(path, leaf);
 }
 
 BPath::BPath(const BEntry* entry) {
     SetTo(entry);
 }
 
-status_t BPath::SetTo(const char* path, const char* leaf, bool normalize) {
+status_t BPath::SetTo(const char* path, const char* leaf) {
     std::string text = path ? path : "";
     std::string end = leaf ? leaf : "";
     if (text.empty() || end.starts_with('/')) {
@@ -36,7 +36,7 @@ status_t BPath::SetTo(const char* path, const char* leaf, bool normalize) {
         text = WorkingDirectory() + "/" + text;
     if (!end.empty())
         text += "/" + end;
-    return SetToText(std::move(text), normalize);
+    return SetToText(std::move(text));
 }
 
 status_t BPath::SetTo(const BEntry* entry) {
@@ -52,12 +52,12 @@ void BPath::Unset() {
     fStatus = B_NO_INIT;
 }
 
-status_t BPath::Append(const char* path, bool normalize) {
+status_t BPath::Append(const char* path) {
     if (fStatus != B_OK)
         return fStatus;
     if (!path || path[0] == '/')
         return B_BAD_VALUE;
-    return SetToText(fPath + "/" + path, normalize);
+    return SetToText(fPath + "/" + path);
 }
 
 std::string BPath::SystemPath() const {
@@ -77,13 +77,9 @@ status_t BPath::GetParent(BPath* parent) const {
     return path.empty() ? B_ENTRY_NOT_FOUND : parent->SetTo(path.c_str());
 }
 
-bool BPath::operator==(const BPath& other) const {
-    return fPath == other.fPath;
-}
-
-status_t BPath::SetToText(std::string text, bool normalize) {
+status_t BPath::SetToText(std::string text) {
     std::string plain = host::PlainPath(text);
-    if (normalize || host::HasParentComponent(plain)) {
+    if (host::HasParentComponent(plain)) {
         std::string hostPath = host::HostPath(plain);
         std::string leaf = host::LeafOf(hostPath);
         // A leaf that is ".." is itself part of the directory.

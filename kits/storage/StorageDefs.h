@@ -14,9 +14,8 @@ enum : uint32 {
     B_OPEN_AT_END = 0x0800,    // every write appends
 };
 
-// The size of a buffer that holds any file name, or any attribute name, with its NUL.
+// The size of a buffer that holds any file name, with its NUL.
 inline constexpr int32 B_FILE_NAME_LENGTH = 256;
-inline constexpr int32 B_ATTR_NAME_LENGTH = 255;
 
 // The size of a buffer that holds any MIME type that BNodeInfo hands out, with its NUL.
 inline constexpr int32 B_MIME_TYPE_LENGTH = 240;

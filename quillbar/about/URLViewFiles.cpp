@@ -4,7 +4,7 @@
 #include "kits/app/Message.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"
-#include "kits/storage/NodeInfo.h"
+#include "kits/storage/Node.h"
 #include "kits/storage/Path.h"
 #include "quillbar/about/URLView.h"
 

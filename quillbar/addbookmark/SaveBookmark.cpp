@@ -3,7 +3,6 @@
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"
 #include "kits/storage/Node.h"
-#include "kits/storage/NodeInfo.h"
 #include "kits/storage/Path.h"
 #include "quillbar/base/Trace.h"
 #include "quillbar/store/StoreNames.h"

@@ -5,8 +5,8 @@
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"
+#include "kits/storage/Node.h"
 #include "kits/storage/Path.h"
-#include "kits/storage/SymLink.h"
 #include "kits/support/String.h"
 
 namespace {

@@ -5,7 +5,6 @@
 #include "kits/storage/Entry.h"
 #include "kits/storage/NodeMonitor.h"
 #include "kits/storage/Path.h"
-#include "kits/storage/Volume.h"
 #include "quillbar/base/Trace.h"
 #include "quillbar/store/Alerts.h"
 #include "quillbar/store/EndProgram.h"

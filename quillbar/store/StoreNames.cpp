@@ -5,7 +5,6 @@
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
-#include "kits/storage/NodeInfo.h"
 #include "kits/storage/Path.h"
 #include "quillbar/store/Walk.h"
 

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
@@ -13,22 +12,20 @@
 #include "host/loop/ServiceLoop.h"
 #include "tests/support/Wait.h"
 
-namespace fs = std::filesystem;
-
 namespace test {
 
-bool Recorder::NodeChanged(const host::NodeChange& change) {
+bool EventLog::NodeChanged(const host::NodeChange& change) {
     std::lock_guard lock(fMutex);
     fChanges.push_back(change);
     return true;
 }
 
-std::vector<host::NodeChange> Recorder::Changes() const {
+std::vector<host::NodeChange> EventLog::Changes() const {
     std::lock_guard lock(fMutex);
     return fChanges;
 }
 
-void Recorder::Clear() {
+void EventLog::Clear() {
     std::lock_guard lock(fMutex);
     fChanges.clear();
 }
@@ -36,13 +33,17 @@ void Recorder::Clear() {
 MonitorTest::MonitorTest() {
     for (const char* name : {"a", "b", "away", "flush"})
         MakeFolder(name);
-    Watch("flush", host::kWatchEntries);
+    for (const char* name : {"a/one", "a/two", "b/three", "away/stranger"})
+        MakeFile(name);
+    for (const char* name : {"flush", "a", "b"})
+        Watch(name, kFolder);
+    for (const char* name : {"a/one", "a/two", "b/three"})
+        Watch(name, kFile);
     fFlushFolder = Know("flush");
-    Watch("a", kFolder);
 }
 
 MonitorTest::~MonitorTest() {
-    host::NodeMonitor::Shared().StopAll(fRecorder);
+    host::NodeMonitor::Shared().StopAll(fLog);
 }
 
 node_ref MonitorTest::Know(const std::string& name) const {
@@ -50,6 +51,60 @@ node_ref MonitorTest::Know(const std::string& name) const {
     EXPECT_EQ(host::Stat(In(name), status), B_OK) << name;
     host::KnownPaths::Shared().Remember(status.ref, In(name));
     return status.ref;
+}
+
+void MonitorTest::Watch(const std::string& name, uint32 flags) const {
+    EXPECT_EQ(host::NodeMonitor::Shared().Listen(Know(name), flags, fLog), B_OK) << name;
+}
+
+void MonitorTest::Stop(node_ref node) const {
+    EXPECT_EQ(host::NodeMonitor::Shared().Stop(node, fLog), B_OK);
+}
+
+void MonitorTest::Flush() {
+    std::string name = "flush" + std::to_string(fFlushes++);
+    MakeFolder("flush/" + name);
+    EXPECT_TRUE(WaitUntil([&] {
+        auto changes = fLog->Changes();
+        return std::any_of(changes.begin(), changes.end(),
+                           [&](const auto& change) { return change.name == name; });
+    }));
+    // The rest of its batch is notified by the same call.
+    AtOnce([] {});
+}
+
+void MonitorTest::AtOnce(const std::function<void()>& action) const {
+    host::ServiceLoop::Shared().InvokeAndWait(action);
+}
+
+std::vector<host::NodeChange> MonitorTest::Changes() const {
+    auto changes = fLog->Changes();
+    std::erase_if(changes, [this](const host::NodeChange& change) {
+        return change.directory == fFlushFolder.node || change.node == fFlushFolder;
+    });
+    return changes;
+}
+
+Texts MonitorTest::Log() const {
+    Texts log;
+    for (const host::NodeChange& change : Changes())
+        log.push_back(TextOf(change));
+    return log;
+}
+
+Texts MonitorTest::TakeLog(size_t count) {
+    EXPECT_TRUE(WaitUntil([&] { return Changes().size() >= count; }));
+    Flush();
+    Texts log = Log();
+    fLog->Clear();
+    return log;
+}
+
+bool MonitorTest::WaitForLast(const std::string& text) const {
+    return WaitUntil([&] {
+        auto log = Log();
+        return !log.empty() && log.back() == text;
+    });
 }
 
 std::string MonitorTest::NameOf(int64 directory) const {
@@ -61,62 +116,15 @@ std::string MonitorTest::NameOf(int64 directory) const {
     return "?";
 }
 
-void MonitorTest::Watch(const std::string& name, uint32 flags) {
-    EXPECT_EQ(host::NodeMonitor::Shared().Listen(Know(name), flags, fRecorder), B_OK) << name;
-}
-
-void MonitorTest::Stop(node_ref node) {
-    EXPECT_EQ(host::NodeMonitor::Shared().Stop(node, fRecorder), B_OK);
-}
-
-void MonitorTest::Flush() {
-    std::string name = "flush" + std::to_string(fFlushes++);
-    MakeFolder("flush/" + name);
-    EXPECT_TRUE(WaitUntil([&] {
-        auto changes = fRecorder->Changes();
-        return std::any_of(changes.begin(), changes.end(),
-                           [&](const auto& change) { return change.name == name; });
-    }));
-    // What else came with it is told by the same call.
-    host::ServiceLoop::Shared().InvokeAndWait([] {});
-}
-
-std::vector<std::string> MonitorTest::Told() const {
-    std::vector<std::string> told;
-    for (const host::NodeChange& change : Changes())
-        told.push_back(TextOf(change));
-    return told;
-}
-
-std::vector<host::NodeChange> MonitorTest::Changes() const {
-    auto changes = fRecorder->Changes();
-    std::erase_if(changes, [this](const host::NodeChange& change) {
-        return change.directory == fFlushFolder.node || change.node == fFlushFolder;
-    });
-    return changes;
-}
-
-bool MonitorTest::WaitForTold(size_t count) const {
-    return WaitUntil([&] { return Changes().size() >= count; });
-}
-
-bool MonitorTest::WaitForLast(const std::string& text) const {
-    return WaitUntil([&] {
-        auto told = Told();
-        return !told.empty() && told.back() == text;
-    });
-}
-
 std::string MonitorTest::TextOf(const host::NodeChange& change) const {
-    std::string place = NameOf(change.directory) + "/" + change.name;
+    std::string folder = NameOf(change.directory);
     switch (change.kind) {
     case host::ChangeKind::Created:
-        return "created " + place;
+        return "created " + folder + "/" + change.name;
     case host::ChangeKind::Removed:
-        return "removed " + place;
+        return "removed " + folder + "/" + change.name;
     case host::ChangeKind::Moved:
-        return "moved " + change.name + " from " + NameOf(change.directory) + " to " +
-               NameOf(change.toDirectory);
+        return "moved " + change.name + " from " + folder + " to " + NameOf(change.toDirectory);
     case host::ChangeKind::StatusChanged:
         return "status";
     default:
@@ -125,12 +133,11 @@ std::string MonitorTest::TextOf(const host::NodeChange& change) const {
 }
 
 void MonitorTest::MakeFile(const std::string& name) const {
-    std::ofstream file(In(name));
-    EXPECT_TRUE(file.is_open()) << name;
+    EXPECT_TRUE(std::ofstream(In(name)).is_open()) << name;
 }
 
 void MonitorTest::MakeFolder(const std::string& name) const {
-    EXPECT_TRUE(fs::create_directory(In(name))) << name;
+    EXPECT_TRUE(std::filesystem::create_directory(In(name))) << name;
 }
 
 void MonitorTest::Rename(const std::string& from, const std::string& to) const {
@@ -146,23 +153,8 @@ void MonitorTest::Remove(const std::string& name) const {
     EXPECT_EQ(remove(In(name).c_str()), 0) << name;
 }
 
-void MonitorTest::SetAttribute(const std::string& name, const char* attribute,
-                               const std::string& value) {
-    std::string full = std::string("user.") + attribute;
-    EXPECT_EQ(setxattr(In(name).c_str(), full.c_str(), value.data(), value.size(), 0), 0) << name;
-}
-
-size_t CountWatches() {
-    size_t count = 0;
-    for (const auto& descriptor : fs::directory_iterator("/proc/self/fd")) {
-        std::error_code ignored;
-        if (fs::read_symlink(descriptor, ignored).string() != "anon_inode:inotify")
-            continue;
-        std::ifstream info("/proc/self/fdinfo/" + descriptor.path().filename().string());
-        for (std::string line; std::getline(info, line);)
-            count += line.starts_with("inotify wd:");
-    }
-    return count;
+void MonitorTest::SetAttribute(const std::string& name, const char* attribute) const {
+    EXPECT_EQ(setxattr(In(name).c_str(), attribute, "x", 1, 0), 0) << name;
 }
 
 } // namespace test

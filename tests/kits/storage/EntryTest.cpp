@@ -6,7 +6,6 @@
 
 #include "kits/storage/Directory.h"
 #include "kits/storage/Path.h"
-#include "kits/storage/Volume.h"
 #include "tests/kits/storage/StorageFixture.h"
 
 namespace test {

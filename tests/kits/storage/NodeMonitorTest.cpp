@@ -96,7 +96,7 @@ TEST_F(NodeMonitorTest, MessagesHaveTheirFields) {
     node_ref other = NodeOf("other");
     node_ref file = NodeOf("folder/file");
     ASSERT_EQ(watch_node(&folder, B_WATCH_NAME | B_WATCH_DIRECTORY, fMessenger), B_OK);
-    ASSERT_EQ(watch_node(&other, B_WATCH_DIRECTORY, fCollector), B_OK);
+    ASSERT_EQ(watch_node(&other, B_WATCH_DIRECTORY, fMessenger), B_OK);
     ASSERT_EQ(watch_node(&file, B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR, fMessenger), B_OK);
 
     Rename("folder/file", "other/datei");
@@ -164,10 +164,11 @@ std::string WatchWithoutEnough() {
     }
     auto* collector = new Collector;
     collector->Run();
-    const status_t first = watch_node(&nodes[0], B_WATCH_DIRECTORY, collector);
-    const status_t refused = watch_node(&nodes[1], B_WATCH_DIRECTORY, collector);
-    watch_node(&nodes[0], B_STOP_WATCHING, collector);
-    const status_t last = watch_node(&nodes[1], B_WATCH_DIRECTORY, collector);
+    const BMessenger target(collector);
+    const status_t first = watch_node(&nodes[0], B_WATCH_DIRECTORY, target);
+    const status_t refused = watch_node(&nodes[1], B_WATCH_DIRECTORY, target);
+    watch_node(&nodes[0], B_STOP_WATCHING, target);
+    const status_t last = watch_node(&nodes[1], B_WATCH_DIRECTORY, target);
     const char* limit = watch_limit_file(refused);
     return "first " + std::to_string(first) + ", refused by " + (limit ? limit : "nothing") +
            ", last " + std::to_string(last);
