@@ -93,6 +93,8 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     ChooseSetting(setting::kShowUrl, setting::kNo);
     ChooseSetting(setting::kHotKey, setting::kAltKey);
     ChooseSetting(setting::kAlwaysOnTop);
+    const auto isAbove = [&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); };
+    ASSERT_TRUE(WaitUntil(isAbove)); // the menu closes before the bar gets its choice
     EXPECT_EQ(fProgram.Stop(), 0);
 
     const BMessage saved = fProgram.Settings();
@@ -101,8 +103,7 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
 
     fProgram.Start();
     EXPECT_EQ(fProgram.Content(), (Box{447, 153, 233, 25}));
-    EXPECT_TRUE(
-        WaitUntil([&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
+    EXPECT_TRUE(WaitUntil(isAbove));
     ActivateBar();
     const Box button = fProgram.Button(4);
     EXPECT_TRUE(WaitUntil([&] { return fDesk.Pixel(button.x + 2, button.y + 2) == 0x6496c8; }));

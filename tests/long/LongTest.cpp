@@ -101,7 +101,7 @@ protected:
 
 TEST_P(FaultTest, SettingsAreTheOldOrTheNewOnes) {
     int call = 1;
-    for (bool came = true; came && call < Scaled(100); ++call) {
+    for (bool came = true; came && call < 100; ++call) {
         StartWithFault("Quillbar.settings", call);
         ActivateBar();
         ChooseSetting(setting::kAlwaysOnTop);
@@ -119,7 +119,7 @@ TEST_P(FaultTest, ABookmarkIsTheOldOrTheNewOne) {
         return GetAttribute(BookmarkPath(2, name), "META:url").value_or("").c_str() + std::string();
     };
     int call = 1;
-    for (bool came = true; came && call < Scaled(100); ++call) {
+    for (bool came = true; came && call < 100; ++call) {
         fs::remove_all(BookmarkPath(2, "").parent_path());
         AddBookmark(2, "4 - Old", "http://old.example/");
         StartWithFault(" - Folder/", call);
