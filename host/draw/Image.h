@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -17,6 +18,16 @@ struct PixelRect {
     bool IsEmpty() const { return right <= left || bottom <= top; }
     bool operator==(const PixelRect&) const = default;
 };
+
+// Empty if they have no pixel in common.
+inline PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+}
+
+inline PixelRect Moved(const PixelRect& rect, int right, int down) {
+    return {rect.left + right, rect.top + down, rect.right + right, rect.bottom + down};
+}
 
 // A view of a picture in memory: `height` rows of `stride` bytes, each pixel a native-endian 32-bit
 // word 0xAARRGGBB with premultiplied alpha. The memory is its maker's.

@@ -169,6 +169,8 @@ public:
     // The focus went to a window that is not the program's.
     virtual void FocusLeftProgram() = 0;
     virtual void MonitorsChanged() = 0;
+    // The scale, the pointers' theme or size, or the double-click time.
+    virtual void SettingsChanged() = 0;
     // While the session's keys are watched.
     virtual void SessionKeyChanged(const SessionKey& key) = 0;
     // The connection broke: no event follows and requests do nothing.
@@ -210,6 +212,8 @@ public:
     virtual void Show() = 0;
     virtual void Hide() = 0;
     virtual void SetFrame(const PixelRect& content) = 0;
+    // The black pixels around the content, from the next SetFrame on.
+    virtual void SetBorder(int border) = 0;
     virtual void Raise() = 0;
     // Asks for the focus, and for the window to be shown if it is minimised.
     virtual void Activate() = 0;
@@ -281,6 +285,7 @@ public:
     virtual ~Display() = default;
 
     // The icons, in several sizes, of the managed windows that are created from now on. Copied.
+    // Unlike other images they have their alpha not premultiplied.
     virtual void SetIcons(const std::vector<Image>& icons) = 0;
 
     // Not shown yet. `sink` must outlive the window.

@@ -77,10 +77,15 @@ EventThread::EventThread(XDisplay& display, DisplaySink* sink)
               Tell(window, TextCommitted{text});
           }) {}
 
-void EventThread::Start(const DesktopSettings& settings) {
+void EventThread::Start() {
+    SetClickLimits();
+    fThread = std::thread([this] { Run(); });
+}
+
+void EventThread::SetClickLimits() {
+    const DesktopSettings settings = fDisplay.Settings();
     fClicks.SetLimits(settings.doubleClickTime,
                       static_cast<int>(settings.doubleClickDistance * settings.scale));
-    fThread = std::thread([this] { Run(); });
 }
 
 EventThread::~EventThread() {
@@ -179,9 +184,11 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
     case XCB_DESTROY_NOTIFY:
         // By another program: ours takes its windows from the registry first.
         Tell(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
+        CheckSettings(event);
         break;
     case XCB_PROPERTY_NOTIFY:
         HandleProperty(As<xcb_property_notify_event_t>(event));
+        CheckSettings(event);
         break;
     case XCB_SELECTION_CLEAR:
     case XCB_SELECTION_REQUEST:
@@ -190,6 +197,7 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
         break;
     case XCB_CLIENT_MESSAGE:
         HandleMessage(As<xcb_client_message_event_t>(event));
+        CheckSettings(event);
         break;
     case XCB_GE_GENERIC:
         fRawKeys.HandleEvent(As<xcb_ge_generic_event_t>(event));
@@ -332,6 +340,13 @@ void EventThread::HandleMessage(const xcb_client_message_event_t& event) {
                        reinterpret_cast<const char*>(&answer));
         fConnection.Flush();
     }
+}
+
+void EventThread::CheckSettings(const xcb_generic_event_t& event) {
+    if (!fDisplay.UpdateSettings(event))
+        return;
+    SetClickLimits();
+    fSink->SettingsChanged();
 }
 
 void EventThread::CheckMonitors(const xcb_generic_event_t& event) {

@@ -11,7 +11,6 @@
 #include "host/x11/keys/Keyboard.h"
 #include "host/x11/keys/RawKeys.h"
 #include "host/x11/server/Connection.h"
-#include "host/x11/server/DesktopSettings.h"
 #include "host/x11/windows/FocusWatch.h"
 
 namespace host {
@@ -26,7 +25,7 @@ public:
     EventThread(XDisplay& display, DisplaySink* sink);
     // Ends the thread.
     ~EventThread();
-    void Start(const DesktopSettings& settings);
+    void Start();
 
     RawKeys& Keys() { return fRawKeys; }
     const RawKeys& Keys() const { return fRawKeys; }
@@ -49,6 +48,8 @@ private:
     void HandleProperty(const xcb_property_notify_event_t& event);
     void HandleSelection(const xcb_generic_event_t& event);
     void HandleMessage(const xcb_client_message_event_t& event);
+    void CheckSettings(const xcb_generic_event_t& event);
+    void SetClickLimits();
     void CheckMonitors(const xcb_generic_event_t& event);
     void Report(const xcb_generic_error_t& error);
     void Tell(xcb_window_t window, const WindowEvent& event);

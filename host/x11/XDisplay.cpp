@@ -55,17 +55,37 @@ XDisplay::XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink,
              [this](xcb_window_t window, int screenX, int screenY, rgb_color color) {
                  DeliverColor(window, screenX, screenY, color);
              })
+    , fSettingsReader(*fConnection)
     , fThread(*this, sink) {
     const uint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(*fConnection, fConnection->Root(), XCB_CW_EVENT_MASK, &events);
     MakeLeader();
-    SettingsQuery settings(*fConnection);
+    fSettingsReader.Ask();
     fMonitors.Read();
-    fSettings = settings.Read();
-    fThread.Start(fSettings);
+    fSettings = fSettingsReader.Read();
+    fThread.Start();
 }
 
 XDisplay::~XDisplay() = default;
+
+DesktopSettings XDisplay::Settings() const {
+    std::lock_guard lock(fLock);
+    return fSettings;
+}
+
+bool XDisplay::UpdateSettings(const xcb_generic_event_t& event) {
+    if (!fSettingsReader.IsConcernedBy(event))
+        return false;
+    fSettingsReader.Ask();
+    DesktopSettings settings = fSettingsReader.Read();
+    {
+        std::lock_guard lock(fLock);
+        if (std::exchange(fSettings, settings) == settings)
+            return false;
+    }
+    fCursors.ForgetTheme();
+    return true;
+}
 
 void XDisplay::MakeLeader() {
     const Connection& connection = *fConnection;
@@ -79,12 +99,12 @@ void XDisplay::SetIcons(const std::vector<Image>& icons) {
     std::vector<std::vector<uint32>> words;
     for (const Image& icon : icons)
         words.push_back(IconWords(icon));
-    std::lock_guard lock(fIconLock);
+    std::lock_guard lock(fLock);
     fIcons = std::move(words);
 }
 
 std::vector<std::vector<uint32>> XDisplay::Icons() const {
-    std::lock_guard lock(fIconLock);
+    std::lock_guard lock(fLock);
     return fIcons;
 }
 

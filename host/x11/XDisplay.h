@@ -13,8 +13,8 @@
 #include "host/x11/server/InputGrab.h"
 #include "host/x11/server/MonitorList.h"
 #include "host/x11/server/WindowRegistry.h"
+#include "host/x11/windows/BackingPixmap.h"
 #include "host/x11/windows/Cursors.h"
-#include "host/x11/windows/KeptPicture.h"
 #include "host/x11/windows/WindowProperties.h"
 
 namespace host {
@@ -32,11 +32,13 @@ public:
 
     void SetIcons(const std::vector<Image>& icons) override;
     std::unique_ptr<HostWindow> CreateWindow(const WindowSpec& spec, WindowSink* sink) override;
-    double Scale() const override { return fSettings.scale; }
+    double Scale() const override { return Settings().scale; }
     std::vector<PixelRect> Monitors() const override { return fMonitors.Frames(); }
     Pointer GetPointer() const override;
-    bigtime_t DoubleClickTime() const override { return fSettings.doubleClickTime; }
-    void WatchSessionKeys(bool watch) override { fThread.Keys().Watch(watch, fIdentity); }
+    bigtime_t DoubleClickTime() const override { return Settings().doubleClickTime; }
+    void WatchSessionKeys(bool watch) override {
+        fThread.Keys().Watch(watch, fIdentity.instanceName);
+    }
     void OwnSelection(SelectionKind selection, std::string text) override;
     void AskSelection(SelectionKind selection, SelectionAnswer answer) override;
     void SaveClipboard(bigtime_t timeout) override;
@@ -50,7 +52,9 @@ public:
     WindowRegistry& Windows() { return fWindows; }
     InputGrab& Grab() { return fGrab; }
     Cursors& PointerShapes() { return fCursors; }
-    int PointerSize() const { return fSettings.PointerSize(); }
+    DesktopSettings Settings() const;
+    // Reads the settings again if `event` announces other ones; true if they are. Display thread.
+    bool UpdateSettings(const xcb_generic_event_t& event);
     host::Selections& Selections() { return fSelections; }
     InputMethod& TextInput() { return fThread.TextInput(); }
     DragSource& Drags() { return fDrags; }
@@ -79,7 +83,6 @@ private:
     const std::unique_ptr<Connection> fConnection;
     const Pens fPens;
     ProgramIdentity fIdentity;
-    DesktopSettings fSettings;
     MonitorList fMonitors;
     WindowRegistry fWindows;
     InputGrab fGrab;
@@ -90,7 +93,10 @@ private:
     std::atomic<xcb_timestamp_t> fLastInputTime = 0;
     std::atomic<xcb_window_t> fAlertParent = XCB_WINDOW_NONE;
 
-    mutable std::mutex fIconLock;
+    SettingsReader fSettingsReader;
+    mutable std::mutex fLock;
+    // Guarded by fLock.
+    DesktopSettings fSettings;
     std::vector<std::vector<uint32>> fIcons;
 
     EventThread fThread; // ends before the rest

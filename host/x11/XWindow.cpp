@@ -45,12 +45,12 @@ XWindow::XWindow(XDisplay& display, const WindowSpec& spec, WindowSink* sink)
     , fConnection(display.Server())
     , fSink(sink)
     , fKind(spec.kind)
-    , fBorder(std::clamp(spec.border, 0, 64))
+    , fBorder(BoundedBorder(spec.border))
     , fIsResizable(spec.resizable)
     , fId(xcb_generate_id(fConnection))
     , fParent(fConnection.Root())
     , fTold(Bounded(spec.frame))
-    , fPicture(fConnection, display.DrawingPens(), fBorder)
+    , fPicture(fConnection, display.DrawingPens())
     , fFrame(fTold)
     , fState{.floating = spec.floating, .allDesktops = spec.allDesktops} {
     Create(spec);
@@ -67,6 +67,11 @@ XWindow::~XWindow() {
     fConnection.Flush();
 }
 
+int XWindow::BoundedBorder(int border) {
+    constexpr int kWidestBorder = 64;
+    return std::clamp(border, 0, kWidestBorder);
+}
+
 PixelRect XWindow::Outer(const PixelRect& content) const {
     return {content.left - fBorder, content.top - fBorder, content.right + fBorder,
             content.bottom + fBorder};
@@ -80,7 +85,7 @@ void XWindow::Create(const WindowSpec& spec) {
         outer.Width(), outer.Height(), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
         XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_SAVE_UNDER | XCB_CW_EVENT_MASK,
         values);
-    fPicture.Resize(fId, fFrame.Width(), fFrame.Height());
+    fPicture.Resize(fId, fFrame.Width(), fFrame.Height(), fBorder);
     SetFixedProperties(fConnection, fId, spec, fDisplay.Identity());
     SetTitleProperties(fConnection, fId, spec.title);
     if (IsManaged(fKind)) {
@@ -149,7 +154,7 @@ void XWindow::Hide() {
 void XWindow::SetFrame(const PixelRect& content) {
     std::lock_guard lock(fLock);
     fFrame = Bounded(content);
-    fPicture.Resize(fId, fFrame.Width(), fFrame.Height());
+    fPicture.Resize(fId, fFrame.Width(), fFrame.Height(), fBorder);
     PixelRect outer = Outer(fFrame);
     if (IsManaged(fKind))
         SetFrameHints(fConnection, fId, outer, fIsResizable);
@@ -239,7 +244,7 @@ void XWindow::SetPointer(PointerShape shape) {
 }
 
 void XWindow::SetPointer(const PointerImage& image) {
-    ShowCursor(fDisplay.PointerShapes().Of(image, fDisplay.PointerSize()));
+    ShowCursor(fDisplay.PointerShapes().Of(image, fDisplay.Settings().PointerSize()));
 }
 
 void XWindow::ShowCursor(xcb_cursor_t cursor) {
@@ -334,7 +339,7 @@ void XWindow::HandleConfigure(const xcb_configure_notify_event_t& event) {
         if (frame != fFrame && IsStale(event))
             return;
         if (!HasSize(fTold, frame) || !HasSize(fPicture.Content(), frame)) {
-            fPicture.Resize(fId, frame.Width(), frame.Height());
+            fPicture.Resize(fId, frame.Width(), frame.Height(), fBorder);
             fPicture.CopyTo(fId, fPicture.Bounds());
             fConnection.Flush();
         }

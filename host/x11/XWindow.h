@@ -1,10 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <mutex>
 #include <utility>
 
 #include "host/x11/Display.h"
-#include "host/x11/windows/KeptPicture.h"
+#include "host/x11/windows/BackingPixmap.h"
 #include "host/x11/windows/WindowProperties.h"
 
 namespace host {
@@ -21,6 +22,7 @@ public:
     void Show() override;
     void Hide() override;
     void SetFrame(const PixelRect& content) override;
+    void SetBorder(int border) override { fBorder = BoundedBorder(border); }
     void Raise() override;
     void Activate() override;
     void SetMinimized(bool minimized) override;
@@ -49,6 +51,7 @@ public:
     std::pair<int, int> ContentPlace(xcb_window_t window, int x, int y);
 
 private:
+    static int BoundedBorder(int border);
     void Create(const WindowSpec& spec);
     void LetInputThrough();
     PixelRect Outer(const PixelRect& content) const;
@@ -62,7 +65,7 @@ private:
     const Connection& fConnection;
     WindowSink* const fSink;
     const WindowKind fKind;
-    const int fBorder;
+    std::atomic<int> fBorder;
     const bool fIsResizable;
     const xcb_window_t fId;
 
@@ -73,7 +76,7 @@ private:
     bool fToldMinimized = false;
 
     std::mutex fLock; // for what follows; not held while the sink or the server is waited for
-    KeptPicture fPicture;
+    BackingPixmap fPicture;
     PixelRect fFrame; // of the content, as last asked for or as the server says
     InitialState fState;
     bool fIsShown = false;

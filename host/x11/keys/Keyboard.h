@@ -1,14 +1,43 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 
+#include <xkbcommon/xkbcommon-compose.h>
 #include <xkbcommon/xkbcommon.h>
 
-#include "host/x11/keys/Compose.h"
 #include "host/x11/keys/KeyCodes.h"
 #include "host/x11/server/Connection.h"
 
 namespace host {
+
+struct UnrefKeys {
+    void operator()(xkb_context* context) const { xkb_context_unref(context); }
+    void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
+    void operator()(xkb_state* state) const { xkb_state_unref(state); }
+    void operator()(xkb_compose_table* table) const { xkb_compose_table_unref(table); }
+    void operator()(xkb_compose_state* state) const { xkb_compose_state_unref(state); }
+};
+
+// Characters that are typed with several keys: accents on dead keys, and the compose key's. The
+// sequences are those of the environment's locale and of the user's own file; they are read with
+// the first key that can begin one. The display thread only.
+class Compose {
+public:
+    // What a key with this symbol types as a part of a sequence, empty while more is to come;
+    // nothing if it belongs to none and types what it always does.
+    std::optional<std::string> Type(xkb_keysym_t symbol);
+
+    // The sequence that was begun is not.
+    void Forget();
+
+private:
+    void Load();
+
+    bool fHasTried = false;
+    std::unique_ptr<xkb_compose_state, UnrefKeys> fState;
+};
 
 // Turns the server's key events into the platform's. The display thread only, but for construction.
 class Keyboard {
@@ -29,12 +58,6 @@ public:
     }
 
 private:
-    struct Unref {
-        void operator()(xkb_context* context) const { xkb_context_unref(context); }
-        void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
-        void operator()(xkb_state* state) const { xkb_state_unref(state); }
-    };
-
     bool ReadLayout();
     std::string TextOf(const xcb_key_press_event_t& event, bool down);
 
@@ -42,8 +65,8 @@ private:
     uint8 fFirstEvent = 0;
     bool fHasXkb = false;
     bool fIsLayoutCurrent = false;
-    std::unique_ptr<xkb_context, Unref> fContext;
-    std::unique_ptr<xkb_state, Unref> fState;
+    std::unique_ptr<xkb_context, UnrefKeys> fContext;
+    std::unique_ptr<xkb_state, UnrefKeys> fState;
     Compose fCompose;
     HeldKeys fHeld;
 };

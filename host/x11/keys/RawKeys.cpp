@@ -5,7 +5,6 @@
 #include <xcb/xinput.h>
 
 #include "host/x11/server/Connection.h"
-#include "host/x11/windows/WindowProperties.h"
 
 namespace host {
 
@@ -44,7 +43,7 @@ bool RawKeys::FindExtension() {
             (version->major_version == kMajorVersion && version->minor_version >= kMinorVersion));
 }
 
-void RawKeys::Watch(bool watch, const ProgramIdentity& program) {
+void RawKeys::Watch(bool watch, const std::string& program) {
     std::lock_guard lock(fLock);
     if (watch == fIsWatching || fIsRefused)
         return;
@@ -54,7 +53,7 @@ void RawKeys::Watch(bool watch, const ProgramIdentity& program) {
             std::fprintf(stderr,
                          "%s: the hot key will not work: the display server has no XInput %d.%d, "
                          "so keys typed in other programs cannot be seen\n",
-                         program.instanceName.c_str(), kMajorVersion, kMinorVersion);
+                         program.c_str(), kMajorVersion, kMinorVersion);
         return;
     }
     Select(watch);

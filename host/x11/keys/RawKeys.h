@@ -3,13 +3,12 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <string>
 
 #include "host/x11/keys/KeyCodes.h"
 #include "host/x11/server/Connection.h"
 
 namespace host {
-
-struct ProgramIdentity;
 
 // Watches all keys of the session: the server's raw events reach every client that asks, whichever
 // window has the focus and whoever holds a grab. Nothing of them is kept but which keys are held.
@@ -17,8 +16,8 @@ class RawKeys {
 public:
     RawKeys(const Connection& connection, DisplaySink* sink);
 
-    // As Display::WatchSessionKeys. Any thread.
-    void Watch(bool watch, const ProgramIdentity& program);
+    // As Display::WatchSessionKeys; `program` is the name for standard error. Any thread.
+    void Watch(bool watch, const std::string& program);
 
     // The display thread's part.
     void HandleEvent(const xcb_ge_generic_event_t& event);

@@ -18,6 +18,7 @@
     ATOM(kClipboardManager, "CLIPBOARD_MANAGER")                                                   \
     ATOM(kCompositor, "_NET_WM_CM_S0")                                                             \
     ATOM(kIncr, "INCR")                                                                            \
+    ATOM(kManager, "MANAGER")                                                                      \
     ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                                                         \
     ATOM(kMultiple, "MULTIPLE")                                                                    \
     ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                                                   \

@@ -17,9 +17,9 @@ constexpr double kLargestPointer = 1024;
 constexpr uint32 kMaxPropertyWords = 64 * 1024;
 
 // Reads the settings' binary form; past its end everything is 0 and `IsGood` false.
-class SettingsReader {
+class PublishedReader {
 public:
-    explicit SettingsReader(std::span<const uint8> bytes)
+    explicit PublishedReader(std::span<const uint8> bytes)
         : fRest(bytes) {
         uint32 order = Number(1);
         fIsForeign = (order == 0) != (std::endian::native == std::endian::little);
@@ -88,10 +88,15 @@ void ApplySetting(DesktopSettings& settings, std::string_view name, int32 value)
         settings.pointerSize = value;
 }
 
+void ApplySetting(DesktopSettings& settings, std::string_view name, std::string_view value) {
+    if (name == "Gtk/CursorThemeName")
+        settings.pointerTheme = value;
+}
+
 void ApplyPublished(DesktopSettings& settings, std::span<const uint8> published) {
     enum { kInteger, kString, kColor };
 
-    SettingsReader reader(published);
+    PublishedReader reader(published);
     reader.Skip(4);
     uint32 count = reader.Number(4);
     while (count-- > 0 && reader.IsGood()) {
@@ -104,7 +109,9 @@ void ApplyPublished(DesktopSettings& settings, std::span<const uint8> published)
             if (reader.IsGood())
                 ApplySetting(settings, name, value);
         } else if (type == kString) {
-            reader.Text(reader.Number(4));
+            std::string_view value = reader.Text(reader.Number(4));
+            if (reader.IsGood())
+                ApplySetting(settings, name, value);
         } else if (type == kColor) {
             reader.Skip(8);
         } else {
@@ -113,14 +120,19 @@ void ApplyPublished(DesktopSettings& settings, std::span<const uint8> published)
     }
 }
 
-// The number behind `key` at the start of a line; 0 if it is another line.
-double NumberBehind(std::string_view key, std::string_view line) {
+// The value behind `key` at the start of a line; empty if it is another line.
+std::string_view ValueBehind(std::string_view key, std::string_view line) {
     if (!line.starts_with(key))
-        return 0;
+        return {};
     line.remove_prefix(key.size());
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    return line;
+}
+
+double NumberBehind(std::string_view key, std::string_view line) {
+    std::string_view value = ValueBehind(key, line);
     double number = 0;
-    std::from_chars(line.data(), line.data() + line.size(), number);
+    std::from_chars(value.data(), value.data() + value.size(), number);
     return number;
 }
 
@@ -132,6 +144,8 @@ void ApplyResources(DesktopSettings& settings, std::string_view resources) {
             settings.scale = ScaleOfDpi(dpi);
         if (double size = NumberBehind("Xcursor.size:", line); size >= 1)
             settings.pointerSize = static_cast<int>(std::min(size, kLargestPointer));
+        if (std::string_view theme = ValueBehind("Xcursor.theme:", line); !theme.empty())
+            settings.pointerTheme = theme;
     }
 }
 
@@ -155,21 +169,27 @@ DesktopSettings ReadDesktopSettings(std::span<const uint8> published, std::strin
     return settings;
 }
 
-SettingsQuery::SettingsQuery(const Connection& connection)
-    : fConnection(connection)
-    , fResources(xcb_get_property(connection, false, connection.Root(), XCB_ATOM_RESOURCE_MANAGER,
-                                  XCB_ATOM_STRING, 0, kMaxPropertyWords))
-    , fManager(xcb_get_selection_owner(connection, connection[kXSettingsOwner])) {}
+void SettingsReader::Ask() {
+    fResources = xcb_get_property(fConnection, false, fConnection.Root(), XCB_ATOM_RESOURCE_MANAGER,
+                                  XCB_ATOM_STRING, 0, kMaxPropertyWords);
+    fOwner = xcb_get_selection_owner(fConnection, fConnection[kXSettingsOwner]);
+}
 
-DesktopSettings SettingsQuery::Read() const {
+DesktopSettings SettingsReader::Read() {
     Reply<xcb_get_property_reply_t> resources(
         xcb_get_property_reply(fConnection, fResources, nullptr));
-    Reply<xcb_get_selection_owner_reply_t> manager(
-        xcb_get_selection_owner_reply(fConnection, fManager, nullptr));
+    Reply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(fConnection, fOwner, nullptr));
+    fManager = owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
     Reply<xcb_get_property_reply_t> published;
-    if (manager && manager->owner != XCB_WINDOW_NONE) {
+    if (fManager != XCB_WINDOW_NONE) {
+        // The events come first, so that no change is missed. The manager may be gone already.
+        const uint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        auto watch =
+            xcb_change_window_attributes_checked(fConnection, fManager, XCB_CW_EVENT_MASK, &events);
+        xcb_discard_reply(fConnection, watch.sequence);
         xcb_atom_t property = fConnection[kXSettingsSettings];
-        auto cookie = xcb_get_property(fConnection, false, manager->owner, property, property, 0,
+        auto cookie = xcb_get_property(fConnection, false, fManager, property, property, 0,
                                        kMaxPropertyWords);
         published.reset(xcb_get_property_reply(fConnection, cookie, nullptr));
     }
@@ -179,6 +199,25 @@ DesktopSettings SettingsQuery::Read() const {
     if (const char* size = std::getenv("XCURSOR_SIZE"))
         std::from_chars(size, size + std::strlen(size), settings.pointerSize);
     return settings;
+}
+
+bool SettingsReader::IsConcernedBy(const xcb_generic_event_t& event) const {
+    switch (event.response_type & 0x7f) {
+    case XCB_PROPERTY_NOTIFY: {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        return change.window == fConnection.Root() ? change.atom == XCB_ATOM_RESOURCE_MANAGER
+                                                   : change.atom == fConnection[kXSettingsSettings];
+    }
+    case XCB_CLIENT_MESSAGE: {
+        const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+        return message.type == fConnection[kManager] && message.format == 32 &&
+               message.data.data32[1] == fConnection[kXSettingsOwner];
+    }
+    case XCB_DESTROY_NOTIFY:
+        return reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window == fManager;
+    default:
+        return false;
+    }
 }
 
 } // namespace host

@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
+
+#include <xcb/xcb_cursor.h>
 
 namespace host {
 
 namespace {
-
-// In the server's cursor font, where each shape has its mask behind it.
-constexpr uint16 kTextGlyph = 152;
 
 constexpr int kSide = 16;
 // The size of pointers beside which one of 16 pixels looks right.
@@ -30,17 +28,25 @@ xcb_cursor_t Cursors::Of(PointerShape shape) {
     if (shape == PointerShape::Arrow)
         return XCB_CURSOR_NONE;
     std::lock_guard lock(fLock);
-    if (fText == XCB_CURSOR_NONE) {
-        constexpr std::string_view kFont = "cursor";
-        xcb_font_t font = xcb_generate_id(fConnection);
-        xcb_open_font(fConnection, font, kFont.size(), kFont.data());
-        fText = xcb_generate_id(fConnection);
-        constexpr uint16 kWhite = 0xffff;
-        xcb_create_glyph_cursor(fConnection, fText, font, font, kTextGlyph, kTextGlyph + 1, 0, 0, 0,
-                                kWhite, kWhite, kWhite);
-        xcb_close_font(fConnection, font);
-    }
+    if (fText == XCB_CURSOR_NONE)
+        fText = LoadText();
     return fText;
+}
+
+xcb_cursor_t Cursors::LoadText() const {
+    xcb_cursor_context_t* context = nullptr;
+    auto* screen = const_cast<xcb_screen_t*>(&fConnection.Screen());
+    if (xcb_cursor_context_new(fConnection, screen, &context) < 0)
+        return XCB_CURSOR_NONE;
+    xcb_cursor_t cursor = xcb_cursor_load_cursor(context, "xterm");
+    xcb_cursor_context_free(context);
+    return cursor;
+}
+
+void Cursors::ForgetTheme() {
+    std::lock_guard lock(fLock);
+    // Not freed: another thread may be about to show it.
+    fText = XCB_CURSOR_NONE;
 }
 
 xcb_cursor_t Cursors::Of(const PointerImage& image, int size) {

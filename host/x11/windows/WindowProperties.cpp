@@ -57,18 +57,6 @@ AtomIndex TypeOf(WindowKind kind) {
     return kNetWmWindowTypeNormal;
 }
 
-uint32 WithoutPremultiplication(uint32 pixel) {
-    uint32 alpha = pixel >> 24;
-    if (alpha == 0)
-        return 0;
-    uint32 plain = alpha << 24;
-    for (int shift = 0; shift < 24; shift += 8) {
-        uint32 channel = pixel >> shift & 0xff;
-        plain |= std::min(channel * 255 / alpha, uint32{255}) << shift;
-    }
-    return plain;
-}
-
 std::string HostName() {
     char name[256] = {};
     gethostname(name, sizeof(name) - 1);
@@ -195,7 +183,7 @@ std::vector<uint32> IconWords(const Image& icon) {
             uint32 pixel;
             std::memcpy(&pixel, icon.pixels + std::ptrdiff_t(y) * icon.stride + x * 4,
                         sizeof(pixel));
-            words.push_back(WithoutPremultiplication(pixel));
+            words.push_back(pixel);
         }
     }
     return words;

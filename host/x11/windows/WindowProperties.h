@@ -44,8 +44,7 @@ void SetInitialState(const Connection& connection, xcb_window_t window, WindowKi
 void SetIconProperty(const Connection& connection, xcb_window_t window,
                      const std::vector<std::vector<uint32>>& icons);
 
-// An icon as the property has it: width, height, rows of words 0xAARRGGBB without
-// premultiplication.
+// The words of an icon in the property: width, height, then the rows.
 std::vector<uint32> IconWords(const Image& icon);
 
 } // namespace host

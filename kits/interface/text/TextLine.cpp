@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "kits/interface/drawing/HostFont.h"
 
@@ -34,8 +35,9 @@ void TextLine::SetFont(const BFont& font) {
 }
 
 const host::TextStops& TextLine::Measured() const {
-    if (!fMeasured)
-        fMeasured = host::MeasureStops(SpecOf(fFont), fText, DisplayScale());
+    const double scale = DisplayScale();
+    if (!fMeasured || std::exchange(fMeasuredAt, scale) != scale)
+        fMeasured = host::MeasureStops(SpecOf(fFont), fText, scale);
     return *fMeasured;
 }
 

@@ -53,4 +53,5 @@ private:
     std::string fText;
     BFont fFont;
     mutable std::optional<host::TextStops> fMeasured;
+    mutable double fMeasuredAt = 0; // this scale
 };

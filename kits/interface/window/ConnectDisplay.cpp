@@ -27,25 +27,12 @@ std::string LowerCase(std::string text) {
     return text;
 }
 
-uint32 Premultiplied(uint32 color) {
-    uint32 alpha = color >> 24;
-    auto channel = [&](int shift) {
-        return ((color >> shift & 0xff) * alpha + 127) / 255 << shift;
-    };
-    return alpha << 24 | channel(16) | channel(8) | channel(0);
-}
-
 void SetIcons(host::Display& display) {
-    std::vector<std::vector<uint32>> pictures;
     std::vector<host::Image> icons;
     for (const app_icon& icon : {get_app_resources()->large_icon, get_app_resources()->mini_icon}) {
-        if (icon.pixels == nullptr || icon.size <= 0)
-            continue;
-        std::vector<uint32>& picture = pictures.emplace_back();
-        std::transform(icon.pixels, icon.pixels + icon.size * icon.size,
-                       std::back_inserter(picture), Premultiplied);
-        icons.push_back(
-            {reinterpret_cast<const uint8*>(picture.data()), icon.size, icon.size, icon.size * 4});
+        if (icon.pixels != nullptr && icon.size > 0)
+            icons.push_back(
+                {reinterpret_cast<const uint8*>(icon.pixels), icon.size, icon.size, icon.size * 4});
     }
     display.SetIcons(icons);
 }

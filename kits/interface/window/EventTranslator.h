@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include "host/x11/Display.h"
@@ -13,6 +14,7 @@ enum : uint32 {
     kColorDropped = '_kcd', // "where" point, "color" B_RGB_COLOR_TYPE
     kSaveDragged = '_ksd',
     kBringInside = '_kbi',
+    kSettingsChanged = '_ksc',
     kWatchKeys = '_kwk', // to a view with B_KEYBOARD_EVENTS in its mask
 };
 
@@ -33,6 +35,9 @@ class EventTranslator : public host::WindowSink {
 public:
     EventTranslator(const BMessenger& target, double scale, WindowRole role);
     ~EventTranslator() override;
+
+    // Device pixels per logical pixel. The window's thread.
+    void SetScale(double scale) { fScale = scale; }
 
     // Display thread.
     void HandleEvent(const host::WindowEvent& event) override;
@@ -58,7 +63,7 @@ private:
     void LetKeysGo();
 
     const BMessenger fTarget;
-    const double fScale;
+    std::atomic<double> fScale;
     const bool fIsAlert;
     const bool fIsBlockable; // by alerts
     const bool fQuitsProgram;

@@ -19,11 +19,6 @@ BRect Logical(const host::PixelRect& monitor, double scale) {
             static_cast<float>(std::floor(monitor.bottom / scale) - 1)};
 }
 
-host::PixelRect Shared(const host::PixelRect& a, const host::PixelRect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
 std::int64_t Area(const host::PixelRect& rect) {
     return rect.IsEmpty() ? 0 : std::int64_t{rect.Width()} * rect.Height();
 }
@@ -68,7 +63,7 @@ host::PixelRect NearestMonitor(const std::vector<host::PixelRect>& monitors,
     std::int64_t bestArea = 0;
     std::int64_t bestDistance = std::numeric_limits<std::int64_t>::max();
     for (const host::PixelRect& monitor : monitors) {
-        std::int64_t area = Area(Shared(monitor, frame));
+        std::int64_t area = Area(host::Intersection(monitor, frame));
         std::int64_t distance = SquareOfDistance(monitor, frame);
         if (area > bestArea || (area == bestArea && distance < bestDistance)) {
             best = monitor;
@@ -83,7 +78,7 @@ bool IsInReach(const std::vector<host::PixelRect>& monitors, const host::PixelRe
                int enough) {
     std::int64_t seen = 0;
     for (const host::PixelRect& monitor : monitors) {
-        const host::PixelRect part = Shared(monitor, grip);
+        const host::PixelRect part = host::Intersection(monitor, grip);
         if (part.Width() >= enough && part.Height() >= enough)
             return true;
         seen += Area(part);

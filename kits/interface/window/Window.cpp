@@ -1,4 +1,5 @@
 #include "kits/interface/window/Window.h"
+#include "kits/interface/drawing/HostFont.h"
 
 #include <utility>
 
@@ -91,6 +92,8 @@ void BWindow::Show() {
     if (!Lock())
         return;
     if (--fState->hideCount == 0) {
+        if (fState->scale != DisplayScale())
+            fState->FollowSettings();
         if (!std::exchange(fState->hasShown, true)) {
             fState->BringInside();
             fState->Invalidate(Bounds());
@@ -341,6 +344,9 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
         break;
     case kBringInside:
         fState->BringInside();
+        break;
+    case kSettingsChanged:
+        fState->FollowSettings();
         break;
     default:
         BLooper::DispatchMessage(message, handler);

@@ -7,18 +7,13 @@ namespace {
 
 constexpr size_t kMaxDamage = 32;
 
-host::PixelRect Intersection(const host::PixelRect& a, const host::PixelRect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
 host::PixelRect Union(const host::PixelRect& a, const host::PixelRect& b) {
     return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
             std::max(a.bottom, b.bottom)};
 }
 
 bool Covers(const host::PixelRect& a, const host::PixelRect& b) {
-    return Intersection(a, b) == b;
+    return host::Intersection(a, b) == b;
 }
 
 void AddDamage(std::vector<host::PixelRect>& damage, const host::PixelRect& rect) {
@@ -81,7 +76,7 @@ void BWindow::State::Present() {
         return;
     std::vector<host::PixelRect> shown;
     for (const host::PixelRect& rect : std::exchange(damage, {})) {
-        host::PixelRect inside = Intersection(rect, {0, 0, device.Width(), device.Height()});
+        host::PixelRect inside = host::Intersection(rect, {0, 0, device.Width(), device.Height()});
         if (!inside.IsEmpty())
             shown.push_back(inside);
     }

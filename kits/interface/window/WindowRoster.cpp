@@ -173,6 +173,13 @@ void WindowRoster::MonitorsChanged() {
         window.SendMessage(kBringInside);
 }
 
+void WindowRoster::SettingsChanged() {
+    close_all_menus();
+    std::lock_guard lock(fMutex);
+    for (BWindow* window : fWindows)
+        window->PostMessage(kSettingsChanged);
+}
+
 void WindowRoster::SetActiveAlert(const EventTranslator* alert, bool active) {
     if (active)
         fActiveAlert = alert;

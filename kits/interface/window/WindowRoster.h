@@ -48,6 +48,7 @@ public:
     // Display thread.
     void FocusLeftProgram() override;
     void MonitorsChanged() override;
+    void SettingsChanged() override;
     void SessionKeyChanged(const host::SessionKey& key) override;
     void DisplayLost() override;
 

@@ -172,3 +172,28 @@ void BWindow::State::BringInside() {
     window->MoveTo(static_cast<float>((inside.left + border) / scale),
                    static_cast<float>((inside.top + border) / scale));
 }
+
+void BWindow::State::FollowSettings() {
+    if (double now = DisplayScale(); now != scale) {
+        scale = now;
+        translator.SetScale(now);
+        place =
+            BPoint(static_cast<float>(device.left / scale), static_cast<float>(device.top / scale));
+        canvas.reset();
+        damage.clear();
+        ClipChanged();
+        device = reported = DeviceFrame();
+        WindowRoster::Shared().FrameChanged(window, device);
+        if (host) {
+            host->SetBorder(Spec().border);
+            host->SetFrame(device);
+        }
+        window->FrameMoved(place);
+        BringInside();
+    }
+    cursor = BCursor();
+    if (host)
+        host->SetPointer(host::PointerShape::Arrow);
+    ShowCursor();
+    Invalidate(Bounds());
+}

@@ -41,6 +41,8 @@ struct BWindow::State {
     void TakeFrame(const host::PixelRect& device);
     void ContentResized(BRect oldBounds);
     void BringInside();
+    // The desktop's scale or pointers may be others: the window keeps its place and is drawn anew.
+    void FollowSettings();
     host::PixelRect GripOnScreen() const;
 
     // Drawing (WindowDrawing.cpp). Regions are in window coordinates.
@@ -84,7 +86,7 @@ struct BWindow::State {
     void Forget(BView& view);
 
     BWindow* const window;
-    const double scale;
+    double scale; // device pixels per logical pixel
     std::string title;
     const window_look look;
     const window_feel builtFeel; // constant: other threads ask which kind of window this is

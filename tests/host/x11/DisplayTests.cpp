@@ -2,10 +2,12 @@
 #include <gmock/gmock.h>
 
 #include "tests/host/x11/Recorded.h"
+#include "tests/support/Peer.h"
 
 namespace host {
 namespace {
 
+using test::Peer;
 using test::PrivateDesktop;
 using test::WaitUntil;
 using testing::ElementsAre;
@@ -136,6 +138,35 @@ TEST(Displays, HaveTheDesktopsScaleAndMonitors) {
         return display->Monitors() ==
                std::vector{PixelRect{600, 0, 1600, 900}, PixelRect{0, 0, 600, 900}};
     }));
+}
+
+TEST(Displays, FollowTheSettingsManagerAsItComesChangesAndGoes) {
+    PrivateDesktop desktop({.windowManager = false});
+    TestDisplay display(desktop);
+    const auto becomes = [&](double scale, bigtime_t clicks) {
+        return WaitUntil(
+            [&] { return display->Scale() == scale && display->DoubleClickTime() == clicks; });
+    };
+    Peer manager(desktop);
+    const auto publish = [&](const std::vector<uint8>& bytes) {
+        const xcb_atom_t property = desktop.Atom("_XSETTINGS_SETTINGS");
+        xcb_change_property(desktop.Connection(), XCB_PROP_MODE_REPLACE, manager.Window(), property,
+                            property, 8, bytes.size(), bytes.data());
+        desktop.Sync();
+    };
+    publish(Published().Integer("Net/DoubleClickTime", 250).Bytes());
+    manager.Own("_XSETTINGS_S0");
+    const auto message = desktop.Message(desktop.Root(), "MANAGER",
+                                         {XCB_CURRENT_TIME, desktop.Atom("_XSETTINGS_S0")});
+    xcb_send_event(desktop.Connection(), false, desktop.Root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    desktop.Sync();
+    EXPECT_TRUE(becomes(1, 250'000));
+    publish(Published().Integer("Xft/DPI", 192 * 1024).Bytes());
+    EXPECT_TRUE(becomes(2, 400'000));
+    EXPECT_EQ(display.Sink().settingsChanges, 2);
+    manager.Die();
+    EXPECT_TRUE(becomes(1, 400'000));
 }
 
 TEST(Displays, TellOnceThatTheyAreLostAndBearCallsAfterThat) {

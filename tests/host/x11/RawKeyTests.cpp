@@ -159,7 +159,7 @@ TEST_F(RawKeyTest, AreWatchedFromOneCallToTheOther) {
 TEST_F(RawKeyTest, AReleaseThatNeverCameIsMadeUpForWhenKeyboardsChange) {
     RecordedDisplay sink;
     RawKeys keys(fDisplay->Server(), &sink);
-    keys.Watch(true, fDisplay->Identity());
+    keys.Watch(true, "barprogram");
     xcb_input_raw_key_press_event_t event{};
     event.response_type = XCB_GE_GENERIC;
     event.extension = xcb_get_extension_data(fDisplay->Server(), &xcb_input_id)->major_opcode;

@@ -72,6 +72,7 @@ class RecordedDisplay final : public DisplaySink {
 public:
     void FocusLeftProgram() override { focusLosses++; }
     void MonitorsChanged() override { monitorChanges++; }
+    void SettingsChanged() override { settingsChanges++; }
     void SessionKeyChanged(const SessionKey& key) override {
         std::lock_guard lock(fLock);
         fKeys.push_back(key);
@@ -86,6 +87,7 @@ public:
 
     std::atomic<int> focusLosses = 0;
     std::atomic<int> monitorChanges = 0;
+    std::atomic<int> settingsChanges = 0;
     std::atomic<int> losses = 0;
 
 private:

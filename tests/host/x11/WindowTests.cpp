@@ -81,7 +81,7 @@ TEST_F(Windows, FollowsTheWindowManager) {
     EXPECT_EQ(fDisplay.FrameOf(window, 0), (PixelRect{240, 225, 440, 325}));
 }
 
-TEST_F(Windows, ShowsIconsWithoutPremultiplication) {
+TEST_F(Windows, ShowsIconsAsTheyAre) {
     Pixels half(2, 1, 0x80402000);
     fDisplay->SetIcons({half.Picture(), {nullptr, 5, 5, 20}});
     TestWindow window = fDisplay.Create(NormalSpec({200, 200, 400, 300}));
@@ -89,7 +89,7 @@ TEST_F(Windows, ShowsIconsWithoutPremultiplication) {
     window->Show();
     EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
     EXPECT_THAT(fScreen.Cardinals(fDisplay.IdOf(window), "_NET_WM_ICON"),
-                ElementsAre(2, 1, 0x807f3f00, 0x807f3f00));
+                ElementsAre(2, 1, 0x80402000, 0x80402000));
 }
 
 TEST_F(Windows, AlertStandsAboveTheFloatingBar) {

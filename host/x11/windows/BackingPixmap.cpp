@@ -1,7 +1,8 @@
-#include "host/x11/windows/KeptPicture.h"
+#include "host/x11/windows/BackingPixmap.h"
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -23,40 +24,31 @@ xcb_gcontext_t MakePen(const Connection& connection, uint32 color) {
 
 } // namespace
 
-PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
-PixelRect Moved(const PixelRect& rect, int right, int down) {
-    return {rect.left + right, rect.top + down, rect.right + right, rect.bottom + down};
-}
-
 Pens::Pens(const Connection& connection)
     : black(MakePen(connection, 0))
     , white(MakePen(connection, 0xffffff)) {}
 
-KeptPicture::KeptPicture(const Connection& connection, const Pens& pens, int border)
+BackingPixmap::BackingPixmap(const Connection& connection, const Pens& pens)
     : fConnection(connection)
-    , fPens(pens)
-    , fBorder(border) {}
+    , fPens(pens) {}
 
-KeptPicture::~KeptPicture() {
+BackingPixmap::~BackingPixmap() {
     if (fPixmap != XCB_PIXMAP_NONE)
         xcb_free_pixmap(fConnection, fPixmap);
 }
 
-PixelRect KeptPicture::Bounds() const {
+PixelRect BackingPixmap::Bounds() const {
     return {0, 0, fContent.right + 2 * fBorder, fContent.bottom + 2 * fBorder};
 }
 
-void KeptPicture::Resize(xcb_window_t window, int contentWidth, int contentHeight) {
+void BackingPixmap::Resize(xcb_window_t window, int contentWidth, int contentHeight, int border) {
     PixelRect content{0, 0, contentWidth, contentHeight};
-    if (content == fContent)
+    if (content == fContent && border == fBorder)
         return;
     PixelRect common = Intersection(content, fContent);
     xcb_pixmap_t old = fPixmap;
     fContent = content;
+    int oldBorder = std::exchange(fBorder, border);
     fPixmap = xcb_generate_id(fConnection);
     PixelRect bounds = Bounds();
     xcb_create_pixmap(fConnection, fConnection.Screen().root_depth, fPixmap, fConnection.Root(),
@@ -64,15 +56,15 @@ void KeptPicture::Resize(xcb_window_t window, int contentWidth, int contentHeigh
     auto whole = Rectangle(0, 0, bounds.Width(), bounds.Height());
     xcb_poly_fill_rectangle(fConnection, fPixmap, fPens.white, 1, &whole);
     if (old != XCB_PIXMAP_NONE) {
-        xcb_copy_area(fConnection, old, fPixmap, fPens.black, fBorder, fBorder, fBorder, fBorder,
-                      common.Width(), common.Height());
+        xcb_copy_area(fConnection, old, fPixmap, fPens.black, oldBorder, oldBorder, fBorder,
+                      fBorder, common.Width(), common.Height());
         xcb_free_pixmap(fConnection, old);
     }
     PaintBorder();
     xcb_change_window_attributes(fConnection, window, XCB_CW_BACK_PIXMAP, &fPixmap);
 }
 
-void KeptPicture::PaintBorder() const {
+void BackingPixmap::PaintBorder() const {
     if (fBorder == 0)
         return;
     PixelRect bounds = Bounds();
@@ -85,7 +77,7 @@ void KeptPicture::PaintBorder() const {
     xcb_poly_fill_rectangle(fConnection, fPixmap, fPens.black, std::size(sides), sides);
 }
 
-void KeptPicture::Put(const Image& picture, const PixelRect& area) {
+void BackingPixmap::Put(const Image& picture, const PixelRect& area) {
     PixelRect part = Intersection(area, {0, 0, picture.width, picture.height});
     part = Intersection(part, fContent);
     if (part.IsEmpty() || !picture.pixels)
@@ -99,7 +91,7 @@ void KeptPicture::Put(const Image& picture, const PixelRect& area) {
     }
 }
 
-void KeptPicture::PutRows(const Image& picture, const PixelRect& rows) {
+void BackingPixmap::PutRows(const Image& picture, const PixelRect& rows) {
     std::size_t rowBytes = std::size_t(rows.Width()) * 4;
     const uint8* first =
         picture.pixels + std::ptrdiff_t(rows.top) * picture.stride + std::ptrdiff_t(rows.left) * 4;
@@ -116,7 +108,7 @@ void KeptPicture::PutRows(const Image& picture, const PixelRect& rows) {
                   fConnection.Screen().root_depth, rowBytes * rows.Height(), first);
 }
 
-void KeptPicture::CopyTo(xcb_window_t window, const PixelRect& area) const {
+void BackingPixmap::CopyTo(xcb_window_t window, const PixelRect& area) const {
     PixelRect part = Intersection(area, Bounds());
     if (part.IsEmpty())
         return;

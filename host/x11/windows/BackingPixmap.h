@@ -16,15 +16,15 @@ struct Pens {
 // A window's picture on the server, its border included: what the window shows when it is
 // uncovered, without asking anyone. The window is painted from it when it is mapped, too. One
 // thread at a time.
-class KeptPicture {
+class BackingPixmap {
 public:
-    KeptPicture(const Connection& connection, const Pens& pens, int border);
-    ~KeptPicture();
-    KeptPicture(const KeptPicture&) = delete;
+    BackingPixmap(const Connection& connection, const Pens& pens);
+    ~BackingPixmap();
+    BackingPixmap(const BackingPixmap&) = delete;
 
-    // Gives it the size of a window with such a content, and makes it what `window` is painted
-    // with. What both sizes cover is kept, the rest is white.
-    void Resize(xcb_window_t window, int contentWidth, int contentHeight);
+    // Gives it the size of a window with such a content and border, and makes it the background of
+    // `window`. The content that both sizes cover is kept, the rest is white.
+    void Resize(xcb_window_t window, int contentWidth, int contentHeight, int border);
 
     // Takes over `area` of `picture`, both in the content's pixels, as far as both reach.
     void Put(const Image& picture, const PixelRect& area);
@@ -42,12 +42,9 @@ private:
 
     const Connection& fConnection;
     const Pens& fPens;
-    int fBorder;
+    int fBorder = 0;
     xcb_pixmap_t fPixmap = XCB_PIXMAP_NONE;
     PixelRect fContent{}; // at the pixmap's own left top, without the border
 };
-
-PixelRect Intersection(const PixelRect& a, const PixelRect& b);
-PixelRect Moved(const PixelRect& rect, int right, int down);
 
 } // namespace host
