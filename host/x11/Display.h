@@ -108,16 +108,16 @@ struct KeyChanged {
     bool repeated; // by the server while the key is held
     uint32 key;    // the platform's raw key code, by position
     uint32 modifiers;
-    // What the key types, whether Control or Alt is held or not: UTF-8, or the platform's byte of a
-    // special key (0x1c to 0x1f arrows, 0x01 Home, 0x04 End, 0x0b and 0x0c pages, 0x05 Insert, 0x08
-    // Backspace, 0x09 Tab, 0x0a Enter, 0x10 function, 0x1b Escape, 0x7f Delete). Empty for a key
-    // that types nothing, keypad 5 without Num Lock and all but the last of a composed character
-    // among them.
+    // The text of the key, with Control and Alt left out of account: UTF-8, or the platform's byte
+    // of a special key (0x1c to 0x1f arrows, 0x01 Home, 0x04 End, 0x0b and 0x0c pages, 0x05 Insert,
+    // 0x08 Backspace, 0x09 Tab, 0x0a Enter, 0x10 function, 0x1b Escape, 0x7f Delete). Empty for a
+    // key that types nothing, keypad 5 without Num Lock and all but the last of a composed
+    // character among them.
     std::string text;
     KeyStates states; // with this change
     bigtime_t when;
 };
-// Text that the desktop's input method gives for keys that were typed: UTF-8 by rights, without
+// Text that the desktop's input method gives for keys that were typed: UTF-8, unchecked, without
 // control characters, less than 64 KiB.
 struct TextCommitted {
     std::string text;
@@ -131,7 +131,7 @@ struct FocusChanged {
     bool active; // changes by a grab are left out
 };
 struct FrameChanged {
-    PixelRect frame; // of the content, another one than was told last; also after SetFrame
+    PixelRect frame; // of the content; differs from the last one; also after SetFrame
 };
 struct MinimizedChanged {
     bool minimized;
@@ -143,7 +143,7 @@ using WindowEvent =
                  KeyChanged, TextCommitted, ColorDropped, FocusChanged, FrameChanged,
                  MinimizedChanged, CloseRequested>;
 
-// What receives the events of one window. Called by the display thread; it must be quick and must
+// Receives the events of one window. Called by the display thread; it must be quick and must
 // not wait for a looper: it posts messages.
 class WindowSink {
 public:
@@ -151,17 +151,17 @@ public:
     virtual void HandleEvent(const WindowEvent& event) = 0;
 };
 
-// A key of the session, whichever program it is for. What it types is not worked
-// out.
+// A key of the session, for any program. Its text is not
+// known.
 struct SessionKey {
     uint32 key; // 0 if keyboards came or went: then only the states matter
-    bool down;  // also again while it is held, from a server that repeats
+    bool down;  // again while it is held, from a server that repeats
     KeyStates before;
     KeyStates states; // with this change
     bigtime_t when;
 };
 
-// What receives what concerns no single window, from the display thread or the service thread. The
+// Receives what concerns no single window, from the display thread or the service thread. The
 // same rule.
 class DisplaySink {
 public:
@@ -183,15 +183,15 @@ struct DragData {
     std::string bytes; // 64 KiB at most
 };
 
-// What is dragged out of the program.
+// The data that is dragged out of the program.
 struct DragSpec {
-    std::vector<DragData> data; // the form that says most first
+    std::vector<DragData> data; // the richest form first
     std::string fileName;       // to be saved under as a file, which goes before `data`; or empty
     Image image{};              // copied
     int hotX = 0, hotY = 0;     // the pixel of the image that is under the pointer
 };
 
-// What saves a file that was dragged out. The display thread's rule of WindowSink.
+// Saves a file that was dragged out. The same rule as for WindowSink.
 class DragSink {
 public:
     virtual ~DragSink() = default;
@@ -258,13 +258,13 @@ struct Pointer {
     uint32 modifiers = 0;
 };
 
-// The texts that programs hand to each other.
+// The texts that programs exchange.
 enum class SelectionKind {
     Clipboard, // what was copied
     Primary,   // what is selected, for the middle button
 };
 
-// Gets the text of a selection, from whoever holds it: UTF-8 by rights, but any bytes may come.
+// Gets the text of a selection from its owner: it should be UTF-8, but any bytes may come.
 // B_ENTRY_NOT_FOUND if nobody offers a text, B_TIMED_OUT if the other program stopped answering,
 // B_NO_MEMORY for more than 16 MiB, B_CANCELED if the display is closed. Called once, by any
 // thread, with nothing locked; it must not wait for a looper.
@@ -274,9 +274,9 @@ using SelectionAnswer = std::function<void(status_t status, std::string text)>;
 class Display {
 public:
     // Opens the display that the environment names. B_ERROR if there is none, or none that these
-    // windows can be shown on (a line on standard error says why). The names are those by which
-    // the desktop's tools tell the program's windows from others. `sink` must outlive the process's
-    // use of the display. Once in a process.
+    // windows can be shown on (a line on standard error gives the reason). The names are those by
+    // which the desktop's tools know the program's windows. `sink` must outlive the process's use
+    // of the display. Once in a process.
     static status_t Open(DisplaySink* sink, const char* instanceName, const char* className);
 
     // The open display, or null.
@@ -302,9 +302,9 @@ public:
     // Within this many microseconds a second press counts as a double click.
     virtual bigtime_t DoubleClickTime() const = 0;
 
-    // Has the sink told of every key of the session, or no longer. Nothing is grabbed: each key
+    // Has the sink notified of every key of the session, or no longer. Nothing is grabbed: each key
     // still goes where it would go. Waits for the server. Where it cannot be done, a line on
-    // standard error says so once.
+    // standard error reports it once.
     virtual void WatchSessionKeys(bool watch) = 0;
 
     // Offers `text` to all programs, until another one offers something. It does nothing if that

@@ -74,7 +74,7 @@ EventThread::EventThread(XDisplay& display, DisplaySink* sink)
           fConnection, display.Identity().leader,
           [this](const xcb_key_press_event_t& key) { HandleKey(key); },
           [this](xcb_window_t window, const std::string& text) {
-              Tell(window, TextCommitted{text});
+              Notify(window, TextCommitted{text});
           }) {}
 
 void EventThread::Start() {
@@ -129,8 +129,8 @@ EventThread::Event EventThread::NewestMotion(Event motion) {
     return motion;
 }
 
-void EventThread::Tell(xcb_window_t window, const WindowEvent& event) {
-    fDisplay.Windows().Deliver(window, [&](XWindow& target) { target.Tell(event); });
+void EventThread::Notify(xcb_window_t window, const WindowEvent& event) {
+    fDisplay.Windows().Deliver(window, [&](XWindow& target) { target.Notify(event); });
 }
 
 void EventThread::Handle(const xcb_generic_event_t& event) {
@@ -183,7 +183,7 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
     }
     case XCB_DESTROY_NOTIFY:
         // By another program: ours takes its windows from the registry first.
-        Tell(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
+        Notify(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
         CheckSettings(event);
         break;
     case XCB_PROPERTY_NOTIFY:
@@ -224,7 +224,7 @@ void EventThread::HandleKey(const xcb_key_press_event_t& event) {
         change.states = *states; // also of keys that were pressed elsewhere
     if (fDisplay.Drags().HandleKey(change))
         return;
-    Tell(fDisplay.Grab().TargetOf(event.event), change);
+    Notify(fDisplay.Grab().TargetOf(event.event), change);
 }
 
 void EventThread::HandlePress(const xcb_button_press_event_t& event) {
@@ -235,11 +235,11 @@ void EventThread::HandlePress(const xcb_button_press_event_t& event) {
     fDisplay.Windows().Deliver(target, [&](XWindow& window) {
         PointerMoved at = PlaceOf(event, window);
         if (IsWheel(event.detail))
-            window.Tell(WheelOf(event.detail, at));
+            window.Notify(WheelOf(event.detail, at));
         if (!button)
             return;
         at.buttons |= button;
-        window.Tell(ButtonPressed{at, clicks, TimeOf(event.time)});
+        window.Notify(ButtonPressed{at, clicks, TimeOf(event.time)});
     });
     fDisplay.Windows().Deliver(target, [](XWindow& window) { window.TakeFocusIfUnmanaged(); });
 }
@@ -252,7 +252,7 @@ void EventThread::HandleRelease(const xcb_button_release_event_t& event) {
     fDisplay.Windows().Deliver(target, [&](XWindow& window) {
         PointerMoved at = PlaceOf(event, window);
         at.buttons &= ~button;
-        window.Tell(ButtonReleased{at, Now()});
+        window.Notify(ButtonReleased{at, Now()});
     });
     fDisplay.Drags().HandleRelease(event, ButtonsOf(event.state) & ~button);
 }
@@ -260,13 +260,13 @@ void EventThread::HandleRelease(const xcb_button_release_event_t& event) {
 void EventThread::HandleMotion(const xcb_motion_notify_event_t& event) {
     xcb_window_t target = fDisplay.Grab().TargetOf(event.event);
     fDisplay.Windows().Deliver(target,
-                               [&](XWindow& window) { window.Tell(PlaceOf(event, window)); });
+                               [&](XWindow& window) { window.Notify(PlaceOf(event, window)); });
     fDisplay.Drags().HandleMotion(event);
 }
 
 void EventThread::HandleCrossing(const xcb_enter_notify_event_t& event, bool entered) {
     bool isGrab = event.mode == XCB_NOTIFY_MODE_GRAB;
-    Tell(event.event, PointerOver{entered && !isGrab});
+    Notify(event.event, PointerOver{entered && !isGrab});
     // The pointer has not left when another program takes hold of it for a moment, as window
     // managers do with each click. When a menu of ours takes it, it has.
     bool isForeignGrab = isGrab && !fDisplay.Grab().IsHeld();
@@ -274,9 +274,9 @@ void EventThread::HandleCrossing(const xcb_enter_notify_event_t& event, bool ent
         return;
     fDisplay.Windows().Deliver(event.event, [&](XWindow& window) {
         if (entered)
-            window.Tell(PlaceOf(event, window));
+            window.Notify(PlaceOf(event, window));
         else
-            window.Tell(PointerLeft{});
+            window.Notify(PointerLeft{});
     });
 }
 
@@ -330,7 +330,7 @@ void EventThread::HandleMessage(const xcb_client_message_event_t& event) {
         return;
     xcb_atom_t protocol = event.data.data32[0];
     if (protocol == fConnection[kWmDeleteWindow]) {
-        Tell(event.window, CloseRequested{});
+        Notify(event.window, CloseRequested{});
     } else if (protocol == fConnection[kNetWmPing]) {
         xcb_client_message_event_t answer = event;
         answer.response_type = XCB_CLIENT_MESSAGE;

@@ -18,7 +18,7 @@ namespace host {
 class XDisplay;
 class XWindow;
 
-// The display thread: waits for the server's events and tells them to the windows' sinks.
+// The display thread: waits for the server's events and notifies the windows' sinks.
 class EventThread {
 public:
     // Sends the requests that its parts need; Start begins to wait.
@@ -52,7 +52,7 @@ private:
     void SetClickLimits();
     void CheckMonitors(const xcb_generic_event_t& event);
     void Report(const xcb_generic_error_t& error);
-    void Tell(xcb_window_t window, const WindowEvent& event);
+    void Notify(xcb_window_t window, const WindowEvent& event);
 
     XDisplay& fDisplay;
     const Connection& fConnection;

@@ -134,7 +134,7 @@ xcb_timestamp_t XDisplay::LastKnownPressTime() const {
 void XDisplay::DeliverColor(xcb_window_t id, int screenX, int screenY, rgb_color color) {
     fWindows.Deliver(id, [&](XWindow& window) {
         auto [x, y] = window.ContentPlace(XCB_WINDOW_NONE, screenX, screenY);
-        window.Tell(ColorDropped{x, y, color});
+        window.Notify(ColorDropped{x, y, color});
     });
 }
 

@@ -22,8 +22,8 @@ namespace host {
 // The display on an X server, and what its windows and its thread share.
 class XDisplay final : public Display {
 public:
-    // `name` null means the environment's display. Null, and `problem` says why, if it cannot be
-    // used.
+    // `name` null means the environment's display. Null, with the reason in `problem`, if it cannot
+    // be used.
     static std::unique_ptr<XDisplay> Connect(const char* name, DisplaySink* sink,
                                              const char* instanceName, const char* className,
                                              std::string& problem);

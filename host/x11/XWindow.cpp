@@ -26,7 +26,7 @@ constexpr uint32 kIconicState = 3;
 // The second word of a _NET_ACTIVE_WINDOW message: what a person asked for.
 constexpr uint32 kDirectUserAction = 2;
 
-// What the protocol's 16-bit numbers hold.
+// Limits of the protocol's 16-bit numbers.
 PixelRect Bounded(const PixelRect& frame) {
     int left = std::clamp(frame.left, -kFarthest, kFarthest);
     int top = std::clamp(frame.top, -kFarthest, kFarthest);
@@ -49,9 +49,9 @@ XWindow::XWindow(XDisplay& display, const WindowSpec& spec, WindowSink* sink)
     , fIsResizable(spec.resizable)
     , fId(xcb_generate_id(fConnection))
     , fParent(fConnection.Root())
-    , fTold(Bounded(spec.frame))
+    , fReported(Bounded(spec.frame))
     , fPicture(fConnection, display.DrawingPens())
-    , fFrame(fTold)
+    , fFrame(fReported)
     , fState{.floating = spec.floating, .allDesktops = spec.allDesktops} {
     Create(spec);
     fDisplay.Windows().Add(fId, this);
@@ -120,7 +120,7 @@ void XWindow::Show() {
     if (IsManaged(fKind)) {
         fState.alertParent = fDisplay.AlertParent();
         SetInitialState(fConnection, fId, fKind, fState, fDisplay.Identity());
-        // Zero would say that the window wants no focus.
+        // Zero would mean that the window wants no focus.
         uint32 userTime = fDisplay.LastInputTime();
         if (fKind != WindowKind::Bar && userTime != 0) {
             fConnection.SetValues(fId, fConnection[kNetWmUserTime], XCB_ATOM_CARDINAL, {userTime});
@@ -306,8 +306,8 @@ bool XWindow::IsStale(const xcb_configure_notify_event_t& event) const {
     return fConfigureSequence != 0 && static_cast<int32>(full - fConfigureSequence) < 0;
 }
 
-// The place on the screen: a window manager tells it, the server tells it only of windows that have
-// not been put into another.
+// The place on the screen: a window manager sends it, the server sends it only for windows that
+// have not been put into another.
 bool XWindow::FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const {
     bool isFromManager = event.response_type & 0x80;
     if (isFromManager || fParent == fConnection.Root()) {
@@ -331,24 +331,24 @@ void XWindow::HandleConfigure(const xcb_configure_notify_event_t& event) {
         return;
     PixelRect frame{left + fBorder, top + fBorder, left - fBorder + event.width,
                     top - fBorder + event.height};
-    // Anybody can send such an event.
+    // Any program can send such an event.
     if (frame.IsEmpty() || frame != Bounded(frame))
         return;
     {
         std::lock_guard lock(fLock);
         if (frame != fFrame && IsStale(event))
             return;
-        if (!HasSize(fTold, frame) || !HasSize(fPicture.Content(), frame)) {
+        if (!HasSize(fReported, frame) || !HasSize(fPicture.Content(), frame)) {
             fPicture.Resize(fId, frame.Width(), frame.Height(), fBorder);
             fPicture.CopyTo(fId, fPicture.Bounds());
             fConnection.Flush();
         }
         fFrame = frame;
     }
-    if (frame == fTold)
+    if (frame == fReported)
         return;
-    fTold = frame;
-    Tell(FrameChanged{frame});
+    fReported = frame;
+    Notify(FrameChanged{frame});
 }
 
 // Also windows that are rolled up or on another desktop have an iconic state; only minimised ones
@@ -360,26 +360,26 @@ void XWindow::HandleStateChange() {
     auto states = fConnection.ReadValues(askHidden);
     bool isMinimized = !state.empty() && state[0] == kIconicState &&
                        std::ranges::find(states, fConnection[kNetWmStateHidden]) != states.end();
-    if (isMinimized == fToldMinimized)
+    if (isMinimized == fReportedMinimized)
         return;
     {
         std::lock_guard lock(fLock);
         fState.minimized = isMinimized;
         NoteVisible(fIsShown && !isMinimized);
     }
-    fToldMinimized = isMinimized;
-    Tell(MinimizedChanged{isMinimized});
+    fReportedMinimized = isMinimized;
+    Notify(MinimizedChanged{isMinimized});
 }
 
 void XWindow::HandleFocus(bool active) {
-    if (active == fToldActive)
+    if (active == fReportedActive)
         return;
-    fToldActive = active;
-    Tell(FocusChanged{active});
+    fReportedActive = active;
+    Notify(FocusChanged{active});
 }
 
 void XWindow::TakeFocusIfUnmanaged() {
-    if (fToldActive || !IsManaged(fKind) || fConnection.HasWindowManager())
+    if (fReportedActive || !IsManaged(fKind) || fConnection.HasWindowManager())
         return;
     xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, XCB_CURRENT_TIME);
     fConnection.Flush();

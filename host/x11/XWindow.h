@@ -12,8 +12,8 @@ namespace host {
 
 class XDisplay;
 
-// A window of the X server: the content with the border around it. What the display thread has to
-// tell it comes through the members of the second half.
+// A window of the X server: the content with the border around it. The display
+// thread calls the members of the second half.
 class XWindow final : public HostWindow {
 public:
     XWindow(XDisplay& display, const WindowSpec& spec, WindowSink* sink);
@@ -38,7 +38,7 @@ public:
     status_t Drag(const DragSpec& spec, std::shared_ptr<DragSink> sink) override;
 
     // The display thread's part. Each calls the sink at most once, as the last thing it does.
-    void Tell(const WindowEvent& event) { fSink->HandleEvent(event); }
+    void Notify(const WindowEvent& event) { fSink->HandleEvent(event); }
     void HandleExpose(const xcb_expose_event_t& event);
     void HandleConfigure(const xcb_configure_notify_event_t& event);
     void HandleReparent(const xcb_reparent_notify_event_t& event) { fParent = event.parent; }
@@ -71,13 +71,13 @@ private:
 
     // The display thread's.
     xcb_window_t fParent;
-    PixelRect fTold; // the frame that the sink knows
-    bool fToldActive = false;
-    bool fToldMinimized = false;
+    PixelRect fReported; // the frame that the sink knows
+    bool fReportedActive = false;
+    bool fReportedMinimized = false;
 
     std::mutex fLock; // for what follows; not held while the sink or the server is waited for
     BackingPixmap fPicture;
-    PixelRect fFrame; // of the content, as last asked for or as the server says
+    PixelRect fFrame; // of the content, as last asked for or as the server reports it
     InitialState fState;
     bool fIsShown = false;
     uint32 fConfigureSequence = 0;

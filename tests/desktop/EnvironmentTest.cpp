@@ -56,6 +56,25 @@ TEST_F(ScaledDesktopTest, EverythingIsTwiceAsLarge) {
     EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
 }
 
+TEST_F(ScaledDesktopTest, AnotherScaleIsFollowedInPlace) {
+    AddBookmark(3, "5 - Site", "http://five.example/");
+    fProgram.Start();
+    ActivateBar();
+    const Box whole = fProgram.Bar().frame;
+    const Picture asStarted = SettledPicture(fDesk, whole);
+    fDesk.SetDpi(96);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{60, 60, 22, 264}; }));
+    ChooseSlot(3, 5);
+    EXPECT_EQ(LastUrl(1), "http://five.example/");
+    fDesk.SetDpi(192);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().frame == whole; }));
+    fDesk.MoveTo(1000, 800);
+    ActivateBar();
+    EXPECT_TRUE(WaitUntil([&] { return fDesk.Grab(whole) == asStarted; })) << "border and content";
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
+}
+
 class TwoMonitorsTest : public OwnDesktopTest {
 protected:
     static constexpr Box kLeft = {0, 0, 700, 900};

@@ -5,7 +5,7 @@
 namespace host {
 
 bool ClickCounter::Continues(const xcb_button_press_event_t& press) const {
-    // The server's time is a word of milliseconds that begins anew after 50 days.
+    // The server's time is a word of milliseconds that starts again after 50 days.
     uint32 elapsed = press.time - fLast.time;
     return fCount > 0 && press.event == fLast.event && press.detail == fLast.detail &&
            elapsed * bigtime_t{1000} <= fTime &&

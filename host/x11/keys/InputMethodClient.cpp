@@ -207,7 +207,7 @@ void InputMethodClient::Send(const xcb_key_press_event_t& key) {
 }
 
 // Servers need not answer a key that they take. They handle one request after the other, though:
-// that they have set the spot tells that they have seen the key before it. The library loses keys
+// when they have set the spot, they have seen the key before it. The library loses keys
 // that are sent while it waits for such an answer.
 void InputMethodClient::SendWaiting() {
     if (!IsReady() || fIsSetting || !(fKey || fIsSpotNew))

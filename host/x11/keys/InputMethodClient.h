@@ -40,7 +40,8 @@ struct InputMethodLibrary {
 // the focus. Nothing waits for the server. The display thread only.
 class InputMethodClient {
 public:
-    // What the server has to say, from within Filter. The client must not be destroyed in a call.
+    // Called with the server's answers, from within Filter. The client must not be destroyed in a
+    // call.
     class Listener {
     public:
         virtual ~Listener() = default;
@@ -64,8 +65,8 @@ public:
     // True for an event that is the server's.
     bool Filter(xcb_generic_event_t& event);
 
-    // A new context for a text in `window`, with its caret at `spot`; none for None. Nothing is
-    // told of the one before any more.
+    // A new context for a text in `window`, with its caret at `spot`; without one for None.
+    // The listener hears no more of the one before.
     void SetFocus(xcb_window_t window, xcb_point_t spot);
     void SetSpot(xcb_point_t spot);
 

@@ -10,15 +10,15 @@
 
 namespace host {
 
-// The platform's code of the key at the place that the server calls `key`, whatever the layout
-// says; 0 for a key that the platform's keyboards did not have.
+// The platform's code of the key at the place that the server calls `key`, in any
+// layout; 0 for a key that the platform's keyboards did not have.
 uint32 RawKeyCode(xcb_keycode_t key);
 
 // The keys that are held, by the server's numbers.
 using HeldKeys = std::bitset<256>;
 KeyStates StatesOf(const HeldKeys& held);
 
-// What a key with this symbol types, as KeyChanged::text has it.
+// The text of a key with this symbol, as KeyChanged::text has it.
 std::string KeyText(xkb_keysym_t symbol);
 
 } // namespace host

@@ -26,7 +26,7 @@ constexpr uint16 kMapParts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_S
                              XCB_XKB_MAP_PART_VIRTUAL_MOD_MAP;
 
 // Notices of the current state are not among those asked for: they would wake the program with each
-// Shift that is typed anywhere. The events' own words tell the modifiers and the group.
+// Shift that is typed anywhere. The events themselves hold the modifiers and the group.
 constexpr uint16 kModifierBits = 0xff;
 
 xkb_layout_index_t GroupOf(uint16 state) {

@@ -25,7 +25,7 @@ struct UnrefKeys {
 // the first key that can begin one. The display thread only.
 class Compose {
 public:
-    // What a key with this symbol types as a part of a sequence, empty while more is to come;
+    // The text of a key with this symbol as a part of a sequence, empty while more is to come;
     // nothing if it belongs to none and types what it always does.
     std::optional<std::string> Type(xkb_keysym_t symbol);
 
@@ -48,7 +48,7 @@ public:
 
     KeyChanged Translate(const xcb_key_press_event_t& event, bool down);
 
-    // Whether `event` tells of another layout; it is then read with the next key.
+    // Whether `event` announces another layout; it is then read with the next key.
     bool HandleNotice(const xcb_generic_event_t& event);
 
     // Keys may be released without the program's seeing it from now on.

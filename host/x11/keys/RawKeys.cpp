@@ -62,7 +62,7 @@ void RawKeys::Watch(bool watch, const std::string& program) {
 }
 
 // Of the master keyboards: each key comes once, and the keys of keyboards that are set apart do
-// not. The server tells of keyboards that come and go only to those who ask for all devices.
+// not. The server announces keyboards that come and go only to clients that ask for all devices.
 void RawKeys::Select(bool watch) const {
     const Selection selections[] = {
         {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, watch ? kKeys : 0},
@@ -114,7 +114,7 @@ void RawKeys::HandleKey(uint32 key, bool down) {
     HeldKeys now = fHeld;
     lock.unlock();
     if (uint32 code = RawKeyCode(static_cast<xcb_keycode_t>(key)))
-        Tell(code, down, before, now);
+        Notify(code, down, before, now);
 }
 
 // The keys that were held on one that went are held no more.
@@ -125,10 +125,10 @@ void RawKeys::HandleOtherKeyboards() {
     HeldKeys now = fHeld;
     lock.unlock();
     if (now != before)
-        Tell(0, false, before, now);
+        Notify(0, false, before, now);
 }
 
-void RawKeys::Tell(uint32 key, bool down, const HeldKeys& before, const HeldKeys& now) {
+void RawKeys::Notify(uint32 key, bool down, const HeldKeys& before, const HeldKeys& now) {
     fSink->SessionKeyChanged({.key = key,
                               .down = down,
                               .before = StatesOf(before),

@@ -11,7 +11,7 @@
 namespace host {
 
 // Watches all keys of the session: the server's raw events reach every client that asks, whichever
-// window has the focus and whoever holds a grab. Nothing of them is kept but which keys are held.
+// window has the focus or a grab. Nothing of them is kept but which keys are held.
 class RawKeys {
 public:
     RawKeys(const Connection& connection, DisplaySink* sink);
@@ -35,7 +35,7 @@ private:
     HeldKeys AskForHeldKeys() const;
     void HandleKey(uint32 key, bool down);
     void HandleOtherKeyboards();
-    void Tell(uint32 key, bool down, const HeldKeys& before, const HeldKeys& now);
+    void Notify(uint32 key, bool down, const HeldKeys& before, const HeldKeys& now);
 
     const Connection& fConnection;
     DisplaySink* const fSink;

@@ -21,7 +21,7 @@ struct DesktopSettings {
     bool operator==(const DesktopSettings&) const = default;
 };
 
-// The settings as a settings manager publishes them; without one, what the resources say. All of it
+// The settings as a settings manager publishes them; without one, those of the resources. All of it
 // is other programs' data: what cannot be read counts as not there.
 DesktopSettings ReadDesktopSettings(std::span<const uint8> published, std::string_view resources);
 

@@ -4,7 +4,7 @@
 
 namespace host {
 
-// The platform's modifiers, and its buttons, in the server's word of both.
+// Converts the modifier and button bits of an X event's state mask.
 uint32 ModifiersOf(uint16 state);
 uint32 ButtonsOf(uint16 state);
 

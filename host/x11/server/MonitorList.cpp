@@ -22,7 +22,7 @@ MonitorList::MonitorList(const Connection& connection)
     if (randr && randr->present) {
         fHasRandr = true;
         fFirstEvent = randr->first_event;
-        // The server treats the program as one of the version that it says it knows.
+        // The server treats the program as one of the version that it announces.
         auto version = xcb_randr_query_version(fConnection, 1, 5);
         xcb_discard_reply(fConnection, version.sequence);
         xcb_randr_select_input(fConnection, fConnection.Root(), kChanges);
@@ -74,7 +74,7 @@ bool MonitorList::Update() {
 
 bool MonitorList::IsConcernedBy(const xcb_generic_event_t& event) const {
     uint8 type = event.response_type & 0x7f;
-    // The root's window is what tells of monitors that a person puts together of others.
+    // Monitors that a person combines of others show in the root window's size only.
     if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         return configure.window == fConnection.Root();

@@ -22,7 +22,7 @@ public:
     // Asks again and reads.
     bool Update();
 
-    // Whether `event` tells of a change. The display thread.
+    // Whether `event` announces a change. The display thread.
     bool IsConcernedBy(const xcb_generic_event_t& event) const;
 
     // The primary one first; never empty. Any thread.

@@ -5,7 +5,7 @@
 
 namespace host {
 
-// What is drawn with: the same for all windows, since nothing in it ever changes.
+// The graphics contexts: the same for all windows, since nothing in them ever changes.
 struct Pens {
     explicit Pens(const Connection& connection);
 
@@ -13,8 +13,8 @@ struct Pens {
     xcb_gcontext_t white;
 };
 
-// A window's picture on the server, its border included: what the window shows when it is
-// uncovered, without asking anyone. The window is painted from it when it is mapped, too. One
+// A window's picture on the server, its border included: the window shows it when it is
+// uncovered, without a request. The window is painted from it when it is mapped, too. One
 // thread at a time.
 class BackingPixmap {
 public:

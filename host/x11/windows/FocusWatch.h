@@ -11,7 +11,7 @@ namespace host {
 
 class DisplaySink;
 
-// Notices that the focus went to a window of another program, also while the input is grabbed. The
+// Notices that the focus went to a window of another program, even while the input is grabbed. The
 // display thread only.
 class FocusWatch {
 public:

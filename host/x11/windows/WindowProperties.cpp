@@ -63,7 +63,7 @@ std::string HostName() {
     return name;
 }
 
-// Some window managers show a button for what a window cannot do, unless they are told not to.
+// Some window managers show a button for what a window cannot do, unless the hints exclude it.
 uint32 DecorationsOf(const WindowSpec& spec) {
     if (spec.kind == WindowKind::Bar)
         return 0;
@@ -135,7 +135,7 @@ void SetFrameHints(const Connection& connection, xcb_window_t window, const Pixe
         hints[5] = hints[7] = outer.Width();
         hints[6] = hints[8] = outer.Height();
     }
-    // A place is the window's own, whatever the window manager puts around it.
+    // A place is the window's own, without the window manager's frame around it.
     hints[17] = XCB_GRAVITY_STATIC;
     connection.SetValues(window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints);
 }

@@ -5,7 +5,7 @@
 
 namespace host {
 
-// What all windows of the program have in common for the desktop.
+// The properties that all windows of the program share.
 struct ProgramIdentity {
     std::string instanceName;
     std::string className;
@@ -31,7 +31,7 @@ void SetTitleProperties(const Connection& connection, xcb_window_t window,
 void SetFrameHints(const Connection& connection, xcb_window_t window, const PixelRect& outer,
                    bool resizable);
 
-// What the window manager reads when the window is mapped.
+// The window manager reads it when the window is mapped.
 struct InitialState {
     bool minimized = false;
     bool floating = false;

@@ -104,7 +104,7 @@ void WindowRoster::Allow() {
     UpdateMenus();
 }
 
-// Those whose threads run; a window that was never shown belongs to whoever built it.
+// Windows whose threads run; a window that was never shown belongs to its builder.
 std::vector<BMessenger> WindowRoster::Running() const {
     std::lock_guard lock(fMutex);
     std::vector<BMessenger> running;

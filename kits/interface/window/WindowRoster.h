@@ -18,7 +18,7 @@ class WindowRoster : public host::DisplaySink {
 public:
     static WindowRoster& Shared();
 
-    // The first window that is no alert, no menu and no bubble is the program's main window.
+    // The program's main window is the first one that is not an alert, a menu or a bubble.
     void Add(BWindow* window);
     void Remove(BWindow* window);
 

@@ -1,14 +1,14 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/host/x11/Recorded.h"
+#include "tests/host/x11/EventLog.h"
 #include "tests/support/Peer.h"
 
 namespace host {
 namespace {
 
+using test::Desk;
 using test::Peer;
-using test::PrivateDesktop;
 using test::WaitUntil;
 using testing::ElementsAre;
 
@@ -124,24 +124,8 @@ TEST(DesktopSettings, BrokenOnesCountAsFarAsTheyGo) {
     EXPECT_EQ(ReadDesktopSettings(whole, {}).scale, 2);
 }
 
-TEST(Displays, HaveTheDesktopsScaleAndMonitors) {
-    PrivateDesktop desktop(
-        {.width = 1600, .monitors = {{0, 0, 1000, 900}, {1000, 100, 600, 800}}, .dpi = 192});
-    TestDisplay display(desktop);
-    EXPECT_EQ(display->Scale(), 2);
-    EXPECT_EQ(display->DoubleClickTime(), 400'000);
-    EXPECT_THAT(display->Monitors(),
-                ElementsAre(PixelRect{0, 0, 1000, 900}, PixelRect{1000, 100, 1600, 900}));
-    desktop.SetMonitors({{600, 0, 1000, 900}, {0, 0, 600, 900}});
-    EXPECT_TRUE(WaitUntil([&] { return display.Sink().monitorChanges > 0; }));
-    EXPECT_TRUE(WaitUntil([&] {
-        return display->Monitors() ==
-               std::vector{PixelRect{600, 0, 1600, 900}, PixelRect{0, 0, 600, 900}};
-    }));
-}
-
 TEST(Displays, FollowTheSettingsManagerAsItComesChangesAndGoes) {
-    PrivateDesktop desktop({.windowManager = false});
+    Desk desktop({.windowManager = false});
     TestDisplay display(desktop);
     const auto becomes = [&](double scale, bigtime_t clicks) {
         return WaitUntil(
@@ -170,7 +154,7 @@ TEST(Displays, FollowTheSettingsManagerAsItComesChangesAndGoes) {
 }
 
 TEST(Displays, TellOnceThatTheyAreLostAndBearCallsAfterThat) {
-    PrivateDesktop desktop({.windowManager = false});
+    Desk desktop({.windowManager = false});
     TestDisplay display(desktop);
     WindowSpec spec = BarSpec({100, 80, 340, 112});
     TestWindow bar = display.CreateShown(spec);
@@ -196,14 +180,14 @@ TEST(Displays, TellOnceThatTheyAreLostAndBearCallsAfterThat) {
 }
 
 TEST(Displays, SayWhyTheyCannotBeUsed) {
-    RecordedDisplay sink;
+    DisplayLog sink;
     std::string problem;
     EXPECT_EQ(XDisplay::Connect(":54321", &sink, "bar", "Bar", problem), nullptr);
     EXPECT_THAT(problem, testing::HasSubstr("no display server answers"));
     EXPECT_EQ(XDisplay::Connect("nonsense", &sink, "bar", "Bar", problem), nullptr);
     EXPECT_FALSE(problem.empty());
 
-    PrivateDesktop shallow({.depth = 16, .windowManager = false});
+    Desk shallow({.depth = 16, .windowManager = false});
     EXPECT_EQ(XDisplay::Connect(shallow.Name().c_str(), &sink, "bar", "Bar", problem), nullptr);
     EXPECT_THAT(problem, testing::HasSubstr("16 bits a pixel"));
 }

@@ -6,7 +6,7 @@
 
 #include "base/Errors.h"
 #include "host/x11/exchange/FileUri.h"
-#include "tests/host/x11/Recorded.h"
+#include "tests/host/x11/EventLog.h"
 #include "tests/support/Peer.h"
 #include "tests/support/Robot.h"
 

@@ -2,24 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/host/x11/Recorded.h"
+#include "tests/host/x11/EventLog.h"
 #include "tests/support/InputServer.h"
-#include "tests/support/Robot.h"
 
 namespace host {
 namespace {
 
+using test::Desk;
 using test::InputServer;
-using test::PrivateDesktop;
-using test::Robot;
 using test::WaitUntil;
 
 class InputMethodTest : public testing::Test {
 protected:
     InputMethodTest() {
         setenv("XMODIFIERS", "@im=testim", 1);
-        fServer = std::make_unique<InputServer>(fDesktop);
-        fDisplay = std::make_unique<TestDisplay>(fDesktop);
+        fServer = std::make_unique<InputServer>(fDesk);
+        fDisplay = std::make_unique<TestDisplay>(fDesk);
         fWindow = fDisplay->Create(NormalSpec({100, 100, 300, 300}));
         fWindow.events->OnEvent([this](const WindowEvent& event) { Record(event); });
         fWindow->Show();
@@ -59,11 +57,10 @@ protected:
     }
     void Type(const std::string& letters) {
         for (char letter : letters)
-            fRobot.Key(static_cast<uint32_t>(letter));
+            fDesk.Key(static_cast<uint32_t>(letter));
     }
 
-    PrivateDesktop& fDesktop = PrivateDesktop::Shared();
-    Robot fRobot{fDesktop};
+    Desk& fDesk = Desk::Shared();
     std::mutex fLock;
     std::string fTyped;
     std::unique_ptr<InputServer> fServer;
@@ -80,11 +77,11 @@ TEST_F(InputMethodTest, TakesOnlyTheKeysOfATextField) {
     EXPECT_TRUE(WaitUntil([&] { return fServer->spot == (20u << 16 | 50u); }));
     Type("bacaadb");
     ExpectTyped("bB[日本é]cC[日本é][日本é]dDbB");
-    fRobot.Key(XK_Tab);
-    fRobot.KeyDown(XK_Control_L);
+    fDesk.Key(XK_Tab);
+    fDesk.KeyDown(XK_Control_L);
     Type("c");
-    fRobot.KeyUp(XK_Control_L);
-    fRobot.Key(XK_Escape);
+    fDesk.KeyUp(XK_Control_L);
+    fDesk.Key(XK_Escape);
     ExpectTyped("\t\tcC\x1b\x1b");
     fWindow->SetTextCaret(PixelRect{120, 30, 121, 50});
     EXPECT_TRUE(WaitUntil([&] { return fServer->spot == (120u << 16 | 50u); }));
@@ -129,7 +126,7 @@ TEST_F(InputMethodTest, KeysGoOnWithoutAServerThatAnswers) {
     Type("a");
     ExpectTyped("aA");
 
-    fServer = std::make_unique<InputServer>(fDesktop);
+    fServer = std::make_unique<InputServer>(fDesk);
     AwaitContext(1);
     Type("ba");
     ExpectTyped("bB[日本é]");

@@ -5,21 +5,18 @@
 #include <gmock/gmock.h>
 
 #include "host/x11/server/Connection.h"
-#include "tests/host/x11/Recorded.h"
+#include "tests/host/x11/EventLog.h"
 #include "tests/host/x11/SessionInput.h"
 #include "tests/support/Peer.h"
-#include "tests/support/Robot.h"
 
 namespace host {
 namespace {
 
+using test::Desk;
 using test::Peer;
 using test::PlainWindow;
-using test::PrivateDesktop;
-using test::Robot;
 using test::WaitUntil;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class Input : public testing::Test {
 protected:
@@ -29,7 +26,7 @@ protected:
     std::vector<std::string> TextsOf(const TestWindow& window, std::vector<uint32_t> keys) {
         window.events->Forget();
         for (uint32_t key : keys)
-            fRobot.Key(key);
+            fDesk.Key(key);
         EXPECT_TRUE(window.events->Await<KeyChanged>(2 * keys.size()));
         std::vector<std::string> texts;
         for (const KeyChanged& change : window.events->All<KeyChanged>()) {
@@ -46,44 +43,16 @@ protected:
         return window;
     }
 
-    PrivateDesktop& fDesktop = PrivateDesktop::Shared();
-    TestDisplay fDisplay{fDesktop};
-    test::Screen& fScreen = fDisplay.OnScreen();
-    Robot fRobot{fDesktop};
+    Desk& fDesk = Desk::Shared();
+    TestDisplay fDisplay{fDesk};
 };
-
-TEST_F(Input, ThePointerIsOverAWindowOnlyWhileItsEventsComeThere) {
-    fRobot.MoveTo(150, 90);
-    TestWindow window = fDisplay.CreateShown(NormalSpec({100, 80, 340, 112}));
-    auto becomes = [&](bool over) {
-        return WaitUntil([&] { return window.events->Last<PointerOver>().over == over; });
-    };
-    EXPECT_TRUE(becomes(true)) << "mapped under the pointer";
-
-    Peer other(fDesktop);
-    ASSERT_TRUE(other.GrabPointer());
-    EXPECT_TRUE(becomes(false)) << "another program took it";
-    fRobot.MoveTo(700, 700);
-    other.Ungrab();
-    fDisplay.AwaitEvents();
-    EXPECT_FALSE(window.events->Last<PointerOver>().over);
-
-    fRobot.MoveTo(150, 90);
-    EXPECT_TRUE(becomes(true));
-    window->Hide();
-    EXPECT_TRUE(becomes(false));
-    window->Show();
-    EXPECT_TRUE(becomes(true));
-    window->SetMinimized(true);
-    EXPECT_TRUE(becomes(false));
-}
 
 TEST_F(Input, CountsClicks) {
     TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
     TestWindow other = fDisplay.CreateShown(MenuSpec({100, 200, 200, 300}));
     auto clicksOf = [&](const TestWindow& window, int x, int y, int button) {
         std::size_t before = window.events->All<ButtonPressed>().size();
-        fRobot.Click(x, y, button);
+        fDesk.Click(x, y, button);
         EXPECT_TRUE(window.events->Await<ButtonPressed>(before + 1));
         return window.events->Last<ButtonPressed>().clicks;
     };
@@ -119,7 +88,7 @@ TEST_F(Input, KeysHaveTheirPlaceAndTheirText) {
         {XK_Super_L, 0x66, ""},    {XK_Menu, 0x68, ""}};
     for (const Key& key : keys) {
         window.events->Forget();
-        fRobot.Key(key.keysym);
+        fDesk.Key(key.keysym);
         ASSERT_TRUE(window.events->Await<KeyChanged>(2)) << key.code;
         auto changes = window.events->All<KeyChanged>();
         EXPECT_TRUE(changes[0].down && !changes[1].down);
@@ -130,45 +99,15 @@ TEST_F(Input, KeysHaveTheirPlaceAndTheirText) {
     }
 }
 
-TEST_F(Input, ModifiersAreToldAndDoNotMakeControlCharacters) {
-    TestWindow window = CreateActive();
-    TextsOf(window, {XK_Num_Lock});
-    EXPECT_THAT(TextsOf(window, {XK_KP_Up, XK_KP_Begin, XK_KP_Delete}), ElementsAre("8", "5", "."));
-    EXPECT_EQ(window.events->Last<KeyChanged>().key, 0x65u);
-    EXPECT_EQ(window.events->Last<KeyChanged>().modifiers, kNumLock);
-    TextsOf(window, {XK_Num_Lock});
-    const struct {
-        uint32_t modifier;
-        std::string text;
-        uint32 told;
-    } cases[] = {{XK_Shift_L, "C", kShiftKey},
-                 {XK_Control_L, "c", kControlKey},
-                 {XK_Alt_L, "c", kCommandKey},
-                 {XK_Super_L, "c", kOptionKey}};
-    for (const auto& one : cases) {
-        // Releases of keys of the time before may still arrive.
-        window.events->Forget();
-        fRobot.KeyDown(one.modifier);
-        fRobot.Key(XK_c);
-        fRobot.KeyUp(one.modifier);
-        EXPECT_TRUE(WaitUntil([&] {
-            const auto all = window.events->All<KeyChanged>();
-            return std::ranges::any_of(all, [&](const KeyChanged& change) {
-                return change.down && change.text == one.text && change.modifiers == one.told;
-            });
-        })) << one.modifier;
-    }
-}
-
 TEST_F(Input, FollowsTheLayout) {
     TestWindow window = CreateActive();
     EXPECT_THAT(TextsOf(window, {XK_a, XK_q}), ElementsAre("a", "q"));
     // Russian in the second group, chosen by Shift with Caps Lock.
     SetLayout({"us,ru", "-option", "grp:shift_caps_toggle"});
     EXPECT_THAT(TextsOf(window, {XK_a, XK_q}), ElementsAre("a", "q"));
-    fRobot.KeyDown(XK_Shift_L);
-    fRobot.Key(XK_Caps_Lock);
-    fRobot.KeyUp(XK_Shift_L);
+    fDesk.KeyDown(XK_Shift_L);
+    fDesk.Key(XK_Caps_Lock);
+    fDesk.KeyUp(XK_Shift_L);
     EXPECT_TRUE(WaitUntil([&] {
         return TextsOf(window, {XK_a, XK_q}) == std::vector<std::string>{"\xd1\x84", "\xd0\xb9"};
     }));
@@ -189,76 +128,56 @@ TEST_F(Input, ComposesCharactersOfSeveralKeys) {
                 ElementsAre("", "q", "", "", "e"));
 }
 
-TEST_F(Input, HeldKeysRepeat) {
+TEST_F(Input, ModifiersMakeNoControlCharacters) {
     TestWindow window = CreateActive();
-    fRobot.KeyDown(XK_a);
-    EXPECT_TRUE(window.events->Await<KeyChanged>(4));
-    fRobot.KeyUp(XK_a);
-    EXPECT_TRUE(WaitUntil([&] { return !window.events->Last<KeyChanged>().down; }));
-    auto changes = window.events->All<KeyChanged>();
-    for (std::size_t i = 0; i + 1 < changes.size(); i++) {
-        EXPECT_TRUE(changes[i].down);
-        EXPECT_EQ(changes[i].repeated, i > 0);
+    const std::pair<uint32_t, uint32> modifiers[] = {{XK_Shift_L, kShiftKey},
+                                                     {XK_Control_L, kControlKey},
+                                                     {XK_Alt_L, kCommandKey},
+                                                     {XK_Super_L, kOptionKey}};
+    for (const auto& [key, bit] : modifiers) {
+        window.events->Forget();
+        fDesk.KeyWith(key, XK_c);
+        ASSERT_TRUE(window.events->Await<KeyChanged>(4));
+        const KeyChanged typed = window.events->All<KeyChanged>()[1];
+        EXPECT_EQ(typed.text, bit == kShiftKey ? "C" : "c");
+        EXPECT_EQ(typed.modifiers, bit);
     }
-    fRobot.KeyDown(XK_b);
-    EXPECT_TRUE(WaitUntil([&] { return window.events->Last<KeyChanged>().text == "b"; }));
-    PlainWindow other(fDesktop, {600, 300, 200, 100});
+}
+
+TEST_F(Input, AKeyThatWasReleasedElsewhereDoesNotRepeat) {
+    TestWindow window = CreateActive();
+    fDesk.KeyDown(XK_b);
+    EXPECT_TRUE(window.events->Await<KeyChanged>());
+    PlainWindow other(fDesk, {600, 300, 200, 100});
     other.Activate();
-    fRobot.KeyUp(XK_b);
+    fDesk.KeyUp(XK_b);
     window->Activate();
     EXPECT_TRUE(WaitUntil([&] { return window.events->Last<FocusChanged>().active; }));
     window.events->Forget();
-    fRobot.Key(XK_b);
+    fDesk.Key(XK_b);
     ASSERT_TRUE(window.events->Await<KeyChanged>());
-    EXPECT_FALSE(window.events->All<KeyChanged>()[0].repeated) << "it was released elsewhere";
+    EXPECT_FALSE(window.events->All<KeyChanged>()[0].repeated);
 }
 
-TEST_F(Input, PointerLeavesTheWindowForAGrabbingMenu) {
-    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    TestWindow menu = fDisplay.CreateShown(MenuSpec({100, 120, 200, 300}));
-    fRobot.MoveTo(110, 90);
-    ASSERT_TRUE(bar.events->Await<PointerMoved>());
-    fRobot.Press();
-    ASSERT_TRUE(bar.events->Await<ButtonPressed>());
-    EXPECT_THAT(bar.events->All<PointerLeft>(), IsEmpty())
-        << "the window manager's own grab does not count";
-    ASSERT_EQ(menu->GrabInput(300'000), B_OK);
-    EXPECT_TRUE(bar.events->Await<PointerLeft>());
-    fRobot.Release();
-    EXPECT_TRUE(menu.events->Await<ButtonReleased>()) << "of the press that opened the menu";
-    bar.events->Forget();
-    menu->ReleaseInput();
-    EXPECT_TRUE(bar.events->Await<PointerMoved>()) << "the pointer is back";
-}
-
-TEST_F(Input, GrabWaitsForOthersAndGivesUpInTime) {
-    TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
-    Peer foreign(fDesktop);
-    ASSERT_TRUE(foreign.GrabKeyboard());
-    bigtime_t start = Now();
-    EXPECT_EQ(menu->GrabInput(100'000), B_TIMED_OUT);
-    EXPECT_GE(Now() - start, 100'000);
-    // The pointer was to be had, and must not be kept.
-    TestWindow bar = fDisplay.CreateShown(BarSpec({400, 80, 640, 112}));
-    fRobot.MoveTo(410, 90);
-    EXPECT_TRUE(bar.events->Await<PointerMoved>());
-
-    std::thread releaser([&] {
-        // Long enough for several tries; whether it is does not change the result.
-        std::this_thread::sleep_for(std::chrono::milliseconds(40));
-        foreign.Die();
-    });
-    EXPECT_EQ(menu->GrabInput(10'000'000), B_OK);
-    releaser.join();
-    EXPECT_FALSE(Peer(fDesktop).GrabKeyboard());
-    menu->ReleaseInput();
-    fDisplay->Sync();
-    EXPECT_TRUE(Peer(fDesktop).GrabKeyboard());
+TEST_F(Input, ThePointerIsNotOverAWindowWhileAnotherProgramHasIt) {
+    fDesk.MoveTo(150, 90);
+    TestWindow window = fDisplay.CreateShown(NormalSpec({100, 80, 340, 112}));
+    auto becomes = [&](bool over) {
+        return WaitUntil([&] { return window.events->Last<PointerOver>().over == over; });
+    };
+    EXPECT_TRUE(becomes(true)) << "mapped under the pointer";
+    Peer other(fDesk);
+    ASSERT_TRUE(other.GrabPointer());
+    EXPECT_TRUE(becomes(false));
+    fDesk.MoveTo(700, 700);
+    other.Ungrab();
+    fDisplay.AwaitEvents();
+    EXPECT_FALSE(window.events->Last<PointerOver>().over);
 }
 
 TEST_F(Input, ReleaseEndsAGrabThatIsStillBeingTakenOnAnotherThread) {
     TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
-    Peer other(fDesktop);
+    Peer other(fDesk);
     ASSERT_TRUE(other.GrabKeyboard());
     auto taking = std::async(std::launch::async, [&] { return menu->GrabInput(10'000'000); });
     ASSERT_TRUE(WaitUntil([&] { return fDisplay->Grab().IsHeld(); }));
@@ -278,19 +197,22 @@ TEST_F(Input, ReleaseEndsAGrabThatIsStillBeingTakenOnAnotherThread) {
 
 TEST_F(Input, RefusedGrabLeavesThePressItsRelease) {
     TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
-    fRobot.MoveTo(160, 160);
-    fRobot.Press();
+    fDesk.MoveTo(160, 160);
+    fDesk.Press();
     ASSERT_TRUE(menu.events->Await<ButtonPressed>());
-    Peer other(fDesktop);
+    Peer other(fDesk);
     ASSERT_TRUE(other.GrabKeyboard());
     EXPECT_EQ(menu->GrabInput(50'000), B_TIMED_OUT);
-    fRobot.MoveTo(700, 700);
-    fRobot.Release();
+    fDesk.MoveTo(700, 700);
+    fDesk.Release();
     EXPECT_TRUE(menu.events->Await<ButtonReleased>());
+    other.Ungrab();
+    EXPECT_EQ(menu->GrabInput(0), B_OK);
+    menu->ReleaseInput();
 }
 
 TEST_F(Input, ProgramLosesTheFocusToOthersOnly) {
-    PlainWindow other(fDesktop, {600, 300, 200, 100});
+    PlainWindow other(fDesk, {600, 300, 200, 100});
     TestWindow window = CreateActive();
     TestWindow second = fDisplay.CreateShown(NormalSpec({100, 400, 300, 500}));
     ASSERT_TRUE(WaitUntil([&] { return second.events->Last<FocusChanged>().active; }));
@@ -314,19 +236,19 @@ TEST_F(Input, ProgramLosesTheFocusToOthersOnly) {
 
 TEST_F(Input, ClickThatActivatesAndOpensAMenuIsNoLossOfTheFocus) {
     TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    PlainWindow other(fDesktop, {600, 300, 200, 100});
+    PlainWindow other(fDesk, {600, 300, 200, 100});
     TestWindow menu = fDisplay.Create(MenuSpec({100, 120, 200, 300}));
     for (int i = 0; i < 5; i++) {
         other.Activate();
         fDisplay.AwaitEvents();
         int before = fDisplay.Sink().focusLosses;
         bar.events->Forget();
-        fRobot.MoveTo(110 + i * 20, 90);
-        fRobot.Press();
+        fDesk.MoveTo(110 + i * 20, 90);
+        fDesk.Press();
         ASSERT_TRUE(bar.events->Await<ButtonPressed>());
         ASSERT_EQ(menu->GrabInput(300'000), B_OK) << "not shown before it has the input";
         menu->Show();
-        fRobot.Release();
+        fDesk.Release();
         ASSERT_TRUE(WaitUntil([&] { return bar.events->Last<FocusChanged>().active; }));
         ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsActive(bar); }));
         // Longer than a loss is doubted.
@@ -343,12 +265,12 @@ TEST_F(Input, ScreenLockerThatTakesTheFocusClosesMenus) {
     TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
     ASSERT_EQ(menu->GrabInput(300'000), B_OK);
     int before = fDisplay.Sink().focusLosses;
-    TestDisplay lockerProgram(fDesktop);
+    TestDisplay lockerProgram(fDesk);
     TestWindow locker = lockerProgram.CreateShown(MenuSpec({0, 0, 50, 50}));
     // It is not managed, so the window manager tells nobody of it.
-    xcb_set_input_focus(fDesktop.Connection(), XCB_INPUT_FOCUS_PARENT, lockerProgram.IdOf(locker),
+    xcb_set_input_focus(fDesk.Connection(), XCB_INPUT_FOCUS_PARENT, lockerProgram.IdOf(locker),
                         XCB_CURRENT_TIME);
-    fDesktop.Sync();
+    fDesk.Sync();
     EXPECT_TRUE(WaitUntil([&] { return fDisplay.Sink().focusLosses > before; }));
 }
 

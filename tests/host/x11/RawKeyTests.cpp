@@ -3,18 +3,16 @@
 #include <gmock/gmock.h>
 #include <xcb/xinput.h>
 
-#include "tests/host/x11/Recorded.h"
+#include "tests/host/x11/EventLog.h"
 #include "tests/host/x11/SessionInput.h"
 #include "tests/support/Peer.h"
-#include "tests/support/Robot.h"
 
 namespace host {
 namespace {
 
+using test::Desk;
 using test::Peer;
 using test::PlainWindow;
-using test::PrivateDesktop;
-using test::Robot;
 using test::WaitUntil;
 
 constexpr KeyStates kNothing{};
@@ -27,8 +25,6 @@ struct Place {
 constexpr Place kDigit1{10, 0x12};
 constexpr Place kTopLeftLetter{24, 0x27};
 constexpr Place kKeypad3{89, 0x5a};
-constexpr Place kKeypadDelete{91, 0x65};
-constexpr Place kBesideShift{94, 0x69};
 constexpr Place kLeftWindows{133, 0x66};
 
 // Another program has the focus.
@@ -53,39 +49,11 @@ protected:
         return told.empty() ? kNothing : told.back().states;
     }
 
-    PrivateDesktop& fDesktop = PrivateDesktop::Shared();
-    TestDisplay fDisplay{fDesktop};
-    PlainWindow fOther{fDesktop, {600, 300, 200, 100}};
-    Robot fRobot{fDesktop};
-    Peer fPeer{fDesktop};
+    Desk& fDesk = Desk::Shared();
+    TestDisplay fDisplay{fDesk};
+    PlainWindow fOther{fDesk, {600, 300, 200, 100}};
+    Peer fPeer{fDesk};
 };
-
-TEST_F(RawKeyTest, AreToldOnceByTheirPlace) {
-    auto check = [&](const std::string& where) {
-        for (const Place& place :
-             {kDigit1, kTopLeftLetter, kKeypad3, kKeypadDelete, kBesideShift, kLeftWindows}) {
-            Press(place);
-            Release(place);
-            auto told = Told();
-            ASSERT_EQ(told.size(), 2u) << where << place.code;
-            EXPECT_TRUE(told[0].down && !told[1].down);
-            EXPECT_TRUE(told[0].key == place.code && told[1].key == place.code) << where;
-            EXPECT_EQ(told[0].before, kNothing);
-            EXPECT_TRUE(IsHeld(told[0].states, place.code));
-            EXPECT_EQ(told[1].states, kNothing);
-        }
-    };
-    for (const char* layout : {"us", "fr", "ru", "us(dvorak)"}) {
-        SetLayout({layout});
-        check(layout);
-    }
-    for (uint32_t lock : {XK_Num_Lock, XK_Caps_Lock}) {
-        fRobot.Key(lock);
-        Told();
-        check(lock == XK_Num_Lock ? "Num Lock" : "Caps Lock");
-        fRobot.Key(lock);
-    }
-}
 
 TEST_F(RawKeyTest, LayoutSwitchedWhileAKeyIsDownLeavesNothingHeld) {
     Press(kTopLeftLetter);
@@ -120,7 +88,7 @@ TEST_F(RawKeyTest, GrabsHideNothing) {
     Release(kKeypad3);
     EXPECT_EQ(Told().size(), 2u);
     fPeer.Ungrab();
-    EXPECT_TRUE(Peer(fDesktop).GrabKeyboard()) << "watching takes hold of nothing";
+    EXPECT_TRUE(Peer(fDesk).GrabKeyboard()) << "watching takes hold of nothing";
     // The program's own.
     TestWindow menu = fDisplay.CreateShown(MenuSpec({150, 150, 250, 350}));
     Press(kDigit1);
@@ -157,7 +125,7 @@ TEST_F(RawKeyTest, AreWatchedFromOneCallToTheOther) {
 }
 
 TEST_F(RawKeyTest, AReleaseThatNeverCameIsMadeUpForWhenKeyboardsChange) {
-    RecordedDisplay sink;
+    DisplayLog sink;
     RawKeys keys(fDisplay->Server(), &sink);
     keys.Watch(true, "barprogram");
     xcb_input_raw_key_press_event_t event{};
@@ -175,7 +143,7 @@ TEST_F(RawKeyTest, AReleaseThatNeverCameIsMadeUpForWhenKeyboardsChange) {
 }
 
 TEST_F(RawKeyTest, AnOldServerIsToldOfInOneLine) {
-    TestDisplay old(fDesktop);
+    TestDisplay old(fDesk);
     // The server keeps to the version that a program named first.
     Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
         old->Server(), xcb_input_xi_query_version(old->Server(), 2, 0), nullptr));

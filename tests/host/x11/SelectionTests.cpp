@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "base/Errors.h"
-#include "tests/host/x11/Recorded.h"
+#include "tests/host/x11/EventLog.h"
 #include "tests/support/Peer.h"
 
 namespace host {

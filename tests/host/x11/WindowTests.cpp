@@ -3,15 +3,14 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/host/x11/Recorded.h"
-#include "tests/support/Robot.h"
+#include "tests/host/x11/EventLog.h"
+#include "tests/support/Peer.h"
 
 namespace host {
 namespace {
 
-using test::PlainWindow;
-using test::PrivateDesktop;
-using test::Robot;
+using test::Desk;
+using test::Peer;
 using test::WaitUntil;
 using testing::ElementsAre;
 
@@ -19,50 +18,26 @@ constexpr uint32 kEverywhere = 0xffffffff;
 
 class Windows : public testing::Test {
 protected:
-    PrivateDesktop& fDesktop = PrivateDesktop::Shared();
-    TestDisplay fDisplay{fDesktop};
-    test::Screen& fScreen = fDisplay.OnScreen();
+    Desk& fDesk = Desk::Shared();
+    TestDisplay fDisplay{fDesk};
 };
 
-TEST_F(Windows, FramesAreExactToThePixelAlsoAfterComingBack) {
-    WindowSpec wide = NormalSpec({200, 200, 400, 300});
-    for (WindowSpec spec : {BarSpec({100, 80, 340, 112}), wide, MenuSpec({50, 60, 150, 260})}) {
-        SCOPED_TRACE(static_cast<int>(spec.kind));
-        TestWindow window = fDisplay.Create(spec);
-        PixelRect beforeMap{300, 310, 431, 352};
-        window->SetFrame(beforeMap);
-        window->Show();
-        ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
-        EXPECT_TRUE(WaitUntil([&] { return fDisplay.FrameOf(window, spec.border) == beforeMap; }))
-            << fDisplay.FrameOf(window, spec.border);
-        EXPECT_TRUE(
-            WaitUntil([&] { return window.events->Last<FrameChanged>().frame == beforeMap; }));
-        for (PixelRect frame :
-             {PixelRect{301, 310, 432, 352}, {41, 77, 121, 130}, {300, 310, 431, 352}}) {
-            window->SetFrame(frame);
-            EXPECT_TRUE(WaitUntil([&] { return fDisplay.FrameOf(window, spec.border) == frame; }))
-                << fDisplay.FrameOf(window, spec.border) << " instead of " << frame;
-            EXPECT_TRUE(WaitUntil([&] {
-                return window.events->Last<FrameChanged>().frame == frame;
-            })) << window.events->Last<FrameChanged>().frame
-                << " instead of " << frame;
-        }
-        for (int i = 0; i < 3; i++) {
-            window->Hide();
-            ASSERT_TRUE(WaitUntil([&] { return !fDisplay.IsShown(window); }));
-            window->Show();
-            ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
-        }
-        EXPECT_TRUE(WaitUntil([&] { return fDisplay.FrameOf(window, spec.border) == beforeMap; }))
-            << fDisplay.FrameOf(window, spec.border);
-        if (spec.allDesktops) {
-            EXPECT_TRUE(WaitUntil([&] {
-                return fScreen.HasState(fDisplay.IdOf(window), "_NET_WM_STATE_ABOVE") &&
-                       fScreen.Cardinals(fDisplay.IdOf(window), "_NET_WM_DESKTOP") ==
-                           std::vector{kEverywhere};
-            }));
-        }
+TEST_F(Windows, TheBarComesBackToThePixelWithItsState) {
+    TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
+    const PixelRect frame{301, 310, 432, 352};
+    bar->SetFrame(frame);
+    for (int i = 0; i < 3; i++) {
+        bar->Hide();
+        ASSERT_TRUE(WaitUntil([&] { return !fDisplay.IsShown(bar); }));
+        bar->Show();
+        ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(bar); }));
     }
+    EXPECT_TRUE(WaitUntil([&] {
+        const xcb_window_t id = fDisplay.IdOf(bar);
+        return fDisplay.FrameOf(bar, 1) == frame && fDesk.HasState(id, "_NET_WM_STATE_ABOVE") &&
+               fDesk.Cardinals(id, "_NET_WM_DESKTOP") == std::vector{kEverywhere};
+    })) << fDisplay.FrameOf(bar, 1);
+    EXPECT_EQ(bar.events->Last<FrameChanged>().frame, frame);
 }
 
 TEST_F(Windows, FollowsTheWindowManager) {
@@ -70,11 +45,11 @@ TEST_F(Windows, FollowsTheWindowManager) {
     window.events->Forget();
     // As a person drags it: the window manager moves its own frame, the window in it stays put.
     constexpr uint32 kStaticGravityAndBothPlaces = XCB_GRAVITY_STATIC | 1 << 8 | 1 << 9 | 2 << 12;
-    const auto move = fDesktop.Message(fDisplay.IdOf(window), "_NET_MOVERESIZE_WINDOW",
-                                       {kStaticGravityAndBothPlaces, 240, 225});
-    xcb_send_event(fDesktop.Connection(), false, fDesktop.Root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT, reinterpret_cast<const char*>(&move));
-    fDesktop.Sync();
+    const auto move = fDesk.Message(fDisplay.IdOf(window), "_NET_MOVERESIZE_WINDOW",
+                                    {kStaticGravityAndBothPlaces, 240, 225});
+    xcb_send_event(fDesk.Connection(), false, fDesk.Root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&move));
+    fDesk.Sync();
     EXPECT_TRUE(WaitUntil([&] {
         return window.events->Last<FrameChanged>().frame == PixelRect{240, 225, 440, 325};
     })) << window.events->Last<FrameChanged>().frame;
@@ -88,7 +63,7 @@ TEST_F(Windows, ShowsIconsAsTheyAre) {
     fDisplay->Sync();
     window->Show();
     EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
-    EXPECT_THAT(fScreen.Cardinals(fDisplay.IdOf(window), "_NET_WM_ICON"),
+    EXPECT_THAT(fDesk.Cardinals(fDisplay.IdOf(window), "_NET_WM_ICON"),
                 ElementsAre(2, 1, 0x80402000, 0x80402000));
 }
 
@@ -98,7 +73,7 @@ TEST_F(Windows, AlertStandsAboveTheFloatingBar) {
         fDisplay.CreateShown({.kind = WindowKind::Alert, .frame = {120, 90, 320, 190}}, 0x00ff00);
     EXPECT_TRUE(WaitUntil([&] { return fDisplay.IsActive(alert); }));
     bar->Raise();
-    EXPECT_TRUE(WaitUntil([&] { return fScreen.Pixel(200, 100) == 0x00ff00; }));
+    EXPECT_TRUE(WaitUntil([&] { return fDesk.Pixel(200, 100) == 0x00ff00; }));
     EXPECT_THAT(fDisplay.Describe(alert).types, ElementsAre("_NET_WM_WINDOW_TYPE_DIALOG"));
 }
 
@@ -106,13 +81,13 @@ TEST_F(Windows, GrownWindowKeepsItsPictureAndIsWhiteBesides) {
     TestWindow menu = fDisplay.CreateShown(MenuSpec({100, 80, 200, 120}), 0x336699);
     menu->SetFrame({100, 80, 260, 180});
     EXPECT_TRUE(WaitUntil([&] {
-        test::Picture seen = fScreen.Grab({100, 80, 160, 100});
+        test::Picture seen = fDesk.Grab({100, 80, 160, 100});
         return seen.Count(0x336699) == 100 * 40 && seen.Count(0xffffff) == 160 * 100 - 100 * 40;
     }));
     // Also when another window covered it.
     fDisplay.CreateShown(MenuSpec({90, 70, 300, 200}), 0x00ff00)->Hide();
     EXPECT_TRUE(WaitUntil([&] {
-        return fScreen.Grab({100, 80, 160, 100}).Count(0x336699) == 100 * 40;
+        return fDesk.Grab({100, 80, 160, 100}).Count(0x336699) == 100 * 40;
     }));
 }
 
@@ -125,7 +100,7 @@ TEST_F(Windows, PresentsOnlyTheDamageAndAnySize) {
                                       {10, 10, 10, 40},
                                       {800, 800, 900, 850}});
     EXPECT_TRUE(WaitUntil([&] {
-        test::Picture seen = fScreen.Grab({0, 0, 1200, 880});
+        test::Picture seen = fDesk.Grab({0, 0, 1200, 880});
         for (int y = 0; y < 880; y++) {
             for (int x = 0; x < 1200; x++) {
                 bool isDamaged = (x >= 3 && y >= 5 && x < 1190 && y < 690) || (x < 2 && y < 2) ||
@@ -140,41 +115,28 @@ TEST_F(Windows, PresentsOnlyTheDamageAndAnySize) {
 
 TEST_F(Windows, AnswersPings) {
     TestWindow window = fDisplay.CreateShown(NormalSpec({200, 200, 400, 300}));
-    xcb_connection_t* watcher = xcb_connect(fDesktop.Name().c_str(), nullptr);
-    const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    xcb_change_window_attributes(watcher, fDesktop.Root(), XCB_CW_EVENT_MASK, &mask);
     const xcb_window_t id = fDisplay.IdOf(window);
-    const auto ping =
-        fDesktop.Message(id, "WM_PROTOCOLS", {fDesktop.Atom("_NET_WM_PING"), 12345, id});
-    xcb_send_event(watcher, false, ping.window, 0, reinterpret_cast<const char*>(&ping));
-    xcb_flush(watcher);
-    EXPECT_TRUE(WaitUntil([&] {
-        while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(watcher)}) {
-            auto* message = reinterpret_cast<xcb_client_message_event_t*>(event.get());
-            if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE &&
-                message->window == fDesktop.Root() && message->data.data32[1] == 12345 &&
-                message->data.data32[2] == ping.window)
-                return true;
-        }
-        return false;
-    }));
-    xcb_disconnect(watcher);
+    Peer manager(fDesk);
+    manager.Watch(fDesk.Root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    const std::vector<uint32> ping = {fDesk.Atom("_NET_WM_PING"), 12345, id, 0, 0};
+    manager.Send(id, id, "WM_PROTOCOLS", ping);
+    EXPECT_EQ(manager.AwaitMessage("WM_PROTOCOLS"), ping);
 }
 
 TEST_F(Windows, SurvivesWhatOthersDoToThem) {
     TestWindow window = fDisplay.CreateShown(NormalSpec({200, 200, 400, 300}));
     TestWindow bar = fDisplay.CreateShown(BarSpec({100, 80, 340, 112}));
-    xcb_connection_t* rival = fDesktop.Connection();
+    xcb_connection_t* rival = fDesk.Connection();
     xcb_window_t id = fDisplay.IdOf(window);
     for (const char* name : {"WM_STATE", "_NET_WM_STATE"}) {
-        xcb_atom_t atom = fDesktop.Atom(name);
+        xcb_atom_t atom = fDesk.Atom(name);
         xcb_change_property(rival, XCB_PROP_MODE_REPLACE, id, atom, XCB_ATOM_STRING, 8, 3, "abc");
         xcb_change_property(rival, XCB_PROP_MODE_REPLACE, id, atom, atom, 16, 1, "ab");
         xcb_change_property(rival, XCB_PROP_MODE_REPLACE, id, atom, XCB_ATOM_ATOM, 32, 0, nullptr);
     }
     for (uint8_t format : {8, 16, 32}) {
         for (const char* type : {"WM_PROTOCOLS", "_NET_WM_STATE", "WM_DELETE_WINDOW"}) {
-            auto message = fDesktop.Message(id, type, {});
+            auto message = fDesk.Message(id, type, {});
             message.format = format;
             xcb_send_event(rival, false, id, 0, reinterpret_cast<const char*>(&message));
         }
@@ -190,13 +152,13 @@ TEST_F(Windows, SurvivesWhatOthersDoToThem) {
         }
     }
     xcb_destroy_window(rival, id);
-    fDesktop.Sync();
+    fDesk.Sync();
     EXPECT_TRUE(window.events->Await<CloseRequested>());
     window->Show();
     window->SetFrame({1, 2, 3, 4});
     window->Activate();
     window.window.reset();
-    fScreen.Close(fDisplay.IdOf(bar));
+    fDesk.Close(fDisplay.IdOf(bar));
     EXPECT_TRUE(bar.events->Await<CloseRequested>()) << "the display thread still works";
 }
 
@@ -211,7 +173,7 @@ TEST_F(Windows, CanBeDestroyedByTheirSink) {
     });
     window->Show();
     ASSERT_TRUE(WaitUntil([&] { return fDisplay.IsShown(window); }));
-    fScreen.Close(fDisplay.IdOf(window));
+    fDesk.Close(fDisplay.IdOf(window));
     EXPECT_TRUE(WaitUntil([&] { return isGone.load(); }));
     EXPECT_TRUE(WaitUntil([&] { return fDisplay.IdOf(window) == XCB_WINDOW_NONE; }));
 }
@@ -219,9 +181,8 @@ TEST_F(Windows, CanBeDestroyedByTheirSink) {
 TEST_F(Windows, NoEventComesAfterTheDestructor) {
     std::atomic<bool> isEnding = false;
     std::thread mover([&] {
-        Robot robot(fDesktop);
         for (int i = 0; !isEnding; i++)
-            robot.MoveTo(100 + i % 100, 100);
+            fDesk.MoveTo(100 + i % 100, 100);
     });
     for (int i = 0; i < 30; i++) {
         TestWindow menu = fDisplay.Create(MenuSpec({100, 50, 200, 150}));

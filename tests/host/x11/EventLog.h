@@ -11,8 +11,7 @@
 #include <vector>
 
 #include "host/x11/XDisplay.h"
-#include "tests/support/PrivateDesktop.h"
-#include "tests/support/Screen.h"
+#include "tests/support/Desk.h"
 #include "tests/support/Wait.h"
 
 namespace host {
@@ -23,7 +22,7 @@ inline std::ostream& operator<<(std::ostream& out, const PixelRect& rect) {
 }
 
 // Keeps all events of a window.
-class RecordedEvents final : public WindowSink {
+class EventLog final : public WindowSink {
 public:
     void HandleEvent(const WindowEvent& event) override {
         {
@@ -68,7 +67,7 @@ private:
     std::function<void(const WindowEvent&)> fOnEvent;
 };
 
-class RecordedDisplay final : public DisplaySink {
+class DisplayLog final : public DisplaySink {
 public:
     void FocusLeftProgram() override { focusLosses++; }
     void MonitorsChanged() override { monitorChanges++; }
@@ -126,7 +125,7 @@ inline uint32 Pattern(int x, int y) {
 
 // A window of the program with its events. `events` outlives `window`.
 struct TestWindow {
-    std::unique_ptr<RecordedEvents> events = std::make_unique<RecordedEvents>();
+    std::unique_ptr<EventLog> events = std::make_unique<EventLog>();
     std::unique_ptr<HostWindow> window;
     std::string title;
 
@@ -136,9 +135,8 @@ struct TestWindow {
 // A display on a desktop, and windows on it.
 class TestDisplay {
 public:
-    explicit TestDisplay(test::PrivateDesktop& desktop)
-        : fDesktop(desktop)
-        , fScreen(desktop) {
+    explicit TestDisplay(test::Desk& desktop)
+        : fDesk(desktop) {
         std::string problem;
         fDisplay =
             XDisplay::Connect(desktop.Name().c_str(), &fSink, "barprogram", "BarProgram", problem);
@@ -154,13 +152,13 @@ public:
         fDisplay.reset();
         test::WaitUntil([&] {
             return std::ranges::none_of(
-                fScreen.Stacking(), [&](xcb_window_t window) { return (window & ~mask) == base; });
+                fDesk.Stacking(), [&](xcb_window_t window) { return (window & ~mask) == base; });
         });
     }
 
     XDisplay* operator->() const { return fDisplay.get(); }
-    RecordedDisplay& Sink() { return fSink; }
-    test::Screen& OnScreen() { return fScreen; }
+    DisplayLog& Sink() { return fSink; }
+    test::Desk& OnScreen() { return fDesk; }
 
     TestWindow Create(WindowSpec spec) {
         TestWindow made;
@@ -182,7 +180,7 @@ public:
     }
 
     test::WindowInfo Describe(const TestWindow& window) const {
-        auto found = fScreen.Windows([&](const test::WindowInfo& info) {
+        auto found = fDesk.Windows([&](const test::WindowInfo& info) {
             return info.title == window.title && info.instance == "barprogram";
         });
         return found.empty() ? test::WindowInfo{} : found[0];
@@ -192,17 +190,17 @@ public:
         TestWindow marker = Create({.kind = WindowKind::Menu});
         fDisplay->Sync();
         const auto message =
-            fDesktop.Message(IdOf(marker), "WM_PROTOCOLS", {fDesktop.Atom("WM_DELETE_WINDOW")});
-        xcb_send_event(fDesktop.Connection(), false, message.window, 0,
+            fDesk.Message(IdOf(marker), "WM_PROTOCOLS", {fDesk.Atom("WM_DELETE_WINDOW")});
+        xcb_send_event(fDesk.Connection(), false, message.window, 0,
                        reinterpret_cast<const char*>(&message));
-        fDesktop.Sync();
+        fDesk.Sync();
         if (!marker.events->Await<CloseRequested>())
             throw std::runtime_error("the display thread hangs");
     }
 
     xcb_window_t IdOf(const TestWindow& window) const { return Describe(window).id; }
     bool IsShown(const TestWindow& window) const { return Describe(window).viewable; }
-    bool IsActive(const TestWindow& window) const { return fScreen.ActiveWindow() == IdOf(window); }
+    bool IsActive(const TestWindow& window) const { return fDesk.ActiveWindow() == IdOf(window); }
     // The content, from the window that the server has.
     PixelRect FrameOf(const TestWindow& window, int border) const {
         test::Box box = Describe(window).frame;
@@ -211,9 +209,8 @@ public:
     }
 
 private:
-    test::PrivateDesktop& fDesktop;
-    test::Screen fScreen;
-    RecordedDisplay fSink;
+    test::Desk& fDesk;
+    DisplayLog fSink;
     std::unique_ptr<XDisplay> fDisplay;
 };
 
