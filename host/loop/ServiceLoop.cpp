@@ -8,8 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include "host/loop/GuardedCall.h"
-
 namespace host {
 
 // GLib is used on the service thread alone. Everything reaches it through `tasks`.
@@ -107,7 +105,58 @@ bool ServiceLoop::IsCurrentThread() const {
 
 namespace {
 
-// A source on the service thread and what it calls.
+// A function that one thread calls until any thread ends it.
+class GuardedCall {
+public:
+    explicit GuardedCall(std::function<void()> function);
+
+    // Calls the function, unless it was ended.
+    void Run();
+
+    // When this has returned, the function is not running and never runs again, and what it holds
+    // is gone. Called from the function itself that holds from its return on.
+    void End();
+
+    bool HasEnded() const;
+
+private:
+    // Held while the function runs, which may end itself.
+    mutable std::recursive_mutex fMutex;
+    std::function<void()> fFunction;
+    bool fIsRunning = false;
+    bool fHasEnded = false;
+};
+
+GuardedCall::GuardedCall(std::function<void()> function)
+    : fFunction(std::move(function)) {}
+
+void GuardedCall::Run() {
+    // What the function holds is destroyed without the lock: its destructors may end other calls.
+    std::function<void()> ended;
+    std::lock_guard lock(fMutex);
+    if (fHasEnded)
+        return;
+    fIsRunning = true;
+    fFunction();
+    fIsRunning = false;
+    if (fHasEnded)
+        ended.swap(fFunction);
+}
+
+void GuardedCall::End() {
+    std::function<void()> ended;
+    std::lock_guard lock(fMutex);
+    fHasEnded = true;
+    if (!fIsRunning)
+        ended.swap(fFunction);
+}
+
+bool GuardedCall::HasEnded() const {
+    std::lock_guard lock(fMutex);
+    return fHasEnded;
+}
+
+// A source on the service thread and its function.
 struct Watch : std::enable_shared_from_this<Watch> {
     explicit Watch(std::function<void()> function)
         : call(std::move(function)) {}
