@@ -37,7 +37,6 @@ QBApp::~QBApp() {
     if (!gSettings)
         return;
     gSettings->Save();
-    SetEmergencyAction({});
     delete gSettings;
     gSettings = nullptr;
 }
@@ -45,7 +44,7 @@ QBApp::~QBApp() {
 void QBApp::ReadyToRun() {
     gSettings = new QBSettings(BPath(kSettingsPath));
     gSettings->Load();
-    SetEmergencyAction([settings = gSettings] { settings->Save(); });
+    SetEmergencyAction(gSettings->EmergencySave());
 
     const BPoint place = PlaceOnScreen(gSettings->GetPos());
     auto* window = new QBMainWindow(BRect(place.x, place.y, 0, 0));

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+
 #include "base/Color.h"
 #include "kits/app/Message.h"
-#include "kits/kernel/Locker.h"
 #include "kits/storage/Path.h"
 #include "quillbar/base/Commands.h"
 
-// The user's choices, one message that is read from and written to the settings file.
-// Any thread.
+// The user's choices, one message that is read from and written to the settings file. One thread at
+// a time: the application's before the bar is shown and after it has quit, the bar's in between.
 class QBSettings {
 public:
     // Starts with the defaults and does not look at the disk.
@@ -20,13 +22,21 @@ public:
     // Replaces all choices by those in the file. False, and nothing is changed, if there is none or
     // it cannot be read; a getter gives its default for a choice that the file lacks.
     //
-    // A file that holds something else is put aside as "NAME.bad", one that exists but could not be
-    // read is never written over; a line on standard error says so.
+    // A file that holds something else is renamed "NAME.bad", one that exists but could not be read
+    // is never written over; a line on standard error reports it.
     bool Load();
 
-    // Writes the file, so that at any moment the old one or the new one is there, whole. Does
-    // nothing if that cannot be done, or if another thread does it just now.
+    // Writes the file, so that at any moment the old one or the new one is there, whole; where no
+    // file can be made beside it or take its name, the file itself is written. A failure is
+    // reported by a line on standard error. Does nothing while another thread saves.
     void Save();
+
+    // A function that saves what was chosen when it is called. Any thread, even after the settings
+    // are deleted; it waits for no lock that is held for longer than a copy takes.
+    std::function<void()> EmergencySave() const;
+
+    // Whether Save() could write now: B_OK, or the reason why not. A full disk is not noticed.
+    status_t CanBeSaved() const;
 
     int32 GetHotKey() const;
     bool GetOnTop() const;
@@ -36,7 +46,7 @@ public:
     QBAlign GetAlign() const;
     QBBrowser GetBrowser() const;
 
-    // Do nothing where the file had something of another type under the name.
+    // Do nothing where the file had a field of another type under the name.
     void SetHotKey(int32 keys);
     void SetOnTop(bool onTop);
     void SetColor(rgb_color color);
@@ -46,17 +56,15 @@ public:
     void SetBrowser(QBBrowser browser);
 
 private:
-    int32 GetInt32(const char* name, int32 otherwise) const;
-    void SetInt32(const char* name, int32 value);
-    bool GetBool(const char* name, bool otherwise) const;
-    void SetBool(const char* name, bool value);
+    struct Snapshot;
 
-    BMessage* fSettings;
-    BPath fPath;
-    // The file is there but its content is not known.
-    bool fUnread = false;
-    mutable BLocker fLock; // for fSettings and fUnread
-    BLocker fSaving;       // one writer of the file
+    // Notes the result of a replacement, after which `add` adds a field that was not there.
+    void Set(status_t replaced, const std::function<void()>& add);
+    void Publish();
+
+    BMessage fSettings;
+    const BPath fPath;
+    const std::shared_ptr<Snapshot> fSnapshot;
 };
 
 // The program's settings: there from the start of the application until its end, null before.

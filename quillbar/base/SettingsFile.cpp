@@ -2,7 +2,6 @@
 
 #include <cstdio>
 
-#include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"
 #include "kits/storage/Node.h"
@@ -34,18 +33,53 @@ bool MayReplace(const BPath& place) {
     return !BEntry(place.Path()).Exists() || BFile(place.Path(), B_READ_WRITE).InitCheck() == B_OK;
 }
 
-status_t WriteNeighbour(const BDirectory& directory, const char* name, const std::string& text,
-                        const BPath& place) {
-    BFile file(&directory, name, B_READ_WRITE | B_CREATE_FILE | B_ERASE_FILE);
-    if (file.InitCheck() != B_OK)
-        return file.InitCheck();
-    mode_t mode = 0;
-    if (BNode(place.Path()).GetPermissions(&mode) == B_OK)
-        file.SetPermissions(mode);
+// The directory or the file system lets nobody make a file there or rename it, or something is
+// mounted on the file: the file itself may be writable.
+bool IsRefusal(status_t status) {
+    return status == B_PERMISSION_DENIED || status == B_NOT_ALLOWED ||
+           status == B_READ_ONLY_DEVICE || status == B_BUSY || status == B_CROSS_DEVICE_LINK;
+}
+
+status_t WriteText(BFile& file, const std::string& text) {
     const ssize_t written = file.Write(text.data(), text.size());
     if (written < 0)
         return static_cast<status_t>(written);
     return static_cast<size_t>(written) == text.size() ? file.Sync() : B_DEVICE_FULL;
+}
+
+// The file beside the settings file that takes its name.
+class Neighbour {
+public:
+    explicit Neighbour(const BPath& place)
+        : fPlace(place)
+        , fPath((BString(place.Path()) + ".new").String()) {
+        BEntry(fPath.Path()).Remove(); // a save that was killed has left it
+        fStatus = fFile.SetTo(fPath.Path(), B_READ_WRITE | B_CREATE_FILE | B_ERASE_FILE);
+    }
+    ~Neighbour() { BEntry(fPath.Path()).Remove(); }
+
+    status_t InitCheck() const { return fStatus; }
+
+    status_t Replace(const std::string& text) {
+        if (fStatus != B_OK)
+            return fStatus;
+        mode_t mode = 0;
+        if (BNode(fPlace.Path()).GetPermissions(&mode) == B_OK)
+            fFile.SetPermissions(mode);
+        const status_t status = WriteText(fFile, text);
+        return status == B_OK ? BEntry(fPath.Path()).Rename(fPlace.Leaf(), true) : status;
+    }
+
+private:
+    const BPath& fPlace;
+    const BPath fPath;
+    BFile fFile;
+    status_t fStatus;
+};
+
+status_t WriteInPlace(const BPath& place, const std::string& text) {
+    BFile file(place.Path(), B_READ_WRITE | B_CREATE_FILE | B_ERASE_FILE);
+    return file.InitCheck() == B_OK ? WriteText(file, text) : file.InitCheck();
 }
 
 } // namespace
@@ -74,27 +108,23 @@ status_t SettingsFile::Read(const char* path, std::string& text) {
 
 status_t SettingsFile::Write(const char* path, const std::string& text) {
     BPath place;
-    BPath parent;
-    status_t status = FollowLinks(path, place);
-    if (status == B_OK)
-        status = place.GetParent(&parent);
-    if (status != B_OK)
-        return status;
+    const status_t found = FollowLinks(path, place);
+    if (found != B_OK)
+        return found;
     if (!MayReplace(place))
         return B_NOT_ALLOWED;
-    BDirectory directory(parent.Path());
-    if (directory.InitCheck() != B_OK)
-        return directory.InitCheck();
+    const status_t status = Neighbour(place).Replace(text);
+    return IsRefusal(status) ? WriteInPlace(place, text) : status;
+}
 
-    const BString name = BString(place.Leaf()) + ".new";
-    BEntry neighbour(&directory, name.String());
-    neighbour.Remove(); // what a save that was killed has left
-    status = WriteNeighbour(directory, name.String(), text, place);
-    if (status == B_OK)
-        status = neighbour.Rename(place.Leaf(), true);
-    if (status != B_OK)
-        neighbour.Remove();
-    return status;
+status_t SettingsFile::CanWrite(const char* path) {
+    BPath place;
+    const status_t found = FollowLinks(path, place);
+    if (found != B_OK)
+        return found;
+    if (BEntry(place.Path()).Exists())
+        return BFile(place.Path(), B_READ_WRITE).InitCheck();
+    return Neighbour(place).InitCheck();
 }
 
 void SettingsFile::PutAside(const char* path) {

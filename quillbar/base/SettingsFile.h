@@ -4,8 +4,8 @@
 
 #include "base/Types.h"
 
-// The settings file on the disk. The path may lead to a symbolic link: what is read, written and
-// put aside is the file that it points to. Any thread, one at a time.
+// The settings file on the disk. The path may lead to a symbolic link: the file that it points to
+// is read, written and put aside. Any thread, one at a time.
 namespace SettingsFile {
 
 bool Exists(const char* path);
@@ -16,10 +16,16 @@ status_t Read(const char* path, std::string& text);
 
 // Replaces the content; the permission bits of a file that exists are kept. The text is written to
 // "NAME.new" beside the file, which then takes the file's name, so that the old or the new content
-// is on the disk at any moment, whole. On failure the old one is.
+// is on the disk at any moment, whole. Where the directory refuses that, the file itself is
+// written. On failure the reason of the last try; the old content is there unless the file itself
+// was being written.
 status_t Write(const char* path, const std::string& text);
 
-// Renames the file "NAME.bad" and says so on standard error.
+// Whether Write() is let into the file or its directory: B_OK, or the reason why not. May make and
+// remove "NAME.new".
+status_t CanWrite(const char* path);
+
+// Renames the file "NAME.bad" and reports it on standard error.
 void PutAside(const char* path);
 
 } // namespace SettingsFile

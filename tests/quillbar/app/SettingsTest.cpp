@@ -181,6 +181,40 @@ TEST_F(SettingsTest, FilesThatMayNotBeReadOrWrittenAreNotReplaced) {
     }
 }
 
+TEST_F(SettingsTest, InAClosedDirectoryTheFileItselfIsWritten) {
+    fs::permissions(fHome.Path(), fs::perms(0755));
+    Save(5);
+    fs::permissions(File(), fs::perms(0666));
+    fs::permissions(fHome.Config(), fs::perms(0555));
+    const auto save = [] {
+        if (QBSettings(Path()).CanBeSaved() == B_OK)
+            Save(6);
+    };
+    EXPECT_EQ(InChildOfNoRights(save), 0);
+    EXPECT_EQ(LoadedHotKey(), 6);
+    fs::remove(File());
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(InChildOfNoRights([] {
+                  if (QBSettings(Path()).CanBeSaved() == B_PERMISSION_DENIED)
+                      Save(7);
+              }),
+              0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "quillbar: the settings cannot be saved: Permission denied\n");
+    EXPECT_FALSE(fs::exists(File()));
+}
+
+TEST_F(SettingsTest, TheEmergencySavesTheLastChoiceEvenAfterTheSettingsAreGone) {
+    std::function<void()> save;
+    {
+        QBSettings settings(Path());
+        save = settings.EmergencySave();
+        settings.SetHotKey(4);
+    }
+    save();
+    EXPECT_EQ(LoadedHotKey(), 4);
+}
+
 TEST_F(SettingsTest, WhatIsNoFileIsNeitherReadNorReplaced) {
     ASSERT_EQ(mkfifo(File().c_str(), 0600), 0);
     QBSettings settings(Path());
