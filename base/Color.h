@@ -13,7 +13,6 @@ struct rgb_color {
 };
 static_assert(sizeof(rgb_color) == 4);
 
-inline constexpr float B_LIGHTEN_MAX_TINT = 0.0f;
 inline constexpr float B_LIGHTEN_2_TINT = 0.385f;
 inline constexpr float B_LIGHTEN_1_TINT = 0.590f;
 inline constexpr float B_NO_TINT = 1.0f;

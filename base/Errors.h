@@ -8,7 +8,6 @@ using status_t = std::int32_t;
 
 enum : status_t {
     B_OK = 0,
-    B_NO_ERROR = 0,
     B_ERROR = -1,
 
     B_NO_MEMORY = INT32_MIN,
@@ -19,7 +18,6 @@ enum : status_t {
     B_BAD_VALUE,
     B_MISMATCHED_VALUES,
     B_NAME_NOT_FOUND,
-    B_NAME_IN_USE,
     B_TIMED_OUT,
     B_INTERRUPTED,
     B_WOULD_BLOCK,
@@ -32,15 +30,11 @@ enum : status_t {
     B_BAD_THREAD_ID = INT32_MIN + 0x1100,
 
     B_BAD_PORT_ID = INT32_MIN + 0x1200,
-    B_BAD_REPLY,
-    B_DUPLICATE_REPLY,
     B_BAD_HANDLER,
     B_ALREADY_RUNNING,
-    B_LAUNCH_FAILED,
     B_LAUNCH_FAILED_APP_NOT_FOUND,
 
     B_FILE_ERROR = INT32_MIN + 0x6000,
-    B_FILE_NOT_FOUND,
     B_FILE_EXISTS,
     B_ENTRY_NOT_FOUND,
     B_NAME_TOO_LONG,

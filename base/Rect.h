@@ -30,17 +30,12 @@ public:
     bool Contains(BPoint point) const {
         return point.x >= left && point.x <= right && point.y >= top && point.y <= bottom;
     }
-    bool Contains(BRect other) const {
-        return Contains(other.LeftTop()) && Contains(other.RightBottom());
-    }
     bool Intersects(BRect other) const {
         return IsValid() && other.IsValid() && (*this & other).IsValid();
     }
 
     void OffsetBy(float x, float y) { *this = OffsetByCopy(x, y); }
     void OffsetBy(BPoint by) { OffsetBy(by.x, by.y); }
-    void OffsetTo(BPoint leftTop) { OffsetBy(leftTop - LeftTop()); }
-    void OffsetTo(float x, float y) { OffsetTo(BPoint(x, y)); }
     BRect OffsetByCopy(float x, float y) const {
         return {left + x, top + y, right + x, bottom + y};
     }

@@ -19,8 +19,6 @@ enum : type_code {
     B_RECT_TYPE = 'RECT',
     B_RGB_COLOR_TYPE = 'RGBC',
     B_POINTER_TYPE = 'PNTR',
-    B_MESSAGE_TYPE = 'MSGG',
-    B_MESSENGER_TYPE = 'MSNG',
     B_REF_TYPE = 'RREF',
     B_MIME_TYPE = 'MIME',
     B_RAW_TYPE = 'RAWT',

@@ -9,13 +9,9 @@ enum : uint32 {
     B_READY_TO_RUN = '_RTR',
     B_REFS_RECEIVED = 'RREF',
     B_SILENT_RELAUNCH = 'AREL',
-    B_PULSE = '_PUL',
 
     B_WINDOW_ACTIVATED = '_ACT',
-    B_WINDOW_MOVED = '_WMV',
-    B_WINDOW_RESIZED = '_WRS',
     B_MINIMIZE = '_WMN',
-    B_SCREEN_CHANGED = '_SCH',
     B_WORKSPACES_CHANGED = '_WCG',
 
     B_KEY_DOWN = '_KYD',

@@ -10,14 +10,10 @@ enum : uint32 {
     B_EXCLUSIVE_LAUNCH = 2, // once per signature and user; a second start wakes the first
 };
 
-// The stage of development that a version belongs to.
+// The stages of development that a version belongs to.
 enum : uint32 {
-    B_DEVELOPMENT_VERSION,
-    B_ALPHA_VERSION,
-    B_BETA_VERSION,
-    B_GAMMA_VERSION,
-    B_GOLDEN_MASTER_VERSION,
-    B_FINAL_VERSION,
+    B_DEVELOPMENT_VERSION = 0,
+    B_BETA_VERSION = 2,
 };
 
 struct app_version {

@@ -8,8 +8,6 @@
 #include "kits/app/Looper.h"
 #include "kits/app/Messenger.h"
 
-class ApplicationSession;
-
 // The application object: the program's first looper, whose loop runs on the thread that calls
 // Run(). There is at most one at a time, built in main() before any other thread is started and
 // before any window.
@@ -33,8 +31,8 @@ public:
     ~BApplication() override;
 
     // Runs the message loop until the application has quit, and then returns; the object stays
-    // the caller's. ReadyToRun() is called first, whatever waits in the queue. Returns the calling
-    // thread's number.
+    // the caller's. ReadyToRun() is called first, before any message of the queue. Returns the
+    // calling thread's number.
     thread_id Run() override;
 
     // Ends Run() after the current message. The application's thread, or any that holds the lock.
@@ -56,32 +54,34 @@ public:
 
     // The program's windows in the order of their construction; IsTargetLocal() is false behind the
     // last. By address, since a window may be gone the next moment. Any thread.
-    BMessenger WindowAt(int32 index) const;
+    static BMessenger WindowAt(int32 index);
 
     const char* Signature() const;
 
-    // Starts to end the program on behalf of someone outside: dismisses menus and alerts at once,
+    // Starts to end the program for a request from outside: dismisses menus and alerts at once,
     // posts a remote B_QUIT_REQUESTED, which is handled when the application's thread gets to it,
-    // also when Run() has not been called yet, and sets a watchdog: after five seconds it runs the
+    // even if Run() has not been called yet, and sets a watchdog: after five seconds it runs the
     // emergency action and ends the process with ExitStatus(), if it is still there. While the
-    // request waits, further calls change nothing but that a lost display is remembered. Any thread
-    // while the object lives; waits for nobody.
-    void QuitFromOutside(bool displayLost);
+    // request waits, further calls only remember a lost display. Does nothing before the object is
+    // built and from its destruction on. Any thread, at any time; waits for no looper.
+    static void QuitFromOutside(bool displayLost);
 
-    // What the watchdog runs, on a thread of its own, before it ends the process while other
-    // threads may hang: the last moment to save something. It must wait for no lock of the program;
-    // one that takes longer than a second is given up. An empty function is nothing. Any thread.
+    // Sets the function that the watchdog runs, on a thread of its own, before it ends the process
+    // while other threads may hang: the last moment to save something. It must wait for no lock of
+    // the program; after a second the watchdog goes on without it. May be empty. Any thread.
     void SetEmergencyAction(std::function<void()> action);
 
-    // What main() should return: 0, or 1 after the display was lost. Any thread.
+    // The status that main() should return: 0, or 1 after the display was lost. Any thread.
     int ExitStatus() const;
 
 private:
+    class Session;
+
     void HandleQuit(bool isRemote);
 
     const std::string fSignature;
     std::atomic<bool> fIsLaunching = true;
-    const std::unique_ptr<ApplicationSession> fSession;
+    const std::unique_ptr<Session> fSession;
 };
 
 // The application object, or null.

@@ -1,10 +1,6 @@
 #include "kits/app/Handler.h"
 
-#include <algorithm>
-
 #include "kits/app/HandlerRegistry.h"
-#include "kits/app/LooperState.h"
-#include "kits/support/List.h"
 
 BHandler::BHandler(const char* name)
     : fToken(HandlerRegistry::Shared().Enter(*this))
@@ -21,48 +17,45 @@ void BHandler::MessageReceived(BMessage* message) {
         fNextHandler->MessageReceived(message);
 }
 
-bool BHandler::LockLooper() {
-    return LockLooperWithTimeout(B_INFINITE_TIMEOUT) == B_OK;
-}
-
-status_t BHandler::LockLooperWithTimeout(bigtime_t timeout) {
-    HandlerRegistry& registry = HandlerRegistry::Shared();
-    const auto state = registry.StateOf(*this);
-    const status_t status = state ? state->LockUnlessDeleted(timeout) : B_BAD_VALUE;
-    if (status != B_OK || registry.StateOf(*this) == state)
-        return status;
-    state->lock.Unlock();
-    return B_BAD_VALUE;
-}
-
-void BHandler::UnlockLooper() {
-    if (BLooper* const looper = Looper())
-        looper->Unlock();
-}
-
 void BHandler::AddFilter(BMessageFilter* filter) {
     if (filter)
         fFilters.emplace_back(filter);
 }
 
-bool BHandler::RemoveFilter(BMessageFilter* filter) {
-    return TakeOut(fFilters, filter);
+HandlerRegistry& HandlerRegistry::Shared() {
+    // Never destroyed: threads may send messages while the process ends.
+    static HandlerRegistry* const registry = new HandlerRegistry;
+    return *registry;
 }
 
-bool BHandler::TakeOut(FilterList& filters, BMessageFilter* filter) {
-    const auto found = std::find_if(filters.begin(), filters.end(),
-                                    [filter](const auto& owned) { return owned.get() == filter; });
-    if (found == filters.end())
-        return false;
-    // The caller's now.
-    static_cast<void>(found->release());
-    filters.erase(found);
-    return true;
+int64 HandlerRegistry::Enter(BHandler& handler) {
+    std::lock_guard lock(fMutex);
+    fHandlers[++fLastToken] = &handler;
+    return fLastToken;
 }
 
-void BHandler::SetFilterList(BList* filters) {
-    const std::unique_ptr<BList> list(filters);
-    fFilters.clear();
-    for (int32 i = 0; list && i < list->CountItems(); ++i)
-        AddFilter(static_cast<BMessageFilter*>(list->ItemAt(i)));
+void HandlerRegistry::Leave(int64 token) {
+    std::lock_guard lock(fMutex);
+    fHandlers.erase(token);
+}
+
+void HandlerRegistry::SetLooper(BHandler& handler, BLooper* looper) {
+    std::lock_guard lock(fMutex);
+    handler.fLooper = looper;
+}
+
+std::shared_ptr<BLooper::State> HandlerRegistry::StateOf(int64 token) {
+    std::lock_guard lock(fMutex);
+    const auto found = fHandlers.find(token);
+    BLooper* const looper = found == fHandlers.end() ? nullptr : found->second->Looper();
+    return looper ? looper->fState : nullptr;
+}
+
+BHandler* HandlerRegistry::Find(int64 token, BLooper** looper) {
+    std::lock_guard lock(fMutex);
+    const auto found = fHandlers.find(token);
+    BHandler* const handler = found == fHandlers.end() ? nullptr : found->second;
+    if (looper)
+        *looper = handler ? handler->Looper() : nullptr;
+    return handler;
 }

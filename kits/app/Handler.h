@@ -8,7 +8,6 @@
 #include "base/Types.h"
 #include "kits/app/MessageFilter.h"
 
-class BList;
 class BLooper;
 class BMessage;
 
@@ -24,32 +23,21 @@ public:
     BHandler(const BHandler&) = delete;
     BHandler& operator=(const BHandler&) = delete;
 
-    // Handles a message. This one passes it on to the next handler, where the chain ends it is
-    // lost.
+    // Handles a message. This one passes it to the next handler; at the end of the chain the
+    // message is dropped.
     virtual void MessageReceived(BMessage* message);
 
     // The looper it belongs to, or null. Any thread.
     BLooper* Looper() const { return fLooper.load(); }
 
-    // Lock its looper, and are false or B_BAD_VALUE if it has none or loses it while the caller
-    // waits. B_TIMED_OUT after `timeout` microseconds. Any thread, as long as the handler exists.
-    bool LockLooper();
-    status_t LockLooperWithTimeout(bigtime_t timeout);
-    void UnlockLooper();
-
-    void SetName(const char* name) { fName = name ? name : ""; }
     const char* Name() const { return fName.c_str(); }
 
-    // Who gets what this handler does not know: at first the looper it was added to.
-    virtual void SetNextHandler(BHandler* handler) { fNextHandler = handler; }
-    BHandler* NextHandler() const { return fNextHandler; }
+    // Sets the handler that gets the messages this one does not know: at first its looper.
+    void SetNextHandler(BHandler* handler) { fNextHandler = handler; }
 
-    // Filters see the handler's messages in the order in which they were added. The handler owns
-    // them until RemoveFilter() gives one back (false: it was not there).
-    virtual void AddFilter(BMessageFilter* filter);
-    virtual bool RemoveFilter(BMessageFilter* filter);
-    // Deletes the filters there are and takes over those in the list, and the list; null for none.
-    virtual void SetFilterList(BList* filters);
+    // Adds a filter, which the handler then owns. Filters see the handler's messages in the order
+    // in which they were added. Does nothing for null.
+    void AddFilter(BMessageFilter* filter);
 
 private:
     friend class BLooper;
@@ -58,12 +46,10 @@ private:
 
     using FilterList = std::vector<std::unique_ptr<BMessageFilter>>;
 
-    static bool TakeOut(FilterList& filters, BMessageFilter* filter);
-
     const int64 fToken;
     // Written under the registry's lock, so that a lookup sees a looper that still exists.
     std::atomic<BLooper*> fLooper = nullptr;
-    std::string fName;
+    const std::string fName;
     BHandler* fNextHandler = nullptr;
     FilterList fFilters;
 };

@@ -1,13 +1,8 @@
 #include "kits/app/Invoker.h"
 
-BInvoker::BInvoker() = default;
-
 BInvoker::BInvoker(BMessage* message, const BMessenger& target)
     : fMessage(message)
     , fTarget(target) {}
-
-BInvoker::BInvoker(BMessage* message, const BHandler* handler, const BLooper* looper)
-    : BInvoker(message, BMessenger(handler, looper)) {}
 
 BInvoker::~BInvoker() = default;
 
@@ -26,10 +21,6 @@ status_t BInvoker::SetTarget(const BHandler* handler, const BLooper* looper) {
     status_t status;
     fTarget = BMessenger(handler, looper, &status);
     return status;
-}
-
-BHandler* BInvoker::Target(BLooper** looper) const {
-    return fTarget.Target(looper);
 }
 
 status_t BInvoker::Invoke(BMessage* message) {

@@ -9,10 +9,8 @@
 // looper locked that its owner belongs to.
 class BInvoker {
 public:
-    BInvoker();
     // Takes over the message; null is allowed.
     BInvoker(BMessage* message, const BMessenger& target);
-    BInvoker(BMessage* message, const BHandler* handler, const BLooper* looper = nullptr);
     virtual ~BInvoker();
 
     BInvoker(const BInvoker&) = delete;
@@ -21,17 +19,12 @@ public:
     // Takes over the message, and deletes the one it had. Always B_OK.
     virtual status_t SetMessage(BMessage* message);
     BMessage* Message() const { return fMessage.get(); }
-    // The message's code, 0 without a message.
-    uint32 Command() const { return fMessage ? fMessage->what : 0; }
 
     // As the constructors of BMessenger, and with their results; the target is changed even if it
     // is not a good one.
     virtual status_t SetTarget(const BMessenger& target);
     virtual status_t SetTarget(const BHandler* handler, const BLooper* looper = nullptr);
     BMessenger Messenger() const { return fTarget; }
-    bool IsTargetLocal() const { return fTarget.IsTargetLocal(); }
-    // As BMessenger::Target().
-    BHandler* Target(BLooper** looper = nullptr) const;
 
     // Sends a copy of `message`, or of its own message for null, to which it adds "when" (int64,
     // system_time()) and "source" (pointer to this invoker) unless the message has them.

@@ -4,7 +4,6 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/HandlerRegistry.h"
-#include "kits/app/LooperState.h"
 #include "kits/app/Message.h"
 
 status_t BLooper::State::LockUnlessDeleted(bigtime_t timeout) {
@@ -45,23 +44,22 @@ status_t BLooper::PostMessage(const BMessage* message) {
     return PostMessage(message, this);
 }
 
-status_t BLooper::PostMessage(uint32 what, BHandler* handler, BHandler* replyTo) {
+status_t BLooper::PostMessage(uint32 what, BHandler* handler) {
     const BMessage message(what);
-    return PostMessage(&message, handler, replyTo);
+    return PostMessage(&message, handler);
 }
 
-status_t BLooper::PostMessage(const BMessage* message, BHandler* handler, BHandler* replyTo) {
+status_t BLooper::PostMessage(const BMessage* message, BHandler* handler) {
     if (!message)
         return B_BAD_VALUE;
     if (handler && handler->Looper() != this)
         return B_MISMATCHED_VALUES;
-    return Post(*fState, *message, handler ? handler->fToken : 0, replyTo) ? B_OK : B_BAD_PORT_ID;
+    return Post(*fState, *message, handler ? handler->fToken : fToken) ? B_OK : B_BAD_PORT_ID;
 }
 
-bool BLooper::Post(State& state, const BMessage& message, int64 targetToken, BHandler* replyTo) {
+bool BLooper::Post(State& state, const BMessage& message, int64 targetToken) {
     auto copy = std::make_unique<BMessage>(message);
     copy->fTargetToken = targetToken;
-    copy->fReplyTo = replyTo ? BMessenger(replyTo) : BMessenger();
     return state.queue.Post(std::move(copy));
 }
 
@@ -97,34 +95,15 @@ void BLooper::LetGo(BHandler& handler) {
     HandlerRegistry::Shared().SetLooper(handler, nullptr);
     handler.fNextHandler = nullptr;
     std::erase(fHandlers, &handler);
-    if (fPreferredHandler == &handler)
-        fPreferredHandler = nullptr;
 }
 
-int32 BLooper::CountHandlers() const {
-    return static_cast<int32>(fHandlers.size());
-}
-
-BHandler* BLooper::HandlerAt(int32 index) const {
-    return index >= 0 && index < CountHandlers() ? fHandlers[index] : nullptr;
-}
-
-int32 BLooper::IndexOf(BHandler* handler) const {
-    const auto found = std::find(fHandlers.begin(), fHandlers.end(), handler);
-    return found == fHandlers.end() ? -1 : static_cast<int32>(found - fHandlers.begin());
-}
-
-void BLooper::SetPreferredHandler(BHandler* handler) {
-    fPreferredHandler = handler && handler->Looper() == this ? handler : nullptr;
+bool BLooper::HasHandler(const BHandler* handler) const {
+    return std::find(fHandlers.begin(), fHandlers.end(), handler) != fHandlers.end();
 }
 
 void BLooper::AddCommonFilter(BMessageFilter* filter) {
     if (filter)
         fCommonFilters.emplace_back(filter);
-}
-
-bool BLooper::RemoveCommonFilter(BMessageFilter* filter) {
-    return TakeOut(fCommonFilters, filter);
 }
 
 thread_id BLooper::Run() {
@@ -143,7 +122,7 @@ thread_id BLooper::Run() {
 
 status_t BLooper::RunThread(void* data) {
     BLooper* const looper = static_cast<BLooper*>(data);
-    // Whoever runs it may still hold it.
+    // The thread that called Run() may still hold it.
     looper->Lock();
     looper->Loop();
     delete looper;
@@ -151,7 +130,7 @@ status_t BLooper::RunThread(void* data) {
 }
 
 void BLooper::Loop() {
-    // A hold of its own for the wait, when others may hold the looper.
+    // The looper may be deleted during the wait, when others may hold it.
     const auto state = fState;
     state->thread = find_thread(nullptr);
     for (;;) {
@@ -182,14 +161,12 @@ void BLooper::Handle(BMessage& message) {
 
 // Null if the target has gone, or is another looper's now.
 BHandler* BLooper::TargetOf(const BMessage& message) {
-    if (message.fTargetToken == 0)
-        return fPreferredHandler ? fPreferredHandler : this;
     BHandler* const target = HandlerRegistry::Shared().Find(message.fTargetToken);
-    return IndexOf(target) >= 0 ? target : nullptr;
+    return HasHandler(target) ? target : nullptr;
 }
 
-// The common filters', then the target's say; a handler that the target's filters name instead has
-// filters of its own. Null if the message was skipped.
+// The handler that the common filters, then the target's leave the message to; one that a target's
+// filter names instead has filters of its own. Null if the message was skipped.
 BHandler* BLooper::PassFilters(BMessage& message, BHandler* target) {
     target = PassFilters(fCommonFilters, message, target);
     for (size_t i = 0; target && i < fHandlers.size(); ++i) {
@@ -202,13 +179,13 @@ BHandler* BLooper::PassFilters(BMessage& message, BHandler* target) {
 }
 
 BHandler* BLooper::PassFilters(FilterList& filters, BMessage& message, BHandler* target) {
-    // By index: a filter may add filters or take itself out.
+    // By index: a filter may add filters.
     for (size_t i = 0; target && i < filters.size(); ++i) {
         BMessageFilter& filter = *filters[i];
         if (!filter.Concerns(message))
             continue;
         const filter_result result = filter.Filter(&message, &target);
-        if (result == B_SKIP_MESSAGE || IndexOf(target) < 0)
+        if (result == B_SKIP_MESSAGE || !HasHandler(target))
             return nullptr;
     }
     return target;
@@ -242,17 +219,9 @@ status_t BLooper::LockWithTimeout(bigtime_t timeout) {
 }
 
 void BLooper::Unlock() {
-    // Not the looper's own: it may be deleted by the next holder before this returns.
+    // A copy: the next holder may delete the looper before this returns.
     const auto state = fState;
     state->lock.Unlock();
-}
-
-bool BLooper::IsLocked() const {
-    return fState->lock.IsLocked();
-}
-
-thread_id BLooper::LockingThread() const {
-    return fState->lock.LockingThread();
 }
 
 thread_id BLooper::Thread() const {

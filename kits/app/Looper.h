@@ -11,8 +11,8 @@
 // locked while it handles one. It is a handler of itself.
 //
 // It is constructed locked, by the constructing thread, and lives on the heap: Run() starts it and
-// gives that lock back, Quit() ends and deletes it. Whoever is not sure that it still exists goes
-// through a BMessenger.
+// gives that lock back, Quit() ends and deletes it. A thread that cannot know whether it still
+// exists goes through a BMessenger.
 class BLooper : public BHandler {
 public:
     // `name` is also the thread's.
@@ -22,41 +22,32 @@ public:
     ~BLooper() override;
 
     // Puts a copy of the message into the queue; it is never blocked by the looper's lock, and may
-    // be called before Run(): the message waits. The target is the looper itself, or `handler`,
-    // which must belong to it; for a null handler the one that the looper prefers. B_BAD_VALUE
+    // be called before Run(): the message waits. The target is `handler`, which must belong to
+    // the looper, or for null the looper itself. B_BAD_VALUE
     // without a message, B_MISMATCHED_VALUES for a handler of another looper, B_BAD_PORT_ID if the
     // looper quits. Any thread.
     status_t PostMessage(uint32 what);
     status_t PostMessage(const BMessage* message);
-    status_t PostMessage(uint32 what, BHandler* handler, BHandler* replyTo = nullptr);
-    status_t PostMessage(const BMessage* message, BHandler* handler, BHandler* replyTo = nullptr);
+    status_t PostMessage(uint32 what, BHandler* handler);
+    status_t PostMessage(const BMessage* message, BHandler* handler);
 
-    // Hands a message that passed the filters to its handler; B_QUIT_REQUESTED for the looper
-    // itself asks QuitRequested() and quits. Looper's thread, locked.
+    // Passes a message that the filters let through to its handler; B_QUIT_REQUESTED for the
+    // looper itself asks QuitRequested() and quits. Looper's thread, locked.
     virtual void DispatchMessage(BMessage* message, BHandler* handler);
 
     // The message being handled, or null outside of that. The looper owns it. Looper's thread.
     BMessage* CurrentMessage() const { return fCurrentMessage; }
-    // What waits. Any thread.
+    // The messages that wait. Any thread.
     BMessageQueue* MessageQueue() const;
 
     // Make a handler belong to the looper, with the looper as its next handler; and let it go
     // (false if it was not here). A handler that belongs to a looper already is not added. Locked.
     void AddHandler(BHandler* handler);
     bool RemoveHandler(BHandler* handler);
-    // The looper itself counts, and has the index 0. -1 and null if there is none. Locked.
-    int32 CountHandlers() const;
-    BHandler* HandlerAt(int32 index) const;
-    int32 IndexOf(BHandler* handler) const;
 
-    // Who gets messages that name no handler; null: the looper itself. Must belong to it. Locked.
-    BHandler* PreferredHandler() const { return fPreferredHandler; }
-    void SetPreferredHandler(BHandler* handler);
-
-    // Filters that see the messages of all its handlers, before the handlers' own. Otherwise as
-    // AddFilter(). Locked.
-    virtual void AddCommonFilter(BMessageFilter* filter);
-    virtual bool RemoveCommonFilter(BMessageFilter* filter);
+    // Adds a filter that sees the messages of all its handlers, before the handlers' own filters.
+    // Otherwise as AddFilter(). Locked.
+    void AddCommonFilter(BMessageFilter* filter);
 
     // Starts the thread and unlocks the looper once. The thread's id or a negative status.
     virtual thread_id Run();
@@ -74,8 +65,6 @@ public:
     bool Lock();
     status_t LockWithTimeout(bigtime_t timeout);
     void Unlock();
-    bool IsLocked() const;
-    thread_id LockingThread() const;
 
     // The thread that handles its messages; B_BAD_THREAD_ID before Run(). Any thread.
     thread_id Thread() const;
@@ -103,14 +92,14 @@ private:
     BHandler* TargetOf(const BMessage& message);
     BHandler* PassFilters(BMessage& message, BHandler* target);
     BHandler* PassFilters(FilterList& filters, BMessage& message, BHandler* target);
-    // For 0 the target is the preferred handler. False if the looper quits.
-    static bool Post(State& state, const BMessage& message, int64 targetToken, BHandler* replyTo);
+    // False if the looper quits.
+    static bool Post(State& state, const BMessage& message, int64 targetToken);
     void LetGo(BHandler& handler);
+    bool HasHandler(const BHandler* handler) const;
 
     const std::shared_ptr<State> fState;
     // Looper locked.
     BMessage* fCurrentMessage = nullptr;
-    BHandler* fPreferredHandler = nullptr;
     std::vector<BHandler*> fHandlers;
     FilterList fCommonFilters;
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "kits/app/MessageField.h"
+#include "kits/app/MessageText.h"
 
 BMessage::BMessage() = default;
 
@@ -16,133 +16,92 @@ BMessage& BMessage::operator=(const BMessage&) = default;
 BMessage& BMessage::operator=(BMessage&&) noexcept = default;
 BMessage::~BMessage() = default;
 
-size_t SizeOfType(type_code type) {
-    switch (type) {
-    case B_BOOL_TYPE:
-    case B_INT8_TYPE:
-        return 1;
-    case B_INT16_TYPE:
-        return 2;
-    case B_INT32_TYPE:
-    case B_UINT32_TYPE:
-    case B_FLOAT_TYPE:
-        return 4;
-    case B_INT64_TYPE:
-    case B_DOUBLE_TYPE:
-    case B_POINT_TYPE:
-        return 8;
-    case B_RECT_TYPE:
-        return 16;
-    case B_POINTER_TYPE:
-        return sizeof(void*);
-    default:
-        return 0;
-    }
-}
+namespace {
 
-static bool IsSizeOfType(type_code type, ssize_t size) {
+bool IsValue(type_code type, const void* data, ssize_t size) {
     const size_t needed = SizeOfType(type);
-    return size >= 0 && (needed == 0 || needed == static_cast<size_t>(size));
+    return data && type != B_ANY_TYPE && size >= 0 &&
+           (needed == 0 || needed == static_cast<size_t>(size));
 }
 
-BMessage::Field* BMessage::FieldNamed(const char* name) {
-    for (Field& field : fFields) {
-        if (field.name == name)
-            return &field;
-    }
-    return nullptr;
+std::string BytesOf(const void* data, ssize_t size) {
+    return std::string(static_cast<const char*>(data), static_cast<size_t>(size));
 }
 
-status_t BMessage::FindField(const char* name, type_code type, int32 index,
-                             const Field** found) const {
+// Device and directory, then the name with its NUL.
+std::string BytesOf(const entry_ref& ref) {
+    return BytesOf(&ref.device, sizeof ref.device) + BytesOf(&ref.directory, sizeof ref.directory) +
+           BytesOf(ref.name.c_str(), static_cast<ssize_t>(ref.name.size() + 1));
+}
+
+template <typename Value>
+Value FromBytes(const void* bytes) {
+    Value value;
+    memcpy(static_cast<void*>(&value), bytes, sizeof value);
+    return value;
+}
+
+// Any byte but 0 is true, even one that is no bool of the compiler's.
+template <>
+bool FromBytes<bool>(const void* bytes) {
+    return FromBytes<uint8>(bytes) != 0;
+}
+
+template <typename Value>
+status_t FindFixed(const BMessage& message, const char* name, type_code type, int32 index,
+                   Value* value) {
+    const void* bytes;
+    const status_t status =
+        value ? message.FindData(name, type, index, &bytes, nullptr) : B_BAD_VALUE;
+    if (status == B_OK)
+        *value = FromBytes<Value>(bytes);
+    return status;
+}
+
+} // namespace
+
+const BMessage::Field* BMessage::FieldNamed(const char* name) const {
+    const auto found = std::find_if(fFields.begin(), fFields.end(),
+                                    [name](const Field& field) { return field.name == name; });
+    return found == fFields.end() ? nullptr : &*found;
+}
+
+status_t BMessage::FindValue(const char* name, type_code type, int32 index,
+                             const std::string** value) const {
     if (!name)
         return B_BAD_VALUE;
-    const Field* field = const_cast<BMessage*>(this)->FieldNamed(name);
+    const Field* field = FieldNamed(name);
     if (!field)
         return B_NAME_NOT_FOUND;
     if (type != B_ANY_TYPE && type != field->type)
         return B_BAD_TYPE;
     if (index < 0 || static_cast<size_t>(index) >= field->values.size())
         return B_BAD_INDEX;
-    *found = field;
+    *value = &field->values[static_cast<size_t>(index)];
     return B_OK;
 }
 
-template <typename Value>
-status_t BMessage::AddValue(const char* name, type_code type, bool isFixedSize, Value value) {
-    if (!name)
+status_t BMessage::AddData(const char* name, type_code type, const void* data, ssize_t size, bool,
+                           int32) {
+    if (!name || !IsValue(type, data, size))
         return B_BAD_VALUE;
-    Field* field = FieldNamed(name);
-    if (!field) {
-        fFields.push_back({name, type, isFixedSize, {}});
-        field = &fFields.back();
-    }
-    if (field->type != type)
+    auto* field = const_cast<Field*>(FieldNamed(name));
+    if (field && field->type != type)
         return B_BAD_TYPE;
-    field->values.emplace_back(std::move(value));
+    if (!field)
+        field = &fFields.emplace_back(Field{name, type, {}});
+    field->values.push_back(BytesOf(data, size));
     return B_OK;
-}
-
-template <typename Value>
-status_t BMessage::ReplaceValue(const char* name, type_code type, int32 index, Value value) {
-    const Field* found;
-    const status_t status = FindField(name, type, index, &found);
-    if (status == B_OK)
-        const_cast<Field*>(found)->values[index] = std::move(value);
-    return status;
-}
-
-template <typename Value>
-status_t BMessage::FindValue(const char* name, type_code type, int32 index,
-                             const Value** value) const {
-    const Field* field;
-    const status_t status = FindField(name, type, index, &field);
-    if (status != B_OK)
-        return status;
-    const Value* found = std::get_if<Value>(&field->values[index]);
-    if (!found)
-        return B_BAD_TYPE;
-    *value = found;
-    return B_OK;
-}
-
-static bool HoldsBytes(type_code type) {
-    return type != B_ANY_TYPE && type != B_MESSAGE_TYPE && type != B_MESSENGER_TYPE;
-}
-
-status_t BMessage::AddData(const char* name, type_code type, const void* data, ssize_t size,
-                           bool isFixedSize, int32) {
-    if (!name || !data || !HoldsBytes(type) || !IsSizeOfType(type, size))
-        return B_BAD_VALUE;
-    const Field* field = FieldNamed(name);
-    if (field && field->type == type && !HasRoomFor(*field, size))
-        return B_BAD_VALUE;
-    // The size of a string is its own, whatever the caller says.
-    return AddValue(name, type, isFixedSize && type != B_STRING_TYPE,
-                    std::string(static_cast<const char*>(data), size));
 }
 
 status_t BMessage::ReplaceData(const char* name, type_code type, const void* data, ssize_t size) {
-    return ReplaceData(name, type, 0, data, size);
-}
-
-status_t BMessage::ReplaceData(const char* name, type_code type, int32 index, const void* data,
-                               ssize_t size) {
-    if (!name || !data || !HoldsBytes(type) || !IsSizeOfType(type, size))
+    if (!IsValue(type, data, size))
         return B_BAD_VALUE;
-    const Field* field;
-    const status_t status = FindField(name, type, index, &field);
-    if (status != B_OK)
-        return status;
-    if (field->values.size() > 1 && !HasRoomFor(*field, size))
-        return B_BAD_VALUE;
-    return ReplaceValue(name, type, index, std::string(static_cast<const char*>(data), size));
-}
-
-// Whether a value of this size keeps to the field's fixed size.
-bool BMessage::HasRoomFor(const Field& field, ssize_t size) {
-    return !field.isFixedSize ||
-           std::get<std::string>(field.values.front()).size() == static_cast<size_t>(size);
+    const std::string* value;
+    const status_t status = FindValue(name, type, 0, &value);
+    if (status == B_OK)
+        *const_cast<std::string*>(value) = BytesOf(data, size);
+    return status;
 }
 
 status_t BMessage::FindData(const char* name, type_code type, const void** data,
@@ -152,10 +111,8 @@ status_t BMessage::FindData(const char* name, type_code type, const void** data,
 
 status_t BMessage::FindData(const char* name, type_code type, int32 index, const void** data,
                             ssize_t* size) const {
-    if (!data)
-        return B_BAD_VALUE;
     const std::string* bytes;
-    const status_t status = FindValue(name, type, index, &bytes);
+    const status_t status = data ? FindValue(name, type, index, &bytes) : B_BAD_VALUE;
     if (status != B_OK)
         return status;
     *data = bytes->data();
@@ -164,70 +121,9 @@ status_t BMessage::FindData(const char* name, type_code type, int32 index, const
     return B_OK;
 }
 
-bool BMessage::HasData(const char* name, type_code type, int32 index) const {
-    const Field* field;
-    return FindField(name, type, index, &field) == B_OK;
-}
-
-status_t BMessage::AddMessenger(const char* name, const BMessenger& value) {
-    return AddValue(name, B_MESSENGER_TYPE, false, value);
-}
-
-status_t BMessage::ReplaceMessenger(const char* name, int32 index, const BMessenger& value) {
-    return ReplaceValue(name, B_MESSENGER_TYPE, index, value);
-}
-
-status_t BMessage::FindMessenger(const char* name, int32 index, BMessenger* value) const {
-    const BMessenger* found;
-    const status_t status = FindValue(name, B_MESSENGER_TYPE, index, &found);
-    if (status == B_OK && !value)
-        return B_BAD_VALUE;
-    if (status == B_OK)
-        *value = *found;
-    return status;
-}
-
-int32 BMessage::Depth() const {
-    int32 deepest = 0;
-    for (const Field& field : fFields) {
-        if (field.type != B_MESSAGE_TYPE)
-            continue;
-        for (const Field::Value& value : field.values)
-            deepest = std::max(deepest, std::get<2>(value)->Depth());
-    }
-    return deepest + 1;
-}
-
-status_t BMessage::AddMessage(const char* name, const BMessage* value) {
-    if (!value || value->Depth() >= kMaxMessageDepth)
-        return B_BAD_VALUE;
-    return AddValue(name, B_MESSAGE_TYPE, false, std::make_shared<const BMessage>(*value));
-}
-
-status_t BMessage::ReplaceMessage(const char* name, int32 index, const BMessage* value) {
-    if (!value || value->Depth() >= kMaxMessageDepth)
-        return B_BAD_VALUE;
-    return ReplaceValue(name, B_MESSAGE_TYPE, index, std::make_shared<const BMessage>(*value));
-}
-
-status_t BMessage::FindMessage(const char* name, int32 index, BMessage* value) const {
-    if (!value)
-        return B_BAD_VALUE;
-    const std::shared_ptr<const BMessage>* found;
-    const status_t status = FindValue(name, B_MESSAGE_TYPE, index, &found);
-    if (status != B_OK)
-        return status;
-    // A hold of its own: `value` may be this message.
-    const std::shared_ptr<const BMessage> message = *found;
-    *value = *message;
-    return B_OK;
-}
-
-status_t BMessage::RemoveName(const char* name) {
-    if (!name)
-        return B_BAD_VALUE;
-    const auto isNamed = [name](const Field& field) { return field.name == name; };
-    return std::erase_if(fFields, isNamed) > 0 ? B_OK : B_NAME_NOT_FOUND;
+bool BMessage::HasData(const char* name, type_code type) const {
+    const std::string* bytes;
+    return FindValue(name, type, 0, &bytes) == B_OK;
 }
 
 status_t BMessage::MakeEmpty() {
@@ -235,42 +131,121 @@ status_t BMessage::MakeEmpty() {
     return B_OK;
 }
 
-bool BMessage::IsEmpty() const {
-    return fFields.empty();
+// The functions of a type whose values have one size.
+#define FIXED_SIZE_FUNCTIONS(Name, type, Argument, Result)                                         \
+    status_t BMessage::Add##Name(const char* name, Argument value) {                               \
+        return AddData(name, type, &value, sizeof(value));                                         \
+    }                                                                                              \
+    status_t BMessage::Find##Name(const char* name, Result value) const {                          \
+        return FindFixed(*this, name, type, 0, value);                                             \
+    }
+
+FIXED_SIZE_FUNCTIONS(Bool, B_BOOL_TYPE, bool, bool*)
+FIXED_SIZE_FUNCTIONS(Int8, B_INT8_TYPE, int8, int8*)
+FIXED_SIZE_FUNCTIONS(Int32, B_INT32_TYPE, int32, int32*)
+FIXED_SIZE_FUNCTIONS(Int64, B_INT64_TYPE, int64, int64*)
+FIXED_SIZE_FUNCTIONS(Float, B_FLOAT_TYPE, float, float*)
+FIXED_SIZE_FUNCTIONS(Point, B_POINT_TYPE, BPoint, BPoint*)
+FIXED_SIZE_FUNCTIONS(Pointer, B_POINTER_TYPE, const void*, void**)
+
+#undef FIXED_SIZE_FUNCTIONS
+
+status_t BMessage::FindInt32(const char* name, int32 index, int32* value) const {
+    return FindFixed(*this, name, B_INT32_TYPE, index, value);
 }
 
-static bool IsType(type_code wanted, type_code type) {
-    return wanted == B_ANY_TYPE || wanted == type;
+bool BMessage::HasInt32(const char* name) const {
+    return HasData(name, B_INT32_TYPE);
 }
 
-int32 BMessage::CountNames(type_code type) const {
-    return static_cast<int32>(
-        std::count_if(fFields.begin(), fFields.end(),
-                      [type](const Field& field) { return IsType(type, field.type); }));
+bool BMessage::HasInt64(const char* name) const {
+    return HasData(name, B_INT64_TYPE);
 }
 
-status_t BMessage::GetInfo(const char* name, type_code* type, int32* count) const {
-    const Field* field;
-    const status_t status = FindField(name, B_ANY_TYPE, 0, &field);
+bool BMessage::HasPointer(const char* name) const {
+    return HasData(name, B_POINTER_TYPE);
+}
+
+status_t BMessage::ReplaceBool(const char* name, bool value) {
+    return ReplaceData(name, B_BOOL_TYPE, &value, sizeof value);
+}
+
+status_t BMessage::ReplaceInt32(const char* name, int32 value) {
+    return ReplaceData(name, B_INT32_TYPE, &value, sizeof value);
+}
+
+status_t BMessage::ReplacePoint(const char* name, BPoint value) {
+    return ReplaceData(name, B_POINT_TYPE, &value, sizeof value);
+}
+
+status_t BMessage::AddString(const char* name, const char* value) {
+    return AddData(name, B_STRING_TYPE, value, value ? static_cast<ssize_t>(strlen(value) + 1) : 0);
+}
+
+status_t BMessage::FindString(const char* name, const char** value) const {
+    const void* bytes;
+    const status_t status = value ? FindData(name, B_STRING_TYPE, &bytes, nullptr) : B_BAD_VALUE;
+    if (status == B_OK)
+        *value = static_cast<const char*>(bytes);
+    return status;
+}
+
+status_t BMessage::AddRef(const char* name, const entry_ref* value) {
+    const std::string bytes = value ? BytesOf(*value) : std::string();
+    return AddData(name, B_REF_TYPE, value ? bytes.data() : nullptr,
+                   static_cast<ssize_t>(bytes.size()));
+}
+
+status_t BMessage::FindRef(const char* name, entry_ref* value) const {
+    return FindRef(name, 0, value);
+}
+
+status_t BMessage::FindRef(const char* name, int32 index, entry_ref* value) const {
+    const void* data;
+    ssize_t size;
+    const status_t status = value ? FindData(name, B_REF_TYPE, index, &data, &size) : B_BAD_VALUE;
     if (status != B_OK)
         return status;
-    if (type)
-        *type = field->type;
-    if (count)
-        *count = static_cast<int32>(field->values.size());
+    constexpr ssize_t kName = sizeof(value->device) + sizeof(value->directory);
+    const char* bytes = static_cast<const char*>(data);
+    if (size <= kName || bytes[size - 1] != '\0')
+        return B_BAD_DATA;
+    *value = entry_ref(FromBytes<int32>(bytes), FromBytes<int64>(bytes + sizeof(value->device)),
+                       bytes + kName);
     return B_OK;
 }
 
-status_t BMessage::GetInfo(type_code type, int32 index, const char** nameFound,
-                           type_code* typeFound, int32* countFound) const {
-    if (index < 0)
-        return B_BAD_INDEX;
-    for (const Field& field : fFields) {
-        if (!IsType(type, field.type) || index-- > 0)
-            continue;
-        if (nameFound)
-            *nameFound = field.name.c_str();
-        return GetInfo(field.name.c_str(), typeFound, countFound);
-    }
-    return B_BAD_INDEX;
+bool BMessage::GetBool(const char* name, bool otherwise) const {
+    FindBool(name, &otherwise);
+    return otherwise;
+}
+
+int8 BMessage::GetInt8(const char* name, int8 otherwise) const {
+    FindInt8(name, &otherwise);
+    return otherwise;
+}
+
+int32 BMessage::GetInt32(const char* name, int32 otherwise) const {
+    FindInt32(name, &otherwise);
+    return otherwise;
+}
+
+int64 BMessage::GetInt64(const char* name, int64 otherwise) const {
+    FindInt64(name, &otherwise);
+    return otherwise;
+}
+
+float BMessage::GetFloat(const char* name, float otherwise) const {
+    FindFloat(name, &otherwise);
+    return otherwise;
+}
+
+const char* BMessage::GetString(const char* name, const char* otherwise) const {
+    FindString(name, &otherwise);
+    return otherwise;
+}
+
+BPoint BMessage::GetPoint(const char* name, BPoint otherwise) const {
+    FindPoint(name, &otherwise);
+    return otherwise;
 }

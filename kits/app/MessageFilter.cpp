@@ -2,18 +2,10 @@
 
 #include "kits/app/Message.h"
 
-BMessageFilter::BMessageFilter(message_delivery delivery, message_source source, filter_hook hook)
-    : fDelivery(delivery)
-    , fSource(source)
-    , fAnyCommand(true)
-    , fCommand(0)
-    , fHook(hook) {}
-
 BMessageFilter::BMessageFilter(message_delivery delivery, message_source source, uint32 command,
                                filter_hook hook)
     : fDelivery(delivery)
     , fSource(source)
-    , fAnyCommand(false)
     , fCommand(command)
     , fHook(hook) {}
 
@@ -29,7 +21,6 @@ filter_result BMessageFilter::Filter(BMessage* message, BHandler** target) {
 bool BMessageFilter::Concerns(const BMessage& message) const {
     const auto delivery = message.WasDropped() ? B_DROPPED_DELIVERY : B_PROGRAMMED_DELIVERY;
     const auto source = message.IsSourceRemote() ? B_REMOTE_SOURCE : B_LOCAL_SOURCE;
-    return (fAnyCommand || fCommand == message.what) &&
-           (fDelivery == B_ANY_DELIVERY || fDelivery == delivery) &&
+    return fCommand == message.what && (fDelivery == B_ANY_DELIVERY || fDelivery == delivery) &&
            (fSource == B_ANY_SOURCE || fSource == source);
 }

@@ -30,8 +30,7 @@ using filter_hook = filter_result (*)(BMessage* message, BHandler** target, BMes
 // only about messages that meet all of its conditions. Runs on the looper's thread, locked.
 class BMessageFilter {
 public:
-    // For messages of any command, or of this one.
-    BMessageFilter(message_delivery delivery, message_source source, filter_hook hook = nullptr);
+    // For messages with this command, delivered in this way from there.
     BMessageFilter(message_delivery delivery, message_source source, uint32 command,
                    filter_hook hook = nullptr);
     // For this command, however it was delivered.
@@ -41,14 +40,9 @@ public:
     BMessageFilter(const BMessageFilter&) = delete;
     BMessageFilter& operator=(const BMessageFilter&) = delete;
 
-    // What is to become of the message; B_SKIP_MESSAGE drops it. `target` may be changed to another
-    // handler of the same looper. This one asks the hook, or dispatches without one.
+    // Decides about the message; B_SKIP_MESSAGE drops it. May change `target` to another handler
+    // of the same looper. This one calls the hook, or dispatches without one.
     virtual filter_result Filter(BMessage* message, BHandler** target);
-
-    message_delivery MessageDelivery() const { return fDelivery; }
-    message_source MessageSource() const { return fSource; }
-    bool FiltersAnyCommand() const { return fAnyCommand; }
-    uint32 Command() const { return fCommand; }
 
     // Whether the message meets the conditions.
     bool Concerns(const BMessage& message) const;
@@ -56,7 +50,6 @@ public:
 private:
     const message_delivery fDelivery;
     const message_source fSource;
-    const bool fAnyCommand;
     const uint32 fCommand;
     const filter_hook fHook;
 };

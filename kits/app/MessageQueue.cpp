@@ -8,11 +8,6 @@ BMessageQueue::BMessageQueue() = default;
 
 BMessageQueue::~BMessageQueue() = default;
 
-void BMessageQueue::AddMessage(BMessage* message) {
-    if (message)
-        Post(std::unique_ptr<BMessage>(message));
-}
-
 bool BMessageQueue::Post(std::unique_ptr<BMessage> message) {
     std::lock_guard lock(fMutex);
     if (fIsClosed)

@@ -20,13 +20,9 @@ public:
     BMessageQueue(const BMessageQueue&) = delete;
     BMessageQueue& operator=(const BMessageQueue&) = delete;
 
-    // Puts the message at the end and takes ownership of it, also when nobody will take it out any
-    // more.
-    void AddMessage(BMessage* message);
-    // Takes the message out, without deleting it: it is the caller's if it was there. Does nothing
-    // else.
+    // Removes the message without deleting it: it is the caller's then. False if it was not there.
     bool RemoveMessage(BMessage* message);
-    // Takes the oldest one out, for the caller to delete; null if there is none.
+    // Removes the oldest one, for the caller to delete; null if there is none.
     BMessage* NextMessage();
 
     // The message at `index`, 0 being the oldest, or at `index` among those with this code; null if
@@ -35,7 +31,6 @@ public:
     BMessage* FindMessage(uint32 what, int32 index = 0) const;
 
     int32 CountMessages() const;
-    bool IsEmpty() const { return CountMessages() == 0; }
 
     bool Lock();
     void Unlock();
@@ -44,11 +39,11 @@ private:
     friend class BLooper;
     friend class BMessenger;
 
-    // AddMessage() that tells whether the queue still delivers.
+    // Adds the message at the end; false, and deletes it, once the queue was closed.
     bool Post(std::unique_ptr<BMessage> message);
     // Waits for the oldest one; null once the queue was closed.
     std::unique_ptr<BMessage> WaitForMessage();
-    // Nothing is delivered any more.
+    // From here on no message is added or delivered.
     void Close();
     bool IsClosed() const;
 

@@ -1,41 +1,28 @@
 #include "kits/app/MessageText.h"
 
-#include <cfloat>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <unordered_set>
+#include <set>
 
 #include <nlohmann/json.hpp>
 
 #include "base/Color.h"
 #include "base/Utf8.h"
-#include "kits/app/MessageField.h"
+#include "kits/app/Message.h"
 
 using Json = nlohmann::ordered_json;
 
 namespace {
 
-struct NamedType {
-    type_code code;
-    const char* name;
-};
+constexpr size_t kMaxSize = 1 << 20;
 
-// Types that are not here are written as their code.
-constexpr NamedType kNamedTypes[] = {
-    {B_BOOL_TYPE, "bool"},       {B_INT8_TYPE, "int8"},       {B_UINT8_TYPE, "uint8"},
-    {B_INT16_TYPE, "int16"},     {B_INT32_TYPE, "int32"},     {B_UINT32_TYPE, "uint32"},
-    {B_INT64_TYPE, "int64"},     {B_FLOAT_TYPE, "float"},     {B_DOUBLE_TYPE, "double"},
-    {B_STRING_TYPE, "string"},   {B_POINT_TYPE, "point"},     {B_RECT_TYPE, "rect"},
-    {B_RGB_COLOR_TYPE, "color"}, {B_MESSAGE_TYPE, "message"}, {B_RAW_TYPE, "raw"},
-};
+// The message, its field list, a field, its value list, a value.
+constexpr int kMaxNesting = 5;
 
-// Each message in a message adds the levels of its object, field list, field and value list;
-// the innermost value may have one of its own.
-constexpr size_t kMaxNesting = 4 * kMaxMessageDepth + 1;
-
-Json HexOf(std::string_view bytes) {
+Json HexOf(const std::string& bytes) {
     static const char kDigits[] = "0123456789abcdef";
     std::string hex;
     for (const char byte : bytes) {
@@ -62,7 +49,7 @@ bool BytesOfHex(const Json& json, std::string& bytes) {
 }
 
 // Text without a NUL, as a JSON string if it is one.
-Json TextOf(std::string_view text) {
+Json TextOf(const std::string& text) {
     return IsUtf8(text) ? Json(text) : HexOf(text);
 }
 
@@ -101,25 +88,6 @@ bool ReadCode(const Json& json, std::string_view quotes, uint32& code) {
     for (const char byte : text.substr(quotes.size(), 4))
         code = code << 8 | static_cast<uint8>(byte);
     return true;
-}
-
-Json TypeOf(type_code code) {
-    for (const NamedType& type : kNamedTypes) {
-        if (type.code == code)
-            return type.name;
-    }
-    return CodeOf(code, "'");
-}
-
-bool ReadType(const Json& json, type_code& code) {
-    for (const NamedType& type : kNamedTypes) {
-        if (json == type.name) {
-            code = type.code;
-            return true;
-        }
-    }
-    return ReadCode(json, "'", code) && code != B_ANY_TYPE && code != B_MESSENGER_TYPE &&
-           code != B_POINTER_TYPE;
 }
 
 Json NumberOf(double value) {
@@ -182,26 +150,71 @@ std::string ToBytes(Value value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof(value));
 }
 
-Json FloatsOf(const std::string& bytes) {
+template <typename Integer>
+Json WriteInteger(const std::string& bytes) {
+    return FromBytes<Integer>(bytes);
+}
+
+template <typename Integer>
+bool ReadAsInteger(const Json& json, std::string& bytes) {
+    Integer value = 0;
+    const bool isRead = ReadInteger(json, value);
+    bytes = ToBytes(value);
+    return isRead;
+}
+
+template <typename Number>
+Json WriteNumber(const std::string& bytes) {
+    return NumberOf(FromBytes<Number>(bytes));
+}
+
+template <typename Number>
+bool ReadAsNumber(const Json& json, std::string& bytes) {
+    Number value = 0;
+    const bool isRead = ReadNumber(json, value);
+    bytes = ToBytes(value);
+    return isRead;
+}
+
+Json WriteBool(const std::string& bytes) {
+    return bytes[0] != 0;
+}
+
+bool ReadBool(const Json& json, std::string& bytes) {
+    bytes = ToBytes(json == true);
+    return json.is_boolean();
+}
+
+// A value may be several bytes: the keys that are held.
+Json WriteByte(const std::string& bytes) {
+    return bytes.size() == 1 ? WriteInteger<uint8>(bytes) : HexOf(bytes);
+}
+
+bool ReadByte(const Json& json, std::string& bytes) {
+    return json.is_object() ? BytesOfHex(json, bytes) : ReadAsInteger<uint8>(json, bytes);
+}
+
+Json WriteFloats(const std::string& bytes) {
     Json numbers = Json::array();
     for (size_t i = 0; i < bytes.size(); i += sizeof(float))
-        numbers.push_back(NumberOf(FromBytes<float>(bytes.substr(i, sizeof(float)))));
+        numbers.push_back(WriteNumber<float>(bytes.substr(i, sizeof(float))));
     return numbers;
 }
 
-bool ReadFloats(const Json& json, size_t count, std::string& bytes) {
+template <size_t count>
+bool ReadFloats(const Json& json, std::string& bytes) {
     if (!json.is_array() || json.size() != count)
         return false;
     for (const Json& number : json) {
-        float value;
-        if (!ReadNumber(number, value))
+        std::string value;
+        if (!ReadAsNumber<float>(number, value))
             return false;
-        bytes += ToBytes(value);
+        bytes += value;
     }
     return true;
 }
 
-Json ColorOf(const std::string& bytes) {
+Json WriteColor(const std::string& bytes) {
     if (bytes.size() != sizeof(rgb_color))
         return HexOf(bytes);
     Json channels = Json::array();
@@ -214,17 +227,17 @@ bool ReadColor(const Json& json, std::string& bytes) {
     if (!json.is_array())
         return BytesOfHex(json, bytes);
     for (const Json& channel : json) {
-        uint8 value;
-        if (!ReadInteger(channel, value))
+        std::string value;
+        if (!ReadAsInteger<uint8>(channel, value))
             return false;
-        bytes += static_cast<char>(value);
+        bytes += value;
     }
     return bytes.size() == sizeof(rgb_color);
 }
 
 // A string that does not end with its only NUL is written as all of its bytes.
-Json StringOf(const std::string& bytes) {
-    const bool isString = bytes.find('\0') == bytes.size() - 1 && !bytes.empty();
+Json WriteString(const std::string& bytes) {
+    const bool isString = !bytes.empty() && bytes.find('\0') == bytes.size() - 1;
     const std::string_view text(bytes.data(), bytes.size() - isString);
     return isString && IsUtf8(text) ? Json(text) : HexOf(bytes);
 }
@@ -238,130 +251,58 @@ bool ReadString(const Json& json, std::string& bytes) {
     return isString;
 }
 
-Json ValueOf(type_code type, const std::string& bytes) {
-    switch (type) {
-    case B_BOOL_TYPE:
-        return bytes[0] != 0;
-    case B_INT8_TYPE:
-        return FromBytes<int8>(bytes);
-    case B_UINT8_TYPE:
-        return bytes.size() == 1 ? Json(FromBytes<uint8>(bytes)) : HexOf(bytes);
-    case B_INT16_TYPE:
-        return FromBytes<int16>(bytes);
-    case B_INT32_TYPE:
-        return FromBytes<int32>(bytes);
-    case B_UINT32_TYPE:
-        return FromBytes<uint32>(bytes);
-    case B_INT64_TYPE:
-        return FromBytes<int64>(bytes);
-    case B_FLOAT_TYPE:
-        return NumberOf(FromBytes<float>(bytes));
-    case B_DOUBLE_TYPE:
-        return NumberOf(FromBytes<double>(bytes));
-    case B_POINT_TYPE:
-    case B_RECT_TYPE:
-        return FloatsOf(bytes);
-    case B_RGB_COLOR_TYPE:
-        return ColorOf(bytes);
-    case B_STRING_TYPE:
-        return StringOf(bytes);
-    default:
-        return HexOf(bytes);
-    }
-}
-
-template <typename Value>
-bool ReadScalar(bool (*read)(const Json&, Value&), const Json& json, std::string& bytes) {
-    Value value;
-    if (!read(json, value))
-        return false;
-    bytes = ToBytes(value);
-    return true;
-}
-
-bool ReadBool(const Json& json, bool& value) {
-    if (!json.is_boolean())
-        return false;
-    value = json.get<bool>();
-    return true;
-}
-
-bool ReadValue(type_code type, const Json& json, std::string& bytes) {
-    switch (type) {
-    case B_BOOL_TYPE:
-        return ReadScalar(ReadBool, json, bytes);
-    case B_INT8_TYPE:
-        return ReadScalar(ReadInteger<int8>, json, bytes);
-    case B_UINT8_TYPE:
-        return json.is_object() ? BytesOfHex(json, bytes)
-                                : ReadScalar(ReadInteger<uint8>, json, bytes);
-    case B_INT16_TYPE:
-        return ReadScalar(ReadInteger<int16>, json, bytes);
-    case B_INT32_TYPE:
-        return ReadScalar(ReadInteger<int32>, json, bytes);
-    case B_UINT32_TYPE:
-        return ReadScalar(ReadInteger<uint32>, json, bytes);
-    case B_INT64_TYPE:
-        return ReadScalar(ReadInteger<int64>, json, bytes);
-    case B_FLOAT_TYPE:
-        return ReadScalar(ReadNumber<float>, json, bytes);
-    case B_DOUBLE_TYPE:
-        return ReadScalar(ReadNumber<double>, json, bytes);
-    case B_POINT_TYPE:
-        return ReadFloats(json, 2, bytes);
-    case B_RECT_TYPE:
-        return ReadFloats(json, 4, bytes);
-    case B_RGB_COLOR_TYPE:
-        return ReadColor(json, bytes);
-    case B_STRING_TYPE:
-        return ReadString(json, bytes);
-    default:
-        return BytesOfHex(json, bytes);
-    }
-}
-
-bool IsWritten(type_code type) {
-    return type != B_POINTER_TYPE && type != B_MESSENGER_TYPE;
-}
-
-// Reads JSON without keeping it, and stops where it nests too deep or where an object has two
-// members of one name.
-class Inspector : public nlohmann::json_sax<Json> {
-public:
-    bool null() override { return true; }
-    bool boolean(bool) override { return true; }
-    bool number_integer(number_integer_t) override { return true; }
-    bool number_unsigned(number_unsigned_t) override { return true; }
-    bool number_float(number_float_t, const string_t&) override { return true; }
-    bool string(string_t&) override { return true; }
-    bool binary(binary_t&) override { return false; }
-    bool start_object(size_t) override { return Enter(); }
-    bool key(string_t& name) override { return fNames.back().insert(name).second; }
-    bool end_object() override { return Leave(); }
-    bool start_array(size_t) override { return Enter(); }
-    bool end_array() override { return Leave(); }
-    bool parse_error(size_t, const std::string&, const Json::exception&) override { return false; }
-
-private:
-    bool Enter() {
-        fNames.emplace_back();
-        return fNames.size() <= kMaxNesting;
-    }
-    bool Leave() {
-        fNames.pop_back();
-        return true;
-    }
-
-    // Of the members of each open object.
-    std::vector<std::unordered_set<std::string>> fNames;
+struct Type {
+    type_code code;
+    const char* name;
+    size_t size; // of every value, or 0
+    Json (*write)(const std::string& bytes);
+    bool (*read)(const Json& json, std::string& bytes); // into an empty string
 };
 
-// Discarded if it is not JSON as we take it. The parser takes a NUL for the end of the text.
-Json Parse(std::string_view text) {
-    Inspector inspector;
-    if (text.find('\0') != std::string_view::npos || !Json::sax_parse(text, &inspector))
-        return Json(Json::value_t::discarded);
-    return Json::parse(text, nullptr, false);
+constexpr Type kTypes[] = {
+    {B_BOOL_TYPE, "bool", 1, WriteBool, ReadBool},
+    {B_INT8_TYPE, "int8", 1, WriteInteger<int8>, ReadAsInteger<int8>},
+    {B_UINT8_TYPE, "uint8", 0, WriteByte, ReadByte},
+    {B_INT16_TYPE, "int16", 2, WriteInteger<int16>, ReadAsInteger<int16>},
+    {B_INT32_TYPE, "int32", 4, WriteInteger<int32>, ReadAsInteger<int32>},
+    {B_UINT32_TYPE, "uint32", 4, WriteInteger<uint32>, ReadAsInteger<uint32>},
+    {B_INT64_TYPE, "int64", 8, WriteInteger<int64>, ReadAsInteger<int64>},
+    {B_FLOAT_TYPE, "float", 4, WriteNumber<float>, ReadAsNumber<float>},
+    {B_DOUBLE_TYPE, "double", 8, WriteNumber<double>, ReadAsNumber<double>},
+    {B_STRING_TYPE, "string", 0, WriteString, ReadString},
+    {B_POINT_TYPE, "point", 8, WriteFloats, ReadFloats<2>},
+    {B_RECT_TYPE, "rect", 16, WriteFloats, ReadFloats<4>},
+    {B_RGB_COLOR_TYPE, "color", 0, WriteColor, ReadColor},
+    {B_RAW_TYPE, "raw", 0, HexOf, BytesOfHex},
+};
+
+// Any other type: it is named by its code.
+constexpr Type kOtherType{0, nullptr, 0, HexOf, BytesOfHex};
+
+const Type& TypeWith(type_code code) {
+    const auto found = std::find_if(std::begin(kTypes), std::end(kTypes),
+                                    [code](const Type& type) { return type.code == code; });
+    return found == std::end(kTypes) ? kOtherType : *found;
+}
+
+bool ReadTypeCode(const Json& json, type_code& code) {
+    for (const Type& type : kTypes) {
+        if (json == type.name) {
+            code = type.code;
+            return true;
+        }
+    }
+    return ReadCode(json, "'", code) && code != B_ANY_TYPE && code != B_POINTER_TYPE;
+}
+
+Json FieldOf(const std::string& name, type_code code, const std::vector<std::string>& values) {
+    const Type& type = TypeWith(code);
+    Json written = Json::array();
+    for (const std::string& bytes : values)
+        written.push_back(type.write(bytes));
+    return {{"name", TextOf(name)},
+            {"type", type.name ? Json(type.name) : CodeOf(code, "'")},
+            {"values", std::move(written)}};
 }
 
 bool HasMembers(const Json& json, std::initializer_list<const char*> names) {
@@ -370,91 +311,77 @@ bool HasMembers(const Json& json, std::initializer_list<const char*> names) {
                        [&](const char* name) { return json.contains(name); });
 }
 
-} // namespace
-
-// Writes the fields of a message as JSON values.
-class MessageText::Writer {
-public:
-    static Json FieldsOf(const BMessage& message) {
-        Json fields = Json::array();
-        for (const BMessage::Field& field : message.fFields) {
-            if (IsWritten(field.type))
-                fields.push_back(FieldOf(field));
-        }
-        return fields;
+bool ReadField(const Json& json, std::string& name, type_code& code,
+               std::vector<std::string>& values) {
+    if (!HasMembers(json, {"name", "type", "values"}) || !BytesOfText(json["name"], name) ||
+        !ReadTypeCode(json["type"], code) || !json["values"].is_array())
+        return false;
+    const Type& type = TypeWith(code);
+    for (const Json& value : json["values"]) {
+        if (!type.read(value, values.emplace_back()))
+            return false;
     }
-
-private:
-    static Json FieldOf(const BMessage::Field& field) {
-        Json values = Json::array();
-        for (const BMessage::Field::Value& value : field.values) {
-            if (const auto* bytes = std::get_if<std::string>(&value))
-                values.push_back(ValueOf(field.type, *bytes));
-            else if (const auto* message = std::get_if<std::shared_ptr<const BMessage>>(&value))
-                values.push_back(MessageOf(**message));
-        }
-        return {{"name", TextOf(field.name)}, {"type", TypeOf(field.type)}, {"values", values}};
-    }
-
-    static Json MessageOf(const BMessage& message) {
-        return {{"what", CodeOf(message.what, "")}, {"fields", FieldsOf(message)}};
-    }
-};
-
-bool MessageText::Write(const BMessage& message, std::string& text) {
-    // One line for each field: a person reads it, and differences show.
-    text = "{\n    \"what\": " + CodeOf(message.what, "").dump() + ",\n    \"fields\": [";
-    const char* separator = "\n        ";
-    for (const Json& field : Writer::FieldsOf(message)) {
-        text += separator + field.dump();
-        separator = ",\n        ";
-    }
-    text += "\n    ]\n}\n";
-    return text.size() <= kMaxSize;
+    return !values.empty();
 }
 
-// Makes messages of JSON values.
-class MessageText::Reader {
-public:
-    static bool ReadMessage(const Json& json, BMessage& message) {
-        if (!HasMembers(json, {"what", "fields"}) || !ReadCode(json["what"], "", message.what) ||
-            !json["fields"].is_array())
-            return false;
-        std::unordered_set<std::string> names;
-        for (const Json& field : json["fields"]) {
-            message.fFields.push_back({});
-            if (!ReadField(field, message.fFields.back()) ||
-                !names.insert(message.fFields.back().name).second)
-                return false;
-        }
-        return true;
-    }
+// Discarded if it is not JSON, nests deeper than a message can, or has an object with two members
+// of one name. The parser would take a NUL for the end of the text.
+Json Parse(std::string_view text) {
+    std::vector<std::set<std::string>> names(kMaxNesting + 1); // of the members, by nesting
+    bool isFine = text.find('\0') == std::string_view::npos;
+    const auto check = [&](int nesting, Json::parse_event_t event, Json& parsed) {
+        if (nesting > kMaxNesting)
+            isFine = false;
+        else if (event == Json::parse_event_t::object_start)
+            names[static_cast<size_t>(nesting)].clear();
+        else if (event == Json::parse_event_t::key)
+            isFine &= names[static_cast<size_t>(nesting - 1)].insert(parsed).second;
+        return isFine;
+    };
+    Json json = Json::parse(text, check, false);
+    return isFine ? json : Json(Json::value_t::discarded);
+}
 
-private:
-    static bool ReadField(const Json& json, BMessage::Field& field) {
-        if (!HasMembers(json, {"name", "type", "values"}) ||
-            !BytesOfText(json["name"], field.name) || !ReadType(json["type"], field.type))
-            return false;
-        const Json& values = json["values"];
-        field.isFixedSize = SizeOfType(field.type) > 0;
-        field.values.resize(values.is_array() ? values.size() : 0);
-        for (size_t i = 0; i < field.values.size(); ++i) {
-            if (!ReadFieldValue(field.type, values[i], field.values[i]))
-                return false;
-        }
-        return !field.values.empty();
-    }
+} // namespace
 
-    static bool ReadFieldValue(type_code type, const Json& json, BMessage::Field::Value& value) {
-        if (type != B_MESSAGE_TYPE)
-            return ReadValue(type, json, std::get<std::string>(value));
-        auto message = std::make_shared<BMessage>();
-        const bool isRead = ReadMessage(json, *message);
-        value = std::move(message);
-        return isRead;
-    }
-};
+size_t SizeOfType(type_code type) {
+    return type == B_POINTER_TYPE ? sizeof(void*) : TypeWith(type).size;
+}
 
-bool MessageText::Read(std::string_view text, BMessage& message) {
-    return text.size() <= kMaxSize && Reader::ReadMessage(Parse(text), message);
+// One line for each field: a person reads it, and differences show.
+status_t BMessage::Flatten(std::string* text) const {
+    std::string written = "{\n    \"what\": " + CodeOf(what, "").dump() + ",\n    \"fields\": [";
+    const char* separator = "\n        ";
+    for (const Field& field : fFields) {
+        if (field.type == B_POINTER_TYPE)
+            continue;
+        written += separator + FieldOf(field.name, field.type, field.values).dump();
+        separator = ",\n        ";
+    }
+    written += "\n    ]\n}\n";
+    if (!text || written.size() > kMaxSize)
+        return B_BAD_VALUE;
+    *text = std::move(written);
+    return B_OK;
+}
+
+status_t BMessage::Unflatten(const void* text, size_t size) {
+    if (!text)
+        return B_BAD_VALUE;
+    if (size > kMaxSize)
+        return B_BAD_DATA;
+    BMessage message;
+    const Json json = Parse({static_cast<const char*>(text), size});
+    if (!HasMembers(json, {"what", "fields"}) || !ReadCode(json["what"], "", message.what) ||
+        !json["fields"].is_array())
+        return B_BAD_DATA;
+    std::set<std::string> names;
+    for (const Json& part : json["fields"]) {
+        Field& field = message.fFields.emplace_back();
+        if (!ReadField(part, field.name, field.type, field.values) ||
+            !names.insert(field.name).second)
+            return B_BAD_DATA;
+    }
+    *this = std::move(message);
+    return B_OK;
 }

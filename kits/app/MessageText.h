@@ -1,24 +1,8 @@
 #pragma once
 
-#include <string>
-#include <string_view>
+#include <cstddef>
 
-#include "kits/app/Message.h"
+#include "base/TypeConstants.h"
 
-// A message as text: docs/FORMATS.md.
-class MessageText {
-public:
-    // The most bytes that a text may have.
-    static constexpr size_t kMaxSize = 1 << 20;
-
-    // False if it would be longer than that.
-    static bool Write(const BMessage& message, std::string& text);
-
-    // Fills a message that is empty; false if the text is not exactly one message, which is then
-    // good for nothing.
-    static bool Read(std::string_view text, BMessage& message);
-
-private:
-    class Writer;
-    class Reader;
-};
+// The size in bytes that every value of this type has, or 0 if values differ in size. Any thread.
+size_t SizeOfType(type_code type);

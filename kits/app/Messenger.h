@@ -18,7 +18,7 @@ public:
     BMessenger() = default;
 
     // Aimed at `handler`, which must belong to a looper, and to `looper` if one is given. Without
-    // a handler, at the handler that `looper` prefers at the time of delivery, else the looper.
+    // a handler, at the looper itself.
     // `result` (may be null): B_BAD_VALUE without either, B_BAD_HANDLER if the handler belongs to
     // no looper, B_MISMATCHED_VALUES if it belongs to another one; the messenger then has no
     // target.
@@ -29,17 +29,17 @@ public:
     // signature. Whether it runs is found out by each call.
     explicit BMessenger(const char* signature, status_t* result = nullptr);
 
-    // Puts a copy of the message into the target's queue and returns at once, whoever holds the
-    // target's lock; in this process nothing is waited for, since queues have no bound. The copy's
-    // ReturnAddress() is `replyTo`. For another program `timeout` (microseconds) bounds the
-    // sending, pointers and messengers in the message are left out, and a message of more than 1
-    // MiB is refused; B_REFS_RECEIVED for a signature under which no program listens starts the
-    // desktop's program for it with the entries "refs". B_BAD_HANDLER if the target is gone,
-    // B_BAD_VALUE without a message; B_BAD_PORT_ID if there is no target or the other program does
-    // not run.
-    status_t SendMessage(uint32 what, BHandler* replyTo = nullptr) const;
-    status_t SendMessage(const BMessage* message, BHandler* replyTo = nullptr,
-                         bigtime_t timeout = B_INFINITE_TIMEOUT) const;
+    // Puts a copy of the message into the target's queue and returns at once, whatever thread holds
+    // the target's lock: queues have no bound. For another program `timeout` (microseconds) bounds
+    // the sending, pointers in the message are left out, and a text of more than 64 KiB is refused;
+    // B_REFS_RECEIVED for a signature under which no program listens starts the desktop's program
+    // for it with the entries "refs" as its arguments: the programs of this desktop take what they
+    // are to open with their start. B_BAD_HANDLER if the target is gone, B_BAD_VALUE without a
+    // message; B_BAD_PORT_ID if there is no target or the other program does not run; with "refs"
+    // B_NAME_NOT_FOUND, B_ENTRY_NOT_FOUND if a directory of one is gone, or the result of
+    // BRoster::Launch().
+    status_t SendMessage(uint32 what) const;
+    status_t SendMessage(const BMessage* message, bigtime_t timeout = B_INFINITE_TIMEOUT) const;
 
     // Whether the target takes messages now.
     bool IsValid() const;
@@ -57,6 +57,5 @@ public:
 
 private:
     int64 fToken = 0;
-    bool fPreferred = false;
     std::string fSignature;
 };

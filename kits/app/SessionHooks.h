@@ -4,9 +4,8 @@
 
 #include "kits/app/Messenger.h"
 
-// What the application object asks of the windows. The interface kit sets these when it connects to
-// the display; a program without windows needs none, and an empty function stands for nothing to
-// do.
+// The application object's way to the windows. The interface kit sets these functions when it
+// connects to the display; an empty function does nothing.
 struct session_hooks {
     // Closes open menus and alerts as if cancelled and lets none open until the process ends. Any
     // thread; must not wait for a looper.

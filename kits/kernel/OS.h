@@ -10,9 +10,7 @@ inline constexpr bigtime_t B_INFINITE_TIMEOUT = INT64_MAX;
 
 // Accepted where the platform's calls take them; all threads are scheduled alike.
 enum : int32 {
-    B_LOW_PRIORITY = 5,
     B_NORMAL_PRIORITY = 10,
-    B_DISPLAY_PRIORITY = 15,
 };
 
 // Makes a thread that will run `function(data)` after resume_thread or wait_for_thread. Returns its

@@ -3,8 +3,6 @@
 #include <strings.h>
 
 #include <charconv>
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -15,10 +13,6 @@ const char* OrEmpty(const char* string) {
 
 int32 Position(size_t found) {
     return found == std::string::npos ? B_ERROR : static_cast<int32>(found);
-}
-
-int32 Sign(int difference) {
-    return (difference > 0) - (difference < 0);
 }
 
 template <typename Number>
@@ -41,25 +35,6 @@ BString& BString::SetTo(const char* string, int32 maxLength) {
     return *this;
 }
 
-BString& BString::SetTo(char fill, int32 length) {
-    fBytes.assign(fill && length > 0 ? length : 0, fill);
-    return *this;
-}
-
-BString& BString::SetToFormat(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    va_list again;
-    va_copy(again, arguments);
-    const int length = vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    std::string text(length > 0 ? length : 0, '\0');
-    vsnprintf(text.data(), text.size() + 1, format, arguments);
-    va_end(arguments);
-    fBytes = std::move(text);
-    return *this;
-}
-
 char BString::ByteAt(int32 index) const {
     return index >= 0 && index < Length() ? fBytes[index] : '\0';
 }
@@ -69,10 +44,6 @@ BString& BString::Append(const char* string) {
     return *this;
 }
 
-BString& BString::Append(const char* string, int32 maxLength) {
-    return *this += BString(string, maxLength);
-}
-
 BString& BString::Prepend(const char* string) {
     fBytes = OrEmpty(string) + fBytes;
     return *this;
@@ -80,12 +51,6 @@ BString& BString::Prepend(const char* string) {
 
 BString& BString::operator+=(const BString& string) {
     fBytes += string.fBytes;
-    return *this;
-}
-
-BString& BString::operator+=(char byte) {
-    if (byte)
-        fBytes += byte;
     return *this;
 }
 
@@ -107,22 +72,10 @@ BString& BString::operator<<(float number) {
     return *this;
 }
 
-BString& BString::Truncate(int32 length) {
-    if (length < Length())
-        fBytes.resize(length > 0 ? length : 0);
-    return *this;
-}
-
 BString& BString::Remove(int32 from, int32 length) {
     if (from >= 0 && from < Length() && length > 0)
         fBytes.erase(from, length);
     return *this;
-}
-
-BString& BString::CopyInto(BString& into, int32 from, int32 length) const {
-    const bool isInside = from >= 0 && from < Length() && length > 0;
-    into.fBytes = isInside ? fBytes.substr(from, length) : std::string();
-    return into;
 }
 
 int32 BString::FindFirst(const char* string, int32 from) const {
@@ -131,34 +84,11 @@ int32 BString::FindFirst(const char* string, int32 from) const {
     return Position(fBytes.find(string, from));
 }
 
-int32 BString::FindFirst(const BString& string, int32 from) const {
-    return FindFirst(string.String(), from);
-}
-
 int32 BString::FindFirst(char byte, int32 from) const {
     return from < 0 ? B_ERROR : Position(fBytes.find(byte, from));
 }
 
-int32 BString::FindLast(const char* string) const {
-    return string ? Position(fBytes.rfind(string)) : B_ERROR;
-}
-
-int32 BString::FindLast(char byte) const {
-    return Position(fBytes.rfind(byte));
-}
-
-int32 BString::Compare(const char* string) const {
-    return Sign(strcmp(String(), OrEmpty(string)));
-}
-
-int32 BString::Compare(const char* string, int32 length) const {
-    return length > 0 ? Sign(strncmp(String(), OrEmpty(string), length)) : 0;
-}
-
 int32 BString::ICompare(const char* string) const {
-    return Sign(strcasecmp(String(), OrEmpty(string)));
-}
-
-int32 BString::ICompare(const char* string, int32 length) const {
-    return length > 0 ? Sign(strncasecmp(String(), OrEmpty(string), length)) : 0;
+    const int difference = strcasecmp(String(), OrEmpty(string));
+    return (difference > 0) - (difference < 0);
 }

@@ -52,10 +52,10 @@ std::unique_ptr<BPopUpMenu> URLView::CreatePopupMenu() const {
     auto menu = std::make_unique<BPopUpMenu>("URLView Popup", false, false, B_ITEMS_IN_COLUMN);
     menu->SetAsyncAutoDestruct(true);
     const Opener& opener = IsEmailLink() ? kMail : IsFTPLink() ? kFTP : kWeb;
-    entry_ref program;
-    if (be_roster->FindApp(opener.type, &program) == B_OK)
-        menu->AddItem(
-            new BMenuItem((BString(opener.itemLabel) + program.name.c_str()).String(), nullptr));
+    if (be_roster->FindApp(opener.type) == B_OK) {
+        const BString label = BString(opener.itemLabel) + be_roster->NameOf(opener.type);
+        menu->AddItem(new BMenuItem(label.String(), nullptr));
+    }
     menu->AddItem(new BMenuItem(kCopyLabel, nullptr));
     return menu;
 }

@@ -3,13 +3,11 @@
 #include "kits/app/Message.h"
 #include "kits/app/MessageRunner.h"
 #include "kits/app/Messenger.h"
-#include "kits/app/Roster.h"
 #include "kits/interface/controls/Alert.h"
 #include "kits/interface/drawing/Font.h"
 #include "kits/interface/menus/PopUpMenu.h"
 #include "kits/kernel/Locker.h"
 #include "kits/support/String.h"
-#include "quillbar/bar/Browsers.h"
 #include "quillbar/bar/widgets/Bar.h"
 #include "quillbar/bar/widgets/Button.h"
 #include "quillbar/base/Settings.h"
@@ -144,9 +142,14 @@ void QBMainWindow::AddViews() {
     }
 }
 
+// The texts are copied: one that has not changed stays.
 void QBMainWindow::SetFolderHelp() {
-    for (int digit = 0; digit < 10; ++digit)
-        fBubbles->SetHelp(fButtons[digit], fMonitor->fPaths[digit]->Name());
+    for (int digit = 0; digit < 10; ++digit) {
+        const BString name = fMonitor->fPaths[digit]->Name();
+        const char* shown = fBubbles->GetHelp(fButtons[digit]);
+        if (!shown || name != shown)
+            fBubbles->SetHelp(fButtons[digit], name.String());
+    }
 }
 
 void QBMainWindow::WarnWithoutBrowser() {
@@ -168,12 +171,4 @@ void QBMainWindow::HandleAlignChange(QBAlign align) {
     fBar->Invalidate();
     for (int digit = 0; digit < 10; ++digit)
         fButtons[digit]->MoveTo(ButtonPlace(layout, digit));
-}
-
-bool QBMainWindow::ExistOpera() const {
-    return be_roster->FindApp(kOperaSignature, nullptr) == B_OK;
-}
-
-bool QBMainWindow::ExistNetPos() const {
-    return be_roster->FindApp(kNetPositiveSignature, nullptr) == B_OK;
 }

@@ -40,7 +40,8 @@ public:
     // so.
     void HandleAlignChange(QBAlign align);
 
-    // Opens the URL of a slot in the chosen browser. Both numbers count from one.
+    // Opens the URL of a slot in the chosen browser; an alert reports a browser that cannot be
+    // started or ends at once with an error. Both numbers count from one.
     void Launch(int folder, int slot);
 
     bool ExistOpera() const;
@@ -76,6 +77,7 @@ private:
     void ChooseShowURL(bool show);
     void ToggleHotKey(uint32 command);
     void ToggleOnTop();
+    void WarnUnlessSavable();
     void HandleLaunch(BMessage* message);
     void HandleNodeMonitor(BMessage* message);
     void HandlePaste(BMessage* message);
@@ -96,6 +98,7 @@ private:
     BMenuItem* fOnTopItem;
     BMenuItem* fHotKeyItems[6];
     bool fAddWindowOpen;
+    bool fWarnedOfSettings = false;
     QBBar* fBar;
     BubbleHelper* fBubbles;
     std::unique_ptr<BMessageRunner> fLayoutRunner;

@@ -4,21 +4,18 @@
 #include "kits/app/MessageRunner.h"
 #include "kits/app/Messenger.h"
 #include "kits/app/Roster.h"
-#include "kits/interface/controls/Alert.h"
-#include "kits/interface/menus/MenuItem.h"
 #include "kits/interface/menus/PopUpMenu.h"
 #include "kits/kernel/Locker.h"
 #include "kits/support/String.h"
 #include "quillbar/addbookmark/BookmarkWindow.h"
-#include "quillbar/bar/Browsers.h"
-#include "quillbar/bar/HotKeys.h"
 #include "quillbar/bar/MainWindow.h"
-#include "quillbar/bar/Shortcuts.h"
 #include "quillbar/bar/widgets/Bar.h"
 #include "quillbar/bar/widgets/Button.h"
 #include "quillbar/bar/widgets/Menu.h"
+#include "quillbar/base/Keypad.h"
 #include "quillbar/base/Settings.h"
 #include "quillbar/base/Trace.h"
+#include "quillbar/store/Alerts.h"
 #include "quillbar/store/Item.h"
 #include "quillbar/store/Monitor.h"
 #include "quillbar/store/Path.h"
@@ -27,6 +24,34 @@ namespace {
 
 constexpr float kAddWindowAbove = 190; // above the bar's lower edge
 constexpr bigtime_t kMappingTime = 100'000;
+
+// The browsers that bookmarks can be launched in.
+constexpr const char* kOperaSignature = "application/x-vnd.operasoftware-opera";
+constexpr const char* kNetPositiveSignature = "application/x-vnd.Be-NPOS";
+
+// The platform's raw key codes.
+constexpr int32 kSettingsKey = 0x50; // "B"
+constexpr int32 kMainRow[10] = {0x1b, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1a};
+
+// The digit of the folder whose menu the key opens, or -1.
+int FolderOfKey(int32 key) {
+    for (int digit = 0; digit < 10; ++digit) {
+        if (key == kMainRow[digit])
+            return digit;
+    }
+    return DigitOfKeypad(key);
+}
+
+// "-" of the main row, "-" and "+" of the keypad.
+bool IsAddBookmarkKey(int32 key) {
+    return key == 0x1c || key == 0x25 || key == 0x3a;
+}
+
+void WarnOfLaunch(const BString& name, const char* reason) {
+    BString text("I could not start ");
+    text << name << ": " << reason;
+    AlertWarning(text.String());
+}
 
 } // namespace
 
@@ -77,6 +102,9 @@ void QBMainWindow::MessageReceived(BMessage* message) {
         break;
     case kQBLaunch:
         HandleLaunch(message);
+        break;
+    case B_PROGRAM_FAILED:
+        WarnOfLaunch(message->GetString("name", ""), "it ended at once with an error.");
         break;
     case kQBPrepareMenus:
         PrepareMenus();
@@ -163,68 +191,6 @@ void QBMainWindow::LayOutMenus() {
     fSettingsMenu->PrepareLayout();
 }
 
-void QBMainWindow::ChooseAlign(QBAlign align) {
-    fAlignHItem->SetMarked(align == kQBAlignHorizontal);
-    fAlignVItem->SetMarked(align != kQBAlignHorizontal);
-    HandleAlignChange(align);
-}
-
-void QBMainWindow::ChooseBrowser(QBBrowser browser, BMessage* message) {
-    gSettings->SetBrowser(browser);
-    void* source = nullptr;
-    if (message->FindPointer("source", &source) != B_OK)
-        return;
-    if (fBrowserItem)
-        fBrowserItem->SetMarked(false);
-    fBrowserItem = static_cast<BMenuItem*>(source);
-    fBrowserItem->SetMarked(true);
-}
-
-void QBMainWindow::ChooseShowURL(bool show) {
-    if (gSettings->GetShowURL() == show)
-        return;
-    gSettings->SetShowURL(show);
-    fLocker->Lock();
-    fMonitor->UpdateMenus();
-    fLocker->Unlock();
-    fShowURLYesItem->SetMarked(show);
-    fShowURLNoItem->SetMarked(!show);
-}
-
-void QBMainWindow::ToggleHotKey(uint32 command) {
-    int index = 0;
-    while (kHotKeys[index].command != command)
-        ++index;
-    const int32 bit = kHotKeys[index].bit;
-    BMenuItem* item = fHotKeyItems[index];
-    const int32 keys = gSettings->GetHotKey();
-
-    if (!item->IsMarked()) {
-        gSettings->SetHotKey(keys | bit);
-        item->SetMarked(true);
-        return;
-    }
-    if ((keys & ~bit) != 0) {
-        gSettings->SetHotKey(keys & ~bit);
-        item->SetMarked(false);
-        return;
-    }
-    auto* alert =
-        new BAlert("", "You must have a least one hot key set to be able to use this feature!",
-                   "OK", nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
-    if (command == kQBToggleWindowsKey)
-        alert->Go(nullptr);
-    else
-        alert->Go();
-}
-
-void QBMainWindow::ToggleOnTop() {
-    const bool onTop = !gSettings->GetOnTop();
-    gSettings->SetOnTop(onTop);
-    fOnTopItem->SetMarked(onTop);
-    SetFeel(onTop ? B_FLOATING_ALL_WINDOW_FEEL : B_NORMAL_WINDOW_FEEL);
-}
-
 // Of the hot key. An empty slot is passed over in silence.
 void QBMainWindow::HandleLaunch(BMessage* message) {
     const int folder = message->GetInt8("folder", 0);
@@ -262,6 +228,7 @@ void QBMainWindow::HandlePaste(BMessage* message) {
     fBar->SetViewColor(color);
     fBar->Invalidate();
     gSettings->SetColor(color);
+    WarnUnlessSavable();
 }
 
 void QBMainWindow::OpenAddWindow(int32 folder, int32 slot) {
@@ -296,28 +263,44 @@ void QBMainWindow::HandleKeyDown(BMessage* message) {
 
 void QBMainWindow::HandleUnmappedKeyDown(BMessage* message) {
     int32 key = 0;
-    if (message->FindInt32("key", &key) == B_OK && key == kKeypad5)
+    if (message->FindInt32("key", &key) == B_OK && DigitOfKeypad(key) == 5)
         fButtons[5]->Invoke();
 }
 
+bool QBMainWindow::ExistOpera() const {
+    return be_roster->FindApp(kOperaSignature) == B_OK;
+}
+
+bool QBMainWindow::ExistNetPos() const {
+    return be_roster->FindApp(kNetPositiveSignature) == B_OK;
+}
+
 void QBMainWindow::Launch(int folder, int slot) {
-    if (!ExistNetPos() && !ExistOpera())
-        return;
     fLocker->Lock();
     const BString url = fMonitor->fPaths[folder - 1]->Items()[slot - 1]->Url();
     fLocker->Unlock();
 
     const char* signature = nullptr;
+    const char* label = nullptr;
     switch (gSettings->GetBrowser()) {
     case kQBOpera:
         signature = kOperaSignature;
+        label = "Opera";
         break;
     case kQBNetPositive:
         signature = kNetPositiveSignature;
+        label = "NetPositive";
         break;
     default:
         return;
     }
     const char* const arguments[] = {url.String()};
-    be_roster->Launch(signature, 1, arguments);
+    const status_t status = be_roster->Launch(signature, 1, arguments, BMessenger(this));
+    // An address that could be read as an option is passed over in silence.
+    if (status == B_OK || status == B_BAD_VALUE)
+        return;
+    const BString name = be_roster->NameOf(signature);
+    WarnOfLaunch(name.IsEmpty() ? label : name, status == B_LAUNCH_FAILED_APP_NOT_FOUND
+                                                    ? "it is not installed."
+                                                    : StatusText(status));
 }

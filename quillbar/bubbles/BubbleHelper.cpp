@@ -130,7 +130,7 @@ void BubbleHelper::WithViewAt(BPoint where, const std::function<void(BView*)>& a
     const BMessenger ownWindow = bubblewin ? bubble : BMessenger();
     BView* view = nullptr;
     for (int32 index = 0; !view; index++) {
-        const BMessenger target = be_app->WindowAt(index);
+        const BMessenger target = BApplication::WindowAt(index);
         if (!target.IsTargetLocal())
             return;
         if (target == ownWindow || target.LockTargetWithTimeout(kPatience) != B_OK)

@@ -4,6 +4,7 @@
 #include "kits/app/Message.h"
 #include "kits/interface/window/Window.h"
 #include "quillbar/base/Commands.h"
+#include "quillbar/base/Keypad.h"
 #include "quillbar/base/Settings.h"
 #include "quillbar/base/Trace.h"
 
@@ -23,7 +24,6 @@ constexpr int32 kLeftWindows = 0x66;
 constexpr int32 kRightWindows = 0x67;
 constexpr int32 kMenu = 0x68;
 constexpr int32 kKeypadDelete = 0x65;
-constexpr int32 kKeypadDigits[10] = {0x64, 0x58, 0x59, 0x5a, 0x48, 0x49, 0x4a, 0x37, 0x38, 0x39};
 
 constexpr ssize_t kStatesSize = 16;
 

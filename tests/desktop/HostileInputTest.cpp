@@ -29,7 +29,8 @@ protected:
         fProgram.Start();
         ExpectReachable();
         EXPECT_EQ(fProgram.Stop(), 0);
-        EXPECT_TRUE(fProgram.Settings().HasPoint("pos"));
+        BPoint place;
+        EXPECT_EQ(B_OK, fProgram.Settings().FindPoint("pos", &place));
     }
 };
 

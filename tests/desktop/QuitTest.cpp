@@ -86,17 +86,44 @@ TEST_F(SaveTest, DeathWhileSavingLeavesAWholeFile) {
     }
 }
 
-TEST_F(SaveTest, AFolderThatCannotBeWrittenKeepsTheOldFile) {
-    fProgram.Start();
-    EXPECT_EQ(fProgram.Stop(), 0);
+class ClosedFolderTest : public SaveTest {
+protected:
+    // Starts once to make the folders, then as a user who can make no file beside the settings.
+    void Close() {
+        fProgram.Start();
+        EXPECT_EQ(fProgram.Stop(), 0);
+        fs::remove(fProgram.SettingsFile());
+        fs::permissions(fHome.Config(), fs::perms::owner_read | fs::perms::owner_exec);
+    }
+    void StartAsUser() {
+        fProgram.Launch(true);
+        ASSERT_TRUE(fProgram.WaitForBar());
+        ActivateBar();
+        ChooseSetting(setting::kAlwaysOnTop);
+    }
+    void TearDown() override {
+        SaveTest::TearDown();
+        fs::permissions(fHome.Config(), fs::perms::owner_all);
+    }
+};
+
+TEST_F(ClosedFolderTest, TheFileItselfIsWritten) {
+    Close();
     WriteMarkedSettings();
-    const fs::perms all = fs::perms::owner_all | fs::perms::group_all | fs::perms::others_all;
-    fs::permissions(fHome.Config(), fs::perms::owner_read | fs::perms::owner_exec);
-    fProgram.Launch(true);
-    EXPECT_TRUE(fProgram.WaitForBar());
+    StartAsUser();
+    ActivateBar();
+    EXPECT_TRUE(fProgram.Alerts().empty());
     EXPECT_EQ(fProgram.Stop(), 0);
-    fs::permissions(fHome.Config(), all);
     EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 33);
+    EXPECT_TRUE(fProgram.Settings().GetBool("ontop", false));
+}
+
+TEST_F(ClosedFolderTest, SettingsThatCannotBeSavedAreReported) {
+    Close();
+    StartAsUser();
+    DismissAlert();
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_EQ(fProgram.Errors(), "quillbar: the settings cannot be saved: Permission denied\n");
 }
 
 } // namespace

@@ -109,8 +109,26 @@ TEST_F(BrowserTest, WithoutABrowserAnAlertSaysSoBeforeTheBarComes) {
     DismissAlert();
     ASSERT_TRUE(fProgram.WaitForBar());
     ChooseSlot(2, 1);
-    EXPECT_TRUE(fProgram.Alerts().empty());
+    DismissAlert();
     EXPECT_TRUE(fApps.Launches().empty());
+}
+
+TEST_F(BrowserTest, OneThatCannotBeStartedIsReported) {
+    AddBookmark(2, "1 - Site", "http://site.example/");
+    fProgram.Start();
+    fApps.Uninstall("browser");
+    ChooseSlot(2, 1);
+    DismissAlert();
+    for (const char* command :
+         {"Exec=/etc/passwd %u", "Exec=/nowhere/browser %u", "Exec=/bin/false %u"}) {
+        fApps.Install("browser", "%u", {command});
+        ChooseSlot(2, 1);
+        DismissAlert();
+    }
+    fApps.Install("browser");
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(1).size(), 1u);
+    EXPECT_TRUE(fProgram.Alerts().empty());
 }
 
 } // namespace

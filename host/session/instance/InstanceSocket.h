@@ -9,39 +9,50 @@
 
 namespace host {
 
-// The most bytes that one message between programs may have.
-inline constexpr size_t kMaxInstanceMessage = 1 << 20;
+// The most bytes of one message between programs. A message is one packet, which has to fit into a
+// socket's default buffer.
+inline constexpr size_t kMaxInstanceMessage = 1 << 16;
 
-// Hands `bytes` to the running program of that signature, and waits until it has taken them, at
-// most `timeout` microseconds. B_BAD_VALUE if there are too many bytes, B_BAD_PORT_ID if no such
-// program runs, B_TIMED_OUT if it does not answer in time, B_NOT_ALLOWED if another user's program
-// answers. Any thread but the service thread.
+// Sends `bytes` to the running program of that signature, and waits until it has taken them, each
+// step at most `timeout` microseconds. B_BAD_VALUE without bytes or with too many, B_BAD_PORT_ID if
+// no such program runs, B_TIMED_OUT if it does not answer in time, B_BUSY if it hangs up,
+// B_NOT_ALLOWED if another user's program answers. Any thread but the service thread.
 status_t SendToInstance(const std::string& signature, std::string_view bytes, bigtime_t timeout);
 
 // Whether a program of that signature runs, for this user. Never waits. Any thread.
 bool InstanceRuns(const std::string& signature);
 
-class InstanceLock;
-
-// The end at which a running program takes messages of other programs of the same user. While it
-// lives, `onMessage` is called on the service thread with the bytes of each. Whatever peers do,
-// they only lose their own connection. Several connections are served at a time, a bounded number.
+// The right to be the running program of a signature, and the socket at which it takes messages of
+// other programs of the same user. Its files are in $XDG_RUNTIME_DIR/quillbar, or without that
+// variable in /tmp/quillbar-UID; a directory of another user's, that others may enter or that is a
+// link is not used. The kernel gives the right back when the process ends, in whatever way.
+// One thread at a time.
 class InstanceSocket {
 public:
-    // The lock shows that there is no other socket of the signature; one that a program left behind
-    // when it was killed is replaced. The lock must outlive this. `InitCheck` says how it went.
-    InstanceSocket(const InstanceLock& lock, std::function<void(std::string_view)> onMessage);
-
-    // When this has returned, `onMessage` is not running and never runs again.
+    explicit InstanceSocket(const std::string& signature);
+    // Closes the socket and gives the right back.
     ~InstanceSocket();
 
-    status_t InitCheck() const;
+    // Takes the right without waiting. B_ALREADY_RUNNING while another process has it; another
+    // failure means that this system cannot tell whether the program runs. May be tried again.
+    status_t Acquire();
+
+    // Opens the socket, after Acquire(); one that a killed program left behind is replaced. From
+    // then on `onMessage` runs on the service thread with the bytes of each message. A hostile peer
+    // only loses its own connection; the number of connections is bounded.
+    status_t Listen(std::function<void(std::string_view)> onMessage);
+
+    // Closes the socket. When this has returned, `onMessage` is not running and never runs again.
+    void Close();
+
+    // The directory of its files, for reports.
+    const std::string& Directory() const;
 
     InstanceSocket(const InstanceSocket&) = delete;
 
 private:
     struct State;
-    std::unique_ptr<State> fState;
+    const std::unique_ptr<State> fState;
 };
 
 } // namespace host

@@ -1,14 +1,88 @@
 #include "host/session/programs/Associations.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <set>
 #include <string_view>
 
-#include "host/session/programs/DesktopDirectories.h"
-
 namespace host {
+
+namespace {
+
+void AddPlace(std::vector<std::string>& places, std::string_view place, const char* leaf) {
+    if (place.starts_with('/'))
+        places.push_back(std::string(place) + leaf);
+}
+
+std::vector<std::string> Places(const char* ownVariable, const char* ownDefault,
+                                const char* variable, const char* otherwise, const char* leaf) {
+    std::vector<std::string> places;
+    const char* own = getenv(ownVariable);
+    const char* home = getenv("HOME");
+    if (own && own[0] == '/')
+        AddPlace(places, own, leaf);
+    else if (home)
+        AddPlace(places, std::string(home) + ownDefault, leaf);
+
+    const char* value = getenv(variable);
+    std::string_view others = value && value[0] != '\0' ? value : otherwise;
+    while (!others.empty()) {
+        const std::string_view place = others.substr(0, others.find(':'));
+        AddPlace(places, place, leaf);
+        others.remove_prefix(std::min(others.size(), place.size() + 1));
+    }
+    return places;
+}
+
+std::vector<std::string> ConfigDirectories() {
+    return Places("XDG_CONFIG_HOME", "/.config", "XDG_CONFIG_DIRS", "/etc/xdg", "");
+}
+
+bool IsFile(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool IsDirectory(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+std::string FindEntryFileIn(const std::string& directory, const std::string& id) {
+    const std::string path = directory + "/" + id;
+    if (IsFile(path))
+        return path;
+    for (size_t dash = id.find('-'); dash != std::string::npos; dash = id.find('-', dash + 1)) {
+        const std::string folder = directory + "/" + id.substr(0, dash);
+        if (dash == 0 || !IsDirectory(folder))
+            continue;
+        const std::string found = FindEntryFileIn(folder, id.substr(dash + 1));
+        if (!found.empty())
+            return found;
+    }
+    return {};
+}
+
+} // namespace
+
+std::vector<std::string> ApplicationDirectories() {
+    return Places("XDG_DATA_HOME", "/.local/share", "XDG_DATA_DIRS", "/usr/local/share:/usr/share",
+                  "/applications");
+}
+
+std::string FindEntryFile(const std::string& id) {
+    if (!id.ends_with(".desktop") || id.find('/') != std::string::npos || id.size() > 255)
+        return {};
+    for (const std::string& directory : ApplicationDirectories()) {
+        const std::string path = FindEntryFileIn(directory, id);
+        if (!path.empty())
+            return path;
+    }
+    return {};
+}
 
 namespace {
 
@@ -72,12 +146,12 @@ std::vector<std::string> ListNames() {
     return names;
 }
 
-// What the files of associations say, the most important first. Read on the spot.
 struct AssociationFile {
     std::string content;
-    std::string cache; // what the entries of the directory say of themselves, behind its last list
+    std::string cache; // the associations that the directory's entries claim, behind its last list
 };
 
+// The most important file first.
 std::vector<AssociationFile> ReadAssociations() {
     std::vector<AssociationFile> files;
     const std::vector<std::string> names = ListNames();
@@ -95,11 +169,32 @@ std::vector<AssociationFile> ReadAssociations() {
 }
 
 std::optional<DesktopEntry> FirstUsable(const std::vector<std::string>& ids,
-                                        const std::set<std::string>& removed) {
+                                        const std::set<std::string>& removed, Wanted wanted) {
     for (const std::string& id : ids) {
         if (removed.contains(id))
             continue;
-        if (auto entry = DesktopEntry::Load(FindEntryFile(id)))
+        if (auto entry = DesktopEntry::Load(FindEntryFile(id), wanted))
+            return entry;
+    }
+    return std::nullopt;
+}
+
+std::optional<DesktopEntry> FindDefault(const std::vector<AssociationFile>& files, const char* type,
+                                        Wanted wanted) {
+    for (const AssociationFile& file : files) {
+        const auto chosen = ReadList(file.content, "[Default Applications]", type);
+        if (auto entry = FirstUsable(chosen, {}, wanted))
+            return entry;
+    }
+    std::set<std::string> removed;
+    for (const AssociationFile& file : files) {
+        const auto added = ReadList(file.content, "[Added Associations]", type);
+        if (auto entry = FirstUsable(added, removed, wanted))
+            return entry;
+        for (const std::string& id : ReadList(file.content, "[Removed Associations]", type))
+            removed.insert(id);
+        const auto registered = ReadList(file.cache, "[MIME Cache]", type);
+        if (auto entry = FirstUsable(registered, removed, wanted))
             return entry;
     }
     return std::nullopt;
@@ -107,19 +202,11 @@ std::optional<DesktopEntry> FirstUsable(const std::vector<std::string>& ids,
 
 } // namespace
 
-std::optional<DesktopEntry> FindDefaultProgram(const std::string& type) {
+std::optional<DesktopEntry> FindDefaultProgram(std::initializer_list<const char*> types,
+                                               Wanted wanted) {
     const std::vector<AssociationFile> files = ReadAssociations();
-    for (const AssociationFile& file : files) {
-        if (auto entry = FirstUsable(ReadList(file.content, "[Default Applications]", type), {}))
-            return entry;
-    }
-    std::set<std::string> removed;
-    for (const AssociationFile& file : files) {
-        if (auto entry = FirstUsable(ReadList(file.content, "[Added Associations]", type), removed))
-            return entry;
-        for (const std::string& id : ReadList(file.content, "[Removed Associations]", type))
-            removed.insert(id);
-        if (auto entry = FirstUsable(ReadList(file.cache, "[MIME Cache]", type), removed))
+    for (const char* type : types) {
+        if (auto entry = FindDefault(files, type, wanted))
             return entry;
     }
     return std::nullopt;

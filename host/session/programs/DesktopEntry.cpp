@@ -82,7 +82,7 @@ std::optional<std::string> ReadDesktopFile(const std::string& path) {
     return content;
 }
 
-std::optional<DesktopEntry> DesktopEntry::Load(const std::string& path) {
+std::optional<DesktopEntry> DesktopEntry::Load(const std::string& path, Wanted wanted) {
     const std::optional<std::string> content = ReadDesktopFile(path);
     const KeyFile file(g_key_file_new());
     if (!content || !g_key_file_load_from_data(file.get(), content->data(), content->size(),
@@ -90,10 +90,6 @@ std::optional<DesktopEntry> DesktopEntry::Load(const std::string& path) {
         return std::nullopt;
     if (Value(file, "Type") != "Application" || Flag(file, "Hidden"))
         return std::nullopt;
-    const std::string required = Value(file, "TryExec");
-    if (!required.empty() && FindProgram(required).empty())
-        return std::nullopt;
-
     DesktopEntry entry;
     entry.fPath = path;
     entry.fWords = SplitCommand(Value(file, "Exec"));
@@ -102,7 +98,11 @@ std::optional<DesktopEntry> DesktopEntry::Load(const std::string& path) {
     entry.fProgram = FindProgram(entry.fWords.front());
     if (Flag(file, "Terminal"))
         entry.fWords.insert(entry.fWords.begin(), {kTerminal, "-e"});
-    if (entry.fProgram.empty() || FindProgram(entry.fWords.front()).empty())
+    const std::string required = Value(file, "TryExec");
+    const bool isInstalled = !entry.fProgram.empty() &&
+                             !FindProgram(entry.fWords.front()).empty() &&
+                             (required.empty() || !FindProgram(required).empty());
+    if (wanted == Wanted::Installed && !isInstalled)
         return std::nullopt;
     entry.fName =
         TakeString(g_key_file_get_locale_string(file.get(), kGroup, "Name", nullptr, nullptr));
@@ -139,8 +139,8 @@ status_t DesktopEntry::MakeCommand(const std::vector<std::string>& arguments,
     return B_OK;
 }
 
-// A word of the command line with its field codes replaced; codes that say nothing here vanish. The
-// first code for a link or file, in the whole line, is the first argument.
+// A word of the command line with its field codes replaced; codes without a meaning here vanish.
+// The first code for a link or file, in the whole line, becomes the first argument.
 std::string DesktopEntry::Expand(const std::string& word, const std::vector<std::string>& arguments,
                                  bool& isPlaced) const {
     std::string expanded;

@@ -1,63 +1,32 @@
 #include "host/session/programs/Launcher.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
+#include <glib.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <string_view>
+#include <map>
+#include <memory>
 
 #include "host/loop/Descriptor.h"
+#include "host/loop/ServiceLoop.h"
 
 namespace host {
 
 namespace {
 
-constexpr const char* kDefaultPath = "/usr/local/bin:/usr/bin:/bin";
+// A second, and the time that a start takes.
+constexpr gint64 kAtOnce = 1'250'000;
 
-bool IsProgram(const std::string& path) {
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-           access(path.c_str(), X_OK) == 0;
-}
-
-// What named the start of this program to the desktop does not name the start of the other.
-bool BelongsToThisStart(std::string_view variable) {
-    return variable.starts_with("DESKTOP_STARTUP_ID=") ||
-           variable.starts_with("XDG_ACTIVATION_TOKEN=");
-}
-
-std::vector<char*> Environment() {
-    std::vector<char*> variables;
-    for (char** variable = environ; variable && *variable; variable++) {
-        if (!BelongsToThisStart(*variable))
-            variables.push_back(*variable);
-    }
-    variables.push_back(nullptr);
-    return variables;
-}
-
-// All that the child needs, made before the fork: afterwards another thread's locks, the
-// allocator's among them, may be held for ever.
-struct Start {
-    const char* program;
-    char* const* arguments;
-    char* const* environment;
-    const char* directory;
-    int report;
-};
-
-[[noreturn]] void Fail(int report, int error) {
-    while (write(report, &error, sizeof error) < 0 && errno == EINTR) {
-    }
-    _exit(127);
-}
-
-void ResetSignals() {
+// Runs in the child, where another thread's locks, the allocator's among them, may be held for
+// ever: only system calls.
+void SetUpChild(gpointer data) {
+    const char* directory = static_cast<const Command*>(data)->directory.c_str();
+    if (chdir(directory) != 0 && chdir("/") != 0)
+        _exit(127);
+    setsid();
     for (int number = 1; number < NSIG; number++)
         signal(number, SIG_DFL);
     sigset_t none;
@@ -65,103 +34,94 @@ void ResetSignals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-// The report moves to the first number after the standard ones; it closes by itself when the
-// program runs.
-int KeepStandardDescriptors(int report) {
-    constexpr int kReport = 3;
-    if (report != kReport)
-        dup2(report, kReport);
-    fcntl(kReport, F_SETFD, FD_CLOEXEC);
-    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-    close_range(kReport + 1, ~0U, 0);
-    return kReport;
+// The variables that identify the start of this program to the desktop do not identify the other.
+char** Environment() {
+    char** variables = g_get_environ();
+    variables = g_environ_unsetenv(variables, "DESKTOP_STARTUP_ID");
+    return g_environ_unsetenv(variables, "XDG_ACTIVATION_TOKEN");
 }
 
-[[noreturn]] void RunGrandchild(const Start& start) {
-    const int report = KeepStandardDescriptors(start.report);
-    if (chdir(start.directory) != 0 && chdir("/") != 0)
-        Fail(report, errno);
-    ResetSignals();
-    execve(start.program, start.arguments, start.environment);
-    Fail(report, errno);
+status_t StatusOf(const GError& error) {
+    switch (error.code) {
+    case G_SPAWN_ERROR_NOENT:
+        return B_ENTRY_NOT_FOUND;
+    case G_SPAWN_ERROR_ACCES:
+    case G_SPAWN_ERROR_PERM:
+        return B_PERMISSION_DENIED;
+    case G_SPAWN_ERROR_TOO_BIG:
+        return B_BAD_DATA;
+    case G_SPAWN_ERROR_NOMEM:
+        return B_NO_MEMORY;
+    default:
+        return B_ERROR;
+    }
 }
 
-// The program is the child's child: with its parent gone at once, the system reaps it.
-[[noreturn]] void RunChild(const Start& start) {
-    setsid();
-    const pid_t grandchild = fork();
-    if (grandchild == 0)
-        RunGrandchild(start);
-    if (grandchild < 0)
-        Fail(start.report, errno);
-    _exit(0);
+// A program that was started, until it ends: its parent has to take its exit status. Service
+// thread only.
+struct Child {
+    const Descriptor process;
+    const gint64 start;
+    const std::function<void()> onFailure;
+    const DescriptorWatch watch;
+};
+
+std::map<pid_t, std::unique_ptr<Child>>& Children() {
+    static auto& children = *new std::map<pid_t, std::unique_ptr<Child>>; // outlives main()
+    return children;
 }
 
-// No handler of this program may run in the child.
-pid_t ForkWithSignalsBlocked() {
-    sigset_t all;
-    sigset_t old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
-    const pid_t child = fork();
-    const int error = errno;
-    if (child != 0)
-        pthread_sigmask(SIG_SETMASK, &old, nullptr);
-    errno = error;
-    return child;
+void ChildEnded(pid_t process) {
+    int status = 0;
+    if (waitpid(process, &status, WNOHANG) == 0)
+        return;
+    const std::unique_ptr<Child> child = std::move(Children()[process]);
+    Children().erase(process);
+    if (status != 0 && child->onFailure && g_get_monotonic_time() - child->start < kAtOnce)
+        child->onFailure();
 }
 
-int ReadReport(int report) {
-    int error = 0;
-    ssize_t count;
-    do {
-        count = read(report, &error, sizeof error);
-    } while (count < 0 && errno == EINTR);
-    return count == sizeof error ? error : 0;
+void Watch(pid_t process, std::function<void()> onFailure) {
+    const gint64 start = g_get_monotonic_time();
+    ServiceLoop::Shared().Invoke([=] {
+        Descriptor descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+        const int number = descriptor.Get();
+        if (number >= 0)
+            Children()[process].reset(
+                new Child{std::move(descriptor), start, onFailure,
+                          DescriptorWatch(number, [=] { ChildEnded(process); })});
+    });
 }
 
 } // namespace
 
 std::string FindProgram(const std::string& name) {
-    if (name.find('/') != std::string::npos)
-        return name[0] == '/' && IsProgram(name) ? name : std::string();
-    const char* variable = getenv("PATH");
-    std::string_view places = variable ? variable : kDefaultPath;
-    while (!name.empty() && !places.empty()) {
-        const std::string_view place = places.substr(0, places.find(':'));
-        places.remove_prefix(std::min(places.size(), place.size() + 1));
-        const std::string path = std::string(place) + "/" + name;
-        if (place.starts_with('/') && IsProgram(path))
-            return path;
-    }
-    return {};
+    char* found = g_find_program_in_path(name.c_str());
+    const std::string path = found && found[0] == '/' ? found : "";
+    g_free(found);
+    return path;
 }
 
-status_t LaunchDetached(const Command& command) {
-    std::vector<char*> arguments;
+status_t LaunchDetached(const Command& command, std::function<void()> onFailure) {
+    std::vector<char*> arguments{const_cast<char*>(command.program.c_str())};
     for (const std::string& argument : command.arguments)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
-    const std::vector<char*> environment = Environment();
-
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        return StatusFromErrno(errno);
-    const Descriptor reading(ends[0]);
-    Descriptor writing(ends[1]);
-
-    const Start start{command.program.c_str(), arguments.data(), environment.data(),
-                      command.directory.c_str(), writing.Get()};
-    const pid_t child = ForkWithSignalsBlocked();
-    if (child < 0)
-        return StatusFromErrno(errno);
-    if (child == 0)
-        RunChild(start);
-    writing.Close();
-    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    char** environment = Environment();
+    GPid process = 0;
+    GError* error = nullptr;
+    const auto flags =
+        static_cast<GSpawnFlags>(G_SPAWN_FILE_AND_ARGV_ZERO | G_SPAWN_DO_NOT_REAP_CHILD);
+    const bool isRunning = g_spawn_async(nullptr, arguments.data(), environment, flags, SetUpChild,
+                                         const_cast<Command*>(&command), &process, &error);
+    g_strfreev(environment);
+    if (isRunning) {
+        Watch(process, std::move(onFailure));
+        return B_OK;
     }
-    const int error = ReadReport(reading.Get());
-    return error == 0 ? B_OK : StatusFromErrno(error);
+    const status_t status = StatusOf(*error);
+    g_error_free(error);
+    return status;
 }
 
 } // namespace host

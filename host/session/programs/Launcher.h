@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,14 +15,15 @@ struct Command {
     std::string directory;              // working directory; "/" if it cannot be entered
 };
 
-// The path of a program: `name` itself if it holds a slash and is absolute, else the first place on
-// PATH. Empty unless it is a file that this user may execute. Any thread.
+// The path of a program: `name` itself if it is an absolute path, else the first place on PATH.
+// Empty unless it is a file that this user may execute. Any thread.
 std::string FindProgram(const std::string& name);
 
-// Starts the program so that it has nothing to do with this one: a session of its own, no child of
-// this process, default signals, nothing on standard input, no open files but the standard output
-// and error. Returns when it runs or when it is known that the system cannot run it, and why.
-// No shell takes part. Any thread.
-status_t LaunchDetached(const Command& command);
+// Starts the program in a session of its own, with default signals, /dev/null as standard input and
+// no open files but the standard output and error. It outlives this process. No shell takes part.
+// Returns when it runs or when it is known that the system cannot run it, and why. `onFailure` (may
+// be empty) runs on the service thread if the program ends within about a second with another exit
+// status than 0 or by a signal. Any thread.
+status_t LaunchDetached(const Command& command, std::function<void()> onFailure = {});
 
 } // namespace host

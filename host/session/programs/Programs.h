@@ -11,9 +11,10 @@ namespace host {
 // user has given it with X-Be-Signature in its desktop entry, else the one that this desktop has
 // for the purpose. Read from the disk with each call, without the desktop's libraries: those are
 // behind for a moment after a change, and leave a thread and watches in the process. Any thread.
-std::optional<DesktopEntry> FindProgramFor(const std::string& signature);
+std::optional<DesktopEntry> FindProgramFor(const std::string& signature,
+                                           Wanted wanted = Wanted::Installed);
 
-// Whether there is one. Looks at all entries only if this desktop has none of its own.
+// Whether one is installed. Looks at all entries only if this desktop has none of its own.
 bool HasProgramFor(const std::string& signature);
 
 } // namespace host

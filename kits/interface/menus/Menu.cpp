@@ -96,7 +96,7 @@ BMenuItem* BMenu::FindItem(const char* name) const {
 
 BMenuItem* BMenu::FindItem(uint32 command) const {
     for (BMenuItem* item : fItems) {
-        if (item->Message() && item->Command() == command)
+        if (item->Message() && item->Message()->what == command)
             return item;
         BMenuItem* below = item->fSubmenu ? item->fSubmenu->FindItem(command) : nullptr;
         if (below)

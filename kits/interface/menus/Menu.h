@@ -18,7 +18,7 @@ enum menu_layout {
 // (Window() is null while it is not), and it is opened by a BPopUpMenu, itself or as its sub-menu.
 //
 // A closed menu has no lock: one thread at a time uses it. While it is open, items may be
-// relabelled, marked, enabled and added with its window locked (LockLooper()), and it is laid out
+// relabelled, marked, enabled and added with its window locked, and it is laid out
 // again; it must not be deleted, and none of its items removed.
 //
 // The user chooses with the pointer, or with these keys: arrows, Home, End, Page Up and Page Down

@@ -301,8 +301,8 @@ void EventTranslator::Handle(const host::MinimizedChanged& event) {
 }
 
 void EventTranslator::Handle(const host::CloseRequested&) {
-    if (fQuitsProgram && be_app != nullptr)
-        be_app->QuitFromOutside(false);
+    if (fQuitsProgram)
+        BApplication::QuitFromOutside(false);
     else if (IsBlocked())
         WindowRoster::Shared().PointAtAlert();
     else

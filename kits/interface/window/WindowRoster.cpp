@@ -194,6 +194,5 @@ void WindowRoster::SessionKeyChanged(const host::SessionKey& key) {
 }
 
 void WindowRoster::DisplayLost() {
-    if (be_app != nullptr)
-        be_app->QuitFromOutside(true);
+    BApplication::QuitFromOutside(true);
 }

@@ -18,7 +18,7 @@ void QBButton::MessageReceived(BMessage* message) {
         BButton::MessageReceived(message);
         return;
     }
-    BMessenger(Window()).SendMessage(message, static_cast<BHandler*>(nullptr), B_INFINITE_TIMEOUT);
+    BMessenger(Window()).SendMessage(message);
 }
 
 void QBButton::Draw(BRect) {

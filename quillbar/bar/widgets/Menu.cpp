@@ -3,6 +3,7 @@
 #include "kits/app/Message.h"
 #include "kits/interface/window/Window.h"
 #include "quillbar/bar/widgets/MenuItem.h"
+#include "quillbar/base/Keypad.h"
 #include "quillbar/base/Trace.h"
 
 namespace {
@@ -11,28 +12,6 @@ constexpr int32 kEscape = 1;
 constexpr int32 kKeypadSlash = 35;
 // The title and the separator come before the slots.
 constexpr int32 kFirstSlot = 2;
-
-// The digit on a key of the keypad, or 0 for any other key.
-char KeypadDigit(int32 key) {
-    switch (key) {
-    case 100:
-        return '0';
-    case 88:
-    case 89:
-    case 90:
-        return static_cast<char>('1' + key - 88);
-    case 72:
-    case 73:
-    case 74:
-        return static_cast<char>('4' + key - 72);
-    case 55:
-    case 56:
-    case 57:
-        return static_cast<char>('7' + key - 55);
-    default:
-        return 0;
-    }
-}
 
 } // namespace
 
@@ -47,8 +26,8 @@ void QBMenu::KeyDown(const char*, int32) {
     Trace(__PRETTY_FUNCTION__, "Key = 0x%x", static_cast<unsigned>(key));
     if (key == kEscape || key == kKeypadSlash)
         Hide();
-    else if (const char digit = KeypadDigit(key))
-        Choose(digit);
+    else if (const int digit = DigitOfKeypad(key); digit >= 0)
+        Choose(static_cast<char>('0' + digit));
 }
 
 void QBMenu::Choose(char digit) {

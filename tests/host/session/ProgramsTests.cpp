@@ -32,8 +32,8 @@ protected:
     void Choose(const std::string& lines) { Write(fHome.Config() / "mimeapps.list", lines); }
 
     // The entry file found, without its folders; empty if there is none.
-    std::string Find(const std::string& signature) {
-        const auto program = FindProgramFor(signature);
+    std::string Find(const std::string& signature, Wanted wanted = Wanted::Installed) {
+        const auto program = FindProgramFor(signature, wanted);
         return program ? fs::path(program->Path()).filename().string() : "";
     }
 
@@ -67,8 +67,9 @@ TEST_F(ProgramsTest, TypesHaveTheDesktopsDefaults) {
     EXPECT_EQ("files.desktop", Find(kTracker));
     EXPECT_EQ("", Find("application/x-vnd.unknown"));
     EXPECT_EQ("", Find(""));
-    fs::remove(fHome.Data() / "applications/https.desktop");
+    Install("https.desktop", "TryExec=no-such-program\n");
     EXPECT_EQ("http.desktop", Find(kNetPositive));
+    EXPECT_EQ("https.desktop", Find(kNetPositive, Wanted::Any));
 }
 
 TEST_F(ProgramsTest, TheUsersChoiceGoesBeforeTheSystems) {

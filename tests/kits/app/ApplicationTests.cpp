@@ -82,14 +82,6 @@ TEST_F(ApplicationTest, IsReadyBeforeAnyMessageAndQuitsOnItsOwnRequest) {
                                             "quit windows", "destroyed"));
 }
 
-TEST_F(ApplicationTest, ASignalDuringReadyToRunDismissesWhatItWaitsFor) {
-    Program program(fHome, {"block"});
-    ASSERT_TRUE(program.Says("ready"));
-    EXPECT_EQ(0, program.End(SIGTERM));
-    EXPECT_THAT(program.Said(), ElementsAre("built", "ready", "dismiss", "local test",
-                                            "remote quit", "dismiss", "quit windows", "destroyed"));
-}
-
 TEST_F(ApplicationTest, ASignalBeforeRunIsKept) {
     const fs::path fifo = fHome.Path() / "go";
     ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
@@ -160,17 +152,6 @@ TEST_F(ApplicationTest, AStartBesideOneThatDoesNotAnswerSaysSo) {
     EXPECT_EQ(1u, second.Errors().size());
     first.Process().Signal(SIGCONT);
     EXPECT_EQ(0, first.End(SIGTERM));
-}
-
-TEST_F(ApplicationTest, AStartAfterAKillOrDuringAQuitRuns) {
-    Program killed(fHome, {"exclusive"});
-    ASSERT_TRUE(killed.Says("ready"));
-    killed.End(SIGKILL);
-    Program quitting(fHome, {"exclusive"});
-    ASSERT_TRUE(quitting.Says("ready"));
-    EXPECT_EQ(0, quitting.End(SIGTERM));
-    Program last(fHome, {"exclusive"});
-    EXPECT_TRUE(last.Says("ready"));
 }
 
 TEST_F(ApplicationTest, OtherProgramsMayAskAndQuitButNotStartItAgain) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Rect.h"
 #include "kits/app/Message.h"
 
 namespace {
@@ -38,23 +39,25 @@ std::string WithValue(const std::string& type, const std::string& value) {
     return WithField(R"({"name": "n", "type": )" + type + R"(, "values": [)" + value + "]}");
 }
 
+template <typename Value>
+void AddBytes(BMessage& message, const char* name, type_code type, Value value) {
+    message.AddData(name, type, &value, sizeof value);
+}
+
 BMessage OneOfEach() {
-    BMessage inner('innr');
-    inner.AddString("s", "deep");
     BMessage message('qbAs');
     message.AddBool("bool", true);
     message.AddInt8("int8", INT8_MIN);
-    message.AddInt16("int16", INT16_MAX);
+    AddBytes(message, "int16", B_INT16_TYPE, int16{-2});
     message.AddInt32("int32", INT32_MIN);
     message.AddInt32("int32", INT32_MAX);
     message.AddInt64("int64", INT64_MIN);
     message.AddInt64("int64", INT64_MAX);
     message.AddFloat("float", 0.1f);
-    message.AddDouble("double", 0.1);
+    AddBytes(message, "double", B_DOUBLE_TYPE, 0.1);
     message.AddString("string", "a \"quoted\" \\ line\n\xe2\x82\xac");
     message.AddPoint("point", BPoint(30.5f, -1e-20f));
-    message.AddRect("rect", BRect(1, 2, 3, 4));
-    message.AddMessage("message", &inner);
+    AddBytes(message, "rect", B_RECT_TYPE, BRect(1, 2, 3, 4));
     message.AddData("color", B_RGB_COLOR_TYPE, "\xd8\xd8\xd8\0", 4);
     message.AddData("raw", B_RAW_TYPE, "\0\xff\x10", 3, false);
     message.AddData("mime", B_MIME_TYPE, "x", 1, false);
@@ -62,22 +65,15 @@ BMessage OneOfEach() {
     return message;
 }
 
-// Name, type and bytes of all values in order.
-std::vector<std::string> ValuesOf(const BMessage& message) {
-    std::vector<std::string> values;
-    for (int32 i = 0; i < message.CountNames(B_ANY_TYPE); ++i) {
-        const char* name = nullptr;
-        type_code type = 0;
-        int32 count = 0;
-        EXPECT_EQ(B_OK, message.GetInfo(B_ANY_TYPE, i, &name, &type, &count));
-        for (int32 j = 0; type != B_MESSAGE_TYPE && j < count; ++j) {
-            const void* data = nullptr;
-            ssize_t size = 0;
-            EXPECT_EQ(B_OK, message.FindData(name, type, j, &data, &size));
-            values.push_back(name + std::to_string(type) +
-                             std::string(static_cast<const char*>(data), size));
-        }
-    }
+using Values = std::vector<std::string>;
+
+// The bytes of all values of a field.
+Values ValuesOf(const BMessage& message, const char* name) {
+    Values values;
+    const void* data;
+    ssize_t size;
+    for (int32 i = 0; message.FindData(name, B_ANY_TYPE, i, &data, &size) == B_OK; ++i)
+        values.emplace_back(static_cast<const char*>(data), size);
     return values;
 }
 
@@ -107,12 +103,16 @@ TEST(MessageText, KeepsBytesThatAreNoText) {
         EXPECT_STREQ(string, RoundTrip(message).GetString(string, "lost"));
     }
     BMessage message;
-    message.AddData("unended", B_STRING_TYPE, "abc", 3);
-    message.AddData("ended twice", B_STRING_TYPE, "a\0b\0", 4);
-    message.AddData("empty", B_STRING_TYPE, "", 0);
+    const Values strings = {"abc", std::string("a\0b\0", 4), ""};
+    for (const std::string& string : strings)
+        message.AddData("strings", B_STRING_TYPE, string.data(),
+                        static_cast<ssize_t>(string.size()));
     message.AddData("odd colour", B_RGB_COLOR_TYPE, "abc", 3);
     EXPECT_EQ(B_OK, message.AddData("keys", B_UINT8_TYPE, "0123456789abcdef", 16));
-    EXPECT_EQ(ValuesOf(message), ValuesOf(RoundTrip(message)));
+    const BMessage read = RoundTrip(message);
+    EXPECT_EQ(strings, ValuesOf(read, "strings"));
+    EXPECT_EQ(Values{"abc"}, ValuesOf(read, "odd colour"));
+    EXPECT_EQ(Values{"0123456789abcdef"}, ValuesOf(read, "keys"));
 }
 
 TEST(MessageText, KeepsFloatsExactly) {
@@ -126,8 +126,9 @@ TEST(MessageText, KeepsFloatsExactly) {
             message.AddFloat("f", value);
     }
     for (const double value : {DBL_MAX, DBL_TRUE_MIN, 0.1 + 0.2})
-        message.AddDouble("d", value);
-    EXPECT_EQ(ValuesOf(message), ValuesOf(RoundTrip(message)));
+        AddBytes(message, "d", B_DOUBLE_TYPE, value);
+    for (const char* name : {"f", "d"})
+        EXPECT_EQ(ValuesOf(message, name), ValuesOf(RoundTrip(message), name));
     message.AddFloat("nan", NAN);
     EXPECT_TRUE(std::isnan(RoundTrip(message).GetFloat("nan", 0)));
 }
@@ -135,12 +136,9 @@ TEST(MessageText, KeepsFloatsExactly) {
 TEST(MessageText, LeavesOutWhatMeansNothingElsewhere) {
     BMessage message;
     message.AddPointer("pointer", &message);
-    message.AddMessenger("messenger", BMessenger());
-    message.AddInt32("n", 1);
-    EXPECT_EQ(1, RoundTrip(message).CountNames(B_ANY_TYPE));
+    EXPECT_FALSE(RoundTrip(message).HasPointer("pointer"));
     BMessage read;
     EXPECT_EQ(B_BAD_DATA, Read(WithValue(R"("'PNTR'")", R"({"hex":"0000000000000000"})"), read));
-    EXPECT_EQ(B_BAD_DATA, Read(WithValue(R"("'MSNG'")", R"({"hex":"00"})"), read));
 }
 
 TEST(MessageText, TakesNothingButOneWholeMessage) {
@@ -159,8 +157,7 @@ TEST(MessageText, TakesNothingButOneWholeMessage) {
     EXPECT_TRUE(message.IsSourceRemote());
     EXPECT_EQ(B_OK, Read(" \n" + text + "\r\n\t ", message));
     EXPECT_EQ('qbAs', message.what);
-    EXPECT_EQ(ValuesOf(OneOfEach()), ValuesOf(message));
-    EXPECT_FALSE(message.HasInt32("n"));
+    EXPECT_EQ(text, Flattened(message));
     EXPECT_FALSE(message.IsSourceRemote());
 }
 
@@ -198,7 +195,7 @@ TEST(MessageText, RefusesWhatIsNotWellFormed) {
         WithValue(R"("point")", "[1, 2, 3]"),
         WithValue(R"("rect")", "[1, 2, 3, null]"),
         WithValue(R"("color")", "[1, 2, 3, 256]"),
-        WithValue(R"("message")", "{}"),
+        WithValue(R"("message")", R"({"what": 0, "fields": []})"),
     };
     for (const std::string& text : texts) {
         BMessage message;
@@ -213,15 +210,8 @@ std::string Repeated(const std::string& text, int count) {
     return result;
 }
 
-std::string Nested(int depth) {
-    const std::string open = R"({"what":0,"fields":[{"name":"n","type":"message","values":[)";
-    return Repeated(open, depth - 1) + R"({"what":0,"fields":[]})" + Repeated("]}]}", depth - 1);
-}
-
 TEST(MessageText, BoundsDepthAndSize) {
     BMessage message;
-    EXPECT_EQ(B_OK, Read(Nested(16), message));
-    EXPECT_EQ(B_BAD_DATA, Read(Nested(17), message));
     for (const char* open : {"[", "{\"a\":", "[{\"a\":"})
         EXPECT_EQ(B_BAD_DATA, Read(Repeated(open, 100'000), message));
     EXPECT_EQ(B_BAD_DATA, Read(Repeated("[", 100'000) + Repeated("]", 100'000), message));

@@ -60,7 +60,6 @@ public:
 
     void MessageReceived(BMessage* message) override {
         EXPECT_EQ(message, CurrentMessage());
-        EXPECT_TRUE(IsLocked());
         EXPECT_EQ(Thread(), find_thread(nullptr));
         if (message->what == 'call')
             call(message);

@@ -69,9 +69,9 @@ protected:
     Box TitlePlace(int title) const { return {300 + 20 + 36 * title, 300 + 10, 1, 1}; }
     bool WaitForOpen(BMenu* opening) {
         return WaitUntil([&] {
-            const bool isOpen = opening->LockLooper();
+            const bool isOpen = BMessenger(opening).LockTarget();
             if (isOpen)
-                opening->UnlockLooper();
+                opening->Window()->Unlock();
             return isOpen;
         });
     }

@@ -128,18 +128,18 @@ TEST_F(MenuClosing, ItemsMayBeRelabelledWhileItIsOpen) {
     Open();
     const int width = Menus().at(0).frame.width;
     for (int round = 0; round < 50; round++) {
-        ASSERT_TRUE(menu.LockLooper());
+        ASSERT_TRUE(BMessenger(&menu).LockTarget());
         for (int i = 0; i < 20; i++)
             menu.ItemAt(i)->SetLabel(
                 std::string(static_cast<size_t>(i * round % 260), 'x').c_str());
-        menu.UnlockLooper();
+        menu.Window()->Unlock();
         robot.Key(XK_Down);
     }
-    ASSERT_TRUE(menu.LockLooper());
+    ASSERT_TRUE(BMessenger(&menu).LockTarget());
     menu.ItemAt(0)->SetLabel("A label that is longer than it was before");
     for (int i = 1; i < 20; i++)
         menu.ItemAt(i)->SetLabel("Item");
-    menu.UnlockLooper();
+    menu.Window()->Unlock();
     EXPECT_TRUE(WaitUntil([&] {
         const int now = Menus().at(0).frame.width;
         return now > width && now < 600;

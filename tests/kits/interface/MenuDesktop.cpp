@@ -90,12 +90,12 @@ bool MenuTest::WaitForMenus(size_t count) {
 
 Box MenuTest::Place(const BMenuItem* item) {
     Box place;
-    if (!item->Menu()->LockLooper()) {
+    if (!BMessenger(item->Menu()).LockTarget()) {
         ADD_FAILURE() << item->Label() << " is not on the screen";
         return place;
     }
     const BRect frame = item->Menu()->ConvertToScreen(item->Frame());
-    item->Menu()->UnlockLooper();
+    item->Menu()->Window()->Unlock();
     return {static_cast<int>(frame.left), static_cast<int>(frame.top),
             static_cast<int>(frame.Width()) + 1, static_cast<int>(frame.Height()) + 1};
 }

@@ -29,7 +29,7 @@ TEST(MenuPlacement, OpensASubmenuWhereThereIsRoom) {
     EXPECT_LT(onLeft.right, menu.left + 10);
 
     const BRect noRoom = PlaceSubmenu({1100, 50, 1750, 249}, item, 700, 80, kMonitor);
-    EXPECT_TRUE(kMonitor.Contains(noRoom));
+    EXPECT_EQ(noRoom, kMonitor & noRoom);
     EXPECT_EQ(noRoom.Width(), 699);
 }
 

@@ -189,7 +189,7 @@ TEST_F(LinkTest, TheMenuNamesTheProgramAndCopies) {
         const auto labels = link->MenuLabels();
         return labels.size() == 2 ? labels[0] : "";
     };
-    EXPECT_TRUE(openerOf(kPage).starts_with("Open this link using "));
+    EXPECT_EQ("Open this link using browser", openerOf(kPage));
     EXPECT_TRUE(openerOf("ftp://a").starts_with("Connect to this server using "));
     EXPECT_TRUE(openerOf("one@mail.example").starts_with("Send e-mail to this address using "));
 

@@ -116,7 +116,7 @@ void ExpectFits(BView& view, std::set<std::string>& labels) {
     // Neighbours share a border at most.
     for (int32 i = 0; i < view.CountChildren(); ++i) {
         const BRect frame = view.ChildAt(i)->Frame();
-        EXPECT_TRUE(bounds.Contains(frame)) << view.ChildAt(i)->Name();
+        EXPECT_EQ(frame, bounds & frame) << view.ChildAt(i)->Name();
         for (int32 j = 0; j < i; ++j) {
             const BRect shared = frame & view.ChildAt(j)->Frame();
             EXPECT_FALSE(shared.Width() > 0 && shared.Height() > 0)
@@ -158,7 +158,8 @@ TEST_F(AddWindowTest, PresetAndChoicesFillTheFields) {
     // What is wrong is no choice.
     preset.ReplaceInt32("slot", 11);
     QBBookmarkWindow::Target().SendMessage(&preset);
-    preset.RemoveName("slot");
+    preset.MakeEmpty();
+    preset.AddInt32("folder", 3);
     QBBookmarkWindow::Target().SendMessage(&preset);
     SendToIt(QBFolder[5]);
     EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));

@@ -250,7 +250,7 @@ TEST_F(BubbleHelperTest, CanBeDestroyedHundredsOfTimesWithABubbleUp) {
     desk.MoveTo(415, 315);
     const auto countWindows = [] {
         int32 count = 0;
-        while (be_app->WindowAt(count).IsTargetLocal())
+        while (BApplication::WindowAt(count).IsTargetLocal())
             count++;
         return count;
     };

@@ -95,7 +95,7 @@ std::string StoreTest::Url(int folder, int slot) {
 
 uint32 StoreTest::Code(int folder, int slot) {
     const Locked lock(fStore);
-    return fStore->fMonitor->fPaths[folder]->Items()[slot]->MenuItem()->Command();
+    return fStore->fMonitor->fPaths[folder]->Items()[slot]->MenuItem()->Message()->what;
 }
 
 int StoreTest::Rebuilds() {

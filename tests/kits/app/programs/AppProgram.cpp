@@ -38,8 +38,8 @@ class SourceFilter : public BMessageFilter {
 public:
     explicit SourceFilter(message_source source)
         : BMessageFilter(B_ANY_DELIVERY, source, B_QUIT_REQUESTED) {}
-    filter_result Filter(BMessage*, BHandler**) override {
-        Say(MessageSource() == B_LOCAL_SOURCE ? "local quit" : "remote quit");
+    filter_result Filter(BMessage* message, BHandler**) override {
+        Say(message->IsSourceRemote() ? "remote quit" : "local quit");
         return B_DISPATCH_MESSAGE;
     }
 };
