@@ -93,7 +93,7 @@ void PrintTables(const std::vector<Subject>& subjects, std::map<std::string, dou
 } // namespace
 
 int main() {
-    test::PrivateDesktop desktop({});
+    test::Desk desktop({});
     std::map<std::string, double> store = TimeStore();
 
     const test::TemporaryHome home;

@@ -9,8 +9,6 @@
 #include <thread>
 
 #include "bench/Measure.h"
-#include "tests/support/Robot.h"
-#include "tests/support/Screen.h"
 
 using namespace test;
 
@@ -84,7 +82,7 @@ void FindText(Subject& subject, const Picture& before, const Picture& after) {
 
 } // namespace
 
-DesktopBench::DesktopBench(PrivateDesktop& desktop)
+DesktopBench::DesktopBench(Desk& desktop)
     : fDesktop(desktop) {
     xcb_change_window_attributes(desktop.Connection(), desktop.Root(), XCB_CW_BACK_PIXEL,
                                  &kRootColour);
@@ -93,16 +91,14 @@ DesktopBench::DesktopBench(PrivateDesktop& desktop)
 }
 
 void DesktopBench::LearnMenu(Subject& subject) {
-    const Screen screen(fDesktop);
-    Robot robot(fDesktop);
-    robot.MoveTo(kAwayX, kAwayY);
+    fDesktop.MoveTo(kAwayX, kAwayY);
     const auto process = Run(subject);
-    AwaitPainted([&] { return IsBar(screen.Pixel(kBarX, kBarY)); });
-    const Picture before = screen.Grab({54, 0, 600, 600});
-    robot.Click(subject.x, subject.y);
+    AwaitPainted([&] { return IsBar(fDesktop.Pixel(kBarX, kBarY)); });
+    const Picture before = fDesktop.Grab({54, 0, 600, 600});
+    fDesktop.Click(subject.x, subject.y);
     WaitUntil([&] { // until the whole of it is there
         const int last = subject.menuY;
-        FindText(subject, before, screen.Grab({54, 0, 600, 600}));
+        FindText(subject, before, fDesktop.Grab({54, 0, 600, 600}));
         return subject.menuX != 0 && subject.menuY == last;
     });
     End(*process);
@@ -111,15 +107,14 @@ void DesktopBench::LearnMenu(Subject& subject) {
 }
 
 void DesktopBench::Measure(Subject& subject) {
-    Robot(fDesktop).MoveTo(kAwayX, kAwayY);
-    const Screen screen(fDesktop);
+    fDesktop.MoveTo(kAwayX, kAwayY);
     // The last program's window would be taken for this one's, and its end takes the server and the
     // window manager some time.
-    AwaitPainted([&] { return screen.Pixel(kBarX, kBarY) == kRootColour; });
+    AwaitPainted([&] { return fDesktop.Pixel(kBarX, kBarY) == kRootColour; });
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     const Stopwatch time;
     const auto process = Run(subject);
-    AwaitPainted([&] { return IsBar(screen.Pixel(kBarX, kBarY)); });
+    AwaitPainted([&] { return IsBar(fDesktop.Pixel(kBarX, kBarY)); });
     subject.start.push_back(time.Elapsed());
 
     std::this_thread::sleep_for(std::chrono::milliseconds(700)); // what comes after the first paint
@@ -138,20 +133,18 @@ void DesktopBench::Measure(Subject& subject) {
 
 // Milliseconds from the press to the menu's last text; closes it again.
 double DesktopBench::OpenMenu(const Subject& subject) {
-    const Screen screen(fDesktop);
-    Robot robot(fDesktop);
-    robot.MoveTo(subject.x, subject.y);
+    fDesktop.MoveTo(subject.x, subject.y);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    const auto menuPixel = [&] { return screen.Pixel(subject.menuX, subject.menuY); };
+    const auto menuPixel = [&] { return fDesktop.Pixel(subject.menuX, subject.menuY); };
     const Stopwatch time;
-    robot.Press();
-    robot.Release();
+    fDesktop.Press();
+    fDesktop.Release();
     AwaitPainted([&] { return menuPixel() == 0; });
     const double result = time.Elapsed();
     if (subject.pressCloses)
-        robot.Click(subject.x, subject.y);
+        fDesktop.Click(subject.x, subject.y);
     else
-        robot.Key(XK_Escape);
+        fDesktop.Key(XK_Escape);
     AwaitPainted([&] { return menuPixel() == kRootColour; });
     return result;
 }
@@ -165,11 +158,10 @@ void DesktopBench::MeasureWakeUps(std::vector<Subject>& subjects, int seconds) {
 }
 
 double DesktopBench::WakeUps(const Subject& subject, int x, int y, int seconds) {
-    Robot robot(fDesktop);
-    robot.MoveTo(kAwayX, kAwayY);
+    fDesktop.MoveTo(kAwayX, kAwayY);
     const auto process = Run(subject);
     std::this_thread::sleep_for(std::chrono::seconds(2));
-    robot.MoveTo(x, y);
+    fDesktop.MoveTo(x, y);
     std::this_thread::sleep_for(std::chrono::seconds(4)); // a help bubble comes and goes
     const double before = ContextSwitches(process->Pid());
     std::this_thread::sleep_for(std::chrono::seconds(seconds));

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tests/support/ChildProcess.h"
-#include "tests/support/PrivateDesktop.h"
+#include "tests/support/Desk.h"
 
 namespace bench {
 
@@ -37,7 +37,7 @@ struct Subject {
 // shows.
 class DesktopBench {
 public:
-    explicit DesktopBench(test::PrivateDesktop& desktop);
+    explicit DesktopBench(test::Desk& desktop);
 
     void LearnMenu(Subject& subject);
     // One start, the memory after it, and the menu's first and later openings.
@@ -48,7 +48,7 @@ private:
     double OpenMenu(const Subject& subject);
     double WakeUps(const Subject& subject, int x, int y, int seconds);
 
-    test::PrivateDesktop& fDesktop;
+    test::Desk& fDesktop;
 };
 
 } // namespace bench

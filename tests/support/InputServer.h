@@ -10,7 +10,7 @@
 #include <xcb-imdkit/encoding.h>
 #include <xcb-imdkit/imdkit.h>
 
-#include "tests/support/PrivateDesktop.h"
+#include "tests/support/Desk.h"
 
 namespace test {
 
@@ -21,7 +21,7 @@ class InputServer {
 public:
     static constexpr const char* kGiven = "日本é";
 
-    explicit InputServer(PrivateDesktop& desktop)
+    explicit InputServer(Desk& desktop)
         : fConnection(xcb_connect(desktop.Name().c_str(), nullptr))
         , fWindow(xcb_generate_id(fConnection)) {
         xcb_create_window(fConnection, XCB_COPY_FROM_PARENT, fWindow, desktop.Root(), 0, 0, 1, 1, 0,

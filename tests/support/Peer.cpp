@@ -16,7 +16,7 @@ constexpr uint32_t kDragVersion = 5;
 
 } // namespace
 
-Peer::Peer(PrivateDesktop& desktop, const Box& frame)
+Peer::Peer(Desk& desktop, const Box& frame)
     : fDesktop(desktop)
     , fConnection(xcb_connect(desktop.Name().c_str(), nullptr))
     , fWindow(xcb_generate_id(fConnection)) {

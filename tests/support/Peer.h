@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/x11/server/Connection.h"
-#include "tests/support/PrivateDesktop.h"
+#include "tests/support/Desk.h"
 #include "tests/support/Wait.h"
 
 namespace test {
@@ -18,7 +18,7 @@ namespace test {
 class Peer {
 public:
     // The window is above all others and accepts drags. It is shown unless `frame` is empty.
-    explicit Peer(PrivateDesktop& desktop, const Box& frame = {});
+    explicit Peer(Desk& desktop, const Box& frame = {});
     ~Peer() { Die(); }
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
@@ -124,7 +124,7 @@ private:
     void Sync() const;
     std::string Property(xcb_window_t window, const std::string& name, bool remove = false);
 
-    PrivateDesktop& fDesktop;
+    Desk& fDesktop;
     xcb_connection_t* fConnection;
     const xcb_window_t fWindow;
     xcb_window_t fSource = XCB_NONE;

@@ -182,33 +182,16 @@ TEST_F(BubbleHelperTest, FindsTheViewThatCanBeSeen) {
     EXPECT_EQ(helper.FindView(BPoint(415, 315)), nullptr);
 }
 
-TEST_F(BubbleHelperTest, ComesWhereThePointerRestsAndGoesWhenItMovesOrPresses) {
+TEST_F(BubbleHelperTest, ComesOnlyWhileHelpIsWantedAndGoesAtAPress) {
     BubbleHelper helper(kQuickCycle);
-    std::string text = "the parent's text\n";
-    for (int line = 0; line < 20; line++)
-        text += "one of the lines that make it stay for a long time\n";
-    helper.SetHelp(parent, text.c_str());
-    desk.MoveTo(415, 315);
-    ASSERT_TRUE(Comes());
-    EXPECT_EQ(Frame().x, 415);
-    EXPECT_EQ(Frame().y, 335);
-    EXPECT_EQ(desk.Pixel(Frame().x, Frame().y), 0xf0f064u);
-    EXPECT_EQ(desk.Pixel(Frame().x - 1, Frame().y), 0u);
-    EXPECT_EQ(desk.Describe(desk.ActiveWindow()).title, "Views");
-
-    desk.MoveTo(416, 315);
-    EXPECT_TRUE(Goes());
-    ASSERT_TRUE(Comes());
-    EXPECT_TRUE(WaitUntil([&] { return Frame().x == 416; }));
-    desk.Press(2);
-    EXPECT_TRUE(Goes());
-    desk.Release(2);
-
+    helper.SetHelp(parent, std::string(1000, 'i').c_str());
     helper.EnableHelp(false);
     desk.MoveTo(417, 315);
     EXPECT_TRUE(StaysAway());
     helper.EnableHelp(true);
     EXPECT_TRUE(Comes());
+    desk.Press(2);
+    EXPECT_TRUE(Goes());
 }
 
 TEST_F(BubbleHelperTest, StaysAsLongAsItsTextAndComesOnceForAPlace) {
