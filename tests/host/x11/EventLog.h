@@ -10,7 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "host/x11/XDisplay.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Desk.h"
 #include "tests/support/Wait.h"
 
@@ -227,6 +230,14 @@ inline WindowSpec MenuSpec(const PixelRect& frame) {
 }
 inline WindowSpec NormalSpec(const PixelRect& frame) {
     return {.frame = frame};
+}
+
+// The layout, as setxkbmap's -layout has it, and more arguments of that program.
+inline void SetLayout(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
+    test::ChildProcess::Options options;
+    options.arguments = std::move(arguments);
+    EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
 }
 
 } // namespace host

@@ -6,7 +6,6 @@
 
 #include "host/x11/server/Connection.h"
 #include "tests/host/x11/EventLog.h"
-#include "tests/host/x11/SessionInput.h"
 #include "tests/support/Peer.h"
 
 namespace host {

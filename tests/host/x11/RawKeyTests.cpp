@@ -4,7 +4,6 @@
 #include <xcb/xinput.h>
 
 #include "tests/host/x11/EventLog.h"
-#include "tests/host/x11/SessionInput.h"
 #include "tests/support/Peer.h"
 
 namespace host {

@@ -167,6 +167,30 @@ TEST_F(BubbleHelperTest, KeepsOneTextForAView) {
     EXPECT_NE(testing::internal::GetCapturedStderr(), "");
 }
 
+// Its waits for a lock end at once, so the texts are not its to look at.
+TEST_F(BubbleHelperTest, AThreadThatIsAskedToStopLeavesTheTextsAloneWhileTheyChange) {
+    struct Reader {
+        BView* view;
+        BubbleHelper helper{};
+        std::atomic<bool> isRefused = false, isDone = false;
+    } reader{upper};
+    reader.helper.SetHelp(upper, "some help");
+    const auto read = [](void* data) -> status_t {
+        auto& self = *static_cast<Reader*>(data);
+        self.isRefused = WaitUntil([&] { return self.helper.GetHelp(self.view) == nullptr; });
+        self.isDone = true;
+        return B_OK;
+    };
+    const thread_id thread = spawn_thread(read, "reader", B_NORMAL_PRIORITY, &reader);
+    resume_thread(thread);
+    ask_thread_to_stop(thread);
+    const std::string longText(32 << 20, 'x'); // is copied with the lock held
+    while (!reader.isDone)
+        reader.helper.SetHelp(lower, longText.c_str());
+    wait_for_thread(thread, nullptr);
+    EXPECT_TRUE(reader.isRefused);
+}
+
 TEST_F(BubbleHelperTest, FindsTheViewThatCanBeSeen) {
     BubbleHelper helper;
     EXPECT_EQ(helper.FindView(BPoint(405, 305)), parent);
