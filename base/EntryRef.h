@@ -20,7 +20,7 @@ struct entry_ref {
     std::string name;
 };
 
-// Names a file or directory itself, whatever it is called: the device it is on and its number
+// Identifies a file or directory itself, independent of its name: its device and its number
 // there.
 struct node_ref {
     auto operator<=>(const node_ref&) const = default;

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// The result of an operation: B_OK, a positive count where an operation says so, or one of the
+// The result of an operation: B_OK, a positive count where its comment allows one, or one of the
 // negative values below.
 using status_t = std::int32_t;
 

@@ -113,8 +113,8 @@ public:
     // Calls the function, unless it was ended.
     void Run();
 
-    // When this has returned, the function is not running and never runs again, and what it holds
-    // is gone. Called from the function itself that holds from its return on.
+    // When this has returned, the function is not running, never runs again and is destroyed.
+    // Called from the function itself, that holds from its return on.
     void End();
 
     bool HasEnded() const;
@@ -131,7 +131,7 @@ GuardedCall::GuardedCall(std::function<void()> function)
     : fFunction(std::move(function)) {}
 
 void GuardedCall::Run() {
-    // What the function holds is destroyed without the lock: its destructors may end other calls.
+    // The function is destroyed without the lock: destructors of its captures may end other calls.
     std::function<void()> ended;
     std::lock_guard lock(fMutex);
     if (fHasEnded)

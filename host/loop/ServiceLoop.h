@@ -7,8 +7,8 @@
 
 namespace host {
 
-// The one service thread: it waits for descriptors and timers and calls what is to be done about
-// them. What it calls must be short and must not wait for a looper; it posts messages.
+// The one service thread: it waits for descriptors and timers and calls their functions. These must
+// be short and must not wait for a looper; they post messages.
 //
 // It starts with the first use and lives as long as the process. Any thread may call.
 class ServiceLoop {

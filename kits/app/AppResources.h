@@ -31,8 +31,8 @@ struct app_icon {
     const uint32* pixels = nullptr;
 };
 
-// What a program says about itself. Plain data that the program keeps as a constant; a pointer
-// that is null stands for an empty value.
+// The program's description of itself. Plain data that the program keeps as a constant; a null
+// pointer stands for an empty value.
 struct app_resources {
     const char* signature = nullptr;
     const char* file_type = nullptr;

@@ -5,9 +5,10 @@
 
 #include "base/Types.h"
 
-// What the kernel kit's own waits need.
+// For the kernel kit's own waits.
 
-// Tells whether the calling thread was asked to stop; one that nobody can ask has an empty token.
+// Shows whether the calling thread was asked to stop; empty for a thread that was not spawned by
+// the kit.
 std::stop_token current_stop_token();
 
 // A duration that can be added to the clock without overflow: at most some thirty years.

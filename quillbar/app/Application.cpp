@@ -75,7 +75,7 @@ void QBApp::MessageReceived(BMessage* message) {
         fMainWindowActive = false;
         break;
     case B_NODE_MONITOR:
-        // The window's refresh; what the message says is not passed on.
+        // The window refreshes; it does not get the fields of the message.
         QBMainWindow::SendToBar(B_NODE_MONITOR);
         break;
     default:

@@ -16,7 +16,7 @@ public:
     void ReadyToRun() override;
     void AboutRequested() override;
 
-    // As told by the bar window, so with the delay of the message queue. Application's thread.
+    // As the bar window reported it, with the delay of the message queue. Application's thread.
     bool IsMainWindowActive() const { return fMainWindowActive; }
 
 private:

@@ -2,5 +2,5 @@
 
 #include "kits/app/AppResources.h"
 
-// What the program says about itself, with its icons.
+// The program's description of itself, with its icons.
 extern const app_resources kAppResources;

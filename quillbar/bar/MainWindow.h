@@ -36,7 +36,7 @@ public:
 
     void InitWindow();
 
-    // Lays the bar out anew, with its left-top corner where it is. Does nothing if it is laid out
+    // Lays the bar out again, with its left-top corner where it is. Does nothing if it is laid out
     // so.
     void HandleAlignChange(QBAlign align);
 
@@ -55,7 +55,7 @@ public:
     // To the bar window; null before it is there and after it has gone. Other threads than the
     // window's go through SendToBar().
     static BMessenger* fMsgWindow;
-    // The store, and the lock that whoever uses it holds. The lock is recursive.
+    // The store, and its lock: every use of the store holds it. The lock is recursive.
     static QBMonitor* fMonitor;
     static BLocker* fLocker;
 

@@ -80,7 +80,7 @@ void QBMainWindow::BuildSettingsMenu() {
     AddItem(fSettingsMenu, "Quit", B_QUIT_REQUESTED, false, be_app_messenger);
 }
 
-// A browser that is the only one becomes the setting, whatever was stored.
+// A browser that is the only one becomes the setting, even if the other was stored.
 void QBMainWindow::AddBrowserItem(const char* label, uint32 command, QBBrowser browser,
                                   bool isInstalled, bool isOnly) {
     BMenuItem* item = AddItem(fSettingsMenu, label, command, false, BMessenger(this));

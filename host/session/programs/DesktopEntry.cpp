@@ -17,10 +17,10 @@ namespace {
 
 constexpr const char* kGroup = G_KEY_FILE_DESKTOP_GROUP;
 
-// What runs a program that needs a terminal.
+// Runs a program that needs a terminal.
 constexpr const char* kTerminal = "x-terminal-emulator";
 
-// The field codes that stand for what the program is to open.
+// The field codes for the link or file that the program opens.
 constexpr std::string_view kArgumentCodes = "uUfF";
 
 struct KeyFileDeleter {

@@ -39,7 +39,7 @@ private:
     int fCount = 0;
 };
 
-// What the service thread had to do before now is done.
+// Waits until the service thread has done its earlier tasks.
 void Settle() {
     ServiceLoop::Shared().InvokeAndWait([] {});
 }

@@ -238,7 +238,7 @@ TEST(MessageText, SurvivesDamageToAnyByte) {
         for (int hits = 1 + random() % 3; hits > 0; --hits)
             damaged[random() % damaged.size()] = static_cast<char>(random());
         BMessage message;
-        // What is taken all the same is a message like any other.
+        // Damaged text that is still a message is one like any other.
         if (Read(damaged, message) == B_OK)
             RoundTrip(message);
     }

@@ -13,7 +13,7 @@
 
 namespace test {
 
-// What handlers saw, in order, for the test's thread to wait for.
+// The codes that handlers saw, in order; the test's thread waits for them.
 class Log {
 public:
     void Add(uint32 what) {
