@@ -13,8 +13,7 @@ namespace {
 
 const std::string kPrefix = "user.";
 
-// The calls that take a descriptor refuse one that only names a node; this path leads to the node
-// of any.
+// The calls that take a descriptor refuse an O_PATH one; this path leads to the node of any.
 std::string PathOf(int descriptor) {
     return "/proc/self/fd/" + std::to_string(descriptor);
 }
@@ -33,8 +32,8 @@ status_t AttributeStatus(int error) {
     return StatusFromErrno(error);
 }
 
-// Nearly all fit into the first buffer, which saves asking for the size. The size may change
-// between asking for it and reading; a few attempts settle it.
+// Nearly all values fit into the first buffer, so the size need not be asked for. It may change
+// between asking and reading; a few attempts settle it.
 template <typename Call>
 status_t ReadWhole(std::string& result, Call call) {
     char first[1024];

@@ -8,8 +8,8 @@
 
 namespace host {
 
-// The "user." extended attributes of the node that `descriptor` holds, which may be one that only
-// names the node (O_PATH). `name` is without the prefix. Any thread.
+// The "user." extended attributes of the node of `descriptor`, which may be an O_PATH one. `name`
+// is without the prefix. Any thread.
 status_t ReadAttribute(int descriptor, const std::string& name, std::string& value);
 status_t AttributeSize(int descriptor, const std::string& name, int64& size);
 status_t WriteAttribute(int descriptor, const std::string& name, const std::string& value);

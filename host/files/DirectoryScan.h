@@ -10,17 +10,18 @@
 
 namespace host {
 
-// A walk through a directory, in the disk's order, without "." and "..". It looks at no entry.
+// A walk through a directory, in the disk's order, without "." and "..". It reads no entry's
+// status.
 class DirectoryScan {
 public:
     struct Entry {
         std::string name;
-        // What the directory says; Unknown if it does not.
+        // From the directory itself; Unknown where the disk does not keep it there.
         NodeKind kind = NodeKind::Unknown;
     };
 
     status_t Open(const std::string& path);
-    // Walks the directory that the descriptor names; it stays the caller's.
+    // Walks the directory of the descriptor, which stays the caller's.
     status_t Open(const Descriptor& directory);
 
     // B_ENTRY_NOT_FOUND at the end.

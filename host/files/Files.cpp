@@ -71,7 +71,7 @@ status_t SyncNode(int descriptor) {
     if (errno != EBADF)
         return StatusFromErrno(errno);
 
-    // It only names the node.
+    // It is an O_PATH descriptor.
     NodeStatus status;
     status_t result = Stat(descriptor, "", status);
     if (result != B_OK || (status.kind != NodeKind::File && status.kind != NodeKind::Directory))
@@ -133,7 +133,7 @@ status_t SetPermissions(int node, mode_t mode) {
         return B_OK;
     if (errno != EBADF)
         return StatusFromErrno(errno);
-    // A descriptor that only names the node is refused, its name in /proc is not.
+    // An O_PATH descriptor is refused, its path in /proc is not.
     const std::string name = "/proc/self/fd/" + std::to_string(node);
     return chmod(name.c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
 }

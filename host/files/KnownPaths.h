@@ -12,8 +12,8 @@
 
 namespace host {
 
-// Where nodes were last seen. Refs name nodes by number, the system opens them by path: the paths
-// of nodes whose numbers are handed out are remembered here, and checked when they are used.
+// The last known paths of nodes. Refs name nodes by number, the system opens them by path: the
+// paths of nodes whose numbers are handed out are kept here, and checked when they are used.
 // Bounded: the longest unused are forgotten. Any thread.
 class KnownPaths {
 public:
@@ -46,7 +46,7 @@ private:
     std::map<node_ref, std::list<Place>::iterator> fByNode;
 };
 
-// Replaces the leading directory `from` of `path` by `to`; leaves a path that is not below it.
+// Replaces the leading directory `from` of `path` by `to`; a path that is not below it stays.
 void FollowMove(std::string& path, const std::string& from, const std::string& to);
 
 } // namespace host

@@ -42,7 +42,7 @@ int64 NumberOf(const struct statx& raw) {
 status_t Stat(int directory, const std::string& path, NodeStatus& status, bool follow) {
     struct statx raw;
     int flags = (path.empty() ? AT_EMPTY_PATH : 0) | (follow ? 0 : AT_SYMLINK_NOFOLLOW);
-    // An automount must not be triggered by looking.
+    // Reading a status must not trigger an automount.
     flags |= AT_NO_AUTOMOUNT;
     if (statx(directory, path.c_str(), flags, STATX_BASIC_STATS | STATX_BTIME, &raw) != 0) {
         status = NodeStatus();

@@ -30,8 +30,9 @@ struct NodeStatus {
     int64 changed = 0;
 };
 
-// Looks at `path` (relative to the directory `directory`, a descriptor or AT_FDCWD), or at the node
-// of `directory` itself if `path` is empty. A link at the end is looked at itself unless `follow`.
+// Reads the status of `path` (relative to the directory `directory`, a descriptor or AT_FDCWD), or
+// of `directory` itself if `path` is empty. A link at the end is not followed unless `follow`.
+// After a failure the status is that of Nothing. Any thread.
 status_t Stat(int directory, const std::string& path, NodeStatus& status, bool follow = false);
 status_t Stat(const std::string& path, NodeStatus& status, bool follow = false);
 

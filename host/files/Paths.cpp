@@ -23,8 +23,8 @@ std::string AccountHome() {
     return found->pw_dir[0] == '/' ? PlainPath(found->pw_dir) : "/";
 }
 
-// The directories that the environment names, found anew when it has changed: every path that is
-// used asks for them.
+// The directories that the environment names, kept until it changes: every path that is used asks
+// for them.
 struct Directories {
     std::string homeVariable;
     std::string settingsVariable;
@@ -33,7 +33,7 @@ struct Directories {
 };
 
 const Directories& CurrentDirectories() {
-    // A relative value is to be ignored, says the desktop's base directory convention.
+    // The desktop's base directory convention ignores a relative value.
     auto valueOf = [](const char* variable) {
         const char* value = getenv(variable);
         return std::string_view(value && value[0] == '/' ? value : "");

@@ -17,7 +17,7 @@ public:
     ~BDirectory() override;
 
     // Opens the directory; a symbolic link to one is followed. B_NOT_A_DIRECTORY,
-    // B_ENTRY_NOT_FOUND, B_PERMISSION_DENIED. The walk starts anew.
+    // B_ENTRY_NOT_FOUND, B_PERMISSION_DENIED. The walk starts at the first entry.
     status_t SetTo(const char* path);
     status_t SetTo(const BEntry* entry);
     void Unset();

@@ -93,7 +93,7 @@ host::NodeKind BEntry::Kind() const {
         return *fKind;
     host::NodeStatus there;
     host::Stat(fHostPath, there);
-    // Of a scan's entry, the directory did not tell.
+    // The directory of a scan did not keep the kind.
     if (fKind)
         fKind = there.kind;
     return there.kind;

@@ -21,7 +21,7 @@ public:
     explicit BEntry(const entry_ref* ref, bool traverse = false);
     BEntry(const BDirectory* directory, const char* leaf, bool traverse = false);
 
-    // B_OK when a place is set, B_NO_INIT when none is, or what went wrong in the last SetTo.
+    // B_OK when a place is set, B_NO_INIT when none is, or the failure of the last SetTo.
     status_t InitCheck() const { return fStatus; }
 
     // Sets the place. With `traverse`, if a symbolic link is there, the place is the one that the
@@ -38,8 +38,9 @@ public:
     // Whether anything is there now; a link that dangles counts.
     bool Exists() const;
 
-    // What is there; false when nothing is. For an entry that came from BDirectory::GetNextEntry
-    // this is what the directory said then, and costs no look at the disk if it said so.
+    // The kind of the node that is there; all are false when nothing is. For an entry from
+    // BDirectory::GetNextEntry it is the kind at that time, without a look at the disk where
+    // directories keep it.
     bool IsFile() const;
     bool IsDirectory() const;
     bool IsSymLink() const;
@@ -52,9 +53,9 @@ public:
     // The disk that the node that is there, or that a link there leads to, is on.
     status_t GetVolume(BVolume* volume) const;
 
-    // Moves what is there to `path` (relative: in the same directory); the object then stands for
-    // the new place. B_FILE_EXISTS if something is there and `clobber` is false; with `clobber` it
-    // is replaced in one step, and the directory is on the disk when the call returns.
+    // Moves the node that is there to `path` (relative: in the same directory); the object then
+    // stands for the new place. B_FILE_EXISTS if something is there and `clobber` is false; with
+    // `clobber` it is replaced in one step, and the directory is on the disk when the call returns.
     status_t Rename(const char* path, bool clobber = false);
     // Removes the file, link or empty directory (B_DIRECTORY_NOT_EMPTY).
     status_t Remove();
@@ -68,7 +69,7 @@ private:
 
     std::string fHostPath;
     status_t fStatus = B_NO_INIT;
-    // What the directory said is there; only set by a scan.
+    // The kind that the directory kept; only set by a scan.
     mutable std::optional<host::NodeKind> fKind;
 };
 

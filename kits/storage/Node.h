@@ -27,7 +27,7 @@ public:
     explicit BNode(const BEntry* entry);
     virtual ~BNode() = default;
 
-    // B_OK when a node is held, B_NO_INIT when none is, or what went wrong in the last SetTo.
+    // B_OK when a node is held, B_NO_INIT when none is, or the failure of the last SetTo.
     status_t InitCheck() const { return fStatus; }
 
     // Holds the node that is there now; a symbolic link itself, not where it leads.

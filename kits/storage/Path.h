@@ -18,7 +18,7 @@ public:
     explicit BPath(const char* path, const char* leaf = nullptr);
     explicit BPath(const BEntry* entry);
 
-    // B_OK when a path is set, B_NO_INIT when none is, or what went wrong in the last SetTo.
+    // B_OK when a path is set, B_NO_INIT when none is, or the failure of the last SetTo.
     status_t InitCheck() const { return fStatus; }
 
     // Sets `path`, with `leaf` (which must be relative) appended. A relative path starts at the

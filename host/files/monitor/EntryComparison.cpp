@@ -93,7 +93,8 @@ void EntryComparison::Compare(const Place& place, const NodeStatus& status) {
         return;
     if (isNew)
         (*watch->names)[place.name] = {.node = status.ref.node, .isAnnounced = false};
-    if (isNew || !known->isAnnounced) {
+    // It may have been seen here before the events of its move were read.
+    if (isNew || !known->isAnnounced || fBatch.At(place).hasArrived) {
         fByNode.emplace(status.ref, fCandidates.size());
         fCandidates.push_back({place, status, isNew});
     }
@@ -118,6 +119,8 @@ void EntryComparison::Settle() {
             Move(departed, candidate.place, candidate.status);
         else if (candidate.isNew)
             SettleNew(candidate);
+        else
+            Stir(candidate.place); // Its quiet time may have been over while another was here.
     }
     fGone.clear();
     fCandidates.clear();
@@ -193,7 +196,9 @@ void EntryComparison::Move(const DepartedEntry& departed, const Place& place,
     if (!entry)
         return;
     node_ref directory = fState.watches.Find(place.watch)->Node();
+    bool wasAnnounced = entry->isAnnounced;
     *entry = departed.entry;
+    entry->isAnnounced |= wasAnnounced;
     if (!entry->isAnnounced || entry->lacksType)
         fState.quiet.Set(place, fNow + kQuietTime);
     fState.watches.Moved(departed.node, departed.path, fState.watches.PathOf(place), directory,

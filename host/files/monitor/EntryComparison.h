@@ -28,7 +28,7 @@ public:
     void Run();
 
 private:
-    // An entry that has come to a place, or was seen there before it was announced.
+    // An entry that has come to a place, perhaps earlier than the events of its move.
     struct Candidate {
         Place place;
         NodeStatus status;

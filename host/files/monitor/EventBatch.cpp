@@ -31,8 +31,10 @@ void EventBatch::AddEntryEvent(const Place& place, const InotifyEvent& event) {
         touch.changes.push_back({fCount, event.mask, event.cookie});
     if (event.mask & IN_MOVED_FROM)
         fLeft.insert(event.cookie);
-    if (event.mask & IN_MOVED_TO)
+    if (event.mask & IN_MOVED_TO) {
+        touch.hasArrived = true;
         fArrived[event.cookie] = {fCount, place};
+    }
     if (event.mask & (IN_ATTRIB | IN_CLOSE_WRITE))
         touch.isWritten = true;
 }

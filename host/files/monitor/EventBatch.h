@@ -21,6 +21,8 @@ public:
         };
         // It was created, removed, or moved in or out.
         std::vector<Change> changes;
+        // A move ended here.
+        bool hasArrived = false;
         // The attributes or permissions changed, or the file was closed after writing.
         bool isWritten = false;
     };
@@ -34,11 +36,11 @@ public:
         // The system watches it no more.
         bool hasEnded = false;
     };
-    // What became of an entry that is not at its place any more.
+    // The fate of an entry that is not at its place any more.
     enum class Fate : uint8 {
         Removed,
         MovedOut,
-        // The events do not say yet where it went.
+        // The events so far do not show where it went.
         Open,
     };
 

@@ -13,8 +13,8 @@ namespace host {
 
 namespace {
 
-// More than a queue holds: an overflow, which is its last event, is found before any of the others
-// is worked off.
+// More than a queue holds: an overflow, which is its last event, is found before any other event is
+// worked off.
 constexpr size_t kBatchSize = 32 * 1024;
 
 bigtime_t Now() {
@@ -121,7 +121,7 @@ bool NodeMonitor::RemoveEverywhere(const Listener& listener) {
 }
 
 void NodeMonitor::Process() {
-    // Goes after the lock, which its call takes.
+    // Destroyed after the lock is released: its call takes the lock.
     std::unique_ptr<Timer> replaced;
     std::lock_guard lock(fMutex);
     ProcessBatch();
@@ -133,7 +133,7 @@ void NodeMonitor::Process() {
 void NodeMonitor::ProcessBatch() {
     EventBatch batch;
     std::vector<InotifyEvent> events;
-    // Behind an overflow everything is read anew, which covers the events that wait as well.
+    // Behind an overflow everything is read again, which covers the events that wait as well.
     while ((batch.Count() < kBatchSize || batch.HasOverflown()) && fState.inotify.Read(events)) {
         for (const InotifyEvent& event : events)
             batch.Add(event);

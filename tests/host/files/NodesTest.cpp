@@ -61,7 +61,7 @@ TEST_F(NodesTest, EachChangeOfAttributesAndStatusIsNotified) {
 TEST_F(NodesTest, ChangeOfAttributesAmongRenamesIsNotLost) {
     host::Descriptor file(open(In("a/one").c_str(), O_RDONLY | O_CLOEXEC));
     std::jthread renaming = KeepRenaming("a/one");
-    for (int round = 0; round < 100 && !HasFailure(); round++) {
+    for (int round = 0; round < 500 && !HasFailure(); round++) {
         fLog->Clear();
         ASSERT_EQ(fsetxattr(file.Get(), "user.META:url", "x", 1, 0), 0);
         EXPECT_TRUE(WaitUntil([&] {

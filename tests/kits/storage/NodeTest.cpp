@@ -84,7 +84,7 @@ TEST_F(NodeTest, OddNodesHaveNoAttributesAndNeverBlock) {
     EXPECT_EQ(BFile(In("fifo").c_str(), B_WRITE_ONLY).InitCheck(), B_NOT_ALLOWED);
     EXPECT_EQ(BNode(In("missing").c_str()).InitCheck(), B_ENTRY_NOT_FOUND);
     EXPECT_EQ(BNode().ReadAttr("x", B_STRING_TYPE, 0, value, 8), B_NO_INIT);
-    // A disk without attributes says so.
+    // A disk without attributes refuses them.
     EXPECT_EQ(BNode("/proc/version").WriteAttr("META:url", B_STRING_TYPE, 0, "x", 1),
               B_UNSUPPORTED);
 }
