@@ -257,4 +257,16 @@ void Canvas::DrawText(const FontSpec& font, std::string_view text, BPoint baseli
     cairo_new_path(fState->context.get());
 }
 
+void Canvas::DrawBlock(const TextBlock& block, BPoint leftTop, float height) {
+    cairo_t* context = fState->context.get();
+    cairo_move_to(context, SnapEdge(leftTop.x * fState->scale),
+                  SnapEdge(leftTop.y * fState->scale));
+    TextLayouts& layouts = TextLayouts::Shared();
+    auto lock = layouts.Lock();
+    TextLayouts::Layout layout = layouts.MakeLayout(block, fState->scale);
+    TextLayouts::CutLayout(layout.get(), height, fState->scale);
+    pango_cairo_show_layout(context, layout.get());
+    cairo_new_path(context);
+}
+
 } // namespace host

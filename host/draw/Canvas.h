@@ -8,11 +8,11 @@
 #include "base/Rect.h"
 #include "host/draw/Font.h"
 #include "host/draw/Image.h"
+#include "host/draw/TextBlock.h"
 
 namespace host {
 
-// What a picture is where nothing is drawn: white, or nothing at all, so that what lies under the
-// picture is seen there.
+// The ground of a picture: white, or transparent, so that pixels under the picture show through.
 enum class Ground {
     White,
     Transparent,
@@ -21,7 +21,7 @@ enum class Ground {
 // How a colour or picture meets what is there.
 enum class Blending {
     Replace, // takes its place; on a white ground all colours are opaque
-    Over,    // covers it as far as its alpha says
+    Over,    // covers it in proportion to its alpha
 };
 
 // A picture to draw into: the content of one window, or of an image.
@@ -70,6 +70,8 @@ public:
     void DrawImage(const Image& image, BRect rect, double opacity);
     // One line of text whose first character starts at `baseline`.
     void DrawText(const FontSpec& font, std::string_view text, BPoint baseline, rgb_color color);
+    // The lines that fit into `height`; the last one ends with an ellipsis if text is left.
+    void DrawBlock(const TextBlock& block, BPoint leftTop, float height);
 
 private:
     struct State;

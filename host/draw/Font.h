@@ -30,8 +30,8 @@ struct FontHeight {
 // gone, whose destructor waits. Any thread.
 std::future<void> PrepareFont(const FontSpec& font, double scale);
 
-// What follows measures text as Canvas draws it at `scale` device pixels per logical pixel, and
-// answers in logical pixels. Bytes of `text` that are not UTF-8 count as a replacement mark; a new
+// These functions measure text as Canvas draws it at `scale` device pixels per logical pixel, and
+// answer in logical pixels. Bytes of `text` that are not UTF-8 count as a replacement mark; a new
 // line or another control character counts as the mark Canvas shows for it, so that text is always
 // one line. Any thread.
 FontHeight MeasureFont(const FontSpec& font, double scale);

@@ -9,8 +9,11 @@ namespace host {
 
 namespace {
 
-// A bar and an open menu with room to spare; a layout is some kilobytes.
-constexpr std::size_t kKeptLayouts = 64;
+// The bar's digits and the labels of an open menu with its parent, so that each is laid out once; a
+// layout is some kilobytes.
+constexpr std::size_t kKeptLayouts = 48;
+// A longer text is that of a field, which changes with each key: only the last one is kept.
+constexpr std::size_t kLongText = 256;
 // Fonts in use at once are a handful.
 constexpr std::size_t kKeptExtents = 16;
 
@@ -20,17 +23,6 @@ constexpr std::size_t kMaxBytes = 4096;
 constexpr std::string_view kControlMark = "\xc2\xb7";
 
 constexpr double kMaxPixelSize = 200;
-
-using Description = std::unique_ptr<PangoFontDescription, decltype(&pango_font_description_free)>;
-
-Description Describe(TextLayouts::FontKey font) {
-    Description description(pango_font_description_new(), pango_font_description_free);
-    pango_font_description_set_family_static(description.get(), "sans-serif");
-    pango_font_description_set_weight(description.get(),
-                                      font.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
-    pango_font_description_set_absolute_size(description.get(), font.pangoSize);
-    return description;
-}
 
 } // namespace
 
@@ -60,6 +52,15 @@ TextLayouts::FontKey TextLayouts::KeyOf(const FontSpec& font, double scale) {
     double size = font.size * scale;
     size = size > 1 ? std::min(size, kMaxPixelSize) : 1;
     return {static_cast<int>(std::lround(size * PANGO_SCALE)), font.bold};
+}
+
+TextLayouts::Description TextLayouts::Describe(FontKey font) {
+    Description description(pango_font_description_new(), pango_font_description_free);
+    pango_font_description_set_family_static(description.get(), "sans-serif");
+    pango_font_description_set_weight(description.get(),
+                                      font.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+    pango_font_description_set_absolute_size(description.get(), font.pangoSize);
+    return description;
 }
 
 TextLayouts::TextLayouts() {
@@ -93,6 +94,7 @@ PangoLayoutLine* TextLayouts::LineOf(FontKey font, std::string_view text) {
     if (found != fEntries.end()) {
         fEntries.splice(fEntries.begin(), fEntries, found);
     } else {
+        std::erase_if(fEntries, [](const Entry& entry) { return entry.text.size() > kLongText; });
         fEntries.push_front({font, std::string(text), MakeLayout(font, text)});
         if (fEntries.size() > kKeptLayouts)
             fEntries.pop_back();

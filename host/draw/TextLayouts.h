@@ -8,7 +8,7 @@
 
 #include <pango/pangocairo.h>
 
-#include "host/draw/Font.h"
+#include "host/draw/TextBlock.h"
 
 namespace host {
 
@@ -16,13 +16,13 @@ struct ReleaseObject {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
 
-// What a person is shown for `text`: valid UTF-8 on one line. Bytes that are not UTF-8 become
+// `text` as it is shown: valid UTF-8 on one line. Bytes that are not UTF-8 become
 // replacement marks, each control character and line separator becomes one dot, and what lies
 // beyond a few thousand bytes, which no window shows, is left out. Any thread.
 std::string VisibleText(std::string_view text);
 
-// The process's one way to Pango, whose objects bear only one thread at a time: hold Lock() as long
-// as anything that came from it is in use. Made with the first use.
+// The process's only access to Pango, whose objects allow one thread at a time: hold Lock() as long
+// as an object that came from it is in use. Made with the first use.
 class TextLayouts {
 public:
     // A font at a size in device pixels.
@@ -34,17 +34,24 @@ public:
     };
 
     using Layout = std::unique_ptr<PangoLayout, ReleaseObject>;
+    using Description =
+        std::unique_ptr<PangoFontDescription, decltype(&pango_font_description_free)>;
 
     static TextLayouts& Shared();
     static FontKey KeyOf(const FontSpec& font, double scale);
+    static Description Describe(FontKey font);
 
     std::unique_lock<std::mutex> Lock() { return std::unique_lock(fLock); }
 
     // `text` as VisibleText shows it, on one line. Kept for the next call with the same text.
     PangoLayoutLine* LineOf(FontKey font, std::string_view text);
 
-    // The same for a text that is not likely to be asked for again: it is not kept.
+    // The same for a text that will hardly be asked for again: it is not kept.
     Layout MakeLayout(FontKey font, std::string_view text);
+
+    // The lines of `block`, and the same cut to a height, with an ellipsis in the last line.
+    Layout MakeLayout(const TextBlock& block, double scale);
+    static void CutLayout(PangoLayout* layout, float height, double scale);
 
     // In device pixels.
     cairo_font_extents_t ExtentsOf(FontKey font);

@@ -2,11 +2,25 @@
 
 #include "kits/interface/controls/Box.h"
 #include "kits/interface/controls/StringView.h"
-#include "kits/interface/drawing/LabelFont.h"
-#include "quillbar/about/AboutText.h"
+#include "kits/interface/drawing/Font.h"
 #include "quillbar/about/URLView.h"
 
 namespace {
+
+// The lines of the about box: the product, the notice, two lines of thanks, who wrote it.
+constexpr const char* kAboutInfo[] = {
+    "Quillbar",
+    "\u00a9 2026 the Quillbar developers",
+    "Thanks to all who shaped its design",
+    "Icons and design by the Quillbar developers",
+    "Code by the Quillbar developers",
+};
+
+// The project's own site, and that of its source.
+constexpr const char* kURLInfo[] = {
+    "http://quillbar.example/",
+    "http://quillbar.example/source",
+};
 
 constexpr uint32 kFollow = B_FOLLOW_LEFT | B_FOLLOW_TOP;
 
@@ -17,7 +31,7 @@ BStringView* AddLine(BView* parent, BRect frame, const char* name, const char* t
     return line;
 }
 
-// Whatever the desktop's font: a line that is too long for its place is smaller, not cut.
+// With any font of the desktop a line that is too long for its place is smaller, not cut.
 void Fit(BStringView* line) {
     BFont font;
     line->GetFont(&font);

@@ -1,7 +1,5 @@
 #include "quillbar/addbookmark/AddBookmarkView.h"
 
-#include <algorithm>
-
 #include "kits/app/Message.h"
 #include "kits/interface/controls/Button.h"
 #include "kits/interface/menus/MenuField.h"
@@ -19,7 +17,6 @@ constexpr uint32 kBoxFlags = B_WILL_DRAW | B_FRAME_EVENTS | B_NAVIGABLE_JUMP;
 
 constexpr float kButtonEdges = 12; // left and right of a button's label, together
 constexpr float kLabelGap = 3;     // behind the label of a field
-constexpr float kSmallestSize = 7;
 
 struct FixedLabel {
     const char* text;
@@ -98,11 +95,8 @@ void QBAddBookmarkView::FitLabels() {
         labels.push_back({button->Label(), button->Bounds().Width() - kButtonEdges});
 
     BFont font(be_plain_font);
-    const auto hasRoom = [&font](const FixedLabel& label) {
-        return font.StringWidth(label.text) <= label.room;
-    };
-    while (font.Size() > kSmallestSize && !std::all_of(labels.begin(), labels.end(), hasRoom))
-        font.SetSize(font.Size() - 0.5f);
+    for (const FixedLabel& label : labels)
+        font = LabelFont(font, label.text, label.room);
 
     for (BTextControl* text : texts) {
         text->SetFont(&font);

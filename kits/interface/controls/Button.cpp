@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "kits/app/Message.h"
-#include "kits/interface/window/Bevel.h"
 #include "kits/interface/window/Window.h"
 
 namespace {

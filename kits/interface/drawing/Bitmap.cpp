@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/draw/Canvas.h"
-#include "kits/interface/drawing/HostFont.h"
+#include "kits/interface/drawing/Font.h"
 #include "kits/interface/window/View.h"
 #include "kits/kernel/Locker.h"
 

@@ -4,12 +4,17 @@
 #include <cmath>
 #include <cstring>
 
-#include "kits/interface/drawing/HostFont.h"
+#include "host/draw/Font.h"
+#include "host/x11/Display.h"
 
 namespace {
 
 constinit const BFont kPlainFont(12, B_REGULAR_FACE);
 constinit const BFont kBoldFont(12, B_BOLD_FACE);
+
+// Of a label's size, and the steps down to it.
+constexpr float kSmallestPart = 0.7f;
+constexpr float kStep = 0.5f;
 
 // The bytes of `text` that `length` allows, up to its NUL.
 std::string_view Bytes(const char* text, int32 length) {
@@ -75,4 +80,20 @@ void BFont::GetBoundingBoxesForStrings(const char* const stringArray[], int32 nu
 
 void BFont::TruncateString(std::string* inOut, uint32, float width) const {
     *inOut = host::TruncateText(SpecOf(*this), *inOut, width, DisplayScale());
+}
+
+BFont LabelFont(const BFont& font, const char* label, float width) {
+    BFont smaller = font;
+    while (smaller.StringWidth(label) > width && smaller.Size() > font.Size() * kSmallestPart)
+        smaller.SetSize(smaller.Size() - kStep);
+    return smaller;
+}
+
+host::FontSpec SpecOf(const BFont& font) {
+    return {font.Size(), (font.Face() & B_BOLD_FACE) != 0};
+}
+
+double DisplayScale() {
+    host::Display* display = host::Display::Shared();
+    return display ? display->Scale() : 1;
 }

@@ -6,6 +6,10 @@
 #include "base/Rect.h"
 #include "base/Types.h"
 
+namespace host {
+struct FontSpec;
+}
+
 // Distances from the baseline, in logical pixels, all positive.
 struct font_height {
     float ascent = 0;
@@ -104,3 +108,13 @@ extern const BFont* const be_bold_font;
 // another one it is looked for again. Returns at once; main() must not return before what it
 // returns is gone, whose destructor waits. Any thread.
 std::future<void> prepare_font(const BFont& font);
+
+// `font`, or the same in the largest smaller size at which `label` is not wider than `width`: a
+// label with a little less room than it needs is easier to read small than cut. It does not go
+// below seven tenths of the size: a longer label is to be cut.
+BFont LabelFont(const BFont& font, const char* label, float width);
+
+// For the kit's own drawing: the font, and the device pixels of a logical pixel (1 without a
+// display).
+host::FontSpec SpecOf(const BFont& font);
+double DisplayScale();

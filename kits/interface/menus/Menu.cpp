@@ -6,7 +6,7 @@
 
 #include "host/draw/Canvas.h"
 #include "kits/app/Message.h"
-#include "kits/interface/drawing/HostFont.h"
+#include "kits/interface/drawing/Font.h"
 #include "kits/interface/menus/MenuField.h"
 #include "kits/interface/menus/MenuMetrics.h"
 #include "kits/interface/menus/MenuShortcut.h"

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "kits/app/Message.h"
-#include "kits/interface/drawing/LabelFont.h"
+#include "kits/interface/drawing/Font.h"
 #include "kits/interface/menus/Menu.h"
 #include "kits/interface/menus/MenuMetrics.h"
 #include "kits/interface/menus/MenuTracker.h"

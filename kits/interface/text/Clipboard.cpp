@@ -87,7 +87,7 @@ BMessage* BClipboard::Data() const {
         return nullptr;
     if (!std::exchange(fState->isCurrent, true)) {
         std::string text = DesktopText(*fState->Desktop());
-        // What else the program put there is still good if the text is the one it put there.
+        // The program's other fields stay valid while the desktop still has the program's text.
         if (text != TextIn(fState->data)) {
             fState->data.MakeEmpty();
             if (!text.empty()) {

@@ -7,9 +7,9 @@
 
 class BMessage;
 
-// Data that programs hand to each other: the user copies in one and pastes in another. The data is
+// Data that programs exchange: the user copies in one and pastes in another. The data is
 // a message whose field "text/plain" (B_MIME_TYPE) is the text, UTF-8; other fields stay in the
-// program. Any thread, with the clipboard locked where a function says so.
+// program. Any thread, with the clipboard locked where a function requires it.
 //
 // It belongs to this kit because the display server carries it.
 class BClipboard {
@@ -28,7 +28,7 @@ public:
     void Unlock();
     bool IsLocked() const;
 
-    // What the clipboard holds, to be read, or to be changed after Clear(); null unless locked.
+    // The clipboard's data, to be read, or to be changed after Clear(); null unless locked.
     // The first call after Lock() asks the program that holds the data, and waits for it for some
     // seconds at most; the message is empty if there is no text.
     BMessage* Data() const;

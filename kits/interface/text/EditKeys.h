@@ -31,7 +31,7 @@ struct EditKey {
     bool extends = false; // a move that takes the end of the selection with it
 };
 
-// What the key of a B_KEY_DOWN message means to a field of one line. The letters of the editing
+// The action of the key in a B_KEY_DOWN message for a field of one line. The letters of the editing
 // commands go with the Command key and with Control; on a keyboard whose letters are not Latin
 // their places count.
 EditKey EditKeyOf(const BMessage& keyDown);

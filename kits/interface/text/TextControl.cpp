@@ -2,9 +2,8 @@
 
 #include <cmath>
 
-#include "kits/interface/drawing/LabelFont.h"
+#include "kits/interface/drawing/Font.h"
 #include "kits/interface/text/TextField.h"
-#include "kits/interface/window/Bevel.h"
 #include "kits/interface/window/Window.h"
 
 namespace {

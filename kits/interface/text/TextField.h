@@ -14,9 +14,9 @@
 class BTextControl;
 
 // The field of a BTextControl: one line of text in one font and colour that scrolls sideways.
-// Offsets count bytes and stand between two characters as a person sees them. What the user types
-// or brings in is kept to one line and, with the rest, to 4 KiB; a text that is set may be of any
-// length. Window's thread.
+// Offsets count bytes and stand between two characters as a person sees them. The text that the
+// user types or brings in is kept to one line and, with the rest, to 4 KiB; a text that is set may
+// be of any length. Window's thread.
 class TextField : public BTextView {
 public:
     explicit TextField(BTextControl& control);

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "kits/interface/drawing/HostFont.h"
+#include "kits/interface/drawing/Font.h"
 
 namespace {
 

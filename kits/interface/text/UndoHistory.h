@@ -15,7 +15,7 @@ struct TextEdit {
 };
 
 // The changes of a text, to be taken back and made again. Characters typed or erased one after the
-// other are one change, typed ones up to the end of a word. What is kept is bounded, the oldest
+// other are one change, typed ones up to the end of a word. Their number is bounded, the oldest
 // changes go first.
 class UndoHistory {
 public:

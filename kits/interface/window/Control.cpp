@@ -80,3 +80,12 @@ status_t BControl::Invoke(BMessage* message) {
     sent.AddInt32("be:value", fValue);
     return BInvoker::Invoke(&sent);
 }
+
+void StrokeBevel(BView& view, BRect rect, rgb_color leftTop, rgb_color rightBottom) {
+    view.SetHighColor(rightBottom);
+    view.StrokeLine(rect.RightTop(), rect.RightBottom());
+    view.StrokeLine(rect.LeftBottom());
+    view.SetHighColor(leftTop);
+    view.StrokeLine(rect.LeftBottom() - BPoint(0, 1), rect.LeftTop());
+    view.StrokeLine(rect.RightTop() - BPoint(1, 0));
+}

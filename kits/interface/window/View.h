@@ -259,6 +259,7 @@ public:
 
 private:
     friend class BBitmap;
+    friend class BTextView;
     friend class BWindow;
 
     void Attach(BWindow* window);

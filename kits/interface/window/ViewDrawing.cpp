@@ -1,5 +1,5 @@
 #include "kits/interface/drawing/Bitmap.h"
-#include "kits/interface/drawing/HostFont.h"
+#include "kits/interface/drawing/Font.h"
 #include "kits/interface/window/View.h"
 #include "kits/interface/window/WindowState.h"
 

@@ -1,5 +1,4 @@
 #include "kits/interface/window/Window.h"
-#include "kits/interface/drawing/HostFont.h"
 
 #include <utility>
 

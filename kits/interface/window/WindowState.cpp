@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "kits/interface/drawing/HostFont.h"
+#include "kits/interface/drawing/Font.h"
 #include "kits/interface/window/Screen.h"
 #include "kits/interface/window/WindowRoster.h"
 

@@ -48,19 +48,29 @@ TEST_F(TextViewTest, StylesARangeOfAStylableText) {
     const float plain = text.TextHeight();
     BFont font;
     text.GetFont(&font);
-    const float size = font.Size();
     font.SetSize(16);
-    const rgb_color red{255, 0, 0, 255};
-    text.SetFontAndColor(0, 6, &font, B_FONT_ALL, &red);
+    text.SetFontAndColor(0, 6, &font);
+    const float oneLarge = text.TextHeight();
+    EXPECT_GT(oneLarge, plain);
+    EXPECT_GT(text.TextHeight(0, 0), text.TextHeight(2, 2));
+    text.SetFontAndColor(-5, 1000, &font);
+    EXPECT_GT(text.TextHeight(), oneLarge);
+    text.SetText("no style is left");
+    EXPECT_EQ(text.TextHeight(), plain / 3);
+}
 
-    rgb_color color;
-    text.GetFontAndColor(5, &font, &color);
-    EXPECT_EQ(font.Size(), 16);
-    EXPECT_EQ(color, red);
-    text.GetFontAndColor(6, &font, &color);
-    EXPECT_EQ(font.Size(), size);
-    EXPECT_NE(color, red);
-    EXPECT_GT(text.TextHeight(), plain);
-    text.SetFontAndColor(-5, 1000, &font, B_FONT_ALL, &red);
-    EXPECT_EQ(text.TextHeight(), plain);
+TEST_F(TextViewTest, ATextHigherThanTheViewEndsWithAnEllipsis) {
+    auto* window = new RecordingWindow(BRect(100, 100, 299, 199));
+    auto* view = new BTextView(BRect(0, 0, 199, 39), "text", BRect(0, 0, 199, 0), B_FOLLOW_NONE,
+                               B_WILL_DRAW);
+    window->AddChild(view);
+    Show(window);
+    const auto drawn = [&](const char* shown) {
+        WithLock(window, [&] { view->SetText(shown); });
+        Settle(window);
+        return screen.Grab({100, 100, 200, 60});
+    };
+    const test::Picture cut = drawn("one\ntwo\nthree\nfour\nfive");
+    EXPECT_EQ(cut, drawn("one\ntwo\xe2\x80\xa6"));
+    EXPECT_NE(cut, drawn("one\ntwo"));
 }
