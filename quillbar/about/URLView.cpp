@@ -55,7 +55,7 @@ void URLView::WindowActivated(bool active) {
     ShowColor(fColor);
 }
 
-// What was drawn before must not shine through the edges of the letters.
+// The old letters must not show through the soft edges of the new ones.
 void URLView::Redraw() {
     const BRect frame = Frame().OffsetToCopy(B_ORIGIN);
     const rgb_color color = HighColor();
@@ -70,7 +70,7 @@ void URLView::ShowColor(rgb_color color) {
     Redraw();
 }
 
-// What another thread than the window's draws is not shown by itself.
+// Drawing by another thread than the window's is not shown by itself.
 void URLView::ShowAndUnlock() {
     Window()->UpdateIfNeeded();
     Window()->Unlock();
@@ -155,18 +155,6 @@ void URLView::SetColor(rgb_color color) {
     ShowAndUnlock();
 }
 
-void URLView::SetColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
-    SetColor(rgb_color{red, green, blue, alpha});
-}
-
-void URLView::SetClickColor(rgb_color color) {
-    fClickColor = color;
-}
-
-void URLView::SetClickColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
-    SetClickColor(rgb_color{red, green, blue, alpha});
-}
-
 void URLView::SetDisabledColor(rgb_color color) {
     fDisabledColor = color;
     if (!Window() || !Window()->Lock())
@@ -175,14 +163,6 @@ void URLView::SetDisabledColor(rgb_color color) {
         SetHighColor(fDisabledColor);
     Redraw();
     ShowAndUnlock();
-}
-
-void URLView::SetDisabledColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
-    SetDisabledColor(rgb_color{red, green, blue, alpha});
-}
-
-void URLView::SetDraggable(bool draggable) {
-    fDraggable = draggable;
 }
 
 void URLView::SetEnabled(bool enabled) {
@@ -195,22 +175,6 @@ void URLView::SetEnabled(bool enabled) {
     ShowAndUnlock();
 }
 
-void URLView::SetHoverColor(rgb_color color) {
-    fHoverColor = color;
-}
-
-void URLView::SetHoverColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
-    SetHoverColor(rgb_color{red, green, blue, alpha});
-}
-
-void URLView::SetHoverEnabled(bool enabled) {
-    fHoverEnabled = enabled;
-}
-
 void URLView::SetIconSize(icon_size size) {
     fIconSize = size == B_MINI_ICON ? B_MINI_ICON : B_LARGE_ICON;
-}
-
-void URLView::SetUnderlineThickness(int32 thickness) {
-    fUnderlineThickness = thickness;
 }

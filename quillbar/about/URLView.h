@@ -36,25 +36,33 @@ public:
     void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage) override;
     void WindowActivated(bool active) override;
 
-    // The files that are made of the link get the attribute `name` with this text, too.
+    // Adds an attribute to the files that are made of the link.
     virtual void AddAttribute(const char* name, const char* value);
     virtual bool IsEnabled() const { return fEnabled; }
-    // How the link looks: as it is, while it is pressed, while it is disabled, under the pointer.
+    // The colours of the link: at rest, pressed, disabled, under the pointer.
     virtual void SetColor(rgb_color color);
-    virtual void SetColor(uint8 red, uint8 green, uint8 blue, uint8 alpha);
-    virtual void SetClickColor(rgb_color color);
-    virtual void SetClickColor(uint8 red, uint8 green, uint8 blue, uint8 alpha);
+    virtual void SetColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+        SetColor(rgb_color{red, green, blue, alpha});
+    }
+    virtual void SetClickColor(rgb_color color) { fClickColor = color; }
+    virtual void SetClickColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+        SetClickColor(rgb_color{red, green, blue, alpha});
+    }
     virtual void SetDisabledColor(rgb_color color);
-    virtual void SetDisabledColor(uint8 red, uint8 green, uint8 blue, uint8 alpha);
-    virtual void SetDraggable(bool draggable);
+    virtual void SetDisabledColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+        SetDisabledColor(rgb_color{red, green, blue, alpha});
+    }
+    virtual void SetDraggable(bool draggable) { fDraggable = draggable; }
     // A disabled link is plain text.
     virtual void SetEnabled(bool enabled);
-    virtual void SetHoverColor(rgb_color color);
-    virtual void SetHoverColor(uint8 red, uint8 green, uint8 blue, uint8 alpha);
-    virtual void SetHoverEnabled(bool enabled);
+    virtual void SetHoverColor(rgb_color color) { fHoverColor = color; }
+    virtual void SetHoverColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
+        SetHoverColor(rgb_color{red, green, blue, alpha});
+    }
+    virtual void SetHoverEnabled(bool enabled) { fHoverEnabled = enabled; }
     // Of the icon that is dragged.
     virtual void SetIconSize(icon_size size);
-    virtual void SetUnderlineThickness(int32 thickness);
+    virtual void SetUnderlineThickness(int32 thickness) { fUnderlineThickness = thickness; }
     // An address gets "mailto:" in front. A link of no known kind disables the view.
     virtual void SetURL(const char* url);
 
@@ -85,9 +93,12 @@ private:
     void StartDrag();
     void ChooseFromMenu(BPoint where);
 
-    // What a click and the menu do (URLViewActions.cpp).
+    // The actions of a click, the menu and a drop (URLViewActions.cpp).
     void CopyToClipboard() const;
     void LaunchURL() const;
+    void CreateBookmark(const char* path, const char* title) const;
+    void CreatePerson(const char* path, const char* name) const;
+    void WriteAttributes(BNode& node) const;
 
     // Dragging out (URLViewDrag.cpp).
     void DoBookmarkDrag();
@@ -95,11 +106,6 @@ private:
     std::unique_ptr<BBitmap> DrawDragImage(BRect room, const char* type, const BString& text,
                                            bool underlined) const;
     void Drag(BMessage& message, std::unique_ptr<BBitmap> image, float hotSpotY);
-
-    // Files (URLViewFiles.cpp).
-    void CreateBookmark(const char* path, const char* title) const;
-    void CreatePerson(const char* path, const char* name) const;
-    void WriteAttributes(BNode& node) const;
 
     BString fURL;
     rgb_color fColor{0, 0, 255, 0};

@@ -1,12 +1,14 @@
-#include <cstring>
-#include <iterator>
-
+#include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
 #include "kits/app/Roster.h"
 #include "kits/interface/controls/Alert.h"
 #include "kits/interface/menus/MenuItem.h"
 #include "kits/interface/menus/PopUpMenu.h"
 #include "kits/interface/text/Clipboard.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/File.h"
+#include "kits/storage/Node.h"
+#include "kits/storage/Path.h"
 #include "quillbar/about/URLView.h"
 
 namespace {
@@ -17,7 +19,7 @@ constexpr const char* kMailType = "text/x-email";
 constexpr const char* kWebType = "text/html";
 constexpr const char* kFTPType = "application/x-vnd.Be.URL.ftp";
 
-// What the desktop opens one kind of links with.
+// The desktop's program for one kind of links.
 struct Opener {
     const char* type;
     const char* itemLabel; // the program's name follows
@@ -45,9 +47,13 @@ bool BeginsLaunch(const BString& label) {
     return false;
 }
 
+void WriteText(BNode& node, const char* name, const BString& text) {
+    node.WriteAttr(name, B_STRING_TYPE, 0, text.String(), static_cast<size_t>(text.Length()) + 1);
+}
+
 } // namespace
 
-// The items carry no messages: their labels say what is to be done.
+// The items carry no messages: the chosen label decides the action.
 std::unique_ptr<BPopUpMenu> URLView::CreatePopupMenu() const {
     auto menu = std::make_unique<BPopUpMenu>("URLView Popup", false, false, B_ITEMS_IN_COLUMN);
     menu->SetAsyncAutoDestruct(true);
@@ -102,4 +108,47 @@ void URLView::CopyToClipboard() const {
         clipboard.Commit();
     }
     clipboard.Unlock();
+}
+
+// A drop on a file manager is answered with where the file is that the link is to become.
+void URLView::MessageReceived(BMessage* message) {
+    entry_ref directory;
+    const char* name = nullptr;
+    if (message->what != B_COPY_TARGET || message->FindRef("directory", &directory) != B_OK ||
+        message->FindString("name", &name) != B_OK)
+        return;
+    const BEntry entry(&directory);
+    const BPath folder(&entry);
+    const BPath path(folder.Path(), name);
+    if (path.InitCheck() != B_OK)
+        return;
+    if (IsEmailLink())
+        CreatePerson(path.Path(), Text());
+    else
+        CreateBookmark(path.Path(), Text());
+}
+
+void URLView::CreateBookmark(const char* path, const char* title) const {
+    BFile file(path, B_WRITE_ONLY);
+    if (file.InitCheck() != B_OK)
+        return;
+    BNodeInfo(&file).SetType("application/x-vnd.Be-bookmark");
+    WriteText(file, "META:title", title);
+    WriteText(file, "META:url", fURL);
+    WriteAttributes(file);
+}
+
+void URLView::CreatePerson(const char* path, const char* name) const {
+    BFile file(path, B_WRITE_ONLY);
+    if (file.InitCheck() != B_OK)
+        return;
+    BNodeInfo(&file).SetType("application/x-person");
+    WriteText(file, "META:name", name);
+    WriteText(file, "META:email", GetImportantURL());
+    WriteAttributes(file);
+}
+
+void URLView::WriteAttributes(BNode& node) const {
+    for (const auto& [name, value] : fAttributes)
+        WriteText(node, name.String(), value);
 }

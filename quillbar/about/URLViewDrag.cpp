@@ -13,7 +13,7 @@ constexpr uint8 kHalf = 128;
 constexpr const char* kBookmarkType = "application/x-vnd.Be-bookmark";
 constexpr const char* kPersonType = "application/x-person";
 
-// What both kinds of drags say; a file manager makes a file of it.
+// The fields of both kinds of drags, from which a file manager makes a file.
 BMessage DragMessageOf(const char* type, const char* description, const char* name) {
     BMessage message(B_MIME_DATA);
     message.AddInt32("be:actions", B_COPY_TARGET);

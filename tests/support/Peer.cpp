@@ -126,7 +126,7 @@ void Peer::Notify(const xcb_selection_request_event_t& request, xcb_atom_t prope
     answer.property = property;
     xcb_send_event(fConnection, false, request.requestor, 0,
                    reinterpret_cast<const char*>(&answer));
-    xcb_flush(fConnection);
+    Sync(); // the server may drop what a client that dies has just sent
 }
 
 void Peer::BeginParts(const xcb_selection_request_event_t& request) {

@@ -1,22 +1,6 @@
 #include "tests/kits/interface/TextControlTest.h"
 
-#include <fstream>
-#include <sstream>
-
 #include "kits/app/Message.h"
-
-namespace {
-
-// The desktop's usual tool for selections, with the standard input or output in a file.
-test::ChildProcess::Options SelectionTool(const std::string& selection,
-                                          const std::string& arguments) {
-    const char* which = selection == "PRIMARY" ? " --primary " : " --clipboard ";
-    test::ChildProcess::Options options;
-    options.arguments = {"sh", "-c", "exec xsel --nodetach" + (which + arguments)};
-    return options;
-}
-
-} // namespace
 
 TextControlTest::TextControlTest()
     : window(new RecordingWindow({300, 200, 599, 289}, B_TITLED_WINDOW_LOOK))
@@ -96,25 +80,20 @@ void TextControlTest::Press(BView* view, BPoint where, int clicks) {
     }
 }
 
-std::string TextControlTest::Handed(const std::string& selection) {
-    test::ChildProcess::Options options = SelectionTool(selection, "--output");
-    options.output = fFile;
-    EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
-    std::ostringstream text;
-    text << std::ifstream(options.output).rdbuf();
-    return text.str();
+void TextControlTest::WaitForOffered(const std::string& selection, const std::string& text) {
+    test::Peer other(desktop);
+    std::optional<std::string> offered;
+    EXPECT_TRUE(test::WaitUntil([&] {
+        return (offered = other.Ask(selection, "UTF8_STRING")) == text;
+    })) << offered.value_or("nothing");
 }
 
-void TextControlTest::WaitForHanded(const std::string& selection, const std::string& text) {
-    std::string handed;
-    EXPECT_TRUE(test::WaitUntil([&] { return (handed = Handed(selection)) == text; })) << handed;
-}
-
-void TextControlTest::Hand(const std::string& selection, const std::string& text) {
-    std::ofstream(fFile) << text;
-    const auto owner = [&] { return screen.SelectionOwner(selection); };
-    const xcb_window_t before = owner();
-    fPrograms.push_back(
-        std::make_unique<test::ChildProcess>(SelectionTool(selection, "--input < " + fFile)));
-    EXPECT_TRUE(test::WaitUntil([&] { return owner() != before && owner() != XCB_NONE; }));
+void TextControlTest::Bring(const std::string& selection, const std::string& text,
+                            const std::function<void()>& work) {
+    test::Peer other(desktop);
+    other.Own(selection);
+    work();
+    const auto request = other.AwaitRequest();
+    ASSERT_TRUE(request);
+    other.Answer(*request, {text});
 }

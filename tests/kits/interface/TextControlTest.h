@@ -1,13 +1,11 @@
 #pragma once
 
-#include <unistd.h>
-
-#include <memory>
+#include <functional>
 
 #include "kits/interface/text/TextControl.h"
 #include "kits/interface/text/TextField.h"
 #include "tests/kits/interface/InterfaceTest.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Peer.h"
 
 // A window with two text controls, the first of which has the focus.
 class TextControlTest : public InterfaceTest {
@@ -15,7 +13,6 @@ protected:
     static constexpr uint32 kFirstChanged = 'tst1';
 
     TextControlTest();
-    ~TextControlTest() override { unlink(fFile.c_str()); }
 
     std::string Text();
     // Start and end of what is selected in the first control.
@@ -33,9 +30,10 @@ protected:
     // Presses `clicks` times and holds the last.
     void Press(BView* view, BPoint where, int clicks);
     // Until another program gets this text when it asks for the selection.
-    void WaitForHanded(const std::string& selection, const std::string& text);
-    // Another program offers a text.
-    void Hand(const std::string& selection, const std::string& text);
+    void WaitForOffered(const std::string& selection, const std::string& text);
+    // Another program owns a text that `work` asks for.
+    void Bring(const std::string& selection, const std::string& text,
+               const std::function<void()>& work);
 
     static constexpr float kMargin = 2;
 
@@ -43,11 +41,4 @@ protected:
     BTextControl* first;
     BTextControl* second;
     TextField* field;
-
-private:
-    std::string Handed(const std::string& selection);
-
-    std::vector<std::unique_ptr<test::ChildProcess>> fPrograms;
-    // What goes to and fro.
-    const std::string fFile = testing::TempDir() + "selection." + std::to_string(getpid());
 };

@@ -59,10 +59,10 @@ TEST_F(TextControlTest, SelectsWithTheMouse) {
     Press(field, BPoint(PlaceOf(5), 8), 3);
     WaitForSelection(0, 14);
     robot.Release();
-    WaitForHanded("PRIMARY", "one two, three");
+    WaitForOffered("PRIMARY", "one two, three");
     Key(XK_Left, {XK_Shift_L});
     WaitForSelection(0, 13);
-    WaitForHanded("PRIMARY", "one two, thre");
+    WaitForOffered("PRIMARY", "one two, thre");
 }
 
 TEST_F(TextControlTest, ScrollsToWhereTheCaretIsAndWhereTheMouseDrags) {
@@ -78,7 +78,7 @@ TEST_F(TextControlTest, ScrollsToWhereTheCaretIsAndWhereTheMouseDrags) {
     WaitForSelection(0, 215);
     robot.Release();
     // It is cut at its middle and still whole.
-    WaitForHanded("PRIMARY", text.substr(0, 215));
+    WaitForOffered("PRIMARY", text.substr(0, 215));
 }
 
 TEST_F(TextControlTest, CutsCopiesAndPastes) {
@@ -86,7 +86,7 @@ TEST_F(TextControlTest, CutsCopiesAndPastes) {
     Key(XK_Home, {XK_Shift_L});
     Key(XK_x, {XK_Alt_L});
     WaitForText("");
-    WaitForHanded("CLIPBOARD", "one two");
+    WaitForOffered("CLIPBOARD", "one two");
     Key(XK_v, {XK_Control_L});
     WaitForText("one two");
     Key(XK_Left, {XK_Control_L, XK_Shift_L});
@@ -98,16 +98,16 @@ TEST_F(TextControlTest, CutsCopiesAndPastes) {
     WaitForText("one two");
 
     // From another program, and not as it is.
-    Hand("CLIPBOARD", "a\r\nb\tc\x01"
-                      "d\xff"
-                      "e\n");
     Key(XK_a, {XK_Control_L});
-    Key(XK_v, {XK_Control_L});
+    Bring("CLIPBOARD",
+          "a\r\nb\tc\x01"
+          "d\xff"
+          "e\n",
+          [&] { Key(XK_v, {XK_Control_L}); });
     WaitForText("a b cd\xef\xbf\xbd"
                 "e");
     WithLock(window, [&] { first->SetText("ab"); });
-    Hand("PRIMARY", "-");
-    ClickAt(field, BPoint(PlaceOf(1), 8), 2);
+    Bring("PRIMARY", "-", [&] { ClickAt(field, BPoint(PlaceOf(1), 8), 2); });
     WaitForText("a-b");
 }
 
@@ -185,8 +185,7 @@ TEST_F(TextControlTest, TakesFourKilobytesAndKeepsALongerTextThatWasSet) {
     std::string text;
     while (text.size() < 5000)
         text += "\xe2\x82\xac";
-    Hand("CLIPBOARD", text);
-    Key(XK_v, {XK_Control_L});
+    Bring("CLIPBOARD", text, [&] { Key(XK_v, {XK_Control_L}); });
     WaitForText(text.substr(0, 4095));
     SetText(text);
     robot.Type("x");

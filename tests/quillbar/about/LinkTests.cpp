@@ -1,7 +1,10 @@
 // The link view under a real pointer.
 
 #include <cmath>
+#include <filesystem>
 #include <fstream>
+
+#include <gmock/gmock.h>
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
@@ -9,9 +12,9 @@
 #include "kits/interface/menus/PopUpMenu.h"
 #include "kits/interface/text/Clipboard.h"
 #include "kits/storage/Entry.h"
-#include "kits/storage/Node.h"
 #include "quillbar/about/URLView.h"
 #include "tests/kits/interface/InterfaceTest.h"
+#include "tests/support/Bookmarks.h"
 #include "tests/support/RecordedApps.h"
 
 #include <X11/keysym.h>
@@ -229,41 +232,33 @@ TEST_F(LinkTest, AnAlertSaysThatNoProgramIsThere) {
 }
 
 TEST_F(LinkTest, AFileManagersAnswerMakesTheFile) {
-    const auto textOf = [](const BNode& node, const char* name) {
-        char bytes[100];
-        const ssize_t size = node.ReadAttr(name, B_STRING_TYPE, 0, bytes, sizeof bytes);
-        return size < 0 ? "none" : std::string(bytes, static_cast<size_t>(size));
-    };
-    const auto answer = [this](URLView& view, const char* name, bool exists) {
-        const std::string path = home.Path() / name;
-        if (exists)
-            std::ofstream(path).flush();
-        BEntry folder(home.Path().c_str());
+    const auto answered = [this](URLView& view) {
+        const std::string path = home.Path() / "made";
+        std::ofstream(path).flush();
         entry_ref directory;
-        folder.GetRef(&directory);
+        BEntry(home.Path().c_str()).GetRef(&directory);
         BMessage message(B_COPY_TARGET);
         message.AddRef("directory", &directory);
-        message.AddString("name", name);
+        message.AddString("name", "made");
         view.MessageReceived(&message);
-        return path;
+        std::vector<std::string> attributes;
+        for (const char* name : {"META:title", "META:url", "META:name", "META:email", "META:keyw"})
+            attributes.push_back(test::GetAttribute(path, name).value_or("none"));
+        attributes.push_back(test::GetAttribute(path, "mime_type").value_or("none").c_str());
+        std::filesystem::remove(path);
+        return attributes;
     };
-    const auto ended = [](std::string text) { return text + '\0'; };
+    const auto text = [](const char* bytes) { return std::string(bytes) + '\0'; };
 
     TestLink page(kPage);
     page.AddAttribute("META:keyw", "own");
-    const BNode bookmark(answer(page, "mark", true).c_str());
-    EXPECT_EQ(textOf(bookmark, "META:title"), ended("a place to go"));
-    EXPECT_EQ(textOf(bookmark, "META:url"), ended(kPage));
-    EXPECT_EQ(textOf(bookmark, "META:keyw"), ended("own"));
-    EXPECT_TRUE(textOf(bookmark, "mime_type").starts_with("application/x-vnd.Be-bookmark"));
-    EXPECT_EQ(BNode(answer(page, "missing", false).c_str()).InitCheck(), B_ENTRY_NOT_FOUND);
-
-    TestLink address("one@mail.example");
-    const BNode person(answer(address, "somebody", true).c_str());
-    EXPECT_EQ(textOf(person, "META:name"), ended("a place to go"));
-    EXPECT_EQ(textOf(person, "META:email"), ended("one@mail.example"));
-    EXPECT_EQ(textOf(person, "META:url"), "none");
-    EXPECT_TRUE(textOf(person, "mime_type").starts_with("application/x-person"));
+    EXPECT_THAT(answered(page),
+                testing::ElementsAre(text("a place to go"), text(kPage), "none", "none",
+                                     text("own"), "application/x-vnd.Be-bookmark"));
+    TestLink person("one@mail.example");
+    EXPECT_THAT(answered(person),
+                testing::ElementsAre("none", "none", text("a place to go"),
+                                     text("one@mail.example"), "none", "application/x-person"));
 }
 
 } // namespace
