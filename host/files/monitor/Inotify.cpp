@@ -36,7 +36,9 @@ void Inotify::Remove(int watch) {
 }
 
 bool Inotify::Read(std::vector<InotifyEvent>& events) {
-    alignas(inotify_event) static thread_local char buffer[kBufferSize];
+    // On the stack, where only the pages that are read into cost memory: a variable of the thread
+    // would stand, cleared, in every thread of the program.
+    alignas(inotify_event) char buffer[kBufferSize];
     ssize_t size = read(Get(), buffer, sizeof(buffer));
     for (ssize_t at = 0; at < size;) {
         inotify_event event;
