@@ -43,45 +43,82 @@ std::map<std::string, double> TimeStore() {
     return times;
 }
 
-void PrintComparison(const char* what, const char* unit, double bar, double xcb, double cairo,
-                     const char* budget) {
-    printf("| %s | %.2f %s | %.2f %s | %.2f %s | %.2f | %s |\n", what, bar, unit, cairo, unit, xcb,
-           unit, cairo > 0 ? bar / cairo : 0, budget);
+// A panel in use, at the bar's place and of its size, with a launcher and a clock.
+std::vector<std::string> PanelCommand(const test::TemporaryHome& home) {
+    const std::filesystem::path config = home.Path() / "panel";
+    std::ofstream(config) << "background_color = #d8d8d8 100\n"
+                             "panel_items = LC\n"
+                             "panel_size = 266 24\n"
+                             "panel_position = top left vertical\n"
+                             "panel_margin = 29 29\n"
+                             "panel_background_id = 1\n"
+                             "launcher_item_app = browser.desktop\n"
+                             "time1_format = 0\n";
+    return {"tint2", "-c", config};
 }
 
-void PrintTables(const std::vector<Subject>& subjects, std::map<std::string, double>& store) {
-    const Subject& xcb = subjects[0];
-    const Subject& cairo = subjects[1];
-    const Subject& bar = subjects[2];
+struct Subjects {
+    Subject quillbar;
+    Subject cairo;
+    Subject xcb;
+    Subject panel;
+
+    std::vector<Subject*> All() { return {&xcb, &cairo, &panel, &quillbar}; }
+};
+
+// One row: the median of each subject that has the figure, divided by `divisor`.
+void PrintRow(const char* what, const char* unit, std::vector<double> Subject::*figure,
+              const Subjects& subjects, const char* budget, double divisor = 1) {
+    printf("| %s |", what);
+    for (const Subject* subject :
+         {&subjects.quillbar, &subjects.cairo, &subjects.xcb, &subjects.panel}) {
+        const std::vector<double>& values = subject->*figure;
+        if (values.empty())
+            printf(" |");
+        else
+            printf(" %.2f%s |", Median(values) / divisor, unit);
+    }
+    const double bare = Median(subjects.cairo.*figure);
+    if (bare > 0)
+        printf(" %.2f | %s |\n", Median(subjects.quillbar.*figure) / bare, budget);
+    else
+        printf(" | %s |\n", budget);
+}
+
+void PrintPrograms(const Subjects& subjects) {
     printf("Medians of %d interleaved runs.\n\n", kRuns);
-    printf("| measured | Quillbar | bare Cairo and Pango | bare xcb | ratio to Cairo and Pango | "
-           "budget |\n| --- | ---: | ---: | ---: | ---: | --- |\n");
-    PrintComparison("process start to painted, 100 bookmarks", "ms", Median(bar.start),
-                    Median(xcb.start), Median(cairo.start), "ratio 1.25");
-    printf("| press to painted folder menu, first | %.2f ms | %.2f ms | | %.2f | ratio 2 |\n",
-           Median(bar.firstMenu), Median(cairo.firstMenu),
-           Median(bar.firstMenu) / Median(cairo.firstMenu));
-    printf("| press to painted folder menu, later | %.2f ms | %.2f ms | | %.2f | ratio 2 |\n",
-           Median(bar.laterMenus), Median(cairo.laterMenus),
-           Median(bar.laterMenus) / Median(cairo.laterMenus));
-    PrintComparison("PSS", "MiB", Median(bar.pss) / 1024, Median(xcb.pss) / 1024,
-                    Median(cairo.pss) / 1024, "ratio 1.5");
-    PrintComparison("private dirty", "MiB", Median(bar.privateDirty) / 1024,
-                    Median(xcb.privateDirty) / 1024, Median(cairo.privateDirty) / 1024, "ratio 2");
-    printf("| wake-ups a second, idle | %.2f | %.2f | %.2f | | 0 |\n", bar.wakeUps, cairo.wakeUps,
-           xcb.wakeUps);
-    printf("| the same, the pointer rests on a button | %.2f | %.2f | %.2f | | |\n",
-           bar.wakeUpsOnButton, cairo.wakeUpsOnButton, xcb.wakeUpsOnButton);
-    printf("| the same, the pointer rests on the drag strip | %.2f | %.2f | %.2f | | |\n\n",
-           bar.wakeUpsBeside, cairo.wakeUpsBeside, xcb.wakeUpsBeside);
-    printf("| the store | time | budget |\n| --- | ---: | --- |\n");
-    const std::pair<const char*, const char*> rows[] = {{"rebuild", "10 ms"},
-                                                        {"rename", "3 ms"},
-                                                        {"attribute", "3 ms"},
-                                                        {"scan 1000", "linear"},
-                                                        {"scan 10000", "linear"},
-                                                        {"scan 100000", "linear"},
-                                                        {"burst", "1000 ms after the last event"}};
+    printf("| measured | Quillbar | bare Cairo and Pango | bare xcb | tint2 | ratio to Cairo and "
+           "Pango | budget |\n| --- | ---: | ---: | ---: | ---: | ---: | --- |\n");
+    PrintRow("process start to painted, 100 bookmarks", " ms", &Subject::start, subjects,
+             "ratio 1.25");
+    PrintRow("press to painted folder menu, first", " ms", &Subject::firstMenu, subjects,
+             "ratio 1.6");
+    PrintRow("press to painted folder menu, later", " ms", &Subject::laterMenus, subjects,
+             "ratio 1.3");
+    PrintRow("PSS", " MiB", &Subject::pss, subjects, "6.5 MiB", 1024);
+    PrintRow("private dirty", " MiB", &Subject::privateDirty, subjects, "2.6 MiB", 1024);
+    PrintRow("wake-ups a second, idle", "", &Subject::wakeUps, subjects, "0");
+    PrintRow("the same, the pointer rests on a button", "", &Subject::wakeUpsOnButton, subjects,
+             "");
+    PrintRow("the same, the pointer rests on the drag strip", "", &Subject::wakeUpsBeside, subjects,
+             "");
+}
+
+void PrintStore(std::map<std::string, double>& store) {
+    printf("\n| the store | time | budget |\n| --- | ---: | --- |\n");
+    const std::pair<const char*, const char*> rows[] = {
+        {"rebuild", "3 ms"},
+        {"rename", "1 ms"},
+        {"attribute", "1 ms"},
+        {"scan 1000", "linear"},
+        {"scan 10000", "linear"},
+        {"scan 100000", "linear"},
+        {"burst", "1000 ms after the last event"},
+        {"arrivals 1000", "1000 ms after the last"},
+        {"arrivals 3000", "1000 ms after the last"},
+        {"arrivals 10000", "1000 ms after the last"},
+        {"click during arrivals", "100 ms"},
+    };
     for (const auto& [name, budget] : rows) {
         if (store.contains(name))
             printf("| %s | %.2f ms | %s |\n", name, store[name], budget);
@@ -101,17 +138,19 @@ int main() {
     apps.InstallBrowser();
     MakeBookmarks(home);
     DesktopBench bench(desktop);
-    // The bar's third button; anywhere in the bare windows.
-    std::vector<Subject> subjects(3);
-    subjects[0] = {"bare xcb", BARE_XCB, 40, 105, false, false};
-    subjects[1] = {"bare Cairo and Pango", BARE_CAIRO, 40, 105, true, true};
-    subjects[2] = {"Quillbar", QUILLBAR, 40, 105, true, false};
-    for (Subject& subject : subjects)
-        if (subject.hasMenu)
-            bench.LearnMenu(subject);
+    // The bar's third button; anywhere in the others.
+    Subjects subjects{.quillbar = {"Quillbar", {QUILLBAR}, 40, 105, true, false},
+                      .cairo = {"bare Cairo and Pango", {BARE_CAIRO}, 40, 105, true, true},
+                      .xcb = {"bare xcb", {BARE_XCB}, 40, 105, false, false},
+                      .panel = {"tint2", PanelCommand(home), 40, 105, false, false}};
+    for (Subject* subject : subjects.All())
+        if (subject->hasMenu)
+            bench.LearnMenu(*subject);
     for (int run = 0; run < kRuns; ++run)
-        for (Subject& subject : subjects)
-            bench.Measure(subject);
-    bench.MeasureWakeUps(subjects, kIdleSeconds);
-    PrintTables(subjects, store);
+        for (Subject* subject : subjects.All())
+            bench.Measure(*subject);
+    for (Subject* subject : subjects.All())
+        bench.MeasureWakeUps(*subject, kIdleSeconds);
+    PrintPrograms(subjects);
+    PrintStore(store);
 }

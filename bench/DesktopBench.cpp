@@ -32,7 +32,7 @@ bool IsBar(uint32_t pixel) {
 
 std::unique_ptr<ChildProcess> Run(const Subject& subject) {
     ChildProcess::Options options;
-    options.arguments = {subject.program};
+    options.arguments = subject.command;
     options.output = "/dev/null";
     return std::make_unique<ChildProcess>(options);
 }
@@ -149,12 +149,10 @@ double DesktopBench::OpenMenu(const Subject& subject) {
     return result;
 }
 
-void DesktopBench::MeasureWakeUps(std::vector<Subject>& subjects, int seconds) {
-    for (Subject& subject : subjects) {
-        subject.wakeUps = WakeUps(subject, kAwayX, kAwayY, seconds);
-        subject.wakeUpsOnButton = WakeUps(subject, subject.x, subject.y, seconds);
-        subject.wakeUpsBeside = WakeUps(subject, kStripX, kStripY, seconds);
-    }
+void DesktopBench::MeasureWakeUps(Subject& subject, int seconds) {
+    subject.wakeUps = {WakeUps(subject, kAwayX, kAwayY, seconds)};
+    subject.wakeUpsOnButton = {WakeUps(subject, subject.x, subject.y, seconds)};
+    subject.wakeUpsBeside = {WakeUps(subject, kStripX, kStripY, seconds)};
 }
 
 double DesktopBench::WakeUps(const Subject& subject, int x, int y, int seconds) {

@@ -11,7 +11,7 @@ namespace bench {
 // One of the programs that are compared.
 struct Subject {
     std::string name;
-    std::string program;
+    std::vector<std::string> command;
     // Somewhere in its window, and a press there.
     int x;
     int y;
@@ -28,9 +28,9 @@ struct Subject {
     std::vector<double> privateDirty = {}; // KiB
     // A second, while nothing happens, with the pointer elsewhere, on the button, beside the
     // buttons.
-    double wakeUps = 0;
-    double wakeUpsOnButton = 0;
-    double wakeUpsBeside = 0;
+    std::vector<double> wakeUps = {};
+    std::vector<double> wakeUpsOnButton = {};
+    std::vector<double> wakeUpsBeside = {};
 };
 
 // Measures programs on a desktop of its own, whose root is filled with a colour that no program
@@ -42,7 +42,7 @@ public:
     void LearnMenu(Subject& subject);
     // One start, the memory after it, and the menu's first and later openings.
     void Measure(Subject& subject);
-    void MeasureWakeUps(std::vector<Subject>& subjects, int seconds);
+    void MeasureWakeUps(Subject& subject, int seconds);
 
 private:
     double OpenMenu(const Subject& subject);
