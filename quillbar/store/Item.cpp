@@ -72,6 +72,9 @@ bool QBItem::SetFile(const char* path) {
         entry.GetRef(&fRaw.ref) != B_OK)
         return false;
     fRaw.node = file.node;
+    // A change behind this line is notified.
+    if (fMessenger.IsValid())
+        Watch(fMessenger);
     fName = GetName(path);
 
     BNode node(&entry);
@@ -113,15 +116,16 @@ void QBItem::UpdateItem() {
 }
 
 bool QBItem::Watch(BMessenger messenger) {
-    const node_ref file = NodeRef();
-    fWatched = watch_node(&file, B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR, messenger) == B_OK;
-    return fWatched;
+    return fWatch.Start(NodeRef(), B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR, messenger) == B_OK;
 }
 
-void QBItem::StopWatching(BMessenger messenger) {
-    const node_ref file = NodeRef();
-    watch_node(&file, B_STOP_WATCHING, messenger);
-    fWatched = false;
+void QBItem::StopWatching(BMessenger) {
+    fWatch.Stop();
+}
+
+void QBItem::Forget() {
+    fWatch.Stop();
+    fRaw = raw_item();
 }
 
 void QBItem::SetTarget(BHandler* target) {

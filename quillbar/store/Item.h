@@ -3,6 +3,7 @@
 #include "kits/app/Messenger.h"
 #include "kits/storage/Path.h"
 #include "kits/support/String.h"
+#include "quillbar/store/NodeWatch.h"
 #include "quillbar/store/RawItem.h"
 
 class BHandler;
@@ -27,8 +28,9 @@ public:
 
     QBItem(const QBItem&) = delete;
 
-    // Reads the file. True if it is a complete bookmark; what was read before something was found
-    // missing stays. The label and what the menu item sends do not change.
+    // Reads the file, which is watched first if there is a messenger. True if it is a complete
+    // bookmark; what was read before something was found missing stays. The label and what the menu
+    // item sends do not change.
     bool SetFile(const char* path);
 
     // Fills or empties the slot. Does nothing if it is so already: to relabel a filled slot after
@@ -38,10 +40,17 @@ public:
     // Labels a filled slot again, after the setting to show URLs has changed.
     void UpdateItem();
 
-    // Node monitoring of the file. The messenger that stops it is the one that started it.
+    // Where notifications go from the next SetFile() on.
+    void SetMessageTarget(const BMessenger& messenger) { fMessenger = messenger; }
+
+    // Node monitoring of the file, also of one that is not a complete bookmark yet.
     bool Watch(BMessenger messenger);
     void StopWatching(BMessenger messenger);
-    bool IsWatched() const { return fWatched; }
+    bool IsWatched() const { return fWatch.IsOn(NodeRef()); }
+    status_t WatchStatus() const { return fWatch.Status(); }
+
+    // Gives up the identity of a file that fills another slot.
+    void Forget();
 
     void SetTarget(BHandler* target);
 
@@ -72,9 +81,10 @@ private:
     int32 fNumber;
     int32 fFolder;
     bool fValid = false;
-    bool fWatched = false;
     BPath fPath;
     raw_item fRaw;
+    NodeWatch fWatch;
+    BMessenger fMessenger;
     BMessage* fMessage = nullptr;
     BHandler* fTarget;
     QBMenuItem* fMenuItem = nullptr;

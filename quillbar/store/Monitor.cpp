@@ -1,6 +1,13 @@
 #include "quillbar/store/Monitor.h"
 
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <utility>
+
 #include "kits/app/AppDefs.h"
+#include "kits/app/Looper.h"
+#include "kits/app/MessageQueue.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/NodeMonitor.h"
@@ -8,19 +15,38 @@
 #include "quillbar/base/Trace.h"
 #include "quillbar/store/Alerts.h"
 #include "quillbar/store/EndProgram.h"
+#include "quillbar/store/Item.h"
 #include "quillbar/store/Path.h"
 #include "quillbar/store/StoreNames.h"
-#include "quillbar/store/Walk.h"
 
 namespace {
 
 constexpr uint32 kOpcodeRebuild = 'qbRM';
 constexpr bigtime_t kRebuildDelay = 1'000'000;
 constexpr int32 kRebuildMessages = 2;
+constexpr bigtime_t kRetryInterval = 10'000'000;
+constexpr uint32 kDirectoryFlags = B_WATCH_NAME | B_WATCH_DIRECTORY;
 
 [[noreturn]] void EndWith(const char* error) {
     AlertError(error);
     EndProgram();
+}
+
+bool CanBeRead(const BEntry& root) {
+    return BDirectory(&root).InitCheck() == B_OK;
+}
+
+// Whether a message says that an entry came into the directory from outside it.
+bool IsArrivalIn(const BMessage& msg, int64 directory) {
+    switch (msg.GetInt32("opcode", 0)) {
+    case B_ENTRY_CREATED:
+        return msg.GetInt64("directory", -1) == directory;
+    case B_ENTRY_MOVED:
+        return msg.GetInt64("to directory", -1) == directory &&
+               msg.GetInt64("from directory", -1) != directory;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -28,12 +54,13 @@ constexpr int32 kRebuildMessages = 2;
 QBMonitor::QBMonitor(BHandler* target, BMessenger messenger)
     : fPaths{}
     , fMessenger(messenger) {
-    FindRootOrEnd();
-    WarnWithoutAttributes();
-    BindFolders(target);
     fRunnerMsg = std::make_unique<BMessage>(static_cast<uint32>(B_NODE_MONITOR));
     fRunnerMsg->AddInt32("opcode", kOpcodeRebuild);
-    Watch();
+    FindRootOrEnd();
+    WarnWithoutAttributes();
+    WatchRoot();
+    BindFolders(target);
+    CheckLimit();
 }
 
 QBMonitor::~QBMonitor() {
@@ -51,6 +78,8 @@ void QBMonitor::FindRootOrEnd() {
         if (FindRoot(root) != B_OK)
             EndWith("Failed to find bookmar directory!");
     }
+    if (!CanBeRead(root))
+        EndWith("QBMonitor failed to initialized because InitCheck() failed.");
     SetRaw(root);
 }
 
@@ -67,23 +96,55 @@ void QBMonitor::WarnWithoutAttributes() const {
     AlertWarning(text.String());
 }
 
+// The directories are watched before any file is: watches may be scarce.
 void QBMonitor::BindFolders(BHandler* target) {
-    BEntry root;
-    FindRoot(root);
-    Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
-        const int digit = GetNumber(path);
-        if (digit < 0 || fPaths[digit] || !entry.IsDirectory())
-            return true;
-        fPaths[digit] = new QBPath(path, digit + 1, target);
-        fPaths[digit]->SetMessageTarget(fMessenger);
-        return true;
-    });
+    BString paths[10];
+    NodeWatch early[10];
     for (int digit = 0; digit < 10; ++digit) {
-        if (fPaths[digit])
-            continue;
-        fPaths[digit] = new QBPath(digit + 1, target);
-        fPaths[digit]->SetMessageTarget(fMessenger);
+        paths[digit] = FindFolder(digit + 1);
+        node_ref node;
+        if (BEntry(paths[digit].String(), false).GetNodeRef(&node) == B_OK)
+            early[digit].Start(node, kDirectoryFlags, fMessenger);
     }
+    for (int digit = 0; digit < 10; ++digit) {
+        if (paths[digit].IsEmpty())
+            fPaths[digit] = new QBPath(digit + 1, target, fMessenger);
+    }
+    for (int digit = 0; digit < 10; ++digit) {
+        if (!fPaths[digit])
+            fPaths[digit] = new QBPath(paths[digit].String(), digit + 1, target, fMessenger);
+    }
+}
+
+// The file with the system's limit that a watch of the store has met; null if none has.
+const char* QBMonitor::LimitFile() const {
+    const char* file = watch_limit_file(fWatch.Status());
+    for (const QBPath* folder : fPaths)
+        file = file ? file : watch_limit_file(folder->WatchStatus());
+    return file;
+}
+
+// Where watches are scarce the files give up theirs for a directory that got none.
+void QBMonitor::CheckLimit() {
+    const char* file = LimitFile();
+    if (!file)
+        return;
+    const bool all = std::all_of(std::begin(fPaths), std::end(fPaths),
+                                 [](const QBPath* folder) { return folder->IsWatched(); });
+    if (!all || !fWatch.IsOn(fRaw.Node())) {
+        StopWatching(true, true);
+        WatchRoot();
+        for (QBPath* folder : fPaths)
+            folder->Watch(true, false);
+    }
+    if (std::exchange(fHasWarnedOfLimit, true))
+        return;
+    BString text;
+    text
+        << "The system does not let Quillbar watch all bookmarks, so a change that another program "
+        << "makes may be shown only when its folder's menu is opened! Put a greater number into "
+        << file << " and restart Quillbar.";
+    AlertWarning(text.String());
 }
 
 void QBMonitor::SetRaw(const BEntry& root) {
@@ -94,8 +155,7 @@ void QBMonitor::SetRaw(const BEntry& root) {
 }
 
 bool QBMonitor::WatchRoot() {
-    const node_ref root = fRaw.Node();
-    return watch_node(&root, B_WATCH_NAME | B_WATCH_DIRECTORY, fMessenger) == B_OK;
+    return fWatch.Start(fRaw.Node(), kDirectoryFlags, fMessenger) == B_OK;
 }
 
 bool QBMonitor::Watch() {
@@ -106,8 +166,7 @@ bool QBMonitor::Watch() {
 }
 
 void QBMonitor::StopWatching(bool folders, bool items) {
-    const node_ref root = fRaw.Node();
-    watch_node(&root, B_STOP_WATCHING, fMessenger);
+    fWatch.Stop();
     if (!folders)
         return;
     for (QBPath* folder : fPaths)
@@ -121,10 +180,21 @@ void QBMonitor::UpdateMenus() {
 
 bool QBMonitor::HandleNodeMessage(BMessage* msg) {
     int32 opcode = 0;
-    if (msg->FindInt32("opcode", &opcode) != B_OK)
-        return true;
+    if (fRetry && opcode != kOpcodeRebuild && IsOfParent(*msg))
+        Rebuild();
+    else if (msg->FindInt32("opcode", &opcode) == B_OK)
+        Apply(opcode, msg);
+    else if (!fRetry)
+        for (QBPath* folder : fPaths)
+            folder->Refresh();
+    ForgetTwins();
+    CheckLimit();
+    return true;
+}
+
+void QBMonitor::Apply(int32 opcode, BMessage* msg) {
     // A rebuild that is due covers whatever happens until then.
-    const bool rebuildIsDue = fRunner != nullptr;
+    const bool rebuildIsDue = fRunner || fRetry;
     switch (opcode) {
     case B_ENTRY_REMOVED:
         EntryRemoved();
@@ -147,7 +217,23 @@ bool QBMonitor::HandleNodeMessage(BMessage* msg) {
     default:
         break;
     }
-    return true;
+}
+
+// An empty slot keeps the identity of its last file, to know it again. Once that file fills another
+// slot, its changes are for that one.
+void QBMonitor::ForgetTwins() {
+    std::set<node_ref> filled;
+    const auto forEach = [this](bool valid, const auto& work) {
+        for (QBPath* folder : fPaths)
+            for (int digit = 0; digit < 10; ++digit)
+                if (QBItem* slot = folder->Items()[digit]; slot->IsValid() == valid)
+                    work(slot);
+    };
+    forEach(true, [&](QBItem* slot) { filled.insert(slot->NodeRef()); });
+    forEach(false, [&](QBItem* slot) {
+        if (filled.contains(slot->NodeRef()))
+            slot->Forget();
+    });
 }
 
 QBPath* QBMonitor::FolderOf(int64 directory) {
@@ -158,15 +244,37 @@ QBPath* QBMonitor::FolderOf(int64 directory) {
     return nullptr;
 }
 
+// One scan covers all arrivals in the directory that wait in the queue: each by itself would cost
+// the square of their number.
+void QBMonitor::Arrived(QBPath* folder, int64 directory, BMessage* msg) {
+    DropWaitingArrivals(directory);
+    folder->ItemCreated(msg);
+    folder->UpdateMenu();
+}
+
+void QBMonitor::DropWaitingArrivals(int64 directory) const {
+    BLooper* looper = nullptr;
+    fMessenger.Target(&looper);
+    BMessageQueue* queue = looper ? looper->MessageQueue() : nullptr;
+    if (!queue || !queue->Lock())
+        return;
+    for (int32 index = 0; BMessage* waiting = queue->FindMessage(index);) {
+        if (waiting->what == B_NODE_MONITOR && IsArrivalIn(*waiting, directory) &&
+            queue->RemoveMessage(waiting))
+            delete waiting;
+        else
+            ++index;
+    }
+    queue->Unlock();
+}
+
 void QBMonitor::EntryCreated(BMessage* msg) {
     Trace(__PRETTY_FUNCTION__, "An entry was created");
     int64 directory = 0;
     if (msg->FindInt64("directory", &directory) != B_OK || directory == fRaw.node)
         return;
-    if (QBPath* folder = FolderOf(directory)) {
-        folder->ItemCreated(msg);
-        folder->UpdateMenu();
-    }
+    if (QBPath* folder = FolderOf(directory))
+        Arrived(folder, directory, msg);
 }
 
 void QBMonitor::EntryRemoved() {
@@ -182,7 +290,7 @@ void QBMonitor::EntryRemoved() {
 
 void QBMonitor::Rebuild() {
     Trace(__PRETTY_FUNCTION__, "Rebuilding the store");
-    StopWatching(true, true);
+    fRunner = nullptr;
     BEntry root;
     FindRoot(root);
     if (!root.Exists()) {
@@ -191,44 +299,71 @@ void QBMonitor::Rebuild() {
         if (FindRoot(root) != B_OK)
             EndWith("BEntry::SetTo() failed! Could not find bookmark directory!");
     }
-    SetRaw(root);
-    WatchRoot();
-    RereadFolders();
-    fRunner = nullptr;
+    ReadRoot();
 }
 
 // The renamed or moved root is left alone.
 void QBMonitor::RestartStore() {
     Trace(__PRETTY_FUNCTION__, "Restarting the store");
-    StopWatching(true, true);
-    if (create_directory(kBookmarkRoot, kDirectoryMode) != B_OK)
-        return;
+    create_directory(kBookmarkRoot, kDirectoryMode);
+    ReadRoot();
+}
+
+// Everything anew, each directory watched before it is read.
+void QBMonitor::ReadRoot() {
     BEntry root;
     FindRoot(root);
+    if (!CanBeRead(root))
+        return WaitForRoot();
+    fRetry = nullptr;
+    fParentWatch.Stop();
     SetRaw(root);
     WatchRoot();
-    RereadFolders();
-}
-
-void QBMonitor::RereadFolders() {
-    for (QBPath* folder : fPaths) {
-        folder->EmptySlots();
-        folder->Watch(true, false);
+    for (QBPath* folder : fPaths)
         Rebind(folder);
-    }
 }
 
-// Has a folder look for its directory. Whichever it finds is watched from now on, and the old one
-// no longer, unless its number is that of another folder's new directory: file systems use them
-// again.
+void QBMonitor::WaitForRoot() {
+    StopWatching(true, true);
+    for (QBPath* folder : fPaths)
+        folder->EmptySlots();
+    BPath parent;
+    if (BPath(kBookmarkRoot).GetParent(&parent) == B_OK &&
+        BEntry(parent.Path()).GetNodeRef(&fParent) == B_OK)
+        fParentWatch.Start(fParent, kDirectoryFlags, fMessenger);
+    if (fRetry)
+        return;
+    fRetry = std::make_unique<BMessageRunner>(fMessenger, fRunnerMsg.get(), kRetryInterval);
+    BString text;
+    text << BPath(kBookmarkRoot).SystemPath().c_str()
+         << " is not a folder that can be read, so there are no bookmarks! Quillbar shows them "
+            "again "
+         << "as soon as it is one.";
+    AlertWarning(text.String());
+}
+
+bool QBMonitor::IsOfParent(const BMessage& msg) const {
+    for (const char* field : {"directory", "from directory", "to directory"}) {
+        if (msg.GetInt64(field, -1) == fParent.node)
+            return true;
+    }
+    return false;
+}
+
+// Has a folder look for its directory; whichever it finds is watched from now on.
 bool QBMonitor::Rebind(QBPath* folder) {
-    const node_ref before = folder->RawItem()->Node();
     const bool found = folder->FindYourSelf();
-    if (!FolderOf(before.node))
-        watch_node(&before, B_STOP_WATCHING, fMessenger);
-    folder->Watch(false, true);
     folder->UpdateMenu();
     return found;
+}
+
+void QBMonitor::RebindOrEnd(QBPath* folder) {
+    BEntry root;
+    if (Rebind(folder))
+        return;
+    if (FindRoot(root) == B_OK && CanBeRead(root))
+        EndWith("Ah! Folder couldn't find itself! This shouldn't happen! Fatal error!");
+    WaitForRoot();
 }
 
 void QBMonitor::EntryMoved(BMessage* msg) {
@@ -250,11 +385,8 @@ void QBMonitor::EntryRenamedIn(int64 directory, int64 node, BMessage* msg) {
         RestartStore();
     } else if (directory == fRaw.node) {
         Trace(__PRETTY_FUNCTION__, "A folder was renamed");
-        QBPath* folder = FolderOf(node);
-        if (!folder)
-            return;
-        if (!Rebind(folder))
-            EndWith("Ah! Folder couldn't find itself! This shouldn't happen! Fatal error!");
+        if (QBPath* folder = FolderOf(node))
+            RebindOrEnd(folder);
     } else if (QBPath* folder = FolderOf(directory)) {
         Trace(__PRETTY_FUNCTION__, "A bookmark was renamed");
         folder->ItemMoved(msg);
@@ -276,6 +408,10 @@ void QBMonitor::EntryMovedBetween(int64 from, int64 to, int64 node, BMessage* ms
     }
     if (to == fRaw.node) {
         Trace(__PRETTY_FUNCTION__, "An entry came into the root");
+        // The directory that was made for want of another does not hide one that comes back.
+        const int digit = GetNumber(msg->GetString("name", ""));
+        if (digit >= 0 && fPaths[digit]->HasPlaceholder())
+            Rebind(fPaths[digit]);
         return;
     }
     Trace(__PRETTY_FUNCTION__, "A bookmark was moved");
@@ -284,9 +420,8 @@ void QBMonitor::EntryMovedBetween(int64 from, int64 to, int64 node, BMessage* ms
         if (directory != to && directory != from)
             continue;
         if (directory == to)
-            folder->ItemCreated(msg);
-        else
-            folder->ItemRemoved(msg);
+            return Arrived(folder, directory, msg);
+        folder->ItemRemoved(msg);
         folder->UpdateMenu();
         return;
     }

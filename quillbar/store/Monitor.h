@@ -5,6 +5,7 @@
 #include "kits/app/Message.h"
 #include "kits/app/MessageRunner.h"
 #include "kits/app/Messenger.h"
+#include "quillbar/store/NodeWatch.h"
 #include "quillbar/store/RawItem.h"
 
 class BEntry;
@@ -14,12 +15,15 @@ class QBPath;
 // The store of bookmarks: the ten folders, and what keeps them in step with the disk. Removals are
 // not applied one by one: one second after the last, all folders are read again.
 //
+// While the root is no directory that can be read, the menus are empty and nothing is written; the
+// user is warned once, and the root is tried again when its parent changes and every ten seconds.
+//
 // The bar window's thread only, with the store locked.
 class QBMonitor {
 public:
-    // Makes the root and the folders that are missing, reads them and starts to watch them. The
-    // slots' menu items send to `target`, notifications go to `messenger`. When the root cannot be
-    // made, tells the user and ends the program.
+    // Makes the root and the folders that are missing, watches them and reads them. The slots' menu
+    // items send to `target`, notifications go to `messenger`. When the root cannot be made or
+    // read, tells the user and ends the program.
     QBMonitor(BHandler* target, BMessenger messenger);
 
     // The folders go, and with them the watches of their files; a rebuild that is due is dropped.
@@ -27,8 +31,9 @@ public:
 
     QBMonitor(const QBMonitor&) = delete;
 
-    // Applies a notification of the node monitor, or rebuilds the store when the message is the one
-    // that says so. Anything else is ignored. Always true.
+    // Applies a notification of the node monitor. A rebuild comes as one that the store sends to
+    // itself; a message without "opcode" has the folders read again of which a change could have
+    // been missed. Anything else is ignored. Always true.
     bool HandleNodeMessage(BMessage* msg);
 
     // Labels all slots again.
@@ -42,7 +47,13 @@ private:
     void FindRootOrEnd();
     void BindFolders(BHandler* target);
     void WarnWithoutAttributes() const;
+    const char* LimitFile() const;
+    void CheckLimit();
+    void ForgetTwins();
 
+    void Apply(int32 opcode, BMessage* msg);
+    void Arrived(QBPath* folder, int64 directory, BMessage* msg);
+    void DropWaitingArrivals(int64 directory) const;
     void EntryCreated(BMessage* msg);
     void EntryRemoved();
     void EntryMoved(BMessage* msg);
@@ -53,12 +64,16 @@ private:
     void Rebuild();
     void RestartStore();
     bool WatchRoot();
-    void RereadFolders();
+    void ReadRoot();
+    void WaitForRoot();
+    bool IsOfParent(const BMessage& msg) const;
     bool Rebind(QBPath* folder);
+    void RebindOrEnd(QBPath* folder);
     void SetRaw(const BEntry& root);
     QBPath* FolderOf(int64 directory);
 
     raw_item fRaw;
+    NodeWatch fWatch;
 
 public:
     // By digit; all ten are there.
@@ -68,4 +83,9 @@ private:
     BMessenger fMessenger;
     std::unique_ptr<BMessageRunner> fRunner;
     std::unique_ptr<BMessage> fRunnerMsg;
+    // There while the root cannot be used.
+    std::unique_ptr<BMessageRunner> fRetry;
+    NodeWatch fParentWatch;
+    node_ref fParent;
+    bool fHasWarnedOfLimit = false;
 };

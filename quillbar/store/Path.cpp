@@ -11,9 +11,21 @@
 #include "quillbar/store/StoreNames.h"
 #include "quillbar/store/Walk.h"
 
-QBPath::QBPath(int number, BHandler* target)
+namespace {
+
+constexpr uint32 kDirectoryFlags = B_WATCH_NAME | B_WATCH_DIRECTORY;
+
+BString ParentOf(const char* path) {
+    BPath parent;
+    return BPath(path).GetParent(&parent) == B_OK ? parent.Path() : "";
+}
+
+} // namespace
+
+QBPath::QBPath(int number, BHandler* target, BMessenger messenger)
     : fNumber(number)
     , fTarget(target)
+    , fMessenger(messenger)
     , fItems{}
     , fTitleItem(nullptr)
     , fMenu(nullptr) {
@@ -21,9 +33,10 @@ QBPath::QBPath(int number, BHandler* target)
     AssembleMenu();
 }
 
-QBPath::QBPath(const char* path, int number, BHandler* target)
+QBPath::QBPath(const char* path, int number, BHandler* target, BMessenger messenger)
     : fNumber(number)
     , fTarget(target)
+    , fMessenger(messenger)
     , fItems{}
     , fTitleItem(nullptr)
     , fMenu(nullptr) {
@@ -32,12 +45,15 @@ QBPath::QBPath(const char* path, int number, BHandler* target)
 }
 
 QBPath::~QBPath() {
-    for (QBItem* slot : fItems) {
-        if (slot->IsWatched())
-            slot->StopWatching(fMessenger);
+    for (QBItem* slot : fItems)
         delete slot;
-    }
     delete fMenu;
+}
+
+void QBPath::SetMessageTarget(BMessenger messenger) {
+    fMessenger = messenger;
+    for (QBItem* slot : fItems)
+        slot->SetMessageTarget(messenger);
 }
 
 void QBPath::CreateMenu() {
@@ -45,6 +61,7 @@ void QBPath::CreateMenu() {
     fTitleItem = new QBTitleItem("", nullptr, 0, 0);
     for (int digit = 0; digit < 10; ++digit)
         fItems[digit] = new QBItem(fTarget, digit + 1, fNumber);
+    SetMessageTarget(fMessenger);
 }
 
 void QBPath::AssembleMenu() {
@@ -59,38 +76,41 @@ void QBPath::AssembleMenu() {
 }
 
 bool QBPath::SetPath(const char* path) {
-    if (!fMenu) {
+    if (!fMenu)
         CreateMenu();
-    } else {
-        for (QBItem* slot : fItems)
-            EmptySlot(slot);
-    }
-
+    fIsRead = false;
     BEntry entry(path, false);
-    if (entry.InitCheck() != B_OK || !BindTo(entry, path))
+    BDirectory directory;
+    if (entry.InitCheck() != B_OK || !BindTo(entry, path) || directory.SetTo(&entry) != B_OK) {
+        EmptySlots();
         return false;
-    BDirectory directory(&entry);
-    if (directory.InitCheck() != B_OK)
-        return false;
-
+    }
     node_ref node;
     entry.GetRef(&fRaw.ref);
     entry.GetNodeRef(&node);
     fRaw.node = node.node;
     // Before it is read: what changes meanwhile would be missed otherwise.
-    if (fIsWatching)
+    if (fMessenger.IsValid())
         Watch(true, false);
     ReadSlots(entry);
     fName = GetName(fPath.Path());
     fTitleItem->SetLabel(fPath.Leaf());
+    fIsRead = true;
     return true;
 }
 
-// Sets fPath to `path`, or, if nothing is there, `entry` and fPath to a new directory beside it.
+// Sets fPath to `path`. If nothing is there, sets it and `entry` to the directory that has the
+// digit now, in case the folder was renamed and the message of it still waits, or else to a new
+// one.
 bool QBPath::BindTo(BEntry& entry, const char* path) {
     if (entry.Exists()) {
         fPath.SetTo(path);
         return true;
+    }
+    const BString renamed = FindFolder(fNumber);
+    if (!renamed.IsEmpty() && ParentOf(renamed.String()) == ParentOf(path)) {
+        fPath.SetTo(renamed.String());
+        return entry.SetTo(renamed.String(), false) == B_OK;
     }
     BPath created;
     if (BPath(path).GetParent(&created) != B_OK)
@@ -108,9 +128,12 @@ bool QBPath::BindTo(BEntry& entry, const char* path) {
     return true;
 }
 
+// A file that stays in its slot stays watched throughout.
 void QBPath::ReadSlots(const BEntry& directory) {
     bool found[10] = {};
     int count = 0;
+    for (QBItem* slot : fItems)
+        slot->SetValid(false);
     Walk(directory, Links::Followed, [&](BEntry& entry, const char* path) {
         const int digit = GetNumber(path);
         if (digit < 0 || found[digit] || !entry.IsFile())
@@ -119,54 +142,66 @@ void QBPath::ReadSlots(const BEntry& directory) {
         fItems[digit]->SetFile(path);
         return ++count < 10;
     });
-    for (int digit = 0; digit < 10; ++digit)
-        fItems[digit]->SetValid(found[digit]);
+    for (int digit = 0; digit < 10; ++digit) {
+        if (found[digit])
+            fItems[digit]->SetValid(true);
+        else
+            EmptySlot(fItems[digit]);
+    }
 }
 
 bool QBPath::FindYourSelf() {
+    status_t status = B_OK;
+    BString own = FindFolder(fNumber, &status);
     BEntry root;
-    if (FindRoot(root) != B_OK)
+    BPath path;
+    if (status != B_OK || FindRoot(root) != B_OK || root.GetPath(&path) != B_OK)
         return false;
-    BPath rootPath;
-    if (root.GetPath(&rootPath) != B_OK)
-        return false;
-
-    BString own;
-    const status_t status = Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
-        if (GetNumber(path) != fNumber - 1 || !entry.IsDirectory())
-            return true;
-        own = path;
-        return false;
-    });
-    if (status != B_OK)
-        return false;
-    if (own.Length() == 0) {
-        rootPath.Append(EmptyFolderName(fNumber).String());
-        own = rootPath.Path();
+    if (own.IsEmpty()) {
+        path.Append(EmptyFolderName(fNumber).String());
+        own = path.Path();
     }
     return SetPath(own.String());
 }
 
 void QBPath::EmptySlots() {
     for (QBItem* slot : fItems)
-        slot->SetValid(false);
+        EmptySlot(slot);
 }
 
 void QBPath::EmptySlot(QBItem* slot) {
-    if (slot->IsWatched())
-        slot->StopWatching(fMessenger);
+    slot->StopWatching(fMessenger);
     slot->SetValid(false);
+}
+
+bool QBPath::IsFollowed() const {
+    if (!fIsRead || !IsWatched())
+        return false;
+    for (const QBItem* slot : fItems) {
+        if (slot->IsValid() && !slot->IsWatched())
+            return false;
+    }
+    return true;
+}
+
+void QBPath::Refresh() {
+    if (IsFollowed())
+        return;
+    const BString path(Path());
+    if (path.IsEmpty())
+        FindYourSelf();
+    else
+        SetPath(path.String());
+    UpdateMenu();
+}
+
+bool QBPath::HasPlaceholder() const {
+    return IsPlaceholder(fPath.Path());
 }
 
 bool QBPath::ItemCreated(BMessage*) {
     const BString path(Path());
-    if (!SetPath(path.String()))
-        return false;
-    for (QBItem* slot : fItems) {
-        if (slot->IsValid())
-            slot->Watch(fMessenger);
-    }
-    return true;
+    return SetPath(path.String());
 }
 
 bool QBPath::ItemRemoved(BMessage* msg) {
@@ -199,7 +234,7 @@ bool QBPath::ItemMoved(BMessage* msg) {
         QBItem* slot = fItems[digit];
         if (slot->NodeRef() != file || slot->RawItem()->ref.directory != to)
             continue;
-        EmptySlot(slot);
+        slot->SetValid(false);
         return FillSlot(slot, digit);
     }
     return AdoptRenamed(msg);
@@ -212,10 +247,10 @@ bool QBPath::FillSlot(QBItem* slot, int digit) {
         filled = GetNumber(path) == digit && entry.IsFile() && slot->SetFile(path);
         return !filled;
     });
-    if (filled) {
+    if (filled)
         slot->SetValid(true);
-        slot->Watch(fMessenger);
-    }
+    else
+        EmptySlot(slot);
     return filled;
 }
 
@@ -238,10 +273,8 @@ bool QBPath::AdoptRenamed(const BMessage* msg) {
     if (digit < 0 || fItems[digit]->IsValid())
         return false;
     QBItem* slot = fItems[digit];
-    EmptySlot(slot);
     slot->SetFile(path.Path());
     slot->SetValid(true);
-    slot->Watch(fMessenger);
     return true;
 }
 
@@ -252,15 +285,13 @@ bool QBPath::ItemRenamed(BMessage* msg) {
     for (QBItem* slot : fItems) {
         if (slot->NodeRef() != file)
             continue;
-        EmptySlot(slot);
+        slot->SetValid(false);
         // The slot's own path is that of the last complete bookmark, not of one that becomes it
         // now.
         const entry_ref ref = slot->Ref();
         BPath path;
         if (BEntry(&ref).GetPath(&path) == B_OK && slot->SetFile(path.Path()))
             slot->SetValid(true);
-        // Also an incomplete one: whoever makes a bookmark by hand completes it step by step.
-        slot->Watch(fMessenger);
         return true;
     }
     return false;
@@ -278,23 +309,27 @@ bool QBPath::Watch(bool folder, bool items) {
         for (QBItem* slot : fItems)
             all = (!slot->IsValid() || slot->Watch(fMessenger)) && all;
     }
-    if (!folder)
-        return all;
-    fIsWatching = true;
-    const node_ref directory = fRaw.Node();
-    return watch_node(&directory, B_WATCH_NAME | B_WATCH_DIRECTORY, fMessenger) == B_OK && all;
+    if (folder)
+        all = fWatch.Start(fRaw.Node(), kDirectoryFlags, fMessenger) == B_OK && all;
+    return all;
 }
 
 void QBPath::StopWatching(bool items) {
-    const node_ref directory = fRaw.Node();
-    watch_node(&directory, B_STOP_WATCHING, fMessenger);
-    fIsWatching = false;
+    fWatch.Stop();
     if (!items)
         return;
-    for (QBItem* slot : fItems) {
-        if (slot->IsWatched())
-            slot->StopWatching(fMessenger);
+    for (QBItem* slot : fItems)
+        slot->StopWatching(fMessenger);
+}
+
+status_t QBPath::WatchStatus() const {
+    if (fWatch.Status() != B_OK)
+        return fWatch.Status();
+    for (const QBItem* slot : fItems) {
+        if (slot->WatchStatus() != B_OK)
+            return slot->WatchStatus();
     }
+    return B_OK;
 }
 
 void QBPath::SetTarget(BHandler* target) {

@@ -4,6 +4,7 @@
 #include "kits/storage/Path.h"
 #include "kits/support/String.h"
 #include "quillbar/store/Item.h"
+#include "quillbar/store/NodeWatch.h"
 #include "quillbar/store/RawItem.h"
 
 class BEntry;
@@ -19,20 +20,20 @@ class QBTitleItem;
 class QBPath {
 public:
     // Looks for its directory in the bookmark root, or makes one. If the root cannot be used, the
-    // menu shows ten empty slots.
-    QBPath(int number, BHandler* target);
+    // menu shows ten empty slots. Notifications go to `messenger`, if it has a target.
+    QBPath(int number, BHandler* target, BMessenger messenger = BMessenger());
 
     // Bound to the directory at `path`.
-    QBPath(const char* path, int number, BHandler* target);
+    QBPath(const char* path, int number, BHandler* target, BMessenger messenger = BMessenger());
 
-    // Ends the watches of the filled slots; the menu and its items go with the folder.
+    // The watches end, and the menu and its items go with the folder.
     ~QBPath();
 
     QBPath(const QBPath&) = delete;
 
-    // Makes the directory the folder's and reads it. A directory that is missing is made, as "N -"
-    // in the same parent. It is watched if the folder's directory was; its files are not. On
-    // failure all slots are empty.
+    // Makes the directory the folder's, watches it if there is a messenger, and reads it and its
+    // files. In place of a directory that is missing the folder takes the one in the root that has
+    // its digit, or else makes "N -" in the same parent. On failure all slots are empty.
     bool SetPath(const char* path);
 
     // Looks for the directory by its digit and makes it if there is none.
@@ -47,16 +48,25 @@ public:
     // Labels the slots again.
     void UpdateMenu();
 
-    // Empties all slots. Ends no watch.
+    // Empties all slots and ends their watches.
     void EmptySlots();
 
-    // Node monitoring of the filled slots and of the directory, whichever it is until
-    // StopWatching(). False if one of them failed.
+    // Node monitoring of the filled slots and of the directory. False if one of them failed.
     bool Watch(bool folder, bool items);
     void StopWatching(bool items);
+    // Of the directory, or of the first file whose watch failed.
+    status_t WatchStatus() const;
+    bool IsWatched() const { return fWatch.IsOn(fRaw.Node()); }
 
-    // Where notifications go; the watches that run were started with the same one.
-    void SetMessageTarget(BMessenger messenger) { fMessenger = messenger; }
+    // Reads the directory again if a change could have been missed: it could not be watched, or not
+    // be read.
+    void Refresh();
+
+    // Whether the folder is bound to an empty directory that was made for want of another.
+    bool HasPlaceholder() const;
+
+    // Where notifications go from the next SetPath() on.
+    void SetMessageTarget(BMessenger messenger);
 
     // Where the slots' menu items send.
     void SetTarget(BHandler* target);
@@ -76,13 +86,15 @@ private:
     void ReadSlots(const BEntry& directory);
     void EmptySlot(QBItem* slot);
     bool FillSlot(QBItem* slot, int digit);
+    bool IsFollowed() const;
     bool AdoptRenamed(const BMessage* msg);
 
     BString fName;
     raw_item fRaw;
     BPath fPath;
     int32 fNumber;
-    bool fIsWatching = false; // the directory
+    NodeWatch fWatch;
+    bool fIsRead = false; // the last SetPath() succeeded
     BHandler* fTarget;
     BMessenger fMessenger;
     QBItem* fItems[10];

@@ -83,18 +83,36 @@ bool HasBookmarkType(BNode& node) {
            BString(type).ICompare(kBookmarkType) == 0;
 }
 
-BString FindItem(int folder, int slot) {
+bool IsPlaceholder(const char* path) {
+    const int digit = GetNumber(path);
+    if (digit < 0 || EmptyFolderName(digit + 1) != NameIn(path))
+        return false;
+    bool isEmpty = true;
+    Walk(BEntry(path, false), Links::Left, [&](BEntry&, const char*) { return isEmpty = false; });
+    return isEmpty;
+}
+
+BString FindFolder(int number, status_t* status) {
     BEntry root;
     BString found;
-    if (FindRoot(root) != B_OK)
-        return found;
-    Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
-        if (GetNumber(path) != folder - 1 || !entry.IsDirectory())
-            return true;
-        found = path;
-        return false;
-    });
-    if (found.Length() == 0 || slot < 1)
+    status_t result = FindRoot(root);
+    if (result == B_OK)
+        result = Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
+            if (GetNumber(path) != number - 1 || !entry.IsDirectory())
+                return true;
+            const bool isLast = IsPlaceholder(path);
+            if (!isLast || found.IsEmpty())
+                found = path;
+            return isLast;
+        });
+    if (status)
+        *status = result;
+    return found;
+}
+
+BString FindItem(int folder, int slot) {
+    BString found = FindFolder(folder);
+    if (found.IsEmpty() || slot < 1)
         return found;
 
     BEntry directory(found.String());

@@ -39,7 +39,16 @@ BString EmptyFolderName(int number);
 // directory elsewhere stands for that directory.
 status_t FindRoot(BEntry& root);
 
-// Whether the node says that it is a bookmark.
+// Whether the directory at `path` is what the program makes for a folder that has none: named "N -"
+// and empty.
+bool IsPlaceholder(const char* path);
+
+// The full path of the directory that stands for the folder, which counts from one: the first with
+// its digit that is not a placeholder, else the first placeholder. The empty string if there is
+// none. `status`, if not null, says whether the root could be read.
+BString FindFolder(int number, status_t* status = nullptr);
+
+// Whether the node is marked as a bookmark.
 bool HasBookmarkType(BNode& node);
 
 // The full path of the folder (`slot` below 1), or of the bookmark file that fills the slot. Both

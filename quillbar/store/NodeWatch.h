@@ -1,0 +1,30 @@
+#pragma once
+
+#include "base/EntryRef.h"
+#include "kits/app/Messenger.h"
+
+// One owner's share in the watch of a node. Several owners may watch the same node for the same
+// messenger: the last of them that stops, or that goes, ends the watch. Any thread, one at a time.
+class NodeWatch {
+public:
+    NodeWatch() = default;
+    ~NodeWatch() { Stop(); }
+
+    NodeWatch(const NodeWatch&) = delete;
+
+    // Watches the node from now on, and only then ends the watch of another one: call it before
+    // the node is read. On the node that is watched already nothing changes, not even if this call
+    // fails. `flags` are those of watch_node(), whose status is returned.
+    status_t Start(const node_ref& node, uint32 flags, const BMessenger& messenger);
+    void Stop();
+
+    bool IsOn(const node_ref& node) const { return fIsActive && fNode == node; }
+    // Of the last Start(); B_OK after Stop().
+    status_t Status() const { return fStatus; }
+
+private:
+    node_ref fNode;
+    BMessenger fMessenger;
+    bool fIsActive = false;
+    status_t fStatus = B_OK;
+};
