@@ -35,8 +35,6 @@ layer(quillbar_store quillbar/store LINKS quillbar_widgets)
 layer(quillbar_hotkey quillbar/hotkey LINKS quillbar_base)
 layer(quillbar_bubbles quillbar/bubbles LINKS quillbar_base)
 layer(quillbar_about quillbar/about LINKS quillbar_base)
-# The bar window and the Add Bookmark window know each other.
 layer(quillbar_addbookmark quillbar/addbookmark LINKS quillbar_store)
 layer(quillbar_bar quillbar/bar LINKS quillbar_addbookmark quillbar_hotkey quillbar_bubbles)
-target_link_libraries(quillbar_addbookmark PUBLIC quillbar_bar)
 layer(quillbar_app quillbar/app LINKS quillbar_bar quillbar_about EXCLUDE main.cpp)

@@ -12,14 +12,12 @@
 #include "quillbar/addbookmark/AddBookmarkView.h"
 #include "quillbar/addbookmark/EditInfoView.h"
 #include "quillbar/addbookmark/LocationView.h"
-#include "quillbar/bar/MainWindow.h"
 #include "quillbar/base/Commands.h"
 #include "quillbar/store/Item.h"
 #include "quillbar/store/Monitor.h"
 #include "quillbar/store/Path.h"
 
-BMessenger* QBBookmarkWindow::fMsgWindow = nullptr;
-std::mutex QBBookmarkWindow::fMsgLock;
+SharedMessenger QBBookmarkWindow::fMsgWindow;
 
 namespace {
 
@@ -39,10 +37,11 @@ BString NumberedLabel(int32 digit, const char* name) {
 
 } // namespace
 
-QBBookmarkWindow::QBBookmarkWindow(BRect frame, long folder, long slot)
+QBBookmarkWindow::QBBookmarkWindow(BRect frame, long folder, long slot, const QBBarAccess& bar)
     : BWindow(BRect(frame.left, frame.top, frame.left + kWidth, frame.top + kHeight),
               "Quillbar - Add Bookmark", B_TITLED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL,
               B_NOT_RESIZABLE | B_NOT_ZOOMABLE | B_NOT_MINIMIZABLE, B_CURRENT_WORKSPACE)
+    , fBar(bar)
     , fMenuBar(nullptr)
     , fFileMenu(nullptr)
     , fAddView(nullptr)
@@ -61,12 +60,8 @@ QBBookmarkWindow::QBBookmarkWindow(BRect frame, long folder, long slot)
 }
 
 QBBookmarkWindow::~QBBookmarkWindow() {
-    {
-        const std::lock_guard lock(fMsgLock);
-        delete fMsgWindow;
-        fMsgWindow = nullptr;
-    }
-    QBMainWindow::SendToBar(kQBAddBookmarkGone);
+    fMsgWindow.Clear();
+    fBar.bar.Send(kQBAddBookmarkGone);
 }
 
 void QBBookmarkWindow::InitWindow() {
@@ -76,8 +71,7 @@ void QBBookmarkWindow::InitWindow() {
     AddChild(fAddView);
     AddMenu();
     UpdateFolderStrings();
-    const std::lock_guard lock(fMsgLock);
-    fMsgWindow = new BMessenger(this);
+    fMsgWindow.Set(BMessenger(this));
 }
 
 void QBBookmarkWindow::AddMenu() {
@@ -109,22 +103,22 @@ BMenuItem* QBBookmarkWindow::SlotItem(int32 digit) const {
 }
 
 void QBBookmarkWindow::UpdateFolderStrings() {
-    QBMainWindow::fLocker->Lock();
+    fBar.lock.Lock();
     for (int32 digit = 0; digit < 10; ++digit) {
-        const QBPath* folder = QBMainWindow::fMonitor->fPaths[digit];
+        const QBPath* folder = fBar.store.fPaths[digit];
         FolderItem(digit)->SetLabel(NumberedLabel(digit, folder->Name()).String());
     }
-    QBMainWindow::fLocker->Unlock();
+    fBar.lock.Unlock();
 }
 
 void QBBookmarkWindow::UpdateSlotStrings() {
     if (fFolder <= 0)
         return;
-    QBMainWindow::fLocker->Lock();
-    QBItem** slots = QBMainWindow::fMonitor->fPaths[fFolder - 1]->Items();
+    fBar.lock.Lock();
+    QBItem** slots = fBar.store.fPaths[fFolder - 1]->Items();
     for (int32 digit = 0; digit < 10; ++digit)
         SlotItem(digit)->SetLabel(NumberedLabel(digit, slots[digit]->Name().String()).String());
-    QBMainWindow::fLocker->Unlock();
+    fBar.lock.Unlock();
     if (fSlot > 0)
         SlotItem(fSlot - 1)->SetMarked(true);
 }
@@ -133,8 +127,8 @@ void QBBookmarkWindow::UpdateScreen() {
     BString name;
     BString url;
     BString keywords;
-    QBMainWindow::fLocker->Lock();
-    QBPath* folder = QBMainWindow::fMonitor->fPaths[fFolder - 1];
+    fBar.lock.Lock();
+    QBPath* folder = fBar.store.fPaths[fFolder - 1];
     const BString folderName = folder->Name();
     if (fSlot > 0) {
         const QBItem* slot = folder->Items()[fSlot - 1];
@@ -142,7 +136,7 @@ void QBBookmarkWindow::UpdateScreen() {
         url = slot->Url();
         keywords = slot->Keywords();
     }
-    QBMainWindow::fLocker->Unlock();
+    fBar.lock.Unlock();
 
     fAddView->fLocation->fKeyword->SetText(folderName.String());
     if (fSlot <= 0)
@@ -153,22 +147,13 @@ void QBBookmarkWindow::UpdateScreen() {
 }
 
 void QBBookmarkWindow::UpdateAll() {
+    fKeepsTexts = false;
     UpdateScreen();
     UpdateSlotStrings();
 }
 
-// A copy: the window may go at any time.
-BMessenger QBBookmarkWindow::Target() {
-    const std::lock_guard lock(fMsgLock);
-    return fMsgWindow ? *fMsgWindow : BMessenger();
-}
-
-void QBBookmarkWindow::TellStoreChanged() {
-    Target().SendMessage(B_NODE_MONITOR);
-}
-
 void QBBookmarkWindow::CloseNow() {
-    const BMessenger target = Target();
+    const BMessenger target = fMsgWindow.Get();
     BLooper* window = nullptr;
     if (!target.LockTarget())
         return;

@@ -1,23 +1,31 @@
 #pragma once
 
-#include <mutex>
-
-#include "kits/app/Messenger.h"
 #include "kits/interface/window/Window.h"
+#include "quillbar/base/SharedMessenger.h"
 
+class BLocker;
 class BMenu;
 class BMenuBar;
 class BMenuItem;
 class QBAddBookmarkView;
+class QBMonitor;
+
+// What the Add Bookmark window uses of the bar, which outlives it.
+struct QBBarAccess {
+    QBMonitor& store;
+    BLocker& lock; // of the store
+    const SharedMessenger& bar;
+};
 
 // The Add Bookmark window: a bookmark's texts, and the folder and the slot that it is to fill. It
 // reads the store with the store locked and changes nothing but files; the store follows them. It
-// closes itself when the bookmark was added. There is one at most.
+// closes itself when the bookmark was added; when it could not be, it says why and stays as it is.
+// There is one at most.
 class QBBookmarkWindow : public BWindow {
 public:
     // Only the left-top corner of `frame` is used, and the window is then placed in the middle of
     // the screen. Folder and slot count from one; 0 if none is chosen yet. The caller shows it.
-    QBBookmarkWindow(BRect frame, long folder, long slot);
+    QBBookmarkWindow(BRect frame, long folder, long slot, const QBBarAccess& bar);
 
     // Tells the bar window that another one may be opened.
     ~QBBookmarkWindow() override;
@@ -33,11 +41,8 @@ public:
     // Labels the slots with what is in the chosen folder, and marks the chosen one.
     void UpdateSlotStrings();
 
-    // To the window; without a target while there is none. Any thread.
-    static BMessenger Target();
-
-    // Tells the window, if there is one, that the store has changed. Any thread.
-    static void TellStoreChanged();
+    // To the window, while there is one.
+    static SharedMessenger fMsgWindow;
 
     // Closes the window, if there is one, and returns when it uses the store no more. Any thread
     // but the window's; the caller must not hold the store.
@@ -58,14 +63,12 @@ private:
     void ShowInTracker();
     void AddBookmark();
 
+    QBBarAccess fBar;
     BMenuBar* fMenuBar;
     BMenu* fFileMenu;
     QBAddBookmarkView* fAddView;
     int32 fFolder;
     int32 fSlot;
-
-    // To the window while there is one, else null. Guarded by fMsgLock: the bar window sends while
-    // this one may be closing.
-    static BMessenger* fMsgWindow;
-    static std::mutex fMsgLock;
+    // The texts could not be saved: no change on disk takes them away.
+    bool fKeepsTexts = false;
 };

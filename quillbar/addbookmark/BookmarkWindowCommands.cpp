@@ -13,7 +13,6 @@
 #include "quillbar/addbookmark/EditInfoView.h"
 #include "quillbar/addbookmark/LocationView.h"
 #include "quillbar/addbookmark/SaveBookmark.h"
-#include "quillbar/bar/MainWindow.h"
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/base/Commands.h"
 #include "quillbar/store/Alerts.h"
@@ -25,27 +24,33 @@ namespace {
 
 constexpr const char* kTrackerSignature = "application/x-vnd.Be-TRAK";
 
-void Tell(const char* text, const char* button) {
-    auto* alert = new BAlert("", text, button, nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
+void Say(const BString& text, const char* button) {
+    auto* alert =
+        new BAlert("", text.String(), button, nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
     alert->Go();
 }
 
-void TellResult(QBSaveResult result) {
-    switch (result) {
+// What failed, and then why.
+void Report(const QBSaveOutcome& outcome) {
+    const auto report = [&](const char* text, const char* button) {
+        BString whole(text);
+        if (!outcome.reason.IsEmpty())
+            whole << "\n\n" << outcome.reason;
+        Say(whole, button);
+    };
+    switch (outcome.result) {
     case QBSaveResult::Saved:
         break;
     case QBSaveResult::NoFolder:
-        Tell("Could not find the specified folder! Could not add item!", "ARGH!");
-        break;
+        return report("Could not find the specified folder! Could not add item!", "ARGH!");
     case QBSaveResult::NotCreated:
-        Tell("Could not create new item!", "ARGH!");
-        break;
+        return report("Could not create new item!", "ARGH!");
     case QBSaveResult::NotTyped:
-        Tell("Could not set the item's mime type!", "Ouch!");
-        break;
+        return report("Could not set the item's mime type!", "Ouch!");
     case QBSaveResult::NotRenamed:
-        Tell("Could not change the item's name!", "Ouch!");
-        break;
+        return report("Could not change the item's name!", "Ouch!");
+    case QBSaveResult::Incomplete:
+        return AlertWarning(outcome.reason.String());
     }
 }
 
@@ -115,17 +120,18 @@ void QBBookmarkWindow::Choose(int32 folder, int32 slot) {
 
 // What is chosen comes here and not to the bar, which cannot see that: the store stays locked.
 void QBBookmarkWindow::BrowseFolder(int32 digit) {
-    QBMainWindow::fLocker->Lock();
-    QBPath** folders = QBMainWindow::fMonitor->fPaths;
+    fBar.lock.Lock();
+    QBPath** folders = fBar.store.fPaths;
     BHandler* const before = folders[0]->Target();
     for (int i = 0; i < 10; ++i)
         folders[i]->SetTarget(this);
     const BButton* button = fAddView->fBrowse->fButtons[digit];
     const BPoint point = button->ConvertToScreen(button->Bounds().LeftBottom());
+    folders[digit]->Refresh();
     folders[digit]->Menu()->Go(point, true, true, false);
     for (int i = 0; i < 10; ++i)
         folders[i]->SetTarget(before);
-    QBMainWindow::fLocker->Unlock();
+    fBar.lock.Unlock();
 }
 
 void QBBookmarkWindow::StoreChanged() {
@@ -140,7 +146,8 @@ void QBBookmarkWindow::StoreChanged() {
     if (fFolder <= 0)
         return;
     UpdateSlotStrings();
-    UpdateScreen();
+    if (!fKeepsTexts)
+        UpdateScreen();
 }
 
 void QBBookmarkWindow::ShowInTracker() {
@@ -155,7 +162,7 @@ void QBBookmarkWindow::ShowInTracker() {
 
 void QBBookmarkWindow::AddBookmark() {
     if (fFolder <= 0 || fSlot <= 0) {
-        Tell("Please select a slot to add to first!", "OK");
+        Say("Please select a slot to add to first!", "OK");
         return;
     }
     const QBEditInfoView& texts = *fAddView->fEditInfo;
@@ -165,9 +172,11 @@ void QBBookmarkWindow::AddBookmark() {
                                   texts.fNameText->Text(),
                                   texts.fUrlText->Text(),
                                   texts.fKeywordsText->Text()};
-    BString unsaved;
-    TellResult(SaveBookmark(bookmark, &unsaved));
-    if (!unsaved.IsEmpty())
-        AlertWarning(unsaved.String());
-    Quit();
+    const QBSaveOutcome outcome = SaveBookmark(bookmark);
+    // A folder that is not watched is read again.
+    fBar.bar.Send(B_NODE_MONITOR);
+    if (outcome.result == QBSaveResult::Saved)
+        return Quit();
+    fKeepsTexts = true;
+    Report(outcome);
 }

@@ -6,6 +6,7 @@
 #include "kits/storage/Path.h"
 #include "quillbar/base/Trace.h"
 #include "quillbar/store/StoreNames.h"
+#include "quillbar/store/Walk.h"
 
 namespace {
 
@@ -18,6 +19,20 @@ BString LeafOf(int number, const BString& name) {
 
 bool IsLeaf(const BString& name) {
     return name.FindFirst('/') < 0;
+}
+
+BString ReasonOf(status_t status) {
+    if (status == B_DEVICE_FULL || status == B_BAD_DATA)
+        return "It is longer than the disk keeps with a file, or the disk is full.";
+    if (status == B_UNSUPPORTED)
+        return "The disk does not keep attributes.";
+    if (status == B_BAD_VALUE)
+        return "A name cannot have a \"/\".";
+    return StatusText(status);
+}
+
+QBSaveOutcome Failure(QBSaveResult result, status_t status) {
+    return {result, ReasonOf(status)};
 }
 
 // In its directory, over nothing. `path` follows.
@@ -43,94 +58,96 @@ status_t CreateFile(const char* path) {
     return status;
 }
 
-// The texts that could not be written.
-class Unsaved {
-public:
-    void Note(const char* what, status_t status) {
-        if (status >= B_OK)
-            return;
-        fList << "\n" << what << ": " << ReasonOf(status);
-    }
-    BString Warning(const BString& path) const {
-        BString warning;
-        if (!fList.IsEmpty())
-            warning << "Not everything of the bookmark "
-                    << BPath(path.String()).SystemPath().c_str() << " could be saved!\n"
-                    << fList;
-        return warning;
-    }
-
-private:
-    static const char* ReasonOf(status_t status) {
-        if (status == B_DEVICE_FULL || status == B_BAD_DATA)
-            return "it is longer than the disk keeps with a file, or the disk is full.";
-        if (status == B_UNSUPPORTED)
-            return "the disk does not keep attributes.";
-        return StatusText(status);
-    }
-
-    BString fList;
-};
-
-QBSaveResult Create(const QBBookmarkText& bookmark, BString& path, Unsaved& unsaved) {
+QBSaveOutcome Create(const QBBookmarkText& bookmark, BString& path) {
     BPath file(FindItem(bookmark.folder, 0).String());
     const BString leaf = LeafOf(bookmark.slot, bookmark.name);
-    if (file.InitCheck() != B_OK || !IsLeaf(leaf) || file.Append(leaf.String()) != B_OK ||
-        CreateFile(file.Path()) != B_OK)
-        return QBSaveResult::NotCreated;
-    BNode node(file.Path());
-    BNodeInfo info(&node);
-    if (node.InitCheck() != B_OK || info.InitCheck() != B_OK)
-        return QBSaveResult::NotTyped;
-    unsaved.Note("Type", info.SetType(kBookmarkType));
+    status_t status = file.InitCheck();
+    if (status == B_OK)
+        status = IsLeaf(leaf) ? file.Append(leaf.String()) : B_BAD_VALUE;
+    if (status == B_OK)
+        status = CreateFile(file.Path());
+    if (status != B_OK)
+        return Failure(QBSaveResult::NotCreated, status);
     path = file.Path();
-    return QBSaveResult::Saved;
+    return {QBSaveResult::Saved, ""};
 }
 
-void WriteTexts(const QBBookmarkText& bookmark, const BString& path, Unsaved& unsaved) {
-    struct Text {
-        const char* label;
-        const char* attribute;
-        const BString& value;
-    };
-    const Text texts[] = {{"URL", kUrlAttribute, bookmark.url},
-                          {"Keywords", kKeywordsAttribute, bookmark.keywords},
-                          {"Name", kTitleAttribute, bookmark.name}};
+// The file that fills the slot through a link in the folder, as the folder is read; the empty
+// string if there is none.
+BString FindLinked(const QBBookmarkText& bookmark) {
+    const BString folder = FindItem(bookmark.folder, 0);
+    BString found;
+    Walk(BEntry(folder.String(), false), Links::Followed, [&](BEntry& entry, const char* path) {
+        if (GetNumber(path) != bookmark.slot - 1 || !entry.IsFile())
+            return true;
+        BPath parent;
+        if (entry.GetPath(&parent) == B_OK && parent.GetParent(&parent) == B_OK &&
+            folder != parent.Path())
+            found = path;
+        return false;
+    });
+    return found;
+}
+
+// Makes the file's type that of a bookmark and writes the texts.
+QBSaveOutcome Write(const QBBookmarkText& bookmark, const BString& path) {
     BNode node(path.String());
-    for (const Text& text : texts) {
-        const auto size = static_cast<size_t>(text.value.Length()) + 1;
-        const status_t status = node.InitCheck();
-        unsaved.Note(text.label,
-                     status != B_OK
-                         ? status
-                         : static_cast<status_t>(node.WriteAttr(text.attribute, B_STRING_TYPE, 0,
-                                                                text.value.String(), size)));
-    }
+    BNodeInfo info(&node);
+    if (node.InitCheck() != B_OK || info.InitCheck() != B_OK)
+        return Failure(QBSaveResult::NotTyped, node.InitCheck());
+
+    BString unsaved;
+    const auto note = [&](const char* text, ssize_t status) {
+        if (status < B_OK)
+            unsaved << "\n" << text << ": " << ReasonOf(static_cast<status_t>(status));
+    };
+    if (!HasBookmarkType(node))
+        note("Type", info.SetType(kBookmarkType));
+    const auto write = [&](const char* label, const char* attribute, const BString& text) {
+        note(label, node.WriteAttr(attribute, B_STRING_TYPE, 0, text.String(),
+                                   static_cast<size_t>(text.Length()) + 1));
+    };
+    write("URL", kUrlAttribute, bookmark.url);
+    write("Keywords", kKeywordsAttribute, bookmark.keywords);
+    write("Name", kTitleAttribute, bookmark.name);
+    if (unsaved.IsEmpty())
+        return {QBSaveResult::Saved, ""};
+    BString warning;
+    warning << "Not everything of the bookmark " << BPath(path.String()).SystemPath().c_str()
+            << " could be saved!\n"
+            << unsaved;
+    return {QBSaveResult::Incomplete, warning};
 }
 
 } // namespace
 
-QBSaveResult SaveBookmark(const QBBookmarkText& bookmark, BString* unsaved) {
+QBSaveOutcome SaveBookmark(const QBBookmarkText& bookmark) {
     BString folder = FindItem(bookmark.folder, 0);
     Trace(__PRETTY_FUNCTION__, "Item Path = %s", folder.String());
     if (folder.IsEmpty())
-        return QBSaveResult::NoFolder;
+        return {QBSaveResult::NoFolder, ""};
     if (GetName(folder) != bookmark.folderName) {
         Trace(__PRETTY_FUNCTION__, "Item needs rename");
         Rename(folder, LeafOf(bookmark.folder, bookmark.folderName));
     }
 
-    Unsaved failures;
     BString path = FindItem(bookmark.folder, bookmark.slot);
-    if (path.IsEmpty()) {
-        const QBSaveResult result = Create(bookmark, path, failures);
-        if (result != QBSaveResult::Saved)
-            return result;
-    } else if (GetName(path) != bookmark.name &&
-               Rename(path, LeafOf(bookmark.slot, bookmark.name)) != B_OK) {
-        return QBSaveResult::NotRenamed;
+    const BString linked = path.IsEmpty() ? FindLinked(bookmark) : BString();
+    if (!linked.IsEmpty()) {
+        if (GetName(linked.String()) == bookmark.name)
+            return Write(bookmark, linked);
+        BString reason("It is a link to ");
+        reason << BPath(linked.String()).SystemPath().c_str() << ", which keeps its name.";
+        return {QBSaveResult::NotRenamed, reason};
     }
-    WriteTexts(bookmark, path, failures);
-    *unsaved = failures.Warning(path);
-    return QBSaveResult::Saved;
+    if (path.IsEmpty()) {
+        const QBSaveOutcome created = Create(bookmark, path);
+        if (created.result != QBSaveResult::Saved)
+            return created;
+    } else if (GetName(path) != bookmark.name) {
+        const status_t status = Rename(path, LeafOf(bookmark.slot, bookmark.name));
+        if (status != B_OK)
+            return Failure(QBSaveResult::NotRenamed, status);
+    }
+    return Write(bookmark, path);
 }

@@ -76,7 +76,7 @@ void QBApp::MessageReceived(BMessage* message) {
         break;
     case B_NODE_MONITOR:
         // The window refreshes; it does not get the fields of the message.
-        QBMainWindow::SendToBar(B_NODE_MONITOR);
+        QBMainWindow::fMsgWindow.Send(B_NODE_MONITOR);
         break;
     default:
         BApplication::MessageReceived(message);

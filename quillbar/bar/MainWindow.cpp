@@ -16,8 +16,7 @@
 #include "quillbar/store/Monitor.h"
 #include "quillbar/store/Path.h"
 
-BMessenger* QBMainWindow::fMsgWindow = nullptr;
-std::mutex QBMainWindow::fMsgLock;
+SharedMessenger QBMainWindow::fMsgWindow;
 QBMonitor* QBMainWindow::fMonitor = nullptr;
 BLocker* QBMainWindow::fLocker = nullptr;
 
@@ -76,11 +75,7 @@ QBMainWindow::QBMainWindow(BRect frame)
 
 QBMainWindow::~QBMainWindow() {
     CloseAddWindow();
-    {
-        const std::lock_guard lock(fMsgLock);
-        delete fMsgWindow;
-        fMsgWindow = nullptr;
-    }
+    fMsgWindow.Clear();
     gSettings->SetPos(Frame().LeftTop());
     delete fBubbles;
     delete fMonitor;
@@ -90,18 +85,9 @@ QBMainWindow::~QBMainWindow() {
     delete fSettingsMenu;
 }
 
-void QBMainWindow::SendToBar(uint32 what) {
-    const std::lock_guard lock(fMsgLock);
-    if (fMsgWindow)
-        fMsgWindow->SendMessage(what);
-}
-
 void QBMainWindow::InitWindow() {
     fMonitor = new QBMonitor(this, BMessenger(this));
-    {
-        const std::lock_guard lock(fMsgLock);
-        fMsgWindow = new BMessenger(this);
-    }
+    fMsgWindow.Set(BMessenger(this));
     fLocker = new BLocker("store");
     AddViews();
     fBubbles = new BubbleHelper();

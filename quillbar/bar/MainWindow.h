@@ -1,15 +1,14 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 
 #include "kits/interface/window/Window.h"
 #include "quillbar/base/Commands.h"
+#include "quillbar/base/SharedMessenger.h"
 
 class BLocker;
 class BMenuItem;
 class BMessageRunner;
-class BMessenger;
 class BPopUpMenu;
 class BView;
 class BubbleHelper;
@@ -49,12 +48,8 @@ public:
 
     BPopUpMenu* SettingsMenu() const { return fSettingsMenu; }
 
-    // Sends a code to the bar window, if there is one. Any thread.
-    static void SendToBar(uint32 what);
-
-    // To the bar window; null before it is there and after it has gone. Other threads than the
-    // window's go through SendToBar().
-    static BMessenger* fMsgWindow;
+    // To the bar window.
+    static SharedMessenger fMsgWindow;
     // The store, and its lock: every use of the store holds it. The lock is recursive.
     static QBMonitor* fMonitor;
     static BLocker* fLocker;
@@ -102,6 +97,4 @@ private:
     QBBar* fBar;
     BubbleHelper* fBubbles;
     std::unique_ptr<BMessageRunner> fLayoutRunner;
-
-    static std::mutex fMsgLock; // guards fMsgWindow
 };

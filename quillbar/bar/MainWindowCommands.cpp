@@ -165,6 +165,7 @@ void QBMainWindow::ShowFolderMenu(int digit) {
     const bool isRow = gSettings->GetAlign() == kQBAlignHorizontal;
     const BPoint point = button->ConvertToScreen(isRow ? bounds.LeftBottom() : bounds.RightTop());
     Trace(__PRETTY_FUNCTION__, "Showing menu");
+    fMonitor->fPaths[digit]->Refresh();
     fMonitor->fPaths[digit]->Menu()->Go(point, true, true, false);
     Trace(__PRETTY_FUNCTION__, "Menu shown");
     fLocker->Unlock();
@@ -209,7 +210,7 @@ void QBMainWindow::HandleNodeMonitor(BMessage* message) {
     SetFolderHelp();
     fLocker->Unlock();
     if (fAddWindowOpen)
-        QBBookmarkWindow::TellStoreChanged();
+        QBBookmarkWindow::fMsgWindow.Send(B_NODE_MONITOR);
 }
 
 void QBMainWindow::HandlePaste(BMessage* message) {
@@ -236,7 +237,7 @@ void QBMainWindow::OpenAddWindow(int32 folder, int32 slot) {
         return;
     const BRect frame = Frame();
     auto* window = new QBBookmarkWindow(BRect(frame.right, frame.bottom - kAddWindowAbove, 0, 0),
-                                        folder, slot);
+                                        folder, slot, {*fMonitor, *fLocker, fMsgWindow});
     window->Show();
     fAddWindowOpen = true;
 }
@@ -279,6 +280,9 @@ void QBMainWindow::Launch(int folder, int slot) {
     fLocker->Lock();
     const BString url = fMonitor->fPaths[folder - 1]->Items()[slot - 1]->Url();
     fLocker->Unlock();
+    // The slot may have been emptied under its open menu.
+    if (url.IsEmpty())
+        return;
 
     const char* signature = nullptr;
     const char* label = nullptr;

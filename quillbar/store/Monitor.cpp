@@ -180,8 +180,8 @@ void QBMonitor::UpdateMenus() {
 
 bool QBMonitor::HandleNodeMessage(BMessage* msg) {
     int32 opcode = 0;
-    if (fRetry && opcode != kOpcodeRebuild && IsOfParent(*msg))
-        Rebuild();
+    if (fRetry && IsOfParent(*msg))
+        ReadRoot();
     else if (msg->FindInt32("opcode", &opcode) == B_OK)
         Apply(opcode, msg);
     else if (!fRetry)
@@ -294,7 +294,8 @@ void QBMonitor::Rebuild() {
     BEntry root;
     FindRoot(root);
     if (!root.Exists()) {
-        if (create_directory(kBookmarkRoot, kDirectoryMode) != B_OK)
+        const status_t status = create_directory(kBookmarkRoot, kDirectoryMode);
+        if (status != B_OK && !root.Exists())
             EndWith("Could not create bookmark directory!!!");
         if (FindRoot(root) != B_OK)
             EndWith("BEntry::SetTo() failed! Could not find bookmark directory!");

@@ -84,7 +84,8 @@ private:
     std::unique_ptr<BMessageRunner> fRunner;
     std::unique_ptr<BMessage> fRunnerMsg;
     // There while the root cannot be used.
-    std::unique_ptr<BMessageRunner> fRetry;
+    std::unique_ptr<BMessageRunner>
+        fRetry; // sends rebuilds; only those make a root that is missing
     NodeWatch fParentWatch;
     node_ref fParent;
     bool fHasWarnedOfLimit = false;

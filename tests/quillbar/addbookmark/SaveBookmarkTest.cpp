@@ -23,7 +23,10 @@ protected:
     // Into slot digit 4 of folder digit 2.
     QBSaveResult Save(const std::string& name, const std::string& folder = "News",
                       const std::string& url = kUrl) {
-        return SaveBookmark({3, 5, folder.c_str(), name.c_str(), url.c_str(), "k"}, &fUnsaved);
+        const QBSaveOutcome outcome =
+            SaveBookmark({3, 5, folder.c_str(), name.c_str(), url.c_str(), "k"});
+        fReason = outcome.reason;
+        return outcome.result;
     }
     // Everything below the home folder, but for what the fonts keep.
     std::set<std::string> Tree() const {
@@ -43,7 +46,7 @@ protected:
     test::TemporaryHome fHome;
     const fs::path fRoot = fHome.Config() / "Quillbar";
     const fs::path fFolder = fRoot / "2 - News";
-    BString fUnsaved;
+    BString fReason;
 };
 
 TEST_F(SaveBookmarkTest, AFilledSlotIsRenamedAndRewrittenInARenamedFolder) {
@@ -110,12 +113,24 @@ TEST_F(SaveBookmarkTest, WhatOthersPutInItsPlaceIsNoWayOut) {
     EXPECT_FALSE(fs::exists(fRoot));
 }
 
+TEST_F(SaveBookmarkTest, ASlotShownThroughALinkIsWrittenInItsTarget) {
+    const fs::path target = fHome.Path() / "synced" / "4 - News";
+    test::MakeBookmark(target, "http://old");
+    fs::create_symlink(target, fFolder / "a link");
+    EXPECT_EQ(Save("News"), QBSaveResult::Saved);
+    EXPECT_EQ(GetAttribute(target, "META:url"), std::string(kUrl) + '\0');
+    EXPECT_EQ(Save("Other"), QBSaveResult::NotRenamed);
+    EXPECT_GE(fReason.FindFirst(target.c_str()), 0) << fReason.String();
+    EXPECT_TRUE(fs::exists(target));
+    EXPECT_FALSE(fs::exists(fFolder / "4 - Other"));
+}
+
 TEST_F(SaveBookmarkTest, WhatTheDiskDoesNotTakeIsNamed) {
     ASSERT_EQ(Save("Old"), QBSaveResult::Saved);
-    ASSERT_EQ(Save("Long", "News", std::string(100'000, 'u')), QBSaveResult::Saved);
-    EXPECT_GE(fUnsaved.FindFirst("URL: "), 0) << fUnsaved.String();
-    EXPECT_LT(fUnsaved.FindFirst("Keywords"), 0) << fUnsaved.String();
-    EXPECT_GE(fUnsaved.FindFirst((fFolder / "4 - Long").c_str()), 0) << fUnsaved.String();
+    ASSERT_EQ(Save("Long", "News", std::string(100'000, 'u')), QBSaveResult::Incomplete);
+    EXPECT_GE(fReason.FindFirst("URL: "), 0) << fReason.String();
+    EXPECT_LT(fReason.FindFirst("Keywords"), 0) << fReason.String();
+    EXPECT_GE(fReason.FindFirst((fFolder / "4 - Long").c_str()), 0) << fReason.String();
     // The address that was there before is better than none.
     EXPECT_EQ(GetAttribute(fFolder / "4 - Long", "META:url"), std::string(kUrl) + '\0');
     EXPECT_EQ(GetAttribute(fFolder / "4 - Long", "META:title"), std::string("Long\0", 5));

@@ -46,7 +46,7 @@ protected:
     }
 
     static fs::path Root() { return RunApplication().Config() / "Quillbar"; }
-    static bool IsOpen() { return QBBookmarkWindow::Target().IsValid(); }
+    static bool IsOpen() { return QBBookmarkWindow::fMsgWindow.Get().IsValid(); }
 
     void Show() {
         fWindow = new QBMainWindow(BRect(200, 150, 0, 0));
@@ -57,9 +57,9 @@ protected:
         fWindow->PostMessage(&message);
         ASSERT_TRUE(WaitUntil(IsOpen));
     }
-    static void SendToIt(uint32 what) { QBBookmarkWindow::Target().SendMessage(what); }
+    static void SendToIt(uint32 what) { QBBookmarkWindow::fMsgWindow.Get().SendMessage(what); }
     static void InIt(const std::function<void(QBBookmarkWindow&)>& work) {
-        const BMessenger target = QBBookmarkWindow::Target();
+        const BMessenger target = QBBookmarkWindow::fMsgWindow.Get();
         ASSERT_TRUE(target.LockTarget());
         BLooper* looper = nullptr;
         target.Target(&looper);
@@ -157,10 +157,10 @@ TEST_F(AddWindowTest, PresetAndChoicesFillTheFields) {
 
     // What is wrong is no choice.
     preset.ReplaceInt32("slot", 11);
-    QBBookmarkWindow::Target().SendMessage(&preset);
+    QBBookmarkWindow::fMsgWindow.Get().SendMessage(&preset);
     preset.MakeEmpty();
     preset.AddInt32("folder", 3);
-    QBBookmarkWindow::Target().SendMessage(&preset);
+    QBBookmarkWindow::fMsgWindow.Get().SendMessage(&preset);
     SendToIt(QBFolder[5]);
     EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
     EXPECT_TRUE(TextBecomes("qb_editinfo_url", "")) << "the same slot of the new folder";
@@ -188,7 +188,7 @@ TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
 }
 
-TEST_F(AddWindowTest, AnAddressThatDoesNotFitIsReported) {
+TEST_F(AddWindowTest, WhatCannotBeSavedIsReportedAndNotLost) {
     BMessage preset(kQBAddBookmarkHere);
     preset.AddInt32("folder", 3);
     preset.AddInt32("slot", 8);
@@ -199,12 +199,21 @@ TEST_F(AddWindowTest, AnAddressThatDoesNotFitIsReported) {
             .SetText(std::string(100'000, 'u').c_str());
         window.PostMessage(kQBAddIt);
     });
-    EXPECT_TRUE(WaitUntil([] { return !IsOpen(); }));
     const test::Desk& desk = test::Desk::Shared();
     ASSERT_TRUE(WaitUntil([&] { return desk.Shown("DIALOG").size() == 1; }));
     EXPECT_FALSE(test::GetAttribute(Root() / "2 -" / "7 - Long", "META:url"));
     desk.Close(desk.Shown("DIALOG")[0].id);
     EXPECT_TRUE(WaitUntil([&] { return desk.Shown("DIALOG").empty(); }));
+    const std::string url = Text("qb_editinfo_url");
+    EXPECT_GE(url.size(), 4000u);
+    // Nor does a change on disk take it away.
+    test::MakeBookmark(Root() / "5 -" / "1 - marker", "http://marker");
+    EXPECT_TRUE(WaitUntil([&] { return fWindow->LockWithTimeout(0) == B_OK; }));
+    fWindow->Unlock();
+    SendToIt(B_NODE_MONITOR);
+    InIt([](QBBookmarkWindow&) {});
+    EXPECT_TRUE(IsOpen());
+    EXPECT_EQ(Text("qb_editinfo_url"), url);
 }
 
 // The bar tells the window of each change while the window comes and goes.

@@ -33,6 +33,7 @@ void StoreLooper::MessageReceived(BMessage* message) {
         return BLooper::MessageReceived(message);
     if (message->GetInt32("opcode", 0) == 'qbRM')
         ++fRebuilds;
+    ++fMessages;
     fMonitor->HandleNodeMessage(message);
 }
 
@@ -96,6 +97,11 @@ std::string StoreTest::Url(int folder, int slot) {
 uint32 StoreTest::Code(int folder, int slot) {
     const Locked lock(fStore);
     return fStore->fMonitor->fPaths[folder]->Items()[slot]->MenuItem()->Message()->what;
+}
+
+int StoreTest::Messages() {
+    const Locked lock(fStore);
+    return fStore->fMessages;
 }
 
 int StoreTest::Rebuilds() {

@@ -26,6 +26,7 @@ public:
 
     QBMonitor* fMonitor;
     int fRebuilds = 0;
+    int fMessages = 0;
 };
 
 // A fresh home with the program's settings, and the store when a test wants it.
@@ -48,6 +49,8 @@ protected:
     std::vector<std::string> Labels(int folder);
     uint32 Code(int folder, int slot);
     int Rebuilds();
+    // Of the node monitor, handled so far.
+    int Messages();
 
     testing::AssertionResult Becomes(int folder, int slot, const std::string& label);
 

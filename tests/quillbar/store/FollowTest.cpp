@@ -1,0 +1,254 @@
+// Changes that once were lost, or led the store astray.
+
+#include <algorithm>
+#include <chrono>
+#include <fcntl.h>
+#include <fstream>
+#include <sched.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/MessageQueue.h"
+#include "tests/quillbar/store/Store.h"
+#include "tests/support/ChildProcess.h"
+
+namespace {
+
+class FollowTest : public StoreTest {
+protected:
+    testing::AssertionResult UrlBecomes(int folder, int slot, const std::string& url) {
+        if (test::WaitUntil([&] { return Url(folder, slot) == url; }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "the URL is \"" << Url(folder, slot) << '"';
+    }
+    testing::AssertionResult TitleBecomes(int folder, const std::string& title) {
+        if (test::WaitUntil([&] { return Title(folder) == title; }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << '"' << Title(folder) << '"';
+    }
+    // Does `work` while the store's thread is busy, until `count` messages wait.
+    template <typename Work>
+    void WhileBusy(int count, Work work) {
+        fStore->Lock();
+        work();
+        EXPECT_TRUE(
+            test::WaitUntil([&] { return fStore->MessageQueue()->CountMessages() >= count; }));
+        fStore->Unlock();
+    }
+};
+
+// File systems give a freed inode's number to the next file.
+TEST_F(FollowTest, FileInThePlaceOfARemovedOneIsAnotherNode) {
+    test::MakeBookmark(Root() / "1 - x" / "2 - a", "http://a");
+    Start();
+    for (int round = 0; round < 3; ++round) {
+        const std::string url = "http://b" + std::to_string(round);
+        const int rebuilds = Rebuilds();
+        fs::remove(Folder(1) / (round == 0 ? "2 - a" : "5 - b"));
+        test::MakeBookmark(Folder(1) / "5 - b", "http://new");
+        ASSERT_TRUE(test::WaitUntil([&] { return Rebuilds() > rebuilds; }));
+        test::SetUrl(Folder(1) / "5 - b", url);
+        EXPECT_TRUE(UrlBecomes(1, 5, url));
+    }
+    fs::rename(Folder(1) / "5 - b", fHome.Path() / "away");
+    EXPECT_TRUE(Becomes(1, 5, kEmptyLabel));
+}
+
+TEST_F(FollowTest, BookmarkThatGotAnotherSlotIsFollowedThere) {
+    test::MakeBookmark(Root() / "1 - x" / "1 - a", "http://a");
+    test::MakeBookmark(Root() / "4 - y" / "3 - b", "http://b");
+    Start();
+    fs::rename(Folder(1) / "1 - a", Folder(1) / "5 - a");
+    EXPECT_TRUE(Becomes(1, 1, kEmptyLabel));
+    test::MakeBookmark(Folder(1) / "9 - marker", "http://x");
+    ASSERT_TRUE(Becomes(1, 5, "5 - a"));
+    test::SetUrl(Folder(1) / "5 - a", "http://changed");
+    EXPECT_TRUE(UrlBecomes(1, 5, "http://changed"));
+    fs::rename(Folder(1) / "5 - a", fHome.Path() / "away");
+    EXPECT_TRUE(Becomes(1, 5, kEmptyLabel));
+    EXPECT_EQ(Url(1, 5), "");
+
+    fs::rename(fHome.Path() / "away", Folder(1) / "7 - back");
+    ASSERT_TRUE(Becomes(1, 7, "7 - back"));
+    test::SetUrl(Folder(1) / "7 - back", "http://again");
+    EXPECT_TRUE(UrlBecomes(1, 7, "http://again"));
+}
+
+TEST_F(FollowTest, FolderRenamedBehindAQueuedMessageIsFound) {
+    test::MakeBookmark(fHome.Path() / "new", "http://new");
+    test::MakeBookmark(Root() / "3 - News" / "0 - old", "http://old");
+    Start();
+    WhileBusy(2, [&] {
+        fs::rename(fHome.Path() / "new", Root() / "3 - News" / "1 - new");
+        fs::rename(Root() / "3 - News", Root() / "3 - Fresh");
+    });
+    EXPECT_TRUE(Becomes(3, 1, "1 - new"));
+    EXPECT_TRUE(TitleBecomes(3, "3 - Fresh"));
+    EXPECT_EQ(Label(3, 0), "0 - old");
+    EXPECT_FALSE(fs::exists(Root() / "3 -"));
+}
+
+TEST_F(FollowTest, NoChangeFallsBetweenTwoLooks) {
+    const fs::path file = Root() / "1 - x" / "2 - a";
+    test::MakeBookmark(file, "http://a");
+    Start();
+    for (int round = 0; round < 300; ++round) {
+        const std::string url = "http://" + std::to_string(round);
+        test::SetUrl(file, "http://first");
+        const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(60 + round);
+        while (std::chrono::steady_clock::now() < end) {
+        }
+        test::SetUrl(file, url);
+        ASSERT_TRUE(UrlBecomes(1, 2, url)) << round;
+    }
+}
+
+TEST_F(FollowTest, StaleSlotKeepsItsHandsOffAWatch) {
+    test::MakeBookmark(Root() / "5 - b" / "1 - y", "http://y");
+    Start();
+    fs::rename(Folder(5) / "1 - y", Folder(2) / "1 - y");
+    ASSERT_TRUE(Becomes(2, 1, "1 - y"));
+    test::MakeBookmark(Folder(5) / "9 - other", "http://x");
+    ASSERT_TRUE(Becomes(5, 1, kEmptyLabel));
+    test::SetUrl(Folder(2) / "1 - y", "http://changed");
+    EXPECT_TRUE(UrlBecomes(2, 1, "http://changed"));
+}
+
+TEST_F(FollowTest, ArrivalsThatWaitAreOneScan) {
+    constexpr int kCount = 2000;
+    const fs::path outside = fHome.Path() / "outside";
+    fs::create_directory(outside);
+    for (int i = 0; i < kCount; ++i)
+        std::ofstream(outside / std::to_string(i)).flush();
+    test::MakeBookmark(outside / "last", "http://last");
+    Start();
+    const int before = Messages();
+    // The looper holds one of them already.
+    WhileBusy(kCount - 1, [&] {
+        for (int i = 0; i < kCount; ++i)
+            fs::rename(outside / std::to_string(i), Folder(1) / std::to_string(i));
+    });
+    fs::rename(outside / "last", Folder(1) / "1 - last");
+    EXPECT_TRUE(Becomes(1, 1, "1 - last"));
+    EXPECT_LT(Messages() - before, 100);
+}
+
+TEST_F(FollowTest, RootThatIsNoDirectoryIsWaitedFor) {
+    test::MakeBookmark(Root() / "4 - x" / "3 - a", "http://a");
+    Start();
+    const fs::path away = fHome.Config() / "away";
+    WhileBusy(1, [&] {
+        fs::rename(Root(), away);
+        std::ofstream(Root()) << "a file";
+    });
+    EXPECT_TRUE(Becomes(4, 3, kEmptyLabel));
+    EXPECT_TRUE(fs::is_regular_file(Root()));
+    for (const char* target : {"absent", "Quillbar"}) { // a dangling link, and one to itself
+        fs::remove(Root());
+        fs::create_symlink(target, Root());
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_FALSE(fs::exists(fHome.Config() / "absent"));
+    }
+    fs::remove(Root());
+    fs::rename(away, Root());
+    EXPECT_TRUE(Becomes(4, 3, "3 - a"));
+    test::SetUrl(Root() / "4 - x" / "3 - a", "http://changed");
+    EXPECT_TRUE(UrlBecomes(4, 3, "http://changed"));
+}
+
+TEST_F(FollowTest, FolderMovedOutAndBackIsNotHidden) {
+    test::MakeBookmark(Root() / "4 - one" / "3 - a", "http://a");
+    Start();
+    fs::rename(Root() / "4 - one", fHome.Path() / "4 - one");
+    ASSERT_TRUE(TitleBecomes(4, "4 -"));
+    fs::rename(fHome.Path() / "4 - one", Root() / "4 - one");
+    EXPECT_TRUE(TitleBecomes(4, "4 - one"));
+    EXPECT_TRUE(Becomes(4, 3, "3 - a"));
+    Stop();
+    Start();
+    EXPECT_EQ(Title(4), "4 - one");
+}
+
+// As another user than root, whom no permission keeps out.
+class RightsTest : public FollowTest {
+protected:
+    void Start() {
+        if (geteuid() == 0) {
+            for (const auto& entry : fs::recursive_directory_iterator(fHome.Path()))
+                EXPECT_EQ(chown(entry.path().c_str(), test::ChildProcess::OrdinaryUser(), -1), 0);
+            EXPECT_EQ(chown(fHome.Path().c_str(), test::ChildProcess::OrdinaryUser(), -1), 0);
+            EXPECT_EQ(seteuid(test::ChildProcess::OrdinaryUser()), 0);
+        }
+        FollowTest::Start();
+    }
+    void TearDown() override {
+        FollowTest::TearDown();
+        EXPECT_EQ(seteuid(getuid()), 0);
+    }
+};
+
+TEST_F(RightsTest, GivenBackBringTheSlotBack) {
+    const fs::path file = Root() / "1 - x" / "2 - a";
+    test::MakeBookmark(file, "http://a");
+    Start();
+    ASSERT_EQ(chmod(file.c_str(), 0), 0);
+    EXPECT_TRUE(Becomes(1, 2, kEmptyLabel));
+    ASSERT_EQ(chmod(file.c_str(), 0644), 0);
+    EXPECT_TRUE(Becomes(1, 2, "2 - a"));
+    test::SetUrl(file, "http://changed");
+    EXPECT_TRUE(UrlBecomes(1, 2, "http://changed"));
+}
+
+// Whether all is seen with few watches: what has a watch at once, the rest on Refresh().
+std::string FollowWithFewWatches(int count) {
+    const std::string user = "0 " + std::to_string(getuid()) + " 1";
+    if (unshare(CLONE_NEWUSER) != 0)
+        return "no user namespace";
+    std::ofstream("/proc/self/uid_map") << user;
+    std::ofstream("/proc/sys/user/max_inotify_watches") << count;
+
+    test::TemporaryHome home;
+    const fs::path root = home.Config() / "Quillbar";
+    for (int folder = 0; folder < 10; ++folder)
+        for (int slot = 0; slot < 9; ++slot)
+            test::MakeBookmark(root / (std::to_string(folder) + " - f") /
+                                   (std::to_string(slot) + " - a"),
+                               "http://a");
+    gSettings = new QBSettings(BPath("/boot/home/config/settings/Quillbar.settings"));
+    auto* store = new StoreLooper;
+    store->Run();
+    const auto slot = [&](int digit) -> QBItem& {
+        return *store->fMonitor->fPaths[9]->Items()[digit];
+    };
+    const auto holds = [&](const auto& predicate) {
+        return test::WaitUntil([&] {
+            store->Lock();
+            const bool result = predicate();
+            store->Unlock();
+            return result;
+        });
+    };
+    test::MakeBookmark(root / "9 - f" / "9 - new", "http://new");
+    if (count >= 11 && !holds([&] { return slot(9).IsValid(); }))
+        return "an arrival was missed";
+    test::SetUrl(root / "9 - f" / "8 - a", "http://changed");
+    store->PostMessage(B_NODE_MONITOR);
+    if (!holds([&] { return slot(8).Url() == "http://changed" && slot(9).IsValid(); }))
+        return "a change was not read";
+    return "followed";
+}
+
+TEST(WatchLimitTest, DirectoriesComeFirstAndTheRestIsReadWhenAsked) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (const int count : {50, 11, 3, 0}) {
+        auto follow = [&] {
+            fprintf(stderr, "%s\n", FollowWithFewWatches(count).c_str());
+            _exit(EXIT_SUCCESS);
+        };
+        EXPECT_EXIT(follow(), testing::ExitedWithCode(EXIT_SUCCESS), "\nfollowed") << count;
+    }
+}
+
+} // namespace
