@@ -80,8 +80,8 @@ bool QBPath::SetPath(const char* path) {
         CreateMenu();
     fIsRead = false;
     BEntry entry(path, false);
-    BDirectory directory;
-    if (entry.InitCheck() != B_OK || !BindTo(entry, path) || directory.SetTo(&entry) != B_OK) {
+    if (entry.InitCheck() != B_OK || !BindTo(entry, path) ||
+        BDirectory(&entry).InitCheck() != B_OK) {
         EmptySlots();
         return false;
     }
