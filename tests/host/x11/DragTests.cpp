@@ -252,7 +252,8 @@ TEST(FileUriTest, NamesFilesOfThisMachineOnly) {
         EXPECT_EQ(PathOfFileUri(bad, "here", &path), B_BAD_VALUE) << bad;
     EXPECT_EQ(path, "/z");
     EXPECT_EQ(FileNameFor(" ..\n"), "");
-    EXPECT_EQ(FileNameFor(std::string(199, 'x') + "\xc3\xbc"), std::string(199, 'x'));
+    const std::string longest(199, 'x');
+    EXPECT_EQ(FileNameFor(longest + "\xc3\xbc"), longest);
 }
 
 } // namespace
