@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <fstream>
-#include <random>
 #include <thread>
 
 #include "kits/app/Message.h"
@@ -11,13 +9,6 @@ namespace {
 
 class MonitorTest : public StoreTest {
 protected:
-    // What the menus of the ten folders would be if the store were started now.
-    std::vector<std::vector<std::string>> AllLabels() {
-        std::vector<std::vector<std::string>> all;
-        for (int digit = 0; digit < 10; ++digit)
-            all.push_back(Labels(digit));
-        return all;
-    }
     // Whether the folder's title becomes this, which a new binding shows.
     testing::AssertionResult TitleBecomes(int folder, const std::string& title) {
         if (test::WaitUntil([&] { return Title(folder) == title; }))
@@ -206,43 +197,6 @@ TEST_F(MonitorTest, MessagesWithoutTheirFieldsChangeNothing) {
     fStore->Unlock();
     EXPECT_EQ(Label(4, 3), "3 - x");
     EXPECT_EQ(Title(4), "4 - x");
-}
-
-// Whatever happened, a removal at the end brings the menus to what the disk holds.
-TEST_F(MonitorTest, StormEndsWithMenusEqualToTheDisk) {
-    const fs::path marker = Root() / "0 -" / "marker";
-    test::MakeBookmark(marker, "http://x");
-    Start();
-    std::mt19937 random(7);
-    auto any = [&](int bound) { return static_cast<int>(random() % bound); };
-    auto file = [&] {
-        return Root() / (std::to_string(any(10)) + " -") /
-               (std::to_string(any(10)) + (any(4) ? " - " : "x ") + std::to_string(any(3)));
-    };
-    for (int i = 0; i < 3000; ++i) {
-        std::error_code ignored;
-        switch (any(4)) {
-        case 0:
-            test::MakeBookmark(file(), "http://" + std::to_string(i));
-            break;
-        case 1:
-            fs::rename(file(), file(), ignored);
-            break;
-        case 2:
-            fs::remove(file(), ignored);
-            break;
-        default:
-            if (const fs::path path = file(); fs::exists(path))
-                test::SetUrl(path, "http://changed" + std::to_string(i));
-        }
-    }
-    const int rebuilds = Rebuilds();
-    fs::remove(marker);
-    ASSERT_TRUE(test::WaitUntil([&] { return Rebuilds() > rebuilds; }));
-    const auto live = AllLabels();
-    Stop();
-    Start();
-    EXPECT_EQ(live, AllLabels());
 }
 
 } // namespace

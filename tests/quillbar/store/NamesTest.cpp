@@ -31,7 +31,7 @@ TEST(Names, LongUrlIsCutToFiftyBytes) {
     const std::string fifty(50, 'u');
     EXPECT_STREQ(ParseURL(fifty.c_str()).String(), fifty.c_str());
     BString longer((fifty + "v").c_str());
-    EXPECT_EQ(std::string(ParseURL(longer).String()), std::string(46, 'u') + "....");
+    EXPECT_EQ(ParseURL(longer).String(), fifty.substr(4) + "....");
     EXPECT_STREQ(ParseURL("").String(), "");
 }
 

@@ -94,6 +94,16 @@ std::string StoreTest::Url(int folder, int slot) {
     return fStore->fMonitor->fPaths[folder]->Items()[slot]->Url().String();
 }
 
+std::vector<std::string> StoreTest::Contents() {
+    std::vector<std::string> contents;
+    for (int folder = 0; folder < 10; ++folder) {
+        contents.push_back(Title(folder));
+        for (int slot = 0; slot < 10; ++slot)
+            contents.push_back(Label(folder, slot) + " " + Url(folder, slot));
+    }
+    return contents;
+}
+
 uint32 StoreTest::Code(int folder, int slot) {
     const Locked lock(fStore);
     return fStore->fMonitor->fPaths[folder]->Items()[slot]->MenuItem()->Message()->what;

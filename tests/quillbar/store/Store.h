@@ -48,6 +48,8 @@ protected:
     std::string Url(int folder, int slot);
     std::vector<std::string> Labels(int folder);
     uint32 Code(int folder, int slot);
+    // The titles, labels and URLs of all folders.
+    std::vector<std::string> Contents();
     int Rebuilds();
     // Of the node monitor, handled so far.
     int Messages();

@@ -1,0 +1,155 @@
+// Random changes of the tree, seed by seed, in processes side by side: the store's delay of a
+// second would make them slow one after the other.
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <random>
+#include <thread>
+
+#include "tests/quillbar/store/Store.h"
+#include "tests/support/ChildProcess.h"
+
+namespace {
+
+constexpr int kWorkers = 10; // for each kind of disk
+constexpr int kChanges = 80;
+
+class ModelTest : public StoreTest {
+protected:
+    static int Number(const char* variable, int otherwise) {
+        const char* value = getenv(variable);
+        return value ? atoi(value) : otherwise;
+    }
+    static void RunWorkers(int seeds);
+    void RunSeed(unsigned seed);
+    void ChangeSomething();
+    void EditEveryBookmark(unsigned seed);
+
+    // A place in the tree or outside, whether anything is there or not.
+    int Any(int bound) { return static_cast<int>(fRandom() % static_cast<unsigned>(bound)); }
+    fs::path AnyFolder() {
+        if (Any(8) == 0)
+            return fHome.Path() / "outside";
+        const fs::path known = Folder(Any(10));
+        return known.empty() ? Root() / "5 -" : known;
+    }
+    fs::path AnyFile() {
+        return AnyFolder() /
+               (std::to_string(Any(10)) + (Any(5) ? " - " : "x") + std::to_string(Any(3)));
+    }
+    fs::path AnyPlaceOfFolder() {
+        return (Any(4) ? Root() : fHome.Path() / "outside") /
+               (std::to_string(Any(10)) + (Any(4) ? " - " : " ") + std::to_string(Any(2)));
+    }
+
+    std::mt19937 fRandom;
+};
+
+void ModelTest::RunWorkers(int seeds) {
+    std::vector<std::unique_ptr<test::ChildProcess>> workers;
+    for (const char* disk : {"/tmp", "/dev/shm"}) {
+        for (int first = 0; first < kWorkers; ++first)
+            workers.push_back(std::make_unique<test::ChildProcess>(test::ChildProcess::Options{
+                .arguments = {"/proc/self/exe", "--gtest_brief=1", "--gtest_filter=ModelTest.*"},
+                .environment = {{"TMPDIR", disk},
+                                {"MODEL_FIRST_SEED", std::to_string(first)},
+                                {"STORE_SEEDS", std::to_string(seeds)}},
+                .output = "",
+                .errors = ""}));
+    }
+    for (auto& worker : workers)
+        EXPECT_EQ(worker->Wait(std::chrono::minutes(30)), 0);
+}
+
+void ModelTest::ChangeSomething() {
+    std::error_code ignored;
+    switch (Any(12)) {
+    case 0:
+    case 1:
+    case 2:
+        if (const fs::path file = AnyFile(); fs::exists(file.parent_path()))
+            test::MakeBookmark(file, "http://made");
+        break;
+    case 3:
+        fs::remove(AnyFile(), ignored);
+        break;
+    case 4:
+    case 5:
+    case 6:
+        fs::rename(AnyFile(), AnyFile(), ignored);
+        break;
+    case 7:
+        renameat2(AT_FDCWD, AnyFile().c_str(), AT_FDCWD, AnyFile().c_str(), RENAME_EXCHANGE);
+        break;
+    case 8:
+    case 9:
+        if (const fs::path file = AnyFile(); fs::exists(file))
+            test::SetUrl(file, "http://changed" + std::to_string(Any(100)));
+        break;
+    case 10:
+        fs::rename(AnyFolder(), AnyPlaceOfFolder(), ignored);
+        break;
+    default:
+        if (Any(3))
+            renameat2(AT_FDCWD, AnyFolder().c_str(), AT_FDCWD, AnyFolder().c_str(),
+                      RENAME_EXCHANGE);
+        else
+            fs::remove_all(AnyFolder(), ignored);
+        fs::create_directory(fHome.Path() / "outside", ignored);
+    }
+}
+
+void ModelTest::EditEveryBookmark(unsigned seed) {
+    const std::string url = "http://edited" + std::to_string(seed);
+    for (int digit = 0; digit < 10; ++digit) {
+        const auto labels = Labels(digit);
+        for (int slot = 0; slot < 10; ++slot) {
+            if (labels[slot] == kEmptyLabel)
+                continue;
+            test::SetUrl(Root() / Title(digit) / labels[slot], url);
+            EXPECT_TRUE(test::WaitUntil([&] { return Url(digit, slot) == url; }))
+                << "seed " << seed << ": " << Title(digit) << '/' << labels[slot];
+        }
+    }
+}
+
+void ModelTest::RunSeed(unsigned seed) {
+    fRandom.seed(seed);
+    fs::remove_all(Root());
+    fs::remove_all(fHome.Path() / "outside");
+    fs::create_directories(fHome.Path() / "outside");
+    fs::create_directories(Root() / "marker");
+    Start();
+    for (int change = 0; change < kChanges; ++change) {
+        ChangeSomething();
+        if (Any(3) == 0)
+            std::this_thread::sleep_for(std::chrono::microseconds(Any(6'000)));
+    }
+    const int rebuilds = Rebuilds();
+    fs::remove(Root() / "marker");
+    ASSERT_TRUE(test::WaitUntil([&] { return Rebuilds() > rebuilds; })) << "seed " << seed;
+    StoreLooper* const live = fStore;
+    const auto equalsFresh = [&] {
+        fStore = live;
+        const auto shown = Contents();
+        Start();
+        const auto fresh = Contents();
+        Stop();
+        fStore = live;
+        return shown == fresh;
+    };
+    EXPECT_TRUE(test::WaitUntil(equalsFresh)) << "seed " << seed;
+    EditEveryBookmark(seed);
+    Stop();
+}
+
+TEST_F(ModelTest, MenusEndEqualToTheDiskAndFollowIt) {
+    const int first = Number("MODEL_FIRST_SEED", -1);
+    const int seeds = Number("STORE_SEEDS", 100);
+    if (first < 0)
+        return RunWorkers(seeds);
+    for (int seed = first; seed < seeds && !HasFailure(); seed += kWorkers)
+        RunSeed(static_cast<unsigned>(seed));
+}
+
+} // namespace
