@@ -8,6 +8,8 @@
 #include <semaphore>
 #include <string_view>
 
+#include <malloc.h>
+
 #include "host/loop/ServiceLoop.h"
 #include "host/session/instance/InstanceSocket.h"
 #include "host/session/instance/SignalWatch.h"
@@ -177,6 +179,9 @@ private:
 // The signals are blocked before the first other thread, the service thread, is started.
 BApplication::Session::Session(BApplication& application_, const std::string& signature)
     : application(application_) {
+    // The threads allocate little and rarely at once. With an arena for each, memory that one
+    // thread frees cannot be used by the others.
+    mallopt(M_ARENA_MAX, 1);
     if (get_app_resources()->launch_flags == B_EXCLUSIVE_LAUNCH)
         Register(signature);
     fSignals.emplace([this] { QuitFromOutside(false); });
