@@ -6,7 +6,7 @@
 
 #include "kits/interface/controls/StringView.h"
 #include "kits/interface/drawing/Cursor.h"
-#include "kits/interface/drawing/MimeType.h"
+#include "kits/interface/window/MimeType.h"
 #include "kits/support/String.h"
 
 class BBitmap;

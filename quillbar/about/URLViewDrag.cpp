@@ -2,7 +2,7 @@
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/drawing/Bitmap.h"
+#include "kits/interface/window/Bitmap.h"
 #include "quillbar/about/URLView.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "quillbar/store/Path.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/menus/SeparatorItem.h"
+#include "kits/interface/menus/MenuItem.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/NodeMonitor.h"

@@ -4,6 +4,7 @@
 
 #include "kits/interface/window/Window.h"
 
+class BButton;
 class BInvoker;
 class BTextView;
 
@@ -38,9 +39,8 @@ public:
     // it may be null.
     status_t Go(BInvoker* invoker);
 
-    // To style the text before Go(). Both belong to the alert.
+    // To style the text before Go(). It belongs to the alert.
     BTextView* TextView() const { return fTextView; }
-    BButton* ButtonAt(int32 index) const;
 
     void MessageReceived(BMessage* message) override;
     void DispatchMessage(BMessage* message, BHandler* handler) override;

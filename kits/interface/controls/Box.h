@@ -21,7 +21,6 @@ public:
     // In the view's font, the bold one unless another is set. Null or empty for none.
     void SetLabel(const char* label);
     const char* Label() const { return fLabel.c_str(); }
-    border_style Border() const { return fBorder; }
 
     // Takes the parent's view colour.
     void AttachedToWindow() override;

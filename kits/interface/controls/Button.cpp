@@ -27,25 +27,20 @@ BButton::BButton(BRect frame, const char* name, const char* label, BMessage* mes
     : BControl(frame, name, label, message, resizingMode, flags | B_FULL_UPDATE_ON_RESIZE) {}
 
 void BButton::MakeDefault(bool isDefault) {
-    fDefault = isDefault;
-    if (Window() == nullptr)
-        return;
-    if (isDefault)
-        Window()->SetDefaultButton(this);
-    else if (Window()->DefaultButton() == this)
-        Window()->SetDefaultButton(nullptr);
-    Invalidate();
+    fBecomesDefault = isDefault;
+    if (Window() != nullptr && isDefault != (Window()->DefaultButton() == this))
+        Window()->SetDefaultButton(isDefault ? this : nullptr);
 }
 
 void BButton::AttachedToWindow() {
     BControl::AttachedToWindow();
-    if (fDefault)
+    if (fBecomesDefault)
         Window()->SetDefaultButton(this);
 }
 
 void BButton::Draw(BRect) {
     BRect face = Bounds().InsetByCopy(kRing, kRing);
-    if (fDefault) {
+    if (Window()->DefaultButton() == this) {
         SetHighColor(tint_color(ViewColor(), IsEnabled() ? B_DARKEN_4_TINT : B_DARKEN_2_TINT));
         StrokeSoftRect(*this, Bounds());
         SetHighColor(tint_color(ViewColor(), B_DARKEN_1_TINT));

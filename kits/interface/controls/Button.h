@@ -13,7 +13,6 @@ public:
 
     // Enter presses the default button of a window, which has one at most; it has a frame.
     virtual void MakeDefault(bool isDefault);
-    bool IsDefault() const { return fDefault; }
 
     void AttachedToWindow() override;
     void Draw(BRect updateRect) override;
@@ -24,9 +23,8 @@ public:
     void GetPreferredSize(float* width, float* height) override;
 
 private:
-    friend class BWindow;
     void DrawFace(BRect face);
     void DrawLabel(BRect face);
 
-    bool fDefault = false;
+    bool fBecomesDefault = false; // once it is in a window
 };

@@ -7,14 +7,6 @@ BStringView::BStringView(BRect frame, const char* name, const char* text, uint32
     : BView(frame, name, resizingMode, flags | B_FULL_UPDATE_ON_RESIZE)
     , fText(text ? text : "") {}
 
-void BStringView::SetText(const char* text) {
-    std::string changed = text ? text : "";
-    if (changed == fText)
-        return;
-    fText = changed;
-    Invalidate();
-}
-
 void BStringView::SetAlignment(alignment flag) {
     fAlignment = flag;
     Invalidate();

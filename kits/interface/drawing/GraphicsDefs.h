@@ -12,7 +12,6 @@ enum color_space : uint32 {
 // How drawing meets what is there.
 enum drawing_mode {
     B_OP_COPY = 0,   // takes its place; into a bitmap with alpha also the colour's alpha
-    B_OP_OVER = 1,   // covers it where it is not transparent
     B_OP_ALPHA = 10, // covers it as far as alpha says
 };
 

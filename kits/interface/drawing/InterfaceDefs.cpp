@@ -11,11 +11,6 @@ static_assert(uint32{B_CONTROL_KEY} == uint32{host::kControlKey});
 static_assert(uint32{B_OPTION_KEY} == uint32{host::kOptionKey});
 static_assert(uint32{B_MENU_KEY} == uint32{host::kMenuKey});
 
-uint32 modifiers() {
-    host::Display* display = host::Display::Shared();
-    return display ? display->GetPointer().modifiers : 0;
-}
-
 void get_mouse(BPoint* where, uint32* buttons) {
     host::Display* display = host::Display::Shared();
     const host::Pointer pointer = display ? display->GetPointer() : host::Pointer{};

@@ -23,9 +23,6 @@ enum : uint32 {
     B_MENU_KEY = 0x00000080,
 };
 
-// The modifiers as they are now. Any thread.
-uint32 modifiers();
-
 // Where the pointer is on the screen, and which buttons are down; (0, 0) and none without a
 // display. Any thread.
 void get_mouse(BPoint* where, uint32* buttons);
@@ -38,10 +35,8 @@ enum : char {
     B_BACKSPACE = 0x08,
     B_TAB = 0x09,
     B_ENTER = 0x0a,
-    B_RETURN = 0x0a,
     B_PAGE_UP = 0x0b,
     B_PAGE_DOWN = 0x0c,
-    B_FUNCTION_KEY = 0x10,
     B_ESCAPE = 0x1b,
     B_LEFT_ARROW = 0x1c,
     B_RIGHT_ARROW = 0x1d,
@@ -55,11 +50,6 @@ enum alignment {
     B_ALIGN_LEFT,
     B_ALIGN_RIGHT,
     B_ALIGN_CENTER,
-};
-
-enum orientation {
-    B_HORIZONTAL,
-    B_VERTICAL,
 };
 
 enum button_width {

@@ -8,11 +8,9 @@
 #include "kits/app/Message.h"
 #include "kits/interface/drawing/Font.h"
 #include "kits/interface/menus/MenuField.h"
-#include "kits/interface/menus/MenuMetrics.h"
-#include "kits/interface/menus/MenuShortcut.h"
+#include "kits/interface/menus/MenuPlacement.h"
 #include "kits/interface/menus/MenuTracker.h"
 #include "kits/interface/menus/MenuWindow.h"
-#include "kits/interface/menus/SeparatorItem.h"
 
 BMenu::BMenu(const char* name, menu_layout)
     : BMenu(BRect(0, 0, 0, 0), name, B_FOLLOW_NONE, B_WILL_DRAW) {}
@@ -81,44 +79,10 @@ int32 BMenu::IndexOf(BMenuItem* item) const {
     return found == fItems.end() ? B_ERROR : static_cast<int32>(found - fItems.begin());
 }
 
-BMenuItem* BMenu::FindItem(const char* name) const {
-    if (!name)
-        return nullptr;
-    for (BMenuItem* item : fItems) {
-        if (item->fLabel == name)
-            return item;
-        BMenuItem* below = item->fSubmenu ? item->fSubmenu->FindItem(name) : nullptr;
-        if (below)
-            return below;
-    }
-    return nullptr;
-}
-
-BMenuItem* BMenu::FindItem(uint32 command) const {
-    for (BMenuItem* item : fItems) {
-        if (item->Message() && item->Message()->what == command)
-            return item;
-        BMenuItem* below = item->fSubmenu ? item->fSubmenu->FindItem(command) : nullptr;
-        if (below)
-            return below;
-    }
-    return nullptr;
-}
-
 BMenuItem* BMenu::FindMarked() {
     auto found = std::find_if(fItems.begin(), fItems.end(),
                               [](const BMenuItem* item) { return item->IsMarked(); });
     return found == fItems.end() ? nullptr : *found;
-}
-
-status_t BMenu::SetTargetForItems(BHandler* target) {
-    status_t result = B_OK;
-    for (BMenuItem* item : fItems) {
-        status_t status = item->SetTarget(target);
-        if (result == B_OK)
-            result = status;
-    }
-    return result;
 }
 
 status_t BMenu::SetTargetForItems(const BMessenger& target) {
@@ -129,10 +93,6 @@ status_t BMenu::SetTargetForItems(const BMessenger& target) {
             result = status;
     }
     return result;
-}
-
-BMenu* BMenu::Supermenu() const {
-    return fSuperitem ? fSuperitem->Menu() : nullptr;
 }
 
 void BMenu::PrepareLayout() {
@@ -260,10 +220,25 @@ void BMenu::GiveDefaultTarget(const BMessenger& target) {
     }
 }
 
+bool BMenu::InvokeShortcut(const BMessage& keyDown, const BMessenger& window) {
+    constexpr uint32 kModifiers = B_COMMAND_KEY | B_SHIFT_KEY | B_CONTROL_KEY | B_OPTION_KEY;
+    const uint32 held = static_cast<uint32>(keyDown.GetInt32("modifiers", 0)) & kModifiers;
+    const char character =
+        ShortcutCharacter(keyDown.GetInt32("key", 0), keyDown.GetString("bytes", ""));
+    if ((held & B_COMMAND_KEY) == 0 || character == 0)
+        return false;
+    BMenuItem* item = ItemOfShortcut(character, held);
+    if (item == nullptr)
+        return false;
+    GiveDefaultTarget(window);
+    if (item->IsSelectable() && !keyDown.HasInt32("be:key_repeat"))
+        item->Invoke();
+    return true;
+}
+
 BMenuItem* BMenu::ItemOfShortcut(char character, uint32 modifiers) const {
     for (BMenuItem* item : fItems) {
-        if (item->fShortcut != 0 && item->fModifiers == modifiers &&
-            IsSameShortcut(item->fShortcut, character))
+        if (item->fShortcut != 0 && item->fModifiers == modifiers && item->fShortcut == character)
             return item;
         BMenuItem* below =
             item->fSubmenu ? item->fSubmenu->ItemOfShortcut(character, modifiers) : nullptr;

@@ -45,10 +45,7 @@ public:
     BMenuItem* ItemAt(int32 index) const; // null if there is none
     int32 CountItems() const { return static_cast<int32>(fItems.size()); }
     int32 IndexOf(BMenuItem* item) const; // B_ERROR if it is not here
-    // The first with this label, or with a message of this code, in this menu or below; or null.
-    BMenuItem* FindItem(const char* name) const;
-    BMenuItem* FindItem(uint32 command) const;
-    BMenuItem* FindMarked(); // the first in this menu, or null
+    BMenuItem* FindMarked();              // the first in this menu, or null
 
     // In radio mode one item is marked at a time: the one that was chosen or marked last.
     void SetRadioMode(bool on) { fRadioMode = on; }
@@ -58,12 +55,10 @@ public:
     bool IsLabelFromMarked() const { return fLabelFromMarked; }
 
     // Gives all items of this menu the target. The result of the first that refuses.
-    status_t SetTargetForItems(BHandler* target);
     status_t SetTargetForItems(const BMessenger& target);
 
-    // The item that this menu is the sub-menu of, and that item's menu; or null.
+    // The item that this menu is the sub-menu of, or null.
     BMenuItem* Superitem() const { return fSuperitem; }
-    BMenu* Supermenu() const;
 
     // Measures what has changed, here and in sub-menus, and makes the window ready that the next
     // menu opens in, so that opening takes no time. A program calls it when it has nothing better
@@ -91,7 +86,6 @@ private:
     friend class BMenuField;
     friend class BMenuItem;
     friend class BMenuWindow;
-    friend class BWindow;
     friend class BPopUpMenu;
     friend class MenuTracker;
 
@@ -102,6 +96,9 @@ private:
 
     // Items without a target, here and below, get this one.
     void GiveDefaultTarget(const BMessenger& target);
+    // Invokes the enabled item whose shortcut the key is; items without a target send to `window`.
+    // False if the key is no item's.
+    bool InvokeShortcut(const BMessage& keyDown, const BMessenger& window);
     // The item that the key of this character with these modifiers invokes, here or below; or null.
     BMenuItem* ItemOfShortcut(char character, uint32 modifiers) const;
 

@@ -9,6 +9,7 @@
 
 namespace {
 
+constexpr int32 kF10 = 0x0b;      // raw key code
 constexpr float kTitleMargin = 8; // beside a title
 constexpr float kAbove = 2;
 constexpr float kBelow = 3; // with the line below the bar
@@ -85,7 +86,21 @@ void BMenuBar::MouseDown(BPoint where) {
     }
 }
 
-void BMenuBar::Open(int32 index) {
+bool BMenuBar::HandleShortcut(const BMessage& keyDown) {
+    constexpr int32 kModifiers = B_COMMAND_KEY | B_SHIFT_KEY | B_CONTROL_KEY | B_OPTION_KEY;
+    if (keyDown.GetInt32("key", 0) != kF10 || (keyDown.GetInt32("modifiers", 0) & kModifiers) != 0)
+        return InvokeShortcut(keyDown, BMessenger(Window()));
+    const auto canOpen = [](const BMenuItem* item) { return item->IsEnabled() && item->Submenu(); };
+    for (int32 i = 0; i < CountItems(); i++) {
+        if (canOpen(ItemAt(i))) {
+            Open(i, true);
+            break;
+        }
+    }
+    return true;
+}
+
+void BMenuBar::Open(int32 index, bool selectsItem) {
     GiveDefaultTarget(BMessenger(Window()));
     std::vector<MenuTitle> titles;
     std::vector<int32> places; // of the titles in the bar
@@ -98,7 +113,7 @@ void BMenuBar::Open(int32 index) {
         titles.push_back({ItemAt(i)->Submenu(), ConvertToScreen(TitleFrame(i))});
         places.push_back(i);
     }
-    const auto tracker = MenuTracker::OpenTitle(titles, shown);
+    const auto tracker = MenuTracker::OpenTitle(titles, shown, selectsItem);
     if (!tracker)
         return;
     for (std::optional<size_t> open = shown; open; open = tracker->WaitForTitle(*open)) {

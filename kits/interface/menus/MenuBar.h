@@ -2,9 +2,9 @@
 
 #include "kits/interface/menus/Menu.h"
 
-// A row of titles at the top of a window. A press on a title opens the menu below it; the menus of
-// the other titles follow as the pointer goes along the row, or with the arrow keys. Everything
-// else is as in a BPopUpMenu. The window waits while a menu is open.
+// A row of titles at the top of a window. A press on a title opens the menu below it, F10 the first
+// one; the menus of the other titles follow as the pointer goes along the row, or with the arrow
+// keys. Everything else is as in a BPopUpMenu. The window waits while a menu is open.
 //
 // Its items are menus. An item without a target sends to the window.
 class BMenuBar : public BMenu {
@@ -22,9 +22,11 @@ public:
     void GetPreferredSize(float* width, float* height) override;
 
 private:
+    // The shortcuts of its items, and F10, which opens the first menu.
+    bool HandleShortcut(const BMessage& keyDown) override;
     BRect TitleFrame(int32 index) const;
     void DrawTitle(int32 index);
-    void Open(int32 index);
+    void Open(int32 index, bool selectsItem = false);
 
     const bool fResizeToFit;
     int32 fOpen = -1; // the title whose menu is open

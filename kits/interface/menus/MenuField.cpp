@@ -6,7 +6,7 @@
 #include "kits/app/Message.h"
 #include "kits/interface/drawing/Font.h"
 #include "kits/interface/menus/Menu.h"
-#include "kits/interface/menus/MenuMetrics.h"
+#include "kits/interface/menus/MenuPlacement.h"
 #include "kits/interface/menus/MenuTracker.h"
 #include "kits/interface/window/Window.h"
 
@@ -46,13 +46,6 @@ void BMenuField::SetDivider(float divider) {
     Invalidate();
 }
 
-void BMenuField::SetEnabled(bool enabled) {
-    fEnabled = enabled;
-    if (!enabled)
-        MakeFocus(false);
-    Invalidate();
-}
-
 std::string BMenuField::ShownLabel() const {
     const BMenuItem* marked = fMenu->IsLabelFromMarked() ? fMenu->FindMarked() : nullptr;
     return marked ? marked->Label() : fMenu->Name();
@@ -80,7 +73,7 @@ void BMenuField::AttachedToWindow() {
 void BMenuField::Draw(BRect) {
     BFont own;
     GetFont(&own);
-    SetHighColor(fEnabled ? rgb_color{0, 0, 0, 255} : tint_color(ViewColor(), B_DARKEN_3_TINT));
+    SetHighColor(0, 0, 0);
     BFont font = LabelFont(own, fLabel.c_str(), fDivider);
     std::string label = fLabel;
     font.TruncateString(&label, B_TRUNCATE_END, fDivider);
@@ -141,8 +134,12 @@ void BMenuField::MakeFocus(bool focus) {
     Invalidate();
 }
 
+bool BMenuField::HandleShortcut(const BMessage& keyDown) {
+    return fMenu->InvokeShortcut(keyDown, BMessenger(Window()));
+}
+
 void BMenuField::OpenMenu() {
-    if (!fEnabled || fMenu->CountItems() == 0)
+    if (fMenu->CountItems() == 0)
         return;
     fMenu->GiveDefaultTarget(BMessenger(Window()));
     fMenu->Layout();

@@ -25,8 +25,6 @@ public:
     // The room for the label; half of the field unless it is set.
     void SetDivider(float divider);
     float Divider() const { return fDivider; }
-    void SetEnabled(bool enabled);
-    bool IsEnabled() const { return fEnabled; }
 
     // What the box shows, and how much of it has room there, in logical pixels.
     std::string ShownLabel() const;
@@ -40,6 +38,7 @@ public:
     void MakeFocus(bool focus = true) override;
 
 private:
+    bool HandleShortcut(const BMessage& keyDown) override;
     BRect BoxFrame() const;
     void DrawBox(BRect box);
     void OpenMenu();
@@ -48,5 +47,4 @@ private:
     BMenu* const fMenu;
     const bool fFixedSize;
     float fDivider;
-    bool fEnabled = true;
 };

@@ -4,13 +4,45 @@
 
 #include "kits/app/Message.h"
 #include "kits/interface/menus/Menu.h"
-#include "kits/interface/menus/MenuMetrics.h"
-#include "kits/interface/menus/MenuShortcut.h"
+#include "kits/interface/menus/MenuPlacement.h"
+
+namespace {
+
+// Keys that lie side by side, by their raw codes.
+struct KeyRow {
+    int32 first;
+    std::string_view characters;
+};
+constexpr KeyRow kDigits = {0x12, "1234567890"};
+constexpr KeyRow kLetters[] = {{0x27, "qwertyuiop"}, {0x3c, "asdfghjkl"}, {0x4c, "zxcvbnm"}};
+
+char CharacterIn(const KeyRow& row, int32 key) {
+    const int32 place = key - row.first;
+    return place >= 0 && place < static_cast<int32>(row.characters.size())
+               ? row.characters[static_cast<size_t>(place)]
+               : 0;
+}
+
+bool IsAscii(std::string_view bytes) {
+    return bytes.size() == 1 && bytes[0] > B_SPACE && bytes[0] < B_DELETE;
+}
+
+char ToLower(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                : character;
+}
+
+char ToUpper(char character) {
+    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A')
+                                                : character;
+}
+
+} // namespace
 
 BMenuItem::BMenuItem(const char* label, BMessage* message, char shortcut, uint32 modifiers)
     : BInvoker(message, BMessenger())
     , fLabel(label ? label : "")
-    , fShortcut(shortcut)
+    , fShortcut(ToLower(shortcut))
     , fModifiers(shortcut != 0 ? modifiers | B_COMMAND_KEY : 0) {}
 
 BMenuItem::BMenuItem(BMenu* submenu, BMessage* message)
@@ -52,12 +84,6 @@ void BMenuItem::SetMarked(bool marked) {
         return;
     fMarked = marked;
     Changed(false);
-}
-
-char BMenuItem::Shortcut(uint32* modifiers) const {
-    if (modifiers)
-        *modifiers = fModifiers;
-    return fShortcut;
 }
 
 BRect BMenuItem::Frame() const {
@@ -179,4 +205,45 @@ void BMenuItem::DrawSubmenuArrow() {
 void BMenuItem::DrawShortcut() {
     const float left = Frame().right + 1 - kShortcutRight - fShortcutWidth;
     fMenu->DrawString(ShortcutLabel(fShortcut, fModifiers).c_str(), BPoint(left, Baseline()));
+}
+
+BSeparatorItem::BSeparatorItem()
+    : BMenuItem("", nullptr) {}
+
+void BSeparatorItem::GetContentSize(float* width, float* height) {
+    *width = 0;
+    *height = kSeparatorHeight - kItemTop - kItemBottom;
+}
+
+void BSeparatorItem::Draw() {
+    BMenu& menu = *Menu();
+    const BRect frame = Frame();
+    const float middle = std::floor((frame.top + frame.bottom) / 2);
+    menu.SetHighColor(tint_color(menu.ViewColor(), B_DARKEN_2_TINT));
+    menu.StrokeLine({frame.left + 1, middle}, {frame.right - 1, middle});
+    menu.SetHighColor(tint_color(menu.ViewColor(), B_LIGHTEN_2_TINT));
+    menu.StrokeLine({frame.left + 1, middle + 1}, {frame.right - 1, middle + 1});
+}
+
+char ShortcutCharacter(int32 key, std::string_view bytes) {
+    if (const char digit = CharacterIn(kDigits, key))
+        return digit;
+    if (IsAscii(bytes))
+        return ToLower(bytes[0]);
+    for (const KeyRow& row : kLetters) {
+        if (const char letter = CharacterIn(row, key))
+            return letter;
+    }
+    return 0;
+}
+
+std::string ShortcutLabel(char shortcut, uint32 modifiers) {
+    std::string label;
+    if (modifiers & B_CONTROL_KEY)
+        label += "Ctrl+";
+    if (modifiers & B_COMMAND_KEY)
+        label += "Alt+";
+    if (modifiers & B_SHIFT_KEY)
+        label += "Shift+";
+    return label + ToUpper(shortcut);
 }

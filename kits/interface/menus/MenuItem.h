@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "base/Rect.h"
 #include "kits/app/Invoker.h"
@@ -34,8 +35,6 @@ public:
     // A mark is a tick before the label. In a menu in radio mode, marking one unmarks the others.
     virtual void SetMarked(bool marked);
     bool IsMarked() const { return fMarked; }
-    // 0 if there is none. `modifiers` include B_COMMAND_KEY.
-    char Shortcut(uint32* modifiers = nullptr) const;
 
     // Null if there is none.
     BMenu* Submenu() const { return fSubmenu; }
@@ -54,7 +53,6 @@ public:
 protected:
     friend class BMenu;
     friend class BMenuField;
-    friend class BWindow;
     friend class MenuTracker;
 
     // The room that DrawContent() needs, in logical pixels. Asked again after SetLabel() and after
@@ -95,3 +93,24 @@ private:
     float fHeight = 0;
     float fTop = 0;
 };
+
+// A line between groups of items. It is never chosen.
+class BSeparatorItem : public BMenuItem {
+public:
+    BSeparatorItem();
+
+protected:
+    void GetContentSize(float* width, float* height) override;
+    void Draw() override;
+    bool IsSelectable() const override { return false; }
+};
+
+// The shortcuts of items, for the kit.
+
+// The character that the key of a B_KEY_DOWN message stands for in shortcuts: letters are small
+// ones; 0 for none. A key of the main row of digits stands for its digit, whatever it types in this
+// keyboard layout or with Shift, and one that types no ASCII character for the letter at its place.
+char ShortcutCharacter(int32 key, std::string_view bytes);
+
+// How a menu shows a shortcut: "Alt+Shift+3".
+std::string ShortcutLabel(char shortcut, uint32 modifiers);

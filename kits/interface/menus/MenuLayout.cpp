@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "kits/interface/menus/Menu.h"
-#include "kits/interface/menus/MenuMetrics.h"
+#include "kits/interface/menus/MenuPlacement.h"
 
 void BMenu::Layout() {
     if (fLaidOut)

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "kits/interface/menus/MenuMetrics.h"
-
 namespace {
 
 // Neighbours share their border.

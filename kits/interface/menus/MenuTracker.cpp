@@ -4,11 +4,10 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
 #include "kits/interface/menus/Menu.h"
-#include "kits/interface/menus/MenuLock.h"
 #include "kits/interface/menus/MenuPlacement.h"
-#include "kits/interface/menus/MenuRegistry.h"
 #include "kits/interface/menus/MenuWindow.h"
 #include "kits/interface/window/Screen.h"
+#include "kits/interface/window/WindowRoster.h"
 
 namespace {
 
@@ -35,8 +34,22 @@ std::shared_ptr<MenuTracker> MenuTracker::Open(BMenu& menu, BPoint where, bool o
     return tracker;
 }
 
+std::shared_ptr<MenuTracker> MenuTracker::OpenTitle(std::vector<MenuTitle> titles, size_t first,
+                                                    bool selectsItem) {
+    std::shared_ptr<MenuTracker> tracker(new MenuTracker(false));
+    tracker->fTitles = std::move(titles);
+    tracker->fShownTitle = first;
+    if (!Register(tracker))
+        return nullptr;
+    const MenuLock lock(*tracker->fWindow);
+    if (!tracker->Begin(true))
+        return nullptr;
+    tracker->ShowTitle(first, selectsItem);
+    return tracker;
+}
+
 bool MenuTracker::Register(const std::shared_ptr<MenuTracker>& tracker) {
-    const bool isOnly = MenuRegistry::Shared().Add(tracker);
+    const bool isOnly = WindowRoster::Shared().AddMenu([tracker] { tracker->Cancel(); });
     if (!isOnly)
         BMenuWindow::GiveBack(tracker->fWindow);
     return isOnly;
@@ -83,6 +96,59 @@ BMenuItem* MenuTracker::Wait() {
 void MenuTracker::Cancel() {
     fCancelled = true;
     fMessenger.SendMessage(BMenuWindow::kMenuCancelled);
+}
+
+std::optional<size_t> MenuTracker::WaitForTitle(size_t shown) {
+    std::unique_lock lock(fMutex);
+    fClosed.wait(lock, [&] { return fIsClosed || fShownTitle != shown; });
+    return fIsClosed ? std::nullopt : std::optional(fShownTitle);
+}
+
+std::optional<size_t> MenuTracker::TitleAt(BPoint where) const {
+    for (size_t i = 0; i < fTitles.size(); i++) {
+        if (fTitles[i].frame.Contains(where))
+            return i;
+    }
+    return std::nullopt;
+}
+
+void MenuTracker::ShowTitle(size_t index, bool selects) {
+    StopTimer();
+    if (!fLevels.empty()) {
+        CloseAbove(0);
+        fLevels.clear();
+        fWindow->Close();
+    }
+    const BRect title = fTitles[index].frame;
+    BMenu& menu = *fTitles[index].menu;
+    OpenMenu(menu, title.LeftBottom() + BPoint(0, 1),
+             selects ? menu.NextSelectable(-1, 1) : nullptr);
+
+    const std::lock_guard lock(fMutex);
+    fShownTitle = index;
+    fClosed.notify_all();
+}
+
+// Whether the pointer went to a title whose menu was not open.
+bool MenuTracker::FollowTitles(BPoint where) {
+    if (LevelAt(where))
+        return false;
+    const auto title = TitleAt(where);
+    if (!title || fTitles[*title].menu == fLevels.front().menu)
+        return false;
+    ShowTitle(*title, false);
+    return true;
+}
+
+// The menu before or after the open one, around the ends.
+void MenuTracker::StepTitle(int step) {
+    if (fTitles.size() < 2)
+        return;
+    size_t open = 0;
+    while (fTitles[open].menu != fLevels.front().menu)
+        open++;
+    const size_t count = fTitles.size();
+    ShowTitle(step > 0 ? (open + 1) % count : (open + count - 1) % count, true);
 }
 
 bool MenuTracker::HandleMessage(const BMessage& message) {
@@ -197,7 +263,7 @@ void MenuTracker::Finish(BMenuItem* chosen) {
         chosen->Invoke();
     fOwned = nullptr;
     BMenuWindow::GiveBack(fWindow);
-    MenuRegistry::Shared().Remove();
+    WindowRoster::Shared().RemoveMenu();
 
     const std::lock_guard lock(fMutex);
     fChosen = chosen;

@@ -37,8 +37,10 @@ public:
                                              bool invokes, BMenuItem* selected = nullptr,
                                              bool deletes = false);
     // Opens the menu of `titles[first]`; those of the others follow as the pointer or the arrow
-    // keys go there. The titles' menus stay what they are until it is closed.
-    static std::shared_ptr<MenuTracker> OpenTitle(std::vector<MenuTitle> titles, size_t first);
+    // keys go there. The titles' menus stay what they are until it is closed. With `selectsItem`
+    // the first item is selected.
+    static std::shared_ptr<MenuTracker> OpenTitle(std::vector<MenuTitle> titles, size_t first,
+                                                  bool selectsItem);
 
     // Waits until another title's menu than that of `shown` is open, and answers which; nothing
     // once the menus are closed.
@@ -74,7 +76,7 @@ private:
     bool Begin(bool openAnyway);
     void OpenMenu(BMenu& menu, BPoint where, BMenuItem* selected);
 
-    // Titles (MenuTrackerTitles.cpp).
+    // Titles.
     std::optional<size_t> TitleAt(BPoint where) const;
     void ShowTitle(size_t index, bool selects);
     bool FollowTitles(BPoint where);

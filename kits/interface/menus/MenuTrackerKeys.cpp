@@ -6,9 +6,8 @@
 #include "base/Utf8.h"
 #include "kits/app/Message.h"
 #include "kits/interface/menus/Menu.h"
-#include "kits/interface/menus/MenuLock.h"
-#include "kits/interface/menus/MenuMetrics.h"
 #include "kits/interface/menus/MenuTracker.h"
+#include "kits/interface/menus/MenuWindow.h"
 
 namespace {
 

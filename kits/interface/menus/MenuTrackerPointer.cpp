@@ -1,9 +1,9 @@
 #include <cmath>
 
 #include "kits/interface/menus/Menu.h"
-#include "kits/interface/menus/MenuLock.h"
 #include "kits/interface/menus/MenuPlacement.h"
 #include "kits/interface/menus/MenuTracker.h"
+#include "kits/interface/menus/MenuWindow.h"
 
 namespace {
 

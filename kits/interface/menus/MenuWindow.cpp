@@ -8,6 +8,7 @@
 #include "kits/interface/menus/MenuPlacement.h"
 #include "kits/interface/menus/MenuTracker.h"
 #include "kits/interface/window/Screen.h"
+#include "kits/interface/window/WindowRoster.h"
 
 namespace {
 
@@ -28,6 +29,7 @@ BMenuWindow::BMenuWindow()
     : BWindow(BRect(0, 0, 199, 299), "menu", kMenuWindowLook, kMenuWindowFeel,
               B_NOT_RESIZABLE | B_NOT_CLOSABLE) {
     Unlock();
+    WindowRoster::Shared().SetMenuCleaner(DeleteKept);
 }
 
 void BMenuWindow::Prepare() {

@@ -52,3 +52,18 @@ private:
     std::shared_ptr<MenuTracker> fTracker;
     bool fHasRun = false;
 };
+
+// Keeps a menu's window locked.
+class MenuLock {
+public:
+    explicit MenuLock(BMenuWindow& window)
+        : fWindow(window) {
+        fWindow.Lock();
+    }
+    ~MenuLock() { fWindow.Unlock(); }
+    MenuLock(const MenuLock&) = delete;
+    MenuLock& operator=(const MenuLock&) = delete;
+
+private:
+    BMenuWindow& fWindow;
+};

@@ -1,6 +1,5 @@
 #include "kits/interface/menus/PopUpMenu.h"
 
-#include "kits/interface/menus/MenuRegistry.h"
 #include "kits/interface/menus/MenuTracker.h"
 
 BPopUpMenu::BPopUpMenu(const char* name, bool radioMode, bool labelFromMarked, menu_layout layout)

@@ -32,7 +32,6 @@ public:
 
     // Whether a menu that was opened with `async` deletes itself when it is closed.
     void SetAsyncAutoDestruct(bool on) { fAsyncAutoDestruct = on; }
-    bool AsyncAutoDestruct() const { return fAsyncAutoDestruct; }
 
 private:
     bool fAsyncAutoDestruct = false;

@@ -1,7 +1,6 @@
 #include "kits/interface/window/Control.h"
 
 #include "kits/app/Message.h"
-#include "kits/interface/controls/Button.h"
 #include "kits/interface/window/Window.h"
 #include "kits/kernel/OS.h"
 
@@ -28,7 +27,7 @@ void BControl::MouseDown(BPoint) {
 }
 
 void BControl::KeyDown(const char* bytes, int32 numBytes) {
-    BButton* byEnter = Window() ? Window()->DefaultButton() : nullptr;
+    const BControl* byEnter = Window() ? Window()->DefaultButton() : nullptr;
     bool isForThis = byEnter == nullptr || byEnter == this;
     bool invokes = numBytes == 1 && (bytes[0] == B_SPACE || (bytes[0] == B_ENTER && isForThis));
     if (!invokes) {

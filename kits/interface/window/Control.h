@@ -44,6 +44,8 @@ protected:
     void SetTracking(bool tracking) { fTracking = tracking; }
 
 private:
+    bool CanTakeFocus() const override { return fEnabled && BView::CanTakeFocus(); }
+
     std::string fLabel;
     int32 fValue = B_CONTROL_OFF;
     bool fEnabled = true;

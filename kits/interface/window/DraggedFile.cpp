@@ -9,7 +9,7 @@
 #include "base/Utf8.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/drawing/Bitmap.h"
+#include "kits/interface/window/Bitmap.h"
 #include "kits/interface/window/WindowState.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 #include "kits/app/Message.h"
 #include "kits/interface/window/KeyWatchers.h"
@@ -81,6 +80,10 @@ void BView::MessageReceived(BMessage* message) {
         BHandler::MessageReceived(message);
 }
 
+bool BView::HandleShortcut(const BMessage&) {
+    return false;
+}
+
 void BView::WindowActivated(bool) {}
 
 void BView::FrameMoved(BPoint) {}
@@ -135,32 +138,6 @@ int32 BView::CountChildren() const {
 
 BView* BView::ChildAt(int32 index) const {
     return index >= 0 && index < CountChildren() ? fChildren[static_cast<size_t>(index)] : nullptr;
-}
-
-BView* BView::NextSibling() const {
-    if (fParent == nullptr)
-        return nullptr;
-    auto at = std::find(fParent->fChildren.begin(), fParent->fChildren.end(), this);
-    return at + 1 == fParent->fChildren.end() ? nullptr : *(at + 1);
-}
-
-BView* BView::PreviousSibling() const {
-    if (fParent == nullptr)
-        return nullptr;
-    auto at = std::find(fParent->fChildren.begin(), fParent->fChildren.end(), this);
-    return at == fParent->fChildren.begin() ? nullptr : *(at - 1);
-}
-
-BView* BView::FindView(const char* name) {
-    if (name == nullptr)
-        return nullptr;
-    if (std::string_view(Name()) == name)
-        return this;
-    for (BView* child : fChildren) {
-        if (BView* view = child->FindView(name))
-            return view;
-    }
-    return nullptr;
 }
 
 BView* BView::Parent() const {
@@ -219,10 +196,6 @@ void BView::ResizeTo(float width, float height) {
               fFrame.top + Whole(std::max(height, 0.0f))});
 }
 
-void BView::ResizeBy(float width, float height) {
-    ResizeTo(fFrame.Width() + width, fFrame.Height() + height);
-}
-
 // A view that stays where it is keeps what is drawn of it, unless it asks for a full update.
 void BView::SetFrame(BRect frame) {
     BRect before = fFrame;
@@ -274,10 +247,6 @@ BRect BView::ConvertToParent(BRect rect) const {
     return {ConvertToParent(rect.LeftTop()), ConvertToParent(rect.RightBottom())};
 }
 
-BRect BView::ConvertFromParent(BRect rect) const {
-    return {ConvertFromParent(rect.LeftTop()), ConvertFromParent(rect.RightBottom())};
-}
-
 BPoint BView::ConvertToScreen(BPoint point) const {
     BPoint inWindow = point + OriginInWindow();
     return fWindow ? fWindow->ConvertToScreen(inWindow) : inWindow;
@@ -289,10 +258,6 @@ BPoint BView::ConvertFromScreen(BPoint point) const {
 
 BRect BView::ConvertToScreen(BRect rect) const {
     return {ConvertToScreen(rect.LeftTop()), ConvertToScreen(rect.RightBottom())};
-}
-
-BRect BView::ConvertFromScreen(BRect rect) const {
-    return {ConvertFromScreen(rect.LeftTop()), ConvertFromScreen(rect.RightBottom())};
 }
 
 void BView::GetClippingRegion(ClipRegion* region) const {
@@ -353,12 +318,6 @@ void BView::SetViewCursor(const BCursor& cursor) {
 void BView::SetFont(const BFont* font, uint32 mask) {
     if (font != nullptr)
         fFont.SetTo(*font, mask);
-}
-
-void BView::SetFontSize(float size) {
-    BFont font;
-    font.SetSize(size);
-    SetFont(&font, B_FONT_SIZE);
 }
 
 void BView::GetMouse(BPoint* where, uint32* buttons, bool checkMessageQueue) {

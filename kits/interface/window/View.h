@@ -113,10 +113,6 @@ public:
     bool RemoveSelf();
     int32 CountChildren() const;
     BView* ChildAt(int32 index) const; // null past the last
-    BView* NextSibling() const;
-    BView* PreviousSibling() const;
-    // The first view of that name, this one or below it; or null.
-    BView* FindView(const char* name);
 
     // Null in no window. Parent() is also null for a view that was added to the window itself.
     BWindow* Window() const { return fWindow; }
@@ -124,31 +120,24 @@ public:
 
     BRect Frame() const { return fFrame; }
     BRect Bounds() const;
-    BPoint LeftTop() const { return fFrame.LeftTop(); }
     void MoveTo(BPoint where) { MoveTo(where.x, where.y); }
     void MoveTo(float x, float y);
-    void MoveBy(float x, float y) { MoveTo(fFrame.left + x, fFrame.top + y); }
     // `width` is right minus left. Children follow by their resizing modes.
     void ResizeTo(float width, float height);
-    void ResizeBy(float width, float height);
 
     BPoint ConvertToParent(BPoint point) const;
     BPoint ConvertFromParent(BPoint point) const;
     BRect ConvertToParent(BRect rect) const;
-    BRect ConvertFromParent(BRect rect) const;
     // By way of the window's frame; for a view in no window by way of its topmost parent.
     BPoint ConvertToScreen(BPoint point) const;
     BPoint ConvertFromScreen(BPoint point) const;
     BRect ConvertToScreen(BRect rect) const;
-    BRect ConvertFromScreen(BRect rect) const;
 
     // What can be seen of the view itself: without what its parents cut off and its children cover.
     void GetClippingRegion(ClipRegion* region) const;
 
     uint32 Flags() const { return fFlags; }
     virtual void SetFlags(uint32 flags);
-    uint32 ResizingMode() const { return fResizingMode; }
-    void SetResizingMode(uint32 mode) { fResizingMode = mode; }
 
     // Calls are counted: as many Show() as Hide() make it visible again.
     virtual void Hide();
@@ -168,38 +157,28 @@ public:
     virtual void SetHighColor(rgb_color color);
     void SetHighColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255);
     rgb_color HighColor() const { return fHighColor; }
-    // Kept for the view's own use; white unless set.
-    virtual void SetLowColor(rgb_color color);
-    void SetLowColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255);
-    rgb_color LowColor() const { return fLowColor; }
+    // Accepted: nothing is drawn with it.
+    void SetLowColor(rgb_color) {}
 
     // The system's default unless set; kept while a button that was pressed in the view is held.
     void SetViewCursor(const BCursor& cursor);
 
     // How drawing meets what is there; B_OP_COPY unless set.
     virtual void SetDrawingMode(drawing_mode mode) { fDrawingMode = mode; }
-    drawing_mode DrawingMode() const { return fDrawingMode; }
     // Where B_OP_ALPHA takes the alpha of a bitmap from; B_PIXEL_ALPHA unless set. All else is
     // drawn with that of the high colour. What is drawn into a bitmap adds to its alpha, as
     // B_ALPHA_COMPOSITE says; elsewhere the functions do the same.
     void SetBlendingMode(source_alpha source, alpha_function function);
-    void GetBlendingMode(source_alpha* source, alpha_function* function) const;
 
     virtual void SetFont(const BFont* font, uint32 mask = B_FONT_ALL);
     void GetFont(BFont* font) const { *font = fFont; }
-    void SetFontSize(float size);
     void GetFontHeight(font_height* height) const { fFont.GetHeight(height); }
     float StringWidth(const char* string) const { return fFont.StringWidth(string); }
-    float StringWidth(const char* string, int32 length) const {
-        return fFont.StringWidth(string, length);
-    }
 
     // Drawing is in the high colour, clipped to the view. Outside Draw() it is seen at the end of
     // the message that is being handled, or when Flush(), Sync() or GetMouse() is called before
     // that.
-    void MovePenTo(BPoint where) { fPen = where; }
     void MovePenTo(float x, float y) { fPen = BPoint(x, y); }
-    void MovePenBy(float x, float y) { fPen += BPoint(x, y); }
     BPoint PenLocation() const { return fPen; }
     // From `from`, or the pen, to `to`, both ends drawn. The pen is at `to` afterwards.
     void StrokeLine(BPoint from, BPoint to);
@@ -208,15 +187,11 @@ public:
     void FillRect(BRect rect);
     void FillPolygon(const BPoint* points, int32 count);
     void FillEllipse(BRect frame);
-    // With its left-top corner at `where`, or at the pen.
+    // With its left-top corner at `where`.
     void DrawBitmap(const BBitmap* bitmap, BPoint where);
-    void DrawBitmap(const BBitmap* bitmap);
-    // One line that starts at `baseline`, or at the pen; the pen is behind it afterwards. `length`
-    // counts bytes.
+    // One line that starts at `baseline`, or at the pen; the pen is behind it afterwards.
     void DrawString(const char* string);
     void DrawString(const char* string, BPoint baseline);
-    void DrawString(const char* string, int32 length);
-    void DrawString(const char* string, int32 length, BPoint baseline);
 
     // Has all of it, or the part in `rect`, drawn at the end of the message.
     void Invalidate();
@@ -257,6 +232,13 @@ public:
     status_t DragMessage(const BMessage* message, BBitmap* image, drawing_mode mode, BPoint offset,
                          BHandler* replyTo = nullptr);
 
+protected:
+    // Whether Tab may give it the focus.
+    virtual bool CanTakeFocus() const { return (fFlags & B_NAVIGABLE) != 0; }
+    // A press of a key in the window comes to all its views before the focus gets it, until one
+    // answers true: the key was a shortcut of that view.
+    virtual bool HandleShortcut(const BMessage& keyDown);
+
 private:
     friend class BBitmap;
     friend class BTextView;
@@ -287,10 +269,8 @@ private:
     int32 fHideCount = 0;
     rgb_color fViewColor{255, 255, 255, 255};
     rgb_color fHighColor{0, 0, 0, 255};
-    rgb_color fLowColor{255, 255, 255, 255};
     drawing_mode fDrawingMode = B_OP_COPY;
     source_alpha fSourceAlpha = B_PIXEL_ALPHA;
-    alpha_function fAlphaFunction = B_ALPHA_OVERLAY;
     BCursor fCursor;
     BFont fFont;
     BPoint fPen;

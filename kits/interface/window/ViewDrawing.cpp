@@ -1,10 +1,9 @@
-#include "kits/interface/drawing/Bitmap.h"
 #include "kits/interface/drawing/Font.h"
+#include "kits/interface/window/Bitmap.h"
 #include "kits/interface/window/View.h"
 #include "kits/interface/window/WindowState.h"
 
 #include <algorithm>
-#include <cstring>
 
 // Where drawing goes: null while the view is in no window or bitmap, or its window has no picture
 // yet.
@@ -44,24 +43,8 @@ void BView::SetHighColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
     SetHighColor(rgb_color{red, green, blue, alpha});
 }
 
-void BView::SetLowColor(rgb_color color) {
-    fLowColor = color;
-}
-
-void BView::SetLowColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
-    SetLowColor(rgb_color{red, green, blue, alpha});
-}
-
-void BView::SetBlendingMode(source_alpha source, alpha_function function) {
+void BView::SetBlendingMode(source_alpha source, alpha_function) {
     fSourceAlpha = source;
-    fAlphaFunction = function;
-}
-
-void BView::GetBlendingMode(source_alpha* source, alpha_function* function) const {
-    if (source != nullptr)
-        *source = fSourceAlpha;
-    if (function != nullptr)
-        *function = fAlphaFunction;
 }
 
 void BView::StrokeLine(BPoint from, BPoint to) {
@@ -101,10 +84,6 @@ void BView::FillEllipse(BRect frame) {
         canvas->FillEllipse(frame.OffsetByCopy(OriginInWindow()), fHighColor);
 }
 
-void BView::DrawBitmap(const BBitmap* bitmap) {
-    DrawBitmap(bitmap, fPen);
-}
-
 void BView::DrawBitmap(const BBitmap* bitmap, BPoint where) {
     host::Canvas* canvas = Canvas();
     if (canvas == nullptr || bitmap == nullptr || !bitmap->IsValid())
@@ -120,21 +99,11 @@ void BView::DrawString(const char* string) {
 }
 
 void BView::DrawString(const char* string, BPoint baseline) {
-    if (string != nullptr)
-        DrawString(string, static_cast<int32>(strlen(string)), baseline);
-}
-
-void BView::DrawString(const char* string, int32 length) {
-    DrawString(string, length, fPen);
-}
-
-void BView::DrawString(const char* string, int32 length, BPoint baseline) {
-    if (string == nullptr || length < 0)
+    if (string == nullptr)
         return;
-    std::string_view text(string, strnlen(string, static_cast<size_t>(length)));
-    fPen = baseline + BPoint(fFont.StringWidth(string, length), 0);
+    fPen = baseline + BPoint(StringWidth(string), 0);
     if (host::Canvas* canvas = Canvas())
-        canvas->DrawText(SpecOf(fFont), text, baseline + OriginInWindow(), fHighColor);
+        canvas->DrawText(SpecOf(fFont), string, baseline + OriginInWindow(), fHighColor);
 }
 
 void BView::Invalidate() {

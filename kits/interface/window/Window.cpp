@@ -6,24 +6,12 @@
 #include "kits/app/Message.h"
 #include "kits/app/MessageFilter.h"
 #include "kits/app/MessageQueue.h"
-#include "kits/interface/controls/Button.h"
+#include "kits/interface/window/Control.h"
 #include "kits/interface/window/DraggedFile.h"
 #include "kits/interface/window/WindowRoster.h"
 #include "kits/interface/window/WindowState.h"
 
 namespace {
-
-window_look LookOf(window_type type) {
-    switch (type) {
-    case B_BORDERED_WINDOW:
-        return B_BORDERED_WINDOW_LOOK;
-    case B_MODAL_WINDOW:
-        return B_MODAL_WINDOW_LOOK;
-    case B_TITLED_WINDOW:
-        break;
-    }
-    return B_TITLED_WINDOW_LOOK;
-}
 
 // A place of the pointer that it has left already is of no use to anyone.
 filter_result DropOldMoves(BMessage*, BHandler** target, BMessageFilter*) {
@@ -46,11 +34,6 @@ BWindow::BWindow(BRect frame, const char* title, window_look look, window_feel f
     WindowRoster::Shared().Add(this);
 }
 
-BWindow::BWindow(BRect frame, const char* title, window_type type, uint32 flags, uint32 workspaces)
-    : BWindow(frame, title, LookOf(type),
-              type == B_MODAL_WINDOW ? B_MODAL_APP_WINDOW_FEEL : B_NORMAL_WINDOW_FEEL, flags,
-              workspaces) {}
-
 BWindow::~BWindow() {
     WindowRoster::Shared().Remove(this);
     while (BView* child = ChildAt(0)) {
@@ -67,20 +50,8 @@ bool BWindow::RemoveChild(BView* child) {
     return fState->root.RemoveChild(child);
 }
 
-int32 BWindow::CountChildren() const {
-    return fState->root.CountChildren();
-}
-
 BView* BWindow::ChildAt(int32 index) const {
     return fState->root.ChildAt(index);
-}
-
-BView* BWindow::FindView(const char* name) const {
-    for (BView* child : fState->root.fChildren) {
-        if (BView* view = child->FindView(name))
-            return view;
-    }
-    return nullptr;
 }
 
 BView* BWindow::FindView(BPoint where) const {
@@ -154,16 +125,8 @@ void BWindow::MoveTo(float x, float y) {
     fState->SetFrame(BPoint(x, y), fState->width, fState->height);
 }
 
-void BWindow::MoveBy(float x, float y) {
-    MoveTo(fState->place + BPoint(x, y));
-}
-
 void BWindow::ResizeTo(float width, float height) {
     fState->SetFrame(fState->place, width, height);
-}
-
-void BWindow::ResizeBy(float width, float height) {
-    ResizeTo(fState->width + width, fState->height + height);
 }
 
 void BWindow::SetGrip(BRect grip) {
@@ -182,28 +145,6 @@ BRect BWindow::ConvertToScreen(BRect rect) const {
     return rect.OffsetByCopy(fState->place);
 }
 
-BRect BWindow::ConvertFromScreen(BRect rect) const {
-    return rect.OffsetByCopy(-fState->place.x, -fState->place.y);
-}
-
-const char* BWindow::Title() const {
-    return fState->title.c_str();
-}
-
-void BWindow::SetTitle(const char* title) {
-    fState->title = title ? title : "";
-    if (fState->host)
-        fState->host->SetTitle(fState->title);
-}
-
-window_look BWindow::Look() const {
-    return fState->look;
-}
-
-window_feel BWindow::Feel() const {
-    return fState->feel;
-}
-
 status_t BWindow::SetFeel(window_feel feel) {
     if (feel != B_NORMAL_WINDOW_FEEL && feel != B_FLOATING_ALL_WINDOW_FEEL)
         return B_BAD_VALUE;
@@ -211,14 +152,6 @@ status_t BWindow::SetFeel(window_feel feel) {
     if (fState->host)
         fState->host->SetFloating(feel == B_FLOATING_ALL_WINDOW_FEEL);
     return B_OK;
-}
-
-uint32 BWindow::Flags() const {
-    return fState->flags;
-}
-
-uint32 BWindow::Workspaces() const {
-    return fState->workspaces;
 }
 
 void BWindow::SetWorkspaces(uint32 workspaces) {
@@ -229,23 +162,15 @@ void BWindow::SetWorkspaces(uint32 workspaces) {
         fState->host->SetAllDesktops(workspaces == B_ALL_WORKSPACES);
 }
 
-BView* BWindow::CurrentFocus() const {
-    return fState->focus;
-}
-
-void BWindow::SetDefaultButton(BButton* button) {
-    BButton* before = std::exchange(fState->defaultButton, button);
-    if (before == button)
-        return;
-    for (BButton* changed : {before, button}) {
-        if (changed != nullptr) {
-            changed->fDefault = changed == button;
+void BWindow::SetDefaultButton(BControl* button) {
+    BControl* before = std::exchange(fState->defaultButton, button);
+    for (BControl* changed : {before, button}) {
+        if (changed != nullptr && before != button)
             changed->Invalidate();
-        }
     }
 }
 
-BButton* BWindow::DefaultButton() const {
+BControl* BWindow::DefaultButton() const {
     return fState->defaultButton;
 }
 

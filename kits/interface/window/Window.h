@@ -8,12 +8,11 @@
 #include "kits/app/Looper.h"
 #include "kits/interface/drawing/InterfaceDefs.h"
 
-class BButton;
+class BControl;
 class BView;
 
 enum window_look {
     B_BORDERED_WINDOW_LOOK = 20, // a black border of one logical pixel around the content
-    B_NO_BORDER_WINDOW_LOOK = 19,
     B_TITLED_WINDOW_LOOK = 1,
     B_MODAL_WINDOW_LOOK = 3,
     kMenuWindowLook = 1000, // private to the kit: a menu, which the window manager leaves alone
@@ -24,12 +23,6 @@ enum window_feel {
     B_MODAL_APP_WINDOW_FEEL = 1,
     B_FLOATING_ALL_WINDOW_FEEL = 6,
     kMenuWindowFeel = 1000,
-};
-
-enum window_type {
-    B_TITLED_WINDOW = 1,
-    B_MODAL_WINDOW = 3,
-    B_BORDERED_WINDOW = 20,
 };
 
 // Window flags.
@@ -65,16 +58,12 @@ class BWindow : public BLooper {
 public:
     BWindow(BRect frame, const char* title, window_look look, window_feel feel, uint32 flags,
             uint32 workspaces = B_CURRENT_WORKSPACE);
-    BWindow(BRect frame, const char* title, window_type type, uint32 flags,
-            uint32 workspaces = B_CURRENT_WORKSPACE);
     ~BWindow() override;
 
     // Views belong to the window from now on, and are attached at once.
     void AddChild(BView* child, BView* before = nullptr);
     bool RemoveChild(BView* child);
-    int32 CountChildren() const;
-    BView* ChildAt(int32 index) const;
-    BView* FindView(const char* name) const;
+    BView* ChildAt(int32 index) const; // null past the last
     // The deepest visible view there, in the window's coordinates; or null.
     BView* FindView(BPoint where) const;
 
@@ -100,9 +89,7 @@ public:
     // A place is rounded to the display's pixels, a size to whole logical pixels.
     void MoveTo(BPoint where) { MoveTo(where.x, where.y); }
     void MoveTo(float x, float y);
-    void MoveBy(float x, float y);
     void ResizeTo(float width, float height);
-    void ResizeBy(float width, float height);
 
     // The part, in the window's coordinates, that a person moves the window by; the whole window
     // unless it is set. A window whose grip is out of reach when it is first shown, when a press
@@ -113,22 +100,16 @@ public:
     BPoint ConvertToScreen(BPoint point) const;
     BPoint ConvertFromScreen(BPoint point) const;
     BRect ConvertToScreen(BRect rect) const;
-    BRect ConvertFromScreen(BRect rect) const;
 
-    const char* Title() const;
-    void SetTitle(const char* title);
-    window_look Look() const;
-    window_feel Feel() const;
+    // Whether it floats above all windows. B_BAD_VALUE for a feel that a window can only be made
+    // with.
     status_t SetFeel(window_feel feel);
-    uint32 Flags() const;
-    uint32 Workspaces() const;
+    // On all desktops (B_ALL_WORKSPACES), or on the current one.
     void SetWorkspaces(uint32 workspaces);
 
-    // The view that gets the keys, or null: then the window's MessageReceived() gets them.
-    BView* CurrentFocus() const;
     // The button that Enter presses, whichever view has the focus; or null.
-    void SetDefaultButton(BButton* button);
-    BButton* DefaultButton() const;
+    void SetDefaultButton(BControl* button);
+    BControl* DefaultButton() const;
 
     // Draws what waits to be drawn, and shows it.
     void UpdateIfNeeded();

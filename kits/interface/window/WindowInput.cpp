@@ -7,10 +7,7 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
 #include "kits/app/MessageQueue.h"
-#include "kits/interface/controls/Button.h"
-#include "kits/interface/menus/MenuBar.h"
-#include "kits/interface/menus/MenuField.h"
-#include "kits/interface/menus/MenuShortcut.h"
+#include "kits/interface/window/Control.h"
 #include "kits/interface/window/KeyWatchers.h"
 #include "kits/interface/window/WindowState.h"
 #include "kits/kernel/OS.h"
@@ -56,32 +53,11 @@ BPoint Floored(BPoint point) {
     return {std::floor(point.x), std::floor(point.y)};
 }
 
-void CollectNavigable(BView* view, std::vector<BView*>& found) {
-    if (view->IsHidden())
-        return;
-    auto* control = dynamic_cast<BControl*>(view);
-    auto* field = dynamic_cast<BMenuField*>(view);
-    bool isDisabled =
-        (control != nullptr && !control->IsEnabled()) || (field != nullptr && !field->IsEnabled());
-    if ((view->Flags() & B_NAVIGABLE) && !isDisabled)
-        found.push_back(view);
-    for (int32 i = 0; i < view->CountChildren(); i++)
-        CollectNavigable(view->ChildAt(i), found);
-}
-
 // The nearest group that the view is in, or null.
 const BView* GroupOf(const BView* view) {
     while (view != nullptr && (view->Flags() & B_NAVIGABLE_JUMP) == 0)
         view = view->Parent();
     return view;
-}
-
-// The menu that `view` shows, if it is one of those with shortcuts.
-BMenu* MenuOf(BView* view) {
-    if (auto* bar = dynamic_cast<BMenuBar*>(view))
-        return bar;
-    auto* field = dynamic_cast<BMenuField*>(view);
-    return field != nullptr ? field->Menu() : nullptr;
 }
 
 } // namespace
@@ -218,7 +194,7 @@ void BWindow::State::WheelTurned(BMessage& message) {
 }
 
 void BWindow::State::KeyChanged(BMessage& message) {
-    if (message.what == B_KEY_DOWN && InvokeShortcut(message))
+    if (message.what == B_KEY_DOWN && HandleShortcut(root, message))
         return;
     if (focus != nullptr)
         CallKeyHook(*focus, message);
@@ -261,36 +237,25 @@ bool BWindow::State::KeyDownInWindow(const BMessage& message) {
     return focus != nullptr;
 }
 
-bool BWindow::State::InvokeShortcut(const BMessage& message) {
-    constexpr uint32 kModifiers = B_COMMAND_KEY | B_SHIFT_KEY | B_CONTROL_KEY | B_OPTION_KEY;
-    uint32 held = static_cast<uint32>(message.GetInt32("modifiers", 0)) & kModifiers;
-    char character = ShortcutCharacter(message.GetInt32("key", 0), message.GetString("bytes", ""));
-    if ((held & B_COMMAND_KEY) == 0 || character == 0)
-        return false;
-    BMenuItem* item = ItemOfShortcut(root, character, held);
-    if (item == nullptr)
-        return false;
-    if (item->IsSelectable() && !message.HasInt32("be:key_repeat"))
-        item->Invoke();
-    return true;
+bool BWindow::State::HandleShortcut(BView& view, const BMessage& keyDown) {
+    return view.HandleShortcut(keyDown) || std::ranges::any_of(view.fChildren, [&](BView* child) {
+               return HandleShortcut(*child, keyDown);
+           });
 }
 
-BMenuItem* BWindow::State::ItemOfShortcut(BView& view, char character, uint32 modifiers) {
-    if (BMenu* menu = MenuOf(&view)) {
-        menu->GiveDefaultTarget(BMessenger(window));
-        return menu->ItemOfShortcut(character, modifiers);
-    }
-    for (BView* child : view.fChildren) {
-        if (BMenuItem* item = ItemOfShortcut(*child, character, modifiers))
-            return item;
-    }
-    return nullptr;
+void BWindow::State::CollectNavigable(BView& view, std::vector<BView*>& found) {
+    if (view.fHideCount > 0)
+        return;
+    if (view.CanTakeFocus())
+        found.push_back(&view);
+    for (BView* child : view.fChildren)
+        CollectNavigable(*child, found);
 }
 
 // From the focus to the next view that can have it, or to the first one of the next group.
 void BWindow::State::FocusNext(bool backwards, bool byGroup) {
     std::vector<BView*> views;
-    CollectNavigable(&root, views);
+    CollectNavigable(root, views);
     if (views.empty())
         return;
     auto at = views.end();

@@ -11,8 +11,6 @@
 #include "kits/app/AppResources.h"
 #include "kits/app/Application.h"
 #include "kits/app/SessionHooks.h"
-#include "kits/interface/controls/Alert.h"
-#include "kits/interface/menus/MenuTracking.h"
 #include "kits/interface/window/KeyWatchers.h"
 #include "kits/interface/window/Window.h"
 #include "kits/interface/window/WindowState.h"
@@ -92,29 +90,48 @@ BWindow* WindowRoster::MainWindow() const {
     return nullptr;
 }
 
-bool WindowRoster::AddAlert(BAlert* alert) {
+bool WindowRoster::AddAlert(BWindow* alert) {
     std::lock_guard lock(fMutex);
     if (fIsDismissed)
         return false;
     fAlerts.push_back(alert);
     fHasAlert = true;
-    UpdateMenus();
+    if (fCancelMenu)
+        fCancelMenu();
     return true;
 }
 
-void WindowRoster::RemoveAlert(BAlert* alert) {
+void WindowRoster::RemoveAlert(BWindow* alert) {
     std::lock_guard lock(fMutex);
     std::erase(fAlerts, alert);
     fHasAlert = !fAlerts.empty();
-    UpdateMenus();
-    fAlertRemoved.notify_all();
+    fClosed.notify_all();
 }
 
-void WindowRoster::UpdateMenus() {
-    bool allowed = fAlerts.empty() && !fIsDismissed;
-    allow_menus(allowed);
-    if (!allowed)
-        close_all_menus();
+bool WindowRoster::AddMenu(std::function<void()> cancel) {
+    std::lock_guard lock(fMutex);
+    if (fCancelMenu || !fAlerts.empty() || fIsDismissed)
+        return false;
+    fCancelMenu = std::move(cancel);
+    return true;
+}
+
+void WindowRoster::RemoveMenu() {
+    std::function<void()> released; // what it holds is let go unlocked
+    std::lock_guard lock(fMutex);
+    released.swap(fCancelMenu);
+    fClosed.notify_all();
+}
+
+void WindowRoster::CancelMenu() {
+    std::lock_guard lock(fMutex);
+    if (fCancelMenu)
+        fCancelMenu();
+}
+
+void WindowRoster::SetMenuCleaner(void (*deleteWindows)()) {
+    std::lock_guard lock(fMutex);
+    fDeleteMenuWindows = deleteWindows;
 }
 
 void WindowRoster::PointerTaken() {
@@ -133,15 +150,15 @@ void WindowRoster::PointAtAlert() {
 void WindowRoster::Dismiss() {
     std::lock_guard lock(fMutex);
     fIsDismissed = true;
-    UpdateMenus();
-    for (BAlert* alert : fAlerts)
+    if (fCancelMenu)
+        fCancelMenu();
+    for (BWindow* alert : fAlerts)
         alert->PostMessage(B_QUIT_REQUESTED);
 }
 
 void WindowRoster::Allow() {
     std::lock_guard lock(fMutex);
     fIsDismissed = false;
-    UpdateMenus();
 }
 
 // Windows whose threads run; a window that was never shown belongs to its builder.
@@ -170,10 +187,16 @@ bool WindowRoster::QuitWindows() {
         if (BWindow* window = LockWindow(messenger))
             window->Quit();
     }
-    delete_menu_windows();
-    // Alerts were dismissed and are about to be gone.
+    CancelMenu();
     std::unique_lock lock(fMutex);
-    fAlertRemoved.wait_for(lock, std::chrono::seconds(1), [this] { return fAlerts.empty(); });
+    fClosed.wait(lock, [this] { return !fCancelMenu; });
+    const auto deleteMenuWindows = fDeleteMenuWindows;
+    lock.unlock();
+    if (deleteMenuWindows != nullptr)
+        deleteMenuWindows();
+    lock.lock();
+    // Alerts were dismissed and are about to be gone.
+    fClosed.wait_for(lock, std::chrono::seconds(1), [this] { return fAlerts.empty(); });
     return true;
 }
 
@@ -204,17 +227,17 @@ void WindowRoster::FrameChanged(const BWindow* window, const host::PixelRect& fr
 }
 
 void WindowRoster::FocusLeftProgram() {
-    close_all_menus();
+    CancelMenu();
 }
 
 void WindowRoster::MonitorsChanged() {
-    close_all_menus();
+    CancelMenu();
     for (const BMessenger& window : Running())
         window.SendMessage(kBringInside);
 }
 
 void WindowRoster::SettingsChanged() {
-    close_all_menus();
+    CancelMenu();
     std::lock_guard lock(fMutex);
     for (BWindow* window : fWindows)
         window->PostMessage(kSettingsChanged);

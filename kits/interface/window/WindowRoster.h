@@ -2,13 +2,13 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <vector>
 
 #include "host/x11/Display.h"
 #include "kits/app/Messenger.h"
 
-class BAlert;
 class BWindow;
 class EventTranslator;
 
@@ -23,9 +23,17 @@ public:
     void Remove(BWindow* window);
 
     // An alert opens: menus close, and none opens until it is gone. False while all are dismissed.
-    bool AddAlert(BAlert* alert);
-    void RemoveAlert(BAlert* alert);
+    bool AddAlert(BWindow* alert);
+    void RemoveAlert(BWindow* alert);
     bool HasAlert() const { return fHasAlert; }
+    // A menu opens. `cancel` closes it as if the user had; it is called by any thread and must
+    // return at once. False if another menu is open, an alert is, or all are dismissed.
+    bool AddMenu(std::function<void()> cancel);
+    // It is closed: `cancel` is not called any more.
+    void RemoveMenu();
+    void CancelMenu();
+    // What deletes the menus' windows when the program's windows quit and no menu is open.
+    void SetMenuCleaner(void (*deleteWindows)());
     // A menu's window has the pointer: presses in the others have ended.
     void PointerTaken();
     // Shows the user that it is an alert that waits for an answer.
@@ -57,15 +65,16 @@ private:
 
     BWindow* MainWindow() const;
     std::vector<BMessenger> Running() const;
-    void UpdateMenus();
 
     std::atomic<bool> fHasAlert = false;
     std::atomic<const EventTranslator*> fActiveAlert = nullptr;
     mutable std::mutex fMutex;
     // Guarded by fMutex.
-    std::condition_variable fAlertRemoved;
+    std::condition_variable fClosed; // an alert or a menu
     std::vector<BWindow*> fWindows;
-    std::vector<BAlert*> fAlerts;
+    std::vector<BWindow*> fAlerts;
+    std::function<void()> fCancelMenu; // of the open menu
+    void (*fDeleteMenuWindows)() = nullptr;
     host::PixelRect fMainFrame;
     bool fIsDismissed = false;
 };

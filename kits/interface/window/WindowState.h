@@ -12,7 +12,6 @@
 #include "kits/interface/window/View.h"
 #include "kits/interface/window/Window.h"
 
-class BMenuItem;
 class DraggedFile;
 
 inline constexpr uint32 kPressTaken = '_kpt'; // another window has the pointer now
@@ -77,9 +76,9 @@ struct BWindow::State {
     // False if the message is none that a view gets by its event mask.
     bool WatchedKeyChanged(BView& view, BMessage& message);
     bool KeyDownInWindow(const BMessage& message);
-    bool InvokeShortcut(const BMessage& message);
-    BMenuItem* ItemOfShortcut(BView& view, char character, uint32 modifiers);
+    bool HandleShortcut(BView& view, const BMessage& keyDown);
     void FocusNext(bool backwards, bool byGroup);
+    static void CollectNavigable(BView& view, std::vector<BView*>& found);
     void Activated(bool isActive, bigtime_t when);
     void GetMouse(const BView& poller, BPoint* where, uint32* buttons, bool checkQueue);
     bool TakeMouseMessage(const BView& poller, BPoint* where, uint32* buttons);
@@ -125,7 +124,7 @@ struct BWindow::State {
     uint32 buttons = 0;
     BPoint lastWhere;
     std::shared_ptr<DraggedFile> draggedFile; // of the last drag
-    BButton* defaultButton = nullptr;
+    BControl* defaultButton = nullptr;
 
     BView root; // parent of the views that were added to the window
     EventTranslator translator;

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "kits/interface/drawing/Bitmap.h"
+#include "kits/interface/window/Bitmap.h"
 #include "kits/interface/window/View.h"
 
 namespace {

@@ -6,7 +6,8 @@
 
 #include "host/x11/Display.h"
 #include "kits/app/AppDefs.h"
-#include "kits/interface/menus/MenuTracking.h"
+#include "kits/interface/menus/MenuWindow.h"
+#include "kits/interface/window/WindowRoster.h"
 #include "tests/kits/interface/MenuDesktop.h"
 
 using test::Box;
@@ -94,7 +95,7 @@ TEST_F(MenuClosing, DismissalFromAnotherThreadClosesAllLevels) {
     Open();
     Click(menu.ItemAt(0));
     ASSERT_TRUE(WaitForMenus(2));
-    std::thread(close_all_menus).join();
+    std::thread([] { WindowRoster::Shared().CancelMenu(); }).join();
     EXPECT_EQ(Answer(), nullptr);
     EXPECT_TRUE(Menus().empty());
     EXPECT_TRUE(IsInputFree());
@@ -103,9 +104,9 @@ TEST_F(MenuClosing, DismissalFromAnotherThreadClosesAllLevels) {
 // Another program that holds the keyboard is a case of the whole program's tests.
 TEST_F(MenuClosing, NoneOpensWhileItMayNotOrAnotherHasTheInput) {
     AddThree();
-    allow_menus(false);
+    WindowRoster::Shared().Dismiss();
     EXPECT_EQ(menu.Go(BPoint(100, 100), false, true), nullptr);
-    allow_menus(true);
+    WindowRoster::Shared().Allow();
     EXPECT_EQ(menu.Go(BPoint(100, 100)), nullptr) << "for a press, with no button down";
     xcb_grab_pointer_unchecked(desktop.Connection(), 0, desktop.Root(), 0, XCB_GRAB_MODE_ASYNC,
                                XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
@@ -161,7 +162,7 @@ TEST_F(MenuClosing, ManyOpeningsLeaveNothingBehind) {
         else if (round % 3 == 1)
             robot.Key(XK_Return);
         else
-            close_all_menus();
+            WindowRoster::Shared().CancelMenu();
         Answer();
     };
     auto countWindows = [&] {
@@ -177,7 +178,7 @@ TEST_F(MenuClosing, ManyOpeningsLeaveNothingBehind) {
     EXPECT_TRUE(WaitUntil([&] { return CountThreads() <= threads; }));
     EXPECT_EQ(countWindows(), windows);
 
-    delete_menu_windows();
+    BMenuWindow::DeleteKept();
     EXPECT_EQ(countWindows(), windows - 2);
 }
 

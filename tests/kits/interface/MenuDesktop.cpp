@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "kits/interface/menus/MenuTracking.h"
+#include "kits/interface/window/WindowRoster.h"
 
 using test::Box;
 using test::WaitUntil;
@@ -39,7 +39,7 @@ std::vector<BMessage> MessageCatcher::Caught() {
 }
 
 MenuTest::~MenuTest() {
-    close_all_menus();
+    WindowRoster::Shared().CancelMenu();
     if (fAnswer.valid())
         fAnswer.wait();
 }
@@ -75,7 +75,7 @@ void MenuTest::Open(int x, int y, bool deliversMessage) {
 BMenuItem* MenuTest::Answer() {
     if (fAnswer.wait_for(test::kDeadline) != std::future_status::ready) {
         ADD_FAILURE() << "the menu is still open";
-        close_all_menus();
+        WindowRoster::Shared().CancelMenu();
     }
     return fAnswer.get();
 }

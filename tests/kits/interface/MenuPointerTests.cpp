@@ -36,7 +36,7 @@ TEST_F(MenuPointer, TheChosenItemSaysWhereItCameFromAfterTheMenuClosed) {
     AddThree();
     menu.ItemAt(1)->Message()->AddInt32("folder", 4);
     MessageCatcher* catcher = MessageCatcher::Start();
-    menu.SetTargetForItems(catcher);
+    menu.SetTargetForItems(BMessenger(catcher));
     Open(100, 100, true);
     Click(menu.ItemAt(1));
     const std::vector<BMessage> caught = catcher->WaitFor(1);

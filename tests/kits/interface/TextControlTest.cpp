@@ -61,7 +61,9 @@ bool TextControlTest::WaitForSelection(int32 start, int32 end) {
 
 float TextControlTest::PlaceOf(int32 offset) {
     float width = 0;
-    WithLock(window, [&] { width = field->StringWidth(first->Text(), offset); });
+    WithLock(window, [&] {
+        width = field->StringWidth(std::string(first->Text(), static_cast<size_t>(offset)).c_str());
+    });
     return kMargin + width;
 }
 

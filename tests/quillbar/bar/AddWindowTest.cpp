@@ -31,6 +31,23 @@ using test::WaitUntil;
 
 namespace {
 
+BView* ViewNamed(BView& top, std::string_view name) {
+    if (top.Name() == name)
+        return &top;
+    for (int32 i = 0; i < top.CountChildren(); ++i) {
+        if (BView* view = ViewNamed(*top.ChildAt(i), name))
+            return view;
+    }
+    return nullptr;
+}
+
+BView* ViewNamed(const BWindow& window, std::string_view name) {
+    BView* view = nullptr;
+    for (int32 i = 0; view == nullptr && window.ChildAt(i) != nullptr; ++i)
+        view = ViewNamed(*window.ChildAt(i), name);
+    return view;
+}
+
 class AddWindowTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -69,14 +86,14 @@ protected:
     static std::string Text(const char* name) {
         std::string text;
         InIt([&](QBBookmarkWindow& window) {
-            text = dynamic_cast<BTextControl&>(*window.FindView(name)).Text();
+            text = dynamic_cast<BTextControl&>(*ViewNamed(window, name)).Text();
         });
         return text;
     }
     static std::string Marked(const char* name) {
         std::string label;
         InIt([&](QBBookmarkWindow& window) {
-            label = dynamic_cast<BMenuField&>(*window.FindView(name)).ShownLabel();
+            label = dynamic_cast<BMenuField&>(*ViewNamed(window, name)).ShownLabel();
         });
         return label;
     }
@@ -132,9 +149,9 @@ TEST_F(AddWindowTest, EverythingHasItsPlaceAndRoomForItsLabel) {
     InIt([](QBBookmarkWindow& window) {
         EXPECT_EQ(window.Bounds(), BRect(0, 0, 330, 380));
         EXPECT_EQ(window.Frame().LeftTop(), BPoint(474.5, 259.5));
-        EXPECT_EQ(window.DefaultButton(), window.FindView("qb_abview_add"));
+        EXPECT_EQ(static_cast<BView*>(window.DefaultButton()), ViewNamed(window, "qb_abview_add"));
         std::set<std::string> labels;
-        ExpectFits(*window.FindView("qb_abview"), labels);
+        ExpectFits(*ViewNamed(window, "qb_abview"), labels);
         EXPECT_EQ(labels.size(), 3 + 10 + 3 + 4 + 2);
     });
 }
@@ -179,7 +196,7 @@ TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     fs::rename(Root() / "2 - News", Root() / "2 - Press");
     EXPECT_TRUE(TextBecomes("qb_location_keyword", "Press"));
     InIt([](QBBookmarkWindow& window) {
-        dynamic_cast<BTextControl&>(*window.FindView("qb_editinfo_url")).SetText("typed");
+        dynamic_cast<BTextControl&>(*ViewNamed(window, "qb_editinfo_url")).SetText("typed");
     });
     fs::rename(Root() / "1 - Other", Root() / "1 - Another");
     EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://paper"));
@@ -194,8 +211,8 @@ TEST_F(AddWindowTest, WhatCannotBeSavedIsReportedAndNotLost) {
     preset.AddInt32("slot", 8);
     Open(preset);
     InIt([](QBBookmarkWindow& window) {
-        dynamic_cast<BTextControl&>(*window.FindView("qb_editinfo_name")).SetText("Long");
-        dynamic_cast<BTextControl&>(*window.FindView("qb_editinfo_url"))
+        dynamic_cast<BTextControl&>(*ViewNamed(window, "qb_editinfo_name")).SetText("Long");
+        dynamic_cast<BTextControl&>(*ViewNamed(window, "qb_editinfo_url"))
             .SetText(std::string(100'000, 'u').c_str());
         window.PostMessage(kQBAddIt);
     });

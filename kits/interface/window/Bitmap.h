@@ -35,17 +35,13 @@ public:
 
     bool Lock();
     void Unlock();
-    bool IsLocked() const;
 
     // Null but for B_CMAP8: rows from the top, each of BytesPerRow() bytes.
     uint8* Bits();
-    const uint8* Bits() const;
     int32 BytesPerRow() const;
 
     // The view belongs to the bitmap from now on. Nothing is added to one that accepts no views.
     void AddChild(BView* child);
-    // The caller owns `child` again. False if it is no child of the bitmap.
-    bool RemoveChild(BView* child);
 
     // Its pixels as they are: those of B_RGBA32 in the display's resolution, one for each logical
     // pixel of B_CMAP8. Valid until the bitmap changes or is deleted. For the kit.

@@ -1,4 +1,4 @@
-#include "kits/interface/drawing/Bitmap.h"
+#include "kits/interface/window/Bitmap.h"
 
 #include <algorithm>
 #include <cmath>
@@ -96,15 +96,7 @@ void BBitmap::Unlock() {
     fState->lock.Unlock();
 }
 
-bool BBitmap::IsLocked() const {
-    return fState->lock.IsLocked();
-}
-
 uint8* BBitmap::Bits() {
-    return fState->bits.empty() ? nullptr : fState->bits.data();
-}
-
-const uint8* BBitmap::Bits() const {
     return fState->bits.empty() ? nullptr : fState->bits.data();
 }
 
@@ -115,10 +107,6 @@ int32 BBitmap::BytesPerRow() const {
 void BBitmap::AddChild(BView* child) {
     if (fState->acceptsViews)
         fState->root.AddChild(child);
-}
-
-bool BBitmap::RemoveChild(BView* child) {
-    return fState->root.RemoveChild(child);
 }
 
 host::Image BBitmap::Picture() const {

@@ -1,10 +1,10 @@
-#include "kits/interface/drawing/MimeType.h"
+#include "kits/interface/window/MimeType.h"
 
 #include <span>
 #include <string_view>
 
 #include "base/Errors.h"
-#include "kits/interface/drawing/Bitmap.h"
+#include "kits/interface/window/Bitmap.h"
 
 namespace {
 
