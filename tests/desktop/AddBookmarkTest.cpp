@@ -59,8 +59,7 @@ TEST_F(AddBookmarkTest, KeysMakeABookmark) {
     fDesk.Type("../x");
     fDesk.Key(XK_Return);
     DismissAlert();
-    ASSERT_TRUE(WindowCloses());
-    OpenWindow();
+    WaitForWindow();
     Alt(XK_d);
     ASSERT_TRUE(AlertOpens());
     EXPECT_EQ(fProgram.Stop(), 0);

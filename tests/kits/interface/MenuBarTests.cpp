@@ -133,6 +133,16 @@ TEST_F(WindowMenus, TheBarsMenusFollowThePointerAndTheArrowKeys) {
     EXPECT_TRUE(WaitForMessages({'open', 'undo'}));
 }
 
+TEST_F(WindowMenus, F10OpensTheBarAtItsFirstItem) {
+    WithLock(window, [&] { other->MakeFocus(true); });
+    robot.Key(XK_F10);
+    ASSERT_TRUE(WaitForOpen(file));
+    EXPECT_TRUE(WaitForHighlight(file->ItemAt(0)));
+    robot.Key(XK_Return);
+    EXPECT_TRUE(WaitForMessages({'open'}));
+    EXPECT_TRUE(WaitForMenus(0));
+}
+
 TEST_F(WindowMenus, ShortcutsInvokeEnabledItemsBeforeTheFocusGetsTheKey) {
     WithLock(window, [&] { other->MakeFocus(true); });
     Press(XK_Alt_L, XK_t);
