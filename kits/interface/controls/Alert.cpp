@@ -10,6 +10,7 @@
 #include "kits/app/Invoker.h"
 #include "kits/app/Message.h"
 #include "kits/interface/controls/Button.h"
+#include "kits/interface/controls/ScrolledText.h"
 #include "kits/interface/text/TextView.h"
 #include "kits/interface/window/KeyWatchers.h"
 #include "kits/interface/window/Screen.h"
@@ -179,7 +180,8 @@ BAlert::BAlert(const char* title, const char* text, const char* button1, const c
                               B_WILL_DRAW);
     fTextView->SetViewColor(background->ViewColor());
     fTextView->SetText(text);
-    background->AddChild(fTextView);
+    fPane = new ScrolledText(fTextView);
+    background->AddChild(fPane);
     for (const char* label : {button1, button2, button3}) {
         if (label == nullptr || label[0] == '\0')
             continue;
@@ -231,11 +233,10 @@ void BAlert::MessageReceived(BMessage* message) {
 }
 
 void BAlert::DispatchMessage(BMessage* message, BHandler* handler) {
-    bool isEscape = message->what == B_KEY_DOWN && !message->HasInt32("be:key_repeat") &&
-                    message->GetString("bytes", "")[0] == B_ESCAPE;
-    if (isEscape && fButtonCount == 1)
+    const char key = message->what == B_KEY_DOWN ? message->GetString("bytes", "")[0] : '\0';
+    if (key == B_ESCAPE && fButtonCount == 1 && !message->HasInt32("be:key_repeat"))
         fButtons[0]->Invoke();
-    else
+    else if (!fPane->ScrollByKey(key))
         BWindow::DispatchMessage(message, handler);
 }
 
@@ -287,8 +288,9 @@ void BAlert::LayOut() {
     textHeight = std::min(textHeight, maxHeight - around);
 
     ResizeTo(width, textHeight + around);
-    fTextView->MoveTo(textLeft, kMargin);
-    fTextView->ResizeTo(width - textLeft - kMargin, textHeight);
+    fPane->MoveTo(textLeft, kMargin);
+    fPane->ResizeTo(width - textLeft - kMargin, textHeight);
+    fPane->LayOut();
     float right = width - kButtonMargin;
     for (int32 i = fButtonCount - 1; i >= 0; i--) {
         BRect frame = fButtons[i]->Frame();

@@ -7,6 +7,7 @@
 class BButton;
 class BInvoker;
 class BTextView;
+class ScrolledText;
 
 enum alert_type {
     B_EMPTY_ALERT = 0,
@@ -21,7 +22,7 @@ enum alert_type {
 //
 // The last button is the default one, pressed by Enter; Escape presses the only button of an alert
 // with one. It is placed in the middle of the monitor where the program's main window is, and is
-// never larger than that monitor.
+// never larger than that monitor: a text that has no room scrolls.
 class BAlert : public BWindow {
 public:
     // Labels are copied; null for a button that is not there.
@@ -55,6 +56,7 @@ private:
     float SizeButtons(float maxWidth, float* height);
 
     BTextView* fTextView = nullptr;
+    ScrolledText* fPane = nullptr; // around it
     BButton* fButtons[3] = {};
     int32 fButtonCount = 0;
     const button_width fButtonWidth;

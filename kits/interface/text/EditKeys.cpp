@@ -7,6 +7,10 @@
 
 namespace {
 
+// Raw key codes.
+constexpr int32 kMenuKey = 0x68;
+constexpr int32 kF10Key = 0x0b;
+
 // By the platform's codes of the keys where these letters are on a Latin keyboard.
 char LetterAt(int32 key) {
     switch (key) {
@@ -85,6 +89,9 @@ EditKey EditKeyOf(const BMessage& keyDown) {
     bool isShifted = (held & B_SHIFT_KEY) != 0;
     bool isControlled = (held & B_CONTROL_KEY) != 0;
     bool isCommanded = (held & B_COMMAND_KEY) != 0;
+    const int32 code = keyDown.GetInt32("key", 0);
+    if (code == kMenuKey || (code == kF10Key && isShifted && !isControlled && !isCommanded))
+        return {EditAction::OpenMenu};
     auto first = static_cast<unsigned char>(bytes[0]);
     if (first == 0 || (held & B_OPTION_KEY) != 0 || (isControlled && isCommanded))
         return {};

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
 #include "kits/interface/menus/MenuItem.h"
 #include "kits/interface/menus/PopUpMenu.h"
@@ -53,6 +54,9 @@ bool TextField::HandleKey(EditKey key, std::string_view typed) {
         return false;
     case EditAction::Type:
         Insert(typed, UndoHistory::Kind::Typing);
+        return true;
+    case EditAction::OpenMenu:
+        OpenMenu(CaretFrame().LeftBottom());
         return true;
     case EditAction::SelectAll:
         SelectAll();
@@ -214,6 +218,10 @@ void TextField::DragTo(BPoint where) {
 
 void TextField::MessageReceived(BMessage* message) {
     switch (message->what) {
+    case B_UNMAPPED_KEY_DOWN:
+        if (!HandleKey(EditKeyOf(*message), {}))
+            BTextView::MessageReceived(message);
+        break;
     case kBlinkTick:
         Blink(*message);
         break;

@@ -167,6 +167,25 @@ TEST_F(TextControlTest, TheSecondaryButtonOffersWhatCanBeDone) {
     WaitForText("");
 }
 
+TEST_F(TextControlTest, TheMenuKeyAndShiftF10OpenTheMenuAtTheCaret) {
+    SetText("caret", 5);
+    const auto menus = [&](size_t count) {
+        return test::WaitUntil([&] { return screen.Shown("POPUP_MENU").size() == count; });
+    };
+    for (const bool isMenuKey : {true, false}) {
+        if (isMenuKey)
+            Key(XK_Menu);
+        else
+            Key(XK_F10, {XK_Shift_L});
+        ASSERT_TRUE(menus(1));
+        const BPoint caret = OnScreen(field, BPoint(PlaceOf(5), 0));
+        EXPECT_NEAR(screen.Shown("POPUP_MENU")[0].frame.x, caret.x, 3);
+        robot.Key(XK_Escape);
+        ASSERT_TRUE(menus(0));
+    }
+    EXPECT_TRUE(WaitForText("caret"));
+}
+
 TEST_F(TextControlTest, TheCaretBlinksWhileTheWindowIsActive) {
     SetText("");
     const auto isSeen = [&] { return PixelAt(field, {kMargin, 8}) == 0x000000; };
