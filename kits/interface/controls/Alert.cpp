@@ -146,7 +146,7 @@ void AlertIcon::DrawStop() {
 
 } // namespace
 
-// Outlives the alert, for whoever waits in Go().
+// Outlives the alert: a thread may wait in Go().
 struct BAlert::Answer {
     std::mutex mutex;
     std::condition_variable given;
@@ -245,7 +245,7 @@ bool BAlert::QuitRequested() {
     return false;
 }
 
-// Whoever waited may open a menu or the next alert at once: this one is out of the way by then.
+// The thread that waited may open a menu or the next alert at once: this one goes first.
 void BAlert::Close(int32 which) {
     WindowRoster::Shared().RemoveAlert(this);
     if (fState->host)

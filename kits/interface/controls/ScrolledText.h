@@ -9,7 +9,7 @@ public:
     // Belongs to this view, which places it.
     explicit ScrolledText(BTextView* text);
 
-    // Breaks the lines of the text anew and shows its beginning. Called when the text or the size
+    // Breaks the text into lines and shows its beginning. Called when the text or the size
     // of this view has changed.
     void LayOut();
 

@@ -23,7 +23,7 @@ void ClipRegion::Include(BRect rect) {
         fRects = {Frame()};
 }
 
-// What is left of a rectangle lies above, below, left and right of the hole.
+// The rest of a rectangle lies above, below, left and right of the hole.
 void ClipRegion::Exclude(BRect hole) {
     std::vector<BRect> left;
     for (const BRect& rect : fRects) {

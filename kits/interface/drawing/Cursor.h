@@ -15,7 +15,7 @@ enum view_cursor {
     B_HAND_CURSOR = B_SYSTEM_DEFAULT_CURSOR,
 };
 
-// What the pointer looks like over a view. A value.
+// The look of the pointer over a view. A value.
 class BCursor {
 public:
     BCursor(view_cursor cursor = B_SYSTEM_DEFAULT_CURSOR)

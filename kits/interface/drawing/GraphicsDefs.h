@@ -3,7 +3,7 @@
 #include "base/Color.h"
 #include "base/Types.h"
 
-// What the pixels of a bitmap are.
+// The format of a bitmap's pixels.
 enum color_space : uint32 {
     B_RGBA32 = 0x2008, // colour and alpha
     B_CMAP8 = 0x0004,  // one byte, an index into the palette
@@ -12,7 +12,7 @@ enum color_space : uint32 {
 // How drawing meets what is there.
 enum drawing_mode {
     B_OP_COPY = 0,   // takes its place; into a bitmap with alpha also the colour's alpha
-    B_OP_ALPHA = 10, // covers it as far as alpha says
+    B_OP_ALPHA = 10, // covers it in proportion to alpha
 };
 
 enum source_alpha {
@@ -28,5 +28,5 @@ enum alpha_function {
 inline constexpr rgb_color B_TRANSPARENT_COLOR{0x77, 0x74, 0x77, 0};
 
 // The palette of B_CMAP8: red, green and blue in six even steps each, then grey in 39 steps, and
-// last the pixel that is none.
+// last the transparent pixel.
 inline constexpr uint8 B_TRANSPARENT_MAGIC_CMAP8 = 0xff;

@@ -27,7 +27,7 @@ enum : uint32 {
 // display. Any thread.
 void get_mouse(BPoint* where, uint32* buttons);
 
-// What special keys type, as the first byte of the field "bytes".
+// The first byte of the field "bytes" for special keys.
 enum : char {
     B_HOME = 0x01,
     B_END = 0x04,

@@ -97,7 +97,7 @@ private:
     // Items without a target, here and below, get this one.
     void GiveDefaultTarget(const BMessenger& target);
     // Invokes the enabled item whose shortcut the key is; items without a target send to `window`.
-    // False if the key is no item's.
+    // False if no item has that key.
     bool InvokeShortcut(const BMessage& keyDown, const BMessenger& window);
     // The item that the key of this character with these modifiers invokes, here or below; or null.
     BMenuItem* ItemOfShortcut(char character, uint32 modifiers) const;

@@ -13,8 +13,8 @@ class BMenuItem;
 class BMenuField : public BView {
 public:
     // The menu belongs to the field. The box shows the label of the marked item if the menu is one
-    // that SetLabelFromMarked() was told, or else the menu's name. With `fixedSize` the box goes to
-    // the right side of the field, else it is as wide as what it shows.
+    // that takes its label from the marked item, or else the menu's name. With `fixedSize` the box
+    // goes to the right side of the field, else it is as wide as what it shows.
     BMenuField(BRect frame, const char* name, const char* label, BMenu* menu, bool fixedSize,
                uint32 resizingMode = B_FOLLOW_LEFT | B_FOLLOW_TOP,
                uint32 flags = B_WILL_DRAW | B_NAVIGABLE);
@@ -26,7 +26,7 @@ public:
     void SetDivider(float divider);
     float Divider() const { return fDivider; }
 
-    // What the box shows, and how much of it has room there, in logical pixels.
+    // The text in the box, and the room for it, in logical pixels.
     std::string ShownLabel() const;
     float RoomForShownLabel() const;
 

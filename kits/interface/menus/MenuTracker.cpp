@@ -196,7 +196,7 @@ bool MenuTracker::HandleInput(const BMessage& message) {
     }
 }
 
-// Their own threads draw only what they are told of by messages.
+// Their own threads draw only after a message.
 void MenuTracker::UpdateSubmenus() {
     for (size_t i = 1; i < fLevels.size(); i++) {
         const MenuLock lock(*fLevels[i].window);

@@ -54,10 +54,10 @@ public:
 
     // The rest is for the thread of the first menu's window.
 
-    // False if the message is none of the tracker's.
+    // False if the message is not for the tracker.
     bool HandleMessage(const BMessage& message);
 
-    // What keys do in a menu that has none of its own.
+    // The keys of a menu that does not handle them itself.
     void KeyDown(BMenu& menu, const char* bytes, int32 numBytes);
 
 private:
@@ -66,7 +66,7 @@ private:
         BMenu* menu;
     };
 
-    // What a timer waits for.
+    // The purpose of the running timer.
     enum class Timer { OpenSubmenu, StopAiming, Scroll, StopSwallowing };
 
     explicit MenuTracker(bool invokes);

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The first character of UTF-8 text in lower case; its first byte if it is no UTF-8, 0 if empty.
+// The first character in lower case; the first byte of a text that is not UTF-8, 0 of none.
 wint_t FirstLetter(std::string_view text) {
     static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     if (text.empty())

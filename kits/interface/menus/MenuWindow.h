@@ -30,7 +30,7 @@ public:
 
     // Shows the menu, which stays its owner's, at `frame` of the screen. Locked.
     void Open(BMenu& menu, BRect frame, MenuTracker& tracker);
-    // Hides the window, and lets the menu go. Locked.
+    // Hides the window and removes the menu from it. Locked.
     void Close();
 
     // The tracker sees all input of this window first. Locked.

@@ -2,7 +2,7 @@
 
 #include "kits/interface/menus/Menu.h"
 
-// A menu that opens where and when the program says.
+// A menu that the program opens.
 //
 // It closes when an item is chosen, with Escape, with a click beside it (which does nothing else),
 // when the focus goes to another program, when the monitors change, and when the program quits. A
@@ -26,7 +26,7 @@ public:
     // quits), or if there is nothing in it; null after 0.3 s if another program holds pointer or
     // keyboard. Any thread; locks that the caller holds are not needed.
     //
-    // With SetAsyncAutoDestruct() an `async` call takes the menu over, whatever comes of it.
+    // After SetAsyncAutoDestruct() an `async` call owns the menu, even if it does not open.
     BMenuItem* Go(BPoint where, bool deliversMessage = false, bool openAnyway = false,
                   bool async = false);
 

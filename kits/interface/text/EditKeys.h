@@ -32,8 +32,7 @@ struct EditKey {
     bool extends = false; // a move that takes the end of the selection with it
 };
 
-// The action of the key in a B_KEY_DOWN or B_UNMAPPED_KEY_DOWN message for a field of one line: the
-// Menu key and Shift+F10 open its menu. The letters of the editing
-// commands go with the Command key and with Control; on a keyboard whose letters are not Latin
-// their places count.
+// The action of the key in a B_KEY_DOWN or B_UNMAPPED_KEY_DOWN message for a field of one line. The
+// letters of the editing commands go with the Command key and with Control; on a keyboard whose
+// letters are not Latin their places count.
 EditKey EditKeyOf(const BMessage& keyDown);

@@ -12,7 +12,7 @@ enum icon_size {
     B_MINI_ICON = 16,
 };
 
-// What is known about a type of files. It belongs to this kit because it draws. Any thread.
+// A type of files and its icon. It belongs to this kit because it draws. Any thread.
 class BMimeType {
 public:
     explicit BMimeType(const char* type)

@@ -41,7 +41,7 @@ enum : uint32 {
     B_NAVIGABLE_JUMP = 0x08000000,        // Control-Tab goes from this group of views to the next
 };
 
-// What `transit` of MouseMoved() says about the pointer.
+// Where the pointer is, as `transit` of MouseMoved().
 enum : uint32 {
     B_ENTERED_VIEW,
     B_INSIDE_VIEW,
@@ -75,7 +75,7 @@ public:
     // Removes it from its parent and deletes its children.
     ~BView() override;
 
-    // Hooks. What they do here is said where they do something.
+    // Hooks. Those without a comment on it do nothing here.
     virtual void AttachedToWindow();   // parents first
     virtual void AllAttached();        // after all views below are attached
     virtual void DetachedFromWindow(); // parents first; the window is still there
@@ -108,7 +108,7 @@ public:
     // Puts `child` before the sibling `before`, or last. It must have no parent yet. The view owns
     // it from now on.
     void AddChild(BView* child, BView* before = nullptr);
-    // The caller owns `child` again. False if it is no child of this view.
+    // The caller owns `child` again. False if `child` has another parent.
     bool RemoveChild(BView* child);
     bool RemoveSelf();
     int32 CountChildren() const;
@@ -133,7 +133,7 @@ public:
     BPoint ConvertFromScreen(BPoint point) const;
     BRect ConvertToScreen(BRect rect) const;
 
-    // What can be seen of the view itself: without what its parents cut off and its children cover.
+    // The visible part of the view itself: its parents cut it off, its children cover it.
     void GetClippingRegion(ClipRegion* region) const;
 
     uint32 Flags() const { return fFlags; }
@@ -153,7 +153,7 @@ public:
     virtual void SetViewColor(rgb_color color);
     void SetViewColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255);
     rgb_color ViewColor() const { return fViewColor; }
-    // What is drawn with; black unless set.
+    // The colour of lines, fills and texts; black unless set.
     virtual void SetHighColor(rgb_color color);
     void SetHighColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255);
     rgb_color HighColor() const { return fHighColor; }

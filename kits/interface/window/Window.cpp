@@ -216,7 +216,7 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
     }
     switch (message->what) {
     case B_MOUSE_DOWN:
-        // A window manager activates first and hands the press on afterwards.
+        // A window manager activates first and passes the press on afterwards.
         fState->isActivating = message->GetInt64("when", 0) < fState->activeSince;
         fState->MouseDown(*message);
         fState->isActivating = false;

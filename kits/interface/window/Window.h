@@ -117,7 +117,7 @@ public:
     void Flush() const;
     void Sync() const;
 
-    // Hooks; those that do something here say so.
+    // Hooks. They do nothing here but for QuitRequested().
     virtual void WindowActivated(bool active);
     virtual void FrameMoved(BPoint newPosition);
     virtual void FrameResized(float width, float height);

@@ -312,7 +312,7 @@ bool BWindow::State::TakeMouseMessage(const BView& poller, BPoint* where, uint32
     std::unique_ptr<BMessage> taken;
     for (int32 i = 0; BMessage* message = queue->FindMessage(i);) {
         bool isNext = IsMouseMessage(message);
-        // A move that another mouse message follows tells nothing.
+        // A move that another mouse message follows is out of date.
         if (taken && (!isNext || taken->what != B_MOUSE_MOVED))
             break;
         if (isNext) {

@@ -32,7 +32,7 @@ public:
     // It is closed: `cancel` is not called any more.
     void RemoveMenu();
     void CancelMenu();
-    // What deletes the menus' windows when the program's windows quit and no menu is open.
+    // `deleteWindows` is called when the program's windows have quit and no menu is open.
     void SetMenuCleaner(void (*deleteWindows)());
     // A menu's window has the pointer: presses in the others have ended.
     void PointerTaken();

@@ -13,7 +13,7 @@ namespace {
 constexpr float kMaxSide = 16000;
 constexpr float kEnoughGrip = 20; // wide and high, to be taken hold of
 
-// What a program asks for may come from a settings file.
+// A program's numbers may come from a settings file.
 float UsablePlace(float at) {
     return std::isnan(at) ? 0 : std::clamp(at, -32000.0f, 32000.0f);
 }

@@ -73,7 +73,7 @@ struct BWindow::State {
     void HideTextCaret();
     void WheelTurned(BMessage& message);
     void KeyChanged(BMessage& message);
-    // False if the message is none that a view gets by its event mask.
+    // False if the event mask of `view` does not ask for the message.
     bool WatchedKeyChanged(BView& view, BMessage& message);
     bool KeyDownInWindow(const BMessage& message);
     bool HandleShortcut(BView& view, const BMessage& keyDown);
@@ -96,8 +96,8 @@ struct BWindow::State {
     BPoint place; // of the content's left-top corner, on the screen
     float width;  // right minus left
     float height;
-    host::PixelRect device;   // the same as the host was told or told us
-    host::PixelRect reported; // as the frame hooks were told
+    host::PixelRect device;   // the host's frame, requested or reported
+    host::PixelRect reported; // the last one that the frame hooks got
     BRect grip;               // not valid: the whole window
     int32 hideCount = 1;
     bool hasRun = false;
@@ -120,7 +120,7 @@ struct BWindow::State {
     BView* tracking = nullptr; // was pressed, and gets the release
     bool isMasked = false;     // it also gets all moves until then
     BPoint pressPlace;         // of the window when it was pressed
-    BCursor cursor;            // as the host was told
+    BCursor cursor;            // the last one that the host got
     uint32 buttons = 0;
     BPoint lastWhere;
     std::shared_ptr<DraggedFile> draggedFile; // of the last drag
