@@ -36,19 +36,6 @@ bool CanBeRead(const BEntry& root) {
     return BDirectory(&root).InitCheck() == B_OK;
 }
 
-// Whether a message says that an entry came into the directory from outside it.
-bool IsArrivalIn(const BMessage& msg, int64 directory) {
-    switch (msg.GetInt32("opcode", 0)) {
-    case B_ENTRY_CREATED:
-        return msg.GetInt64("directory", -1) == directory;
-    case B_ENTRY_MOVED:
-        return msg.GetInt64("to directory", -1) == directory &&
-               msg.GetInt64("from directory", -1) != directory;
-    default:
-        return false;
-    }
-}
-
 } // namespace
 
 QBMonitor::QBMonitor(BHandler* target, BMessenger messenger)
@@ -244,22 +231,38 @@ QBPath* QBMonitor::FolderOf(int64 directory) {
     return nullptr;
 }
 
-// One scan covers all arrivals in the directory that wait in the queue: each by itself would cost
-// the square of their number.
-void QBMonitor::Arrived(QBPath* folder, int64 directory, BMessage* msg) {
-    DropWaitingArrivals(directory);
+// The folder that a message has read, because an entry came into it; null for any other message.
+QBPath* QBMonitor::FolderOfArrival(const BMessage& msg) {
+    const int32 opcode = msg.GetInt32("opcode", 0);
+    if (opcode == B_ENTRY_CREATED)
+        return FolderOf(msg.GetInt64("directory", -1));
+    const int64 from = msg.GetInt64("from directory", -1);
+    const int64 to = msg.GetInt64("to directory", -1);
+    if (opcode != B_ENTRY_MOVED || from == to || from == fRaw.node)
+        return nullptr;
+    // Of the two folders of a move the first one takes the message.
+    const auto first = std::find_if(std::begin(fPaths), std::end(fPaths), [&](QBPath* folder) {
+        return folder->RawItem()->node == to || folder->RawItem()->node == from;
+    });
+    return first != std::end(fPaths) && (*first)->RawItem()->node == to ? *first : nullptr;
+}
+
+// One scan covers all arrivals in the folder that wait in the queue: each by itself would cost the
+// square of their number.
+void QBMonitor::Arrived(QBPath* folder, BMessage* msg) {
+    DropWaitingArrivals(folder);
     folder->ItemCreated(msg);
     folder->UpdateMenu();
 }
 
-void QBMonitor::DropWaitingArrivals(int64 directory) const {
+void QBMonitor::DropWaitingArrivals(const QBPath* folder) {
     BLooper* looper = nullptr;
     fMessenger.Target(&looper);
     BMessageQueue* queue = looper ? looper->MessageQueue() : nullptr;
     if (!queue || !queue->Lock())
         return;
     for (int32 index = 0; BMessage* waiting = queue->FindMessage(index);) {
-        if (waiting->what == B_NODE_MONITOR && IsArrivalIn(*waiting, directory) &&
+        if (waiting->what == B_NODE_MONITOR && FolderOfArrival(*waiting) == folder &&
             queue->RemoveMessage(waiting))
             delete waiting;
         else
@@ -270,11 +273,8 @@ void QBMonitor::DropWaitingArrivals(int64 directory) const {
 
 void QBMonitor::EntryCreated(BMessage* msg) {
     Trace(__PRETTY_FUNCTION__, "An entry was created");
-    int64 directory = 0;
-    if (msg->FindInt64("directory", &directory) != B_OK || directory == fRaw.node)
-        return;
-    if (QBPath* folder = FolderOf(directory))
-        Arrived(folder, directory, msg);
+    if (QBPath* folder = FolderOfArrival(*msg))
+        Arrived(folder, msg);
 }
 
 void QBMonitor::EntryRemoved() {
@@ -360,11 +360,20 @@ bool QBMonitor::Rebind(QBPath* folder) {
 
 void QBMonitor::RebindOrEnd(QBPath* folder) {
     BEntry root;
-    if (Rebind(folder))
+    // The message of another rename is on its way.
+    if (Rebind(folder) || folder->HasJustGone())
         return;
     if (FindRoot(root) == B_OK && CanBeRead(root))
         EndWith("Ah! Folder couldn't find itself! This shouldn't happen! Fatal error!");
     WaitForRoot();
+}
+
+// The directory that was made for want of another does not hide one that comes back, or that gets
+// its digit.
+void QBMonitor::ReplacePlaceholder(const BMessage& msg) {
+    const int digit = GetNumber(msg.GetString("name", ""));
+    if (digit >= 0 && fPaths[digit]->HasPlaceholder())
+        Rebind(fPaths[digit]);
 }
 
 void QBMonitor::EntryMoved(BMessage* msg) {
@@ -388,6 +397,7 @@ void QBMonitor::EntryRenamedIn(int64 directory, int64 node, BMessage* msg) {
         Trace(__PRETTY_FUNCTION__, "A folder was renamed");
         if (QBPath* folder = FolderOf(node))
             RebindOrEnd(folder);
+        ReplacePlaceholder(*msg);
     } else if (QBPath* folder = FolderOf(directory)) {
         Trace(__PRETTY_FUNCTION__, "A bookmark was renamed");
         folder->ItemMoved(msg);
@@ -409,22 +419,15 @@ void QBMonitor::EntryMovedBetween(int64 from, int64 to, int64 node, BMessage* ms
     }
     if (to == fRaw.node) {
         Trace(__PRETTY_FUNCTION__, "An entry came into the root");
-        // The directory that was made for want of another does not hide one that comes back.
-        const int digit = GetNumber(msg->GetString("name", ""));
-        if (digit >= 0 && fPaths[digit]->HasPlaceholder())
-            Rebind(fPaths[digit]);
+        ReplacePlaceholder(*msg);
         return;
     }
     Trace(__PRETTY_FUNCTION__, "A bookmark was moved");
-    for (QBPath* folder : fPaths) {
-        const int64 directory = folder->RawItem()->node;
-        if (directory != to && directory != from)
-            continue;
-        if (directory == to)
-            return Arrived(folder, directory, msg);
-        folder->ItemRemoved(msg);
-        folder->UpdateMenu();
-        return;
+    if (QBPath* folder = FolderOfArrival(*msg)) {
+        Arrived(folder, msg);
+    } else if (QBPath* left = FolderOf(from)) {
+        left->ItemRemoved(msg);
+        left->UpdateMenu();
     }
 }
 

@@ -52,8 +52,9 @@ private:
     void ForgetTwins();
 
     void Apply(int32 opcode, BMessage* msg);
-    void Arrived(QBPath* folder, int64 directory, BMessage* msg);
-    void DropWaitingArrivals(int64 directory) const;
+    QBPath* FolderOfArrival(const BMessage& msg);
+    void Arrived(QBPath* folder, BMessage* msg);
+    void DropWaitingArrivals(const QBPath* folder);
     void EntryCreated(BMessage* msg);
     void EntryRemoved();
     void EntryMoved(BMessage* msg);
@@ -69,6 +70,7 @@ private:
     bool IsOfParent(const BMessage& msg) const;
     bool Rebind(QBPath* folder);
     void RebindOrEnd(QBPath* folder);
+    void ReplacePlaceholder(const BMessage& msg);
     void SetRaw(const BEntry& root);
     QBPath* FolderOf(int64 directory);
 
@@ -84,8 +86,7 @@ private:
     std::unique_ptr<BMessageRunner> fRunner;
     std::unique_ptr<BMessage> fRunnerMsg;
     // There while the root cannot be used.
-    std::unique_ptr<BMessageRunner>
-        fRetry; // sends rebuilds; only those make a root that is missing
+    std::unique_ptr<BMessageRunner> fRetry; // sends rebuilds; only they make a missing root
     NodeWatch fParentWatch;
     node_ref fParent;
     bool fHasWarnedOfLimit = false;

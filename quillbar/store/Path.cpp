@@ -78,63 +78,68 @@ void QBPath::AssembleMenu() {
 bool QBPath::SetPath(const char* path) {
     if (!fMenu)
         CreateMenu();
-    fIsRead = false;
-    BEntry entry(path, false);
-    if (entry.InitCheck() != B_OK || !BindTo(entry, path) ||
-        BDirectory(&entry).InitCheck() != B_OK) {
+    fReadStatus = Read(path);
+    if (fReadStatus != B_OK)
         EmptySlots();
-        return false;
-    }
+    return fReadStatus == B_OK;
+}
+
+status_t QBPath::Read(const char* path) {
+    BEntry entry(path, false);
+    entry_ref ref;
     node_ref node;
-    entry.GetRef(&fRaw.ref);
-    entry.GetNodeRef(&node);
-    fRaw.node = node.node;
+    status_t status = entry.InitCheck();
+    if (status == B_OK)
+        status = BindTo(entry, path);
+    if (status == B_OK)
+        status = entry.GetRef(&ref);
+    if (status == B_OK)
+        status = entry.GetNodeRef(&node);
+    // A directory that is gone again keeps its number: the message of its rename is on the way.
+    if (status != B_OK)
+        return status;
+    fRaw = {ref, node.node};
     // Before it is read: what changes meanwhile would be missed otherwise.
     if (fMessenger.IsValid())
         Watch(true, false);
-    ReadSlots(entry);
     fName = GetName(fPath.Path());
     fTitleItem->SetLabel(fPath.Leaf());
-    fIsRead = true;
-    return true;
+    return ReadSlots(entry);
 }
 
 // Sets fPath to `path`. If nothing is there, sets it and `entry` to the directory that has the
 // digit now, in case the folder was renamed and the message of it still waits, or else to a new
 // one.
-bool QBPath::BindTo(BEntry& entry, const char* path) {
+status_t QBPath::BindTo(BEntry& entry, const char* path) {
     if (entry.Exists()) {
         fPath.SetTo(path);
-        return true;
+        return B_OK;
     }
     const BString renamed = FindFolder(fNumber);
     if (!renamed.IsEmpty() && ParentOf(renamed.String()) == ParentOf(path)) {
         fPath.SetTo(renamed.String());
-        return entry.SetTo(renamed.String(), false) == B_OK;
+        return entry.SetTo(renamed.String(), false);
     }
     BPath created;
-    if (BPath(path).GetParent(&created) != B_OK)
-        return false;
-    BEntry parent(created.Path());
-    if (parent.InitCheck() != B_OK)
-        return false;
-    if (!parent.Exists() && create_directory(created.Path(), kDirectoryMode) != B_OK)
-        return false;
-    created.Append(EmptyFolderName(fNumber).String());
-    if (create_directory(created.Path(), kDirectoryMode) != B_OK ||
-        entry.SetTo(created.Path(), false) != B_OK)
-        return false;
-    fPath = created;
-    return true;
+    status_t status = BPath(path).GetParent(&created);
+    if (status == B_OK)
+        status = created.Append(EmptyFolderName(fNumber).String());
+    if (status == B_OK)
+        status = create_directory(created.Path(), kDirectoryMode);
+    if (status == B_OK)
+        status = entry.SetTo(created.Path(), false);
+    if (status == B_OK)
+        fPath = created;
+    return status;
 }
 
 // A file that stays in its slot stays watched throughout.
-void QBPath::ReadSlots(const BEntry& directory) {
+status_t QBPath::ReadSlots(const BEntry& directory) {
     bool found[10] = {};
     int count = 0;
     for (QBItem* slot : fItems)
         slot->SetValid(false);
-    Walk(directory, Links::Followed, [&](BEntry& entry, const char* path) {
+    const status_t status = Walk(directory, Links::Followed, [&](BEntry& entry, const char* path) {
         const int digit = GetNumber(path);
         if (digit < 0 || found[digit] || !entry.IsFile())
             return true;
@@ -148,14 +153,14 @@ void QBPath::ReadSlots(const BEntry& directory) {
         else
             EmptySlot(fItems[digit]);
     }
+    return status;
 }
 
 bool QBPath::FindYourSelf() {
-    status_t status = B_OK;
-    BString own = FindFolder(fNumber, &status);
+    BString own = FindFolder(fNumber, &fReadStatus);
     BEntry root;
     BPath path;
-    if (status != B_OK || FindRoot(root) != B_OK || root.GetPath(&path) != B_OK)
+    if (fReadStatus != B_OK || FindRoot(root) != B_OK || root.GetPath(&path) != B_OK)
         return false;
     if (own.IsEmpty()) {
         path.Append(EmptyFolderName(fNumber).String());
@@ -175,7 +180,7 @@ void QBPath::EmptySlot(QBItem* slot) {
 }
 
 bool QBPath::IsFollowed() const {
-    if (!fIsRead || !IsWatched())
+    if (fReadStatus != B_OK || !IsWatched())
         return false;
     for (const QBItem* slot : fItems) {
         if (slot->IsValid() && !slot->IsWatched())

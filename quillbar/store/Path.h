@@ -39,6 +39,9 @@ public:
     // Looks for the directory by its digit and makes it if there is none.
     bool FindYourSelf();
 
+    // Whether the directory was there no more when it was to be read, as while it is renamed.
+    bool HasJustGone() const { return fReadStatus == B_ENTRY_NOT_FOUND; }
+
     // Apply a notification of the node monitor. They tell whether this folder took it.
     bool ItemCreated(BMessage* msg); // an entry appeared in the directory
     bool ItemRemoved(BMessage* msg); // an entry left it
@@ -82,8 +85,9 @@ public:
 private:
     void CreateMenu();
     void AssembleMenu();
-    bool BindTo(BEntry& entry, const char* path);
-    void ReadSlots(const BEntry& directory);
+    status_t BindTo(BEntry& entry, const char* path);
+    status_t Read(const char* path);
+    status_t ReadSlots(const BEntry& directory);
     void EmptySlot(QBItem* slot);
     bool FillSlot(QBItem* slot, int digit);
     bool IsFollowed() const;
@@ -94,7 +98,7 @@ private:
     BPath fPath;
     int32 fNumber;
     NodeWatch fWatch;
-    bool fIsRead = false; // the last SetPath() succeeded
+    status_t fReadStatus = B_NO_INIT;
     BHandler* fTarget;
     BMessenger fMessenger;
     QBItem* fItems[10];

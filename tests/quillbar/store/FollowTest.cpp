@@ -135,6 +135,25 @@ TEST_F(FollowTest, ArrivalsThatWaitAreOneScan) {
     EXPECT_LT(Messages() - before, 100);
 }
 
+// An arrival in one folder may be a departure from an earlier one, or of a whole folder.
+TEST_F(FollowTest, DeparturesBehindAnArrivalAreSeen) {
+    test::MakeBookmark(fHome.Path() / "new", "http://new");
+    test::MakeBookmark(Root() / "1 - a" / "2 - x", "http://x");
+    test::MakeBookmark(Root() / "5 - c" / "6 - y", "http://y");
+    test::MakeBookmark(Root() / "3 - b" / "0 - old", "http://old");
+    Start();
+    WhileBusy(2, [&] {
+        fs::rename(fHome.Path() / "new", Folder(3) / "9 - new");
+        fs::rename(Folder(1) / "2 - x", Folder(3) / "2 - x");
+        fs::rename(Folder(5), Folder(3) / "5 - c");
+    });
+    EXPECT_TRUE(Becomes(3, 9, "9 - new"));
+    EXPECT_TRUE(Becomes(1, 2, kEmptyLabel));
+    EXPECT_TRUE(Becomes(5, 6, kEmptyLabel));
+    EXPECT_TRUE(TitleBecomes(5, "5 -"));
+    EXPECT_EQ(Rebuilds(), 0);
+}
+
 TEST_F(FollowTest, RootThatIsNoDirectoryIsWaitedFor) {
     test::MakeBookmark(Root() / "4 - x" / "3 - a", "http://a");
     Start();
@@ -169,6 +188,32 @@ TEST_F(FollowTest, FolderMovedOutAndBackIsNotHidden) {
     Stop();
     Start();
     EXPECT_EQ(Title(4), "4 - one");
+}
+
+TEST_F(FollowTest, FolderThatLosesItsDigitAndGetsItBackIsNotHidden) {
+    test::MakeBookmark(Root() / "4 - one" / "3 - a", "http://a");
+    Start();
+    fs::rename(Root() / "4 - one", Root() / "one");
+    ASSERT_TRUE(TitleBecomes(4, "4 -"));
+    fs::rename(Root() / "one", Root() / "4 - one");
+    EXPECT_TRUE(TitleBecomes(4, "4 - one"));
+    EXPECT_TRUE(Becomes(4, 3, "3 - a"));
+    // The digit of another one.
+    fs::rename(Root() / "4 - one", Root() / "7 - one");
+    EXPECT_TRUE(TitleBecomes(7, "7 - one"));
+    EXPECT_TRUE(TitleBecomes(4, "4 -"));
+}
+
+TEST_F(FollowTest, FolderThatIsRenamedAllTheTimeIsFound) {
+    test::MakeBookmark(Root() / "4 - a" / "3 - a", "http://a");
+    Start();
+    for (int round = 0; round < 5'000; ++round) {
+        fs::rename(Root() / "4 - a", Root() / "4 - b");
+        fs::rename(Root() / "4 - b", Root() / "4 - a");
+    }
+    fs::rename(Root() / "4 - a", Root() / "4 - end");
+    EXPECT_TRUE(TitleBecomes(4, "4 - end"));
+    EXPECT_TRUE(Becomes(4, 3, "3 - a"));
 }
 
 // As another user than root, whom no permission keeps out.
