@@ -1,12 +1,16 @@
 // Times of the store, one "name<tab>milliseconds" a line. Wants a home folder and a display of its
 // own.
 
+#include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <mutex>
+#include <semaphore>
+#include <thread>
 
 #include "bench/Measure.h"
 #include "kits/app/AppDefs.h"
@@ -27,6 +31,8 @@ using bench::Stopwatch;
 namespace {
 
 constexpr int kRuns = 21;
+constexpr int kMostArrivals = 10'000;
+constexpr uint32 kClick = 'clik';
 
 // Stands in the bar window's place: the store lives on its thread.
 class StoreLooper : public BLooper {
@@ -39,7 +45,15 @@ public:
     QBMonitor& Monitor() { return *fMonitor; }
     QBItem& Slot(int folder, int slot) { return *fMonitor->fPaths[folder]->Items()[slot]; }
 
+    // Returns when a message that is sent now has been handled.
+    void Click() {
+        PostMessage(kClick);
+        fClicked.acquire();
+    }
+
     void MessageReceived(BMessage* message) override {
+        if (message->what == kClick)
+            fClicked.release();
         if (message->what != B_NODE_MONITOR)
             return BLooper::MessageReceived(message);
         fMonitor->HandleNodeMessage(message);
@@ -64,6 +78,7 @@ private:
     std::unique_ptr<QBMonitor> fMonitor;
     std::mutex fMutex;
     std::condition_variable fHandled;
+    std::binary_semaphore fClicked{0};
 };
 
 void Print(const std::string& name, double milliseconds) {
@@ -167,6 +182,60 @@ void TimeBurst(StoreLooper& looper) {
         Print("burst", time.Elapsed());
 }
 
+// How long the store's thread lets a message wait, as a click would, until it is asked.
+class ClickTimer {
+public:
+    explicit ClickTimer(StoreLooper& looper)
+        : fThread([this, &looper] {
+            while (!fHasEnded) {
+                const Stopwatch time;
+                looper.Click();
+                fLongest = std::max(fLongest, time.Elapsed());
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        }) {}
+    double Longest() {
+        fHasEnded = true;
+        fThread.join();
+        return fLongest;
+    }
+
+private:
+    std::atomic<bool> fHasEnded = false;
+    double fLongest = 0; // the thread's, until it has ended
+    std::thread fThread;
+};
+
+// Bookmarks moved into a folder one by one.
+void TimeArrivals(StoreLooper& looper, int count) {
+    const auto name = [](int file) {
+        return std::to_string(file % 9) + " - Arrival " + std::to_string(file);
+    };
+    const fs::path outside = Root().parent_path() / "outside";
+    const fs::path folder = BookmarkPath(8, 0, "").parent_path();
+    const fs::path last = folder / "9 - Last";
+    for (int slot = 0; slot < 10; ++slot)
+        fs::remove(BookmarkPath(8, slot, "Site"));
+    for (int file = 0; file < count; ++file)
+        test::MakeBookmark(outside / name(file), "http://arrival.example/");
+    test::MakeBookmark(outside / "last", "http://arrival.example/");
+    looper.WaitFor([&] { return !looper.Slot(8, 9).IsValid(); });
+
+    ClickTimer clicks(looper);
+    for (int file = 0; file < count; ++file)
+        fs::rename(outside / name(file), folder / name(file));
+    fs::rename(outside / "last", last);
+    const Stopwatch time;
+    if (looper.WaitFor([&] { return looper.Slot(8, 9).IsValid(); }))
+        Print("arrivals " + std::to_string(count), time.Elapsed());
+    if (const double longest = clicks.Longest(); count == kMostArrivals)
+        Print("click during arrivals", longest);
+    for (int file = 0; file < count; ++file)
+        fs::remove(folder / name(file));
+    fs::remove(last);
+    looper.WaitFor([&] { return !looper.Slot(8, 9).IsValid(); });
+}
+
 void TimeScan(StoreLooper& looper, int count) {
     const fs::path folder = Root().parent_path() / ("scanned " + std::to_string(count));
     fs::create_directory(folder);
@@ -201,5 +270,7 @@ int main() {
     for (const int count : {1'000, 10'000, 100'000})
         TimeScan(*looper, count);
     TimeBurst(*looper);
+    for (const int count : {1'000, 3'000, kMostArrivals})
+        TimeArrivals(*looper, count);
     _exit(0); // the looper is left as it is: its end is not measured
 }
