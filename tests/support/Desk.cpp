@@ -96,19 +96,27 @@ void Desk::StartServer(const Options& options) {
     fName = ":" + fServer->ReadLine(); // written when clients may connect
 }
 
-// Its first properties come early: a window that asks to be shown while it still starts is lost.
-// The start-up command comes last.
+// Returns when it answers messages: a window that asks to be shown earlier may lie in its queue
+// until something else happens, and even its start-up command runs before that.
 void Desk::StartWindowManager() {
     ChildProcess::Options manager;
-    manager.arguments = {"openbox",   "--sm-disable", "--config-file", WINDOW_MANAGER_SETTINGS,
-                         "--startup", "echo ready"};
+    manager.arguments = {"openbox", "--sm-disable", "--config-file", WINDOW_MANAGER_SETTINGS};
     for (const char* folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
         manager.environment[folder] = "/nonexistent";
     manager.environment["XDG_DATA_DIRS"] = "/usr/local/share:/usr/share";
     manager.errors = "/dev/null";
-    manager.pipe = true;
     fWindowManager = std::make_unique<ChildProcess>(manager);
-    fWindowManager->ReadLine();
+
+    const xcb_window_t window = xcb_generate_id(fConnection); // never shown
+    xcb_create_window(fConnection, XCB_COPY_FROM_PARENT, window, Root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const bool answered = WaitUntil([&] {
+        SendToRoot(window, "_NET_REQUEST_FRAME_EXTENTS", {});
+        return !Cardinals(window, "_NET_FRAME_EXTENTS").empty();
+    });
+    xcb_destroy_window(fConnection, window);
+    if (!answered)
+        throw std::runtime_error("the window manager does not answer");
 }
 
 void Desk::SetDpi(int dpi) {
