@@ -17,12 +17,12 @@ namespace test {
 class ChildProcess {
 public:
     struct Options {
-        std::vector<std::string> arguments;             // the program's path or name first
-        std::map<std::string, std::string> environment; // on top of this process's own
-        std::string output;                             // file for standard output; "" keeps ours
-        std::string errors;                             // file for standard error; "" keeps ours
-        bool ordinaryUser = false;                      // without root's rights, if we have them
-        bool pipe = false;                              // standard output is for ReadLine()
+        std::vector<std::string> arguments{};             // the program's path or name first
+        std::map<std::string, std::string> environment{}; // on top of this process's own
+        std::string output{};                             // file for standard output; "" keeps ours
+        std::string errors{};                             // file for standard error; "" keeps ours
+        bool ordinaryUser = false;                        // without root's rights, if we have them
+        bool pipe = false;                                // standard output is for ReadLine()
         int endsBy = SIGKILL; // the signal of Kill() and of this thread's end
     };
 

@@ -1,17 +1,18 @@
+// Whole programs: signals at any moment, what hangs, and starts beside each other.
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <memory>
+#include <list>
+#include <sys/stat.h>
 
 #include "host/session/instance/InstanceSocket.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/Messenger.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryHome.h"
-#include "tests/support/Wait.h"
 
 namespace fs = std::filesystem;
 using testing::Contains;
@@ -25,143 +26,119 @@ constexpr const char* kSignature = "application/x-vnd.test-program";
 
 using Lines = std::vector<std::string>;
 
-// A start of the program beside this one, and what it has said so far.
-class Program {
-public:
-    Program(const test::TemporaryHome& home, const Lines& options, const Lines& before = {}) {
-        static int count = 0;
-        const std::string stem = (home.Path() / std::to_string(++count)).string();
-        test::ChildProcess::Options start;
-        start.arguments = before;
-        start.arguments.insert(start.arguments.end(), {APP_PROGRAM, kSignature});
-        start.arguments.insert(start.arguments.end(), options.begin(), options.end());
-        start.output = fOutput = stem + ".out";
-        start.errors = fErrors = stem + ".err";
-        fProcess = std::make_unique<test::ChildProcess>(start);
-    }
+Lines LinesOf(const std::string& path) {
+    std::ifstream file(path);
+    Lines lines;
+    for (std::string line; std::getline(file, line);)
+        lines.push_back(line);
+    return lines;
+}
 
-    test::ChildProcess& Process() { return *fProcess; }
-    Lines Said() const { return Read(fOutput); }
-    Lines Errors() const { return Read(fErrors); }
+// A start of the program beside this one.
+struct Program : test::ChildProcess {
+    explicit Program(const Options& start)
+        : ChildProcess(start)
+        , output(start.output)
+        , errors(start.errors) {}
 
+    Lines Said() const { return LinesOf(output); }
     // Whether it says this, now or soon.
     bool Says(const std::string& line) const {
-        return test::WaitUntil([&] {
-            const Lines said = Said();
-            return std::find(said.begin(), said.end(), line) != said.end();
-        });
+        return test::WaitUntil([&] { return testing::Value(Said(), Contains(line)); });
     }
-    std::optional<int> End(int signal) {
-        fProcess->Signal(signal);
-        return fProcess->Wait();
+    std::optional<int> End() {
+        Signal(SIGTERM);
+        return Wait();
     }
 
-private:
-    static Lines Read(const std::string& path) {
-        std::ifstream file(path);
-        Lines lines;
-        for (std::string line; std::getline(file, line);)
-            lines.push_back(line);
-        return lines;
-    }
-
-    std::string fOutput;
-    std::string fErrors;
-    std::unique_ptr<test::ChildProcess> fProcess;
+    const std::string output;
+    const std::string errors;
 };
 
 class ApplicationTest : public testing::Test {
 protected:
-    test::TemporaryHome fHome;
-};
+    Program& Start(const Lines& options, Lines command = {}) {
+        const fs::path stem = fHome.Path() / std::to_string(fPrograms.size());
+        command.insert(command.end(), {APP_PROGRAM, kSignature});
+        command.insert(command.end(), options.begin(), options.end());
+        return fPrograms.emplace_back(
+            test::ChildProcess::Options{.arguments = command,
+                                        .output = stem.string() + ".out",
+                                        .errors = stem.string() + ".err"});
+    }
 
-TEST_F(ApplicationTest, IsReadyBeforeAnyMessageAndQuitsOnItsOwnRequest) {
-    Program program(fHome, {"quit"});
-    EXPECT_EQ(0, program.Process().Wait());
-    EXPECT_THAT(program.Said(), ElementsAre("built", "ready", "local test", "local quit", "dismiss",
-                                            "quit windows", "destroyed"));
-}
+    test::TemporaryHome fHome;
+    std::list<Program> fPrograms;
+};
 
 TEST_F(ApplicationTest, ASignalBeforeRunIsKept) {
     const fs::path fifo = fHome.Path() / "go";
     ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
-    Program program(fHome, {"wait", "block"},
-                    {"/bin/sh", "-c", "exec \"$@\" <" + fifo.string(), "sh"});
+    Program& program =
+        Start({"wait", "block"}, {"/bin/sh", "-c", "exec \"$@\" <" + fifo.string(), "sh"});
     std::ofstream go(fifo);
     ASSERT_TRUE(program.Says("built"));
-    program.Process().Signal(SIGTERM);
+    program.Signal(SIGTERM);
     go << "x" << std::flush;
-    EXPECT_EQ(0, program.Process().Wait());
+    EXPECT_EQ(0, program.Wait());
     EXPECT_THAT(program.Said(), Contains("remote quit"));
     EXPECT_EQ("destroyed", program.Said().back());
 }
 
-TEST_F(ApplicationTest, ARefusedQuitGoesOnAndTheNextOneCounts) {
-    Program program(fHome, {"refuse"});
-    ASSERT_TRUE(program.Says("ready"));
-    program.Process().Signal(SIGTERM);
-    ASSERT_TRUE(program.Says("allow"));
-    EXPECT_EQ(0, program.End(SIGTERM));
-    EXPECT_THAT(program.Said(),
+TEST_F(ApplicationTest, TheWatchdogEndsWhatHangsAndNotWhatRefuses) {
+    Program& refusing = Start({"refuse"});
+    Program& hanging = Start({"hang"});
+    Program& savingForEver = Start({"hang", "hang-save"});
+    for (Program& program : fPrograms) {
+        ASSERT_TRUE(program.Says("ready"));
+        program.Signal(SIGTERM);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, hanging.Wait());
+    EXPECT_GT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+    EXPECT_EQ(0, savingForEver.Wait());
+    for (const Program* program : {&hanging, &savingForEver})
+        EXPECT_THAT(program->Said(), ElementsAre("built", "ready", "dismiss", "saved"));
+    EXPECT_TRUE(refusing.Says("allow"));
+    EXPECT_EQ(0, refusing.End());
+    EXPECT_THAT(refusing.Said(),
                 ElementsAre("built", "ready", "local test", "dismiss", "remote quit", "dismiss",
                             "quit windows", "allow", "dismiss", "remote quit", "dismiss",
                             "quit windows", "destroyed"));
 }
 
-TEST_F(ApplicationTest, TheWatchdogEndsWhatHangs) {
-    Program hanging(fHome, {"hang"});
-    Program savingForEver(fHome, {"hang", "hang-save"});
-    Program refusing(fHome, {"refuse"});
-    for (Program* program : {&refusing, &hanging, &savingForEver}) {
-        ASSERT_TRUE(program->Says("ready"));
-        program->Process().Signal(SIGTERM);
-    }
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(0, hanging.Process().Wait());
-    EXPECT_GT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
-    EXPECT_THAT(hanging.Said(), ElementsAre("built", "ready", "dismiss", "saved"));
-    EXPECT_EQ(0, savingForEver.Process().Wait());
-    EXPECT_THAT(savingForEver.Said(), ElementsAre("built", "ready", "dismiss", "saved"));
-    EXPECT_TRUE(refusing.Process().IsRunning());
-    EXPECT_THAT(refusing.Said(), Not(Contains("saved")));
-}
-
 TEST_F(ApplicationTest, OfManyStartsAtOnceOneRuns) {
-    std::vector<std::unique_ptr<Program>> starts;
     for (int i = 0; i < 8; i++)
-        starts.push_back(std::make_unique<Program>(fHome, Lines{"exclusive"}));
+        Start({"exclusive"});
     const auto running = [&] {
-        return std::count_if(starts.begin(), starts.end(),
-                             [](const auto& start) { return start->Process().IsRunning(); });
+        return std::count_if(fPrograms.begin(), fPrograms.end(),
+                             [](Program& program) { return program.IsRunning(); });
     };
     EXPECT_TRUE(test::WaitUntil([&] { return running() == 1; }));
-    int winners = 0;
-    for (const auto& start : starts) {
-        winners += start->Process().IsRunning();
-        EXPECT_TRUE(start->Process().IsRunning() || start->Process().Wait() == 0);
-    }
-    EXPECT_EQ(1, winners);
+    for (Program& program : fPrograms)
+        EXPECT_TRUE(program.IsRunning() || program.Wait() == 0);
+    EXPECT_EQ(1, running());
 }
 
 TEST_F(ApplicationTest, AStartBesideOneThatDoesNotAnswerSaysSo) {
-    Program first(fHome, {"exclusive"});
+    Program& first = Start({"exclusive"});
     ASSERT_TRUE(first.Says("ready"));
-    first.Process().Signal(SIGSTOP);
-    Program second(fHome, {"exclusive"});
-    EXPECT_EQ(1, second.Process().Wait());
-    EXPECT_EQ(1u, second.Errors().size());
-    first.Process().Signal(SIGCONT);
-    EXPECT_EQ(0, first.End(SIGTERM));
+    first.Signal(SIGSTOP);
+    Program& second = Start({"exclusive"});
+    EXPECT_EQ(1, second.Wait());
+    EXPECT_EQ(1u, LinesOf(second.errors).size());
+    first.Signal(SIGCONT);
+    EXPECT_EQ(0, first.End());
 }
 
 TEST_F(ApplicationTest, OtherProgramsMayAskAndQuitButNotStartItAgain) {
-    Program program(fHome, {"exclusive"});
+    Program& program = Start({"exclusive"});
     ASSERT_TRUE(program.Says("ready"));
     EXPECT_EQ(B_OK, host::SendToInstance(kSignature, "{garbage", 10'000'000));
     const BMessenger messenger(kSignature);
     for (uint32 what : {B_READY_TO_RUN, B_ABOUT_REQUESTED, B_QUIT_REQUESTED})
         EXPECT_EQ(B_OK, messenger.SendMessage(what));
-    EXPECT_EQ(0, program.Process().Wait());
+    EXPECT_EQ(0, program.Wait());
     EXPECT_THAT(program.Said(),
                 UnorderedElementsAre("built", "ready", "local test", "dismiss", "about",
                                      "remote quit", "dismiss", "quit windows", "destroyed"));
@@ -169,10 +146,10 @@ TEST_F(ApplicationTest, OtherProgramsMayAskAndQuitButNotStartItAgain) {
 
 TEST_F(ApplicationTest, RunsWithAWarningWhereItCannotBeRegistered) {
     std::ofstream(fHome.Runtime() / "quillbar") << "in the way";
-    Program program(fHome, {"exclusive"});
+    Program& program = Start({"exclusive"});
     ASSERT_TRUE(program.Says("ready"));
-    EXPECT_EQ(1u, program.Errors().size());
-    EXPECT_EQ(0, program.End(SIGTERM));
+    EXPECT_EQ(1u, LinesOf(program.errors).size());
+    EXPECT_EQ(0, program.End());
 }
 
 } // namespace

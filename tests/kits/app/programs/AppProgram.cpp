@@ -17,7 +17,6 @@ namespace {
 
 std::set<std::string> sOptions;
 std::counting_semaphore<> sDismissed{0};
-int sRefusals = 0;
 
 bool Has(const char* option) {
     return sOptions.contains(option);
@@ -34,22 +33,17 @@ void Say(std::string line) {
         pause();
 }
 
-class SourceFilter : public BMessageFilter {
-public:
-    explicit SourceFilter(message_source source)
-        : BMessageFilter(B_ANY_DELIVERY, source, B_QUIT_REQUESTED) {}
-    filter_result Filter(BMessage* message, BHandler**) override {
-        Say(message->IsSourceRemote() ? "remote quit" : "local quit");
-        return B_DISPATCH_MESSAGE;
-    }
-};
+filter_result SaySource(BMessage* message, BHandler**, BMessageFilter*) {
+    Say(message->IsSourceRemote() ? "remote quit" : "local quit");
+    return B_DISPATCH_MESSAGE;
+}
 
 class Program : public BApplication {
 public:
     explicit Program(const char* signature)
         : BApplication(signature) {
-        AddFilter(new SourceFilter(B_REMOTE_SOURCE));
-        AddFilter(new SourceFilter(B_LOCAL_SOURCE));
+        for (const message_source source : {B_REMOTE_SOURCE, B_LOCAL_SOURCE})
+            AddFilter(new BMessageFilter(B_ANY_DELIVERY, source, B_QUIT_REQUESTED, SaySource));
     }
     ~Program() override { Say("destroyed"); }
 
@@ -59,8 +53,6 @@ public:
             Hang();
         if (Has("block"))
             sDismissed.acquire();
-        if (Has("quit"))
-            PostMessage(B_QUIT_REQUESTED);
     }
     void AboutRequested() override { Say("about"); }
     void MessageReceived(BMessage* message) override {
@@ -78,11 +70,10 @@ void SetHooks() {
         sDismissed.release();
     };
     hooks.allow = [] { Say("allow"); };
-    sRefusals = Has("refuse") ? 1 : 0;
     hooks.wake = [] { Say("wake"); };
     hooks.quit_windows = [] {
         Say("quit windows");
-        return sRefusals-- <= 0;
+        return sOptions.erase("refuse") == 0;
     };
     set_session_hooks(hooks);
 }
@@ -99,11 +90,9 @@ int main(int argc, char** argv) {
     Program program(argv[1]);
     Say("built");
     program.PostMessage('test');
-    if (Has("wait")) {
-        char byte;
-        if (read(STDIN_FILENO, &byte, 1) < 0)
-            return 98;
-    }
+    char byte;
+    if (Has("wait") && read(STDIN_FILENO, &byte, 1) < 0)
+        return 98;
     SetHooks();
     program.SetEmergencyAction([] {
         Say("saved");

@@ -1,0 +1,230 @@
+// Loopers, messengers and runners while threads come and go.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "kits/app/AppDefs.h"
+#include "kits/app/Looper.h"
+#include "kits/app/Message.h"
+#include "kits/app/MessageRunner.h"
+#include "kits/app/Messenger.h"
+#include "tests/support/Wait.h"
+
+namespace test {
+namespace {
+
+using Codes = std::vector<uint32>;
+
+// The codes that a looper saw, in order.
+class Log {
+public:
+    void Add(uint32 what) {
+        std::lock_guard lock(fMutex);
+        fSeen.push_back(what);
+    }
+    Codes Seen() const {
+        std::lock_guard lock(fMutex);
+        return fSeen;
+    }
+    bool Reaches(size_t count) const {
+        return WaitUntil([&] { return Seen().size() >= count; });
+    }
+
+private:
+    mutable std::mutex fMutex;
+    Codes fSeen;
+};
+
+// Logs messages, and handles 'call' by calling what the test gave it.
+class TestLooper : public BLooper {
+public:
+    explicit TestLooper(Log& log)
+        : BLooper("test looper")
+        , fLog(log) {}
+    ~TestLooper() override { fLog.Add('gone'); }
+
+    void MessageReceived(BMessage* message) override {
+        if (message->what == 'call')
+            call(*this);
+        else
+            fLog.Add(message->what);
+    }
+
+    std::function<void(TestLooper&)> call;
+
+private:
+    Log& fLog;
+};
+
+class LooperTest : public testing::Test {
+protected:
+    ~LooperTest() override {
+        if (messenger.LockTarget())
+            looper->Quit();
+        EXPECT_FALSE(messenger.IsValid());
+    }
+
+    // Starts the looper with `call` in progress and one more message that it never handles.
+    void RunBusy(const std::function<void()>& call) {
+        std::atomic<bool> isBusy = false;
+        looper->call = [&isBusy, call](TestLooper&) {
+            isBusy = true;
+            call();
+        };
+        looper->PostMessage('call');
+        looper->PostMessage('lost');
+        looper->Run();
+        ASSERT_TRUE(WaitUntil([&] { return isBusy.load(); }));
+    }
+    // The number of codes when the looper has handled what was posted before.
+    size_t Settled() {
+        const size_t before = log.Seen().size();
+        messenger.SendMessage('mark');
+        EXPECT_TRUE(log.Reaches(before + 1));
+        EXPECT_TRUE(WaitUntil([&] { return log.Seen().back() == 'mark'; }));
+        return log.Seen().size();
+    }
+
+    Log log;
+    TestLooper* looper = new TestLooper(log);
+    BMessenger messenger{looper};
+};
+
+TEST_F(LooperTest, ALooperInTheMiddleOfAMessageIsWaitedFor) {
+    RunBusy([&] {
+        snooze(20'000);
+        log.Add('busy');
+    });
+    ASSERT_TRUE(looper->Lock());
+    looper->Lock();
+    looper->Quit();
+    EXPECT_EQ(Codes({'busy', 'gone'}), log.Seen());
+}
+
+TEST_F(LooperTest, ThreadsThatWaitForItsLockAreRefusedWhenItIsDeleted) {
+    BHandler handler;
+    looper->AddHandler(&handler);
+    const BMessenger toHandler(&handler);
+    std::atomic<int> waiting = 0;
+    RunBusy([&] {
+        while (waiting < 4)
+            snooze(500);
+        looper->Quit();
+        log.Add('quit');
+    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&, i] {
+            ++waiting;
+            EXPECT_FALSE((i % 2 ? messenger : toHandler).LockTarget());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(nullptr, handler.Looper());
+    ASSERT_TRUE(log.Reaches(2));
+    EXPECT_EQ(Codes({'quit', 'gone'}), log.Seen());
+}
+
+// Gives the looper time to keep up.
+void PostUntilRefused(const BMessenger& messenger) {
+    while (messenger.SendMessage('post') == B_OK)
+        snooze(20);
+}
+
+TEST(LooperRaces, ManyThreadsPostAndLockUntilItIsGone) {
+    for (int round = 0; round < 20; ++round) {
+        Log log;
+        auto* const looper = new TestLooper(log);
+        const BMessenger messenger(looper);
+        looper->Run();
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&, i] {
+                if (i < 2)
+                    PostUntilRefused(messenger);
+                while (messenger.LockTarget())
+                    looper->Unlock();
+                EXPECT_FALSE(messenger.IsValid());
+            });
+        }
+        log.Reaches(20);
+        if (round % 2 == 0)
+            messenger.SendMessage(B_QUIT_REQUESTED);
+        else if (messenger.LockTarget())
+            looper->Quit();
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_TRUE(WaitUntil([&] { return log.Seen().back() == 'gone'; }));
+    }
+}
+
+class CountingHandler : public BHandler {
+public:
+    explicit CountingHandler(std::atomic<int>& count)
+        : fCount(count) {}
+    void MessageReceived(BMessage*) override { ++fCount; }
+
+private:
+    std::atomic<int>& fCount;
+};
+
+TEST_F(LooperTest, HandlersAreDeletedWhileMessagesAreUnderWay) {
+    looper->Run();
+    for (int round = 0; round < 100; ++round) {
+        std::atomic<int> count = 0;
+        looper->Lock();
+        auto handler = std::make_unique<CountingHandler>(count);
+        looper->AddHandler(handler.get());
+        const BMessenger toHandler(handler.get());
+        looper->Unlock();
+        std::thread sender([&] { PostUntilRefused(toHandler); });
+        EXPECT_TRUE(WaitUntil([&] { return count > 0; }));
+        ASSERT_TRUE(toHandler.LockTarget());
+        handler.reset();
+        looper->Unlock();
+        sender.join();
+    }
+}
+
+TEST_F(LooperTest, AFloodedLooperStillGivesItsLockAway) {
+    looper->call = [](TestLooper& self) { self.PostMessage('call'); };
+    looper->PostMessage('call');
+    looper->Run();
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_EQ(B_OK, looper->LockWithTimeout(10'000'000));
+        looper->Unlock();
+    }
+}
+
+TEST_F(LooperTest, RunnersStopAfterTheirCountWithTheirDestructorOrWithTheirTarget) {
+    const BMessage tick('tick');
+    looper->Run();
+    const BMessageRunner counted(messenger, &tick, 1000, 3);
+    ASSERT_TRUE(log.Reaches(3));
+    snooze(5000);
+    EXPECT_EQ(4u, Settled());
+    for (int i = 0; i < 50; ++i) {
+        {
+            const BMessageRunner runner(messenger, &tick, 100);
+            snooze(i * 20);
+        }
+        const size_t count = Settled();
+        EXPECT_EQ(count + 1, Settled());
+    }
+    const BMessageRunner orphan(messenger, &tick, 100);
+    looper->Lock();
+    looper->Quit();
+    const size_t count = log.Seen().size();
+    snooze(5000);
+    EXPECT_EQ(count, log.Seen().size());
+}
+
+} // namespace
+} // namespace test
