@@ -1,152 +1,121 @@
-#include <X11/keysym.h>
-
-#include <gtest/gtest.h>
-
-#include "tests/host/x11/EventLog.h"
+#include "tests/host/x11/X11Test.h"
 #include "tests/support/InputServer.h"
 
 namespace host {
 namespace {
 
-using test::Desk;
-using test::InputServer;
-using test::WaitUntil;
+struct NamedServer {
+    NamedServer() { setenv("XMODIFIERS", "@im=testim", 1); }
+    ~NamedServer() { unsetenv("XMODIFIERS"); }
+};
 
-class InputMethodTest : public testing::Test {
+class InputMethodTest : NamedServer, public X11Test {
 protected:
-    InputMethodTest() {
-        setenv("XMODIFIERS", "@im=testim", 1);
-        fServer = std::make_unique<InputServer>(fDesk);
-        fDisplay = std::make_unique<TestDisplay>(fDesk);
-        fWindow = fDisplay->Create(NormalSpec({100, 100, 300, 300}));
-        fWindow.events->OnEvent([this](const WindowEvent& event) { Record(event); });
-        fWindow->Show();
-        EXPECT_TRUE(WaitUntil([&] { return fDisplay->IsShown(fWindow); }));
-        fWindow->Activate();
-        EXPECT_TRUE(WaitUntil([&] { return fWindow.events->Last<FocusChanged>().active; }));
-    }
-    ~InputMethodTest() override { unsetenv("XMODIFIERS"); }
+    InputMethodTest() { MoveCaret(20); }
 
-    void FocusField() {
-        fWindow->SetTextCaret(PixelRect{20, 30, 21, 50});
-        AwaitContext(1);
-    }
+    // A text field has the focus, or none.
+    void MoveCaret(int x) { window->SetTextCaret(PixelRect{x, 30, x + 1, 50}); }
+    void LeaveField() { window->SetTextCaret(std::nullopt); }
     void AwaitContext(int count) {
-        EXPECT_TRUE(WaitUntil([&] { return fServer->focuses == count; }));
-    }
-
-    // What the keys typed, one after the other; text that came without a key in brackets, releases
-    // of keys that print as upper-case letters.
-    void Record(const WindowEvent& event) {
-        std::lock_guard lock(fLock);
-        if (auto* key = std::get_if<KeyChanged>(&event)) {
-            for (char byte : key->text)
-                fTyped += key->down ? byte : static_cast<char>(std::toupper(byte));
-        } else if (auto* text = std::get_if<TextCommitted>(&event)) {
-            fTyped += '[' + text->text + ']';
-        }
-    }
-    void ExpectTyped(const std::string& expected) {
-        WaitUntil([&] {
-            std::lock_guard lock(fLock);
-            return fTyped.size() >= expected.size();
-        });
-        fDisplay->AwaitEvents();
-        std::lock_guard lock(fLock);
-        EXPECT_EQ(std::exchange(fTyped, {}), expected);
+        EXPECT_TRUE(WaitUntil([&] { return server->focuses == count; }));
     }
     void Type(const std::string& letters) {
         for (char letter : letters)
-            fDesk.Key(static_cast<uint32_t>(letter));
+            desk.Key(static_cast<uint32_t>(letter));
     }
 
-    Desk& fDesk = Desk::Shared();
-    std::mutex fLock;
-    std::string fTyped;
-    std::unique_ptr<InputServer> fServer;
-    std::unique_ptr<TestDisplay> fDisplay;
-    TestWindow fWindow;
+    // What the keys typed, one after the other; text that came without a key in brackets, releases
+    // of keys as upper-case letters.
+    std::string Typed() const {
+        std::string typed;
+        for (const WindowEvent& event : window.events->All()) {
+            if (auto* key = std::get_if<KeyChanged>(&event)) {
+                for (char byte : key->text)
+                    typed += key->down ? byte : static_cast<char>(std::toupper(byte));
+            } else if (auto* text = std::get_if<TextCommitted>(&event)) {
+                typed += '[' + text->text + ']';
+            }
+        }
+        return typed;
+    }
+    void ExpectTyped(const std::string& expected) {
+        WaitUntil([&] { return Typed().size() >= expected.size(); });
+        display.AwaitEvents();
+        EXPECT_EQ(Typed(), expected);
+        window.events->Forget();
+    }
+
+    std::unique_ptr<test::InputServer> server = std::make_unique<test::InputServer>(desk);
+    TestWindow window = display.CreateActive();
 };
 
 TEST_F(InputMethodTest, TakesOnlyTheKeysOfATextField) {
-    Type("ab");
-    ExpectTyped("aAbB");
-    EXPECT_EQ(fServer->focuses, 0);
-
-    FocusField();
-    EXPECT_TRUE(WaitUntil([&] { return fServer->spot == (20u << 16 | 50u); }));
+    AwaitContext(1);
+    EXPECT_EQ(server->spot, 20u << 16 | 50u);
     Type("bacaadb");
     ExpectTyped("bB[日本é]cC[日本é][日本é]dDbB");
-    fDesk.Key(XK_Tab);
-    fDesk.KeyDown(XK_Control_L);
-    Type("c");
-    fDesk.KeyUp(XK_Control_L);
-    fDesk.Key(XK_Escape);
-    ExpectTyped("\t\tcC\x1b\x1b");
-    fWindow->SetTextCaret(PixelRect{120, 30, 121, 50});
-    EXPECT_TRUE(WaitUntil([&] { return fServer->spot == (120u << 16 | 50u); }));
+    MoveCaret(120);
+    EXPECT_TRUE(WaitUntil([&] { return server->spot == (120u << 16 | 50u); }));
 
-    int seen = fServer->keys;
-    fWindow->SetTextCaret(std::nullopt);
-    fDisplay->AwaitEvents();
+    const int seen = server->keys;
+    LeaveField();
+    display.AwaitEvents();
     Type("ab");
     ExpectTyped("aAbB");
-    EXPECT_EQ(fServer->keys, seen);
+    EXPECT_EQ(server->keys, seen);
 
     // From one field to the next, typing on at once.
     for (int context : {2, 3}) {
-        fWindow->SetTextCaret(std::nullopt);
-        fWindow->SetTextCaret(PixelRect{20, 60, 21, 80});
-        fDisplay->AwaitEvents();
+        LeaveField();
+        MoveCaret(20);
+        display.AwaitEvents();
         Type("a");
         AwaitContext(context);
-        fWindow->SetTextCaret(PixelRect{30, 60, 31, 80});
+        MoveCaret(30);
         Type("b");
         ExpectTyped("[日本é]bB");
     }
 }
 
 TEST_F(InputMethodTest, KeysGoOnWithoutAServerThatAnswers) {
-    FocusField();
-    fServer->Pause();
+    AwaitContext(1);
+    server->Pause();
     Type("bab");
     ExpectTyped("bBaAbB");
     Type("a");
     ExpectTyped("aA");
-    fServer->Resume();
+    server->Resume();
     AwaitContext(2);
     Type("ab");
     ExpectTyped("[日本é]bB");
 
-    fServer->Pause();
+    server->Pause();
     Type("ba");
-    fDisplay->AwaitEvents();
-    fServer.reset();
+    display.AwaitEvents();
+    server.reset();
     ExpectTyped("bBaA");
     Type("a");
     ExpectTyped("aA");
 
-    fServer = std::make_unique<InputServer>(fDesk);
+    server = std::make_unique<test::InputServer>(desk);
     AwaitContext(1);
     Type("ba");
     ExpectTyped("bB[日本é]");
 }
 
 TEST_F(InputMethodTest, IsGivenUpAfterThreeFailures) {
-    FocusField();
     for (int failure = 1; failure <= 3; failure++) {
-        fServer->Pause();
+        AwaitContext(failure);
+        server->Pause();
         Type("a");
         ExpectTyped("aA");
-        fServer->Resume();
-        if (failure < 3)
-            AwaitContext(failure + 1);
+        server->Resume();
     }
-    fWindow->SetTextCaret(std::nullopt);
-    fWindow->SetTextCaret(PixelRect{20, 30, 21, 50});
+    LeaveField();
+    MoveCaret(20);
     Type("a");
     ExpectTyped("aA");
-    EXPECT_EQ(fServer->focuses, 3);
+    EXPECT_EQ(server->focuses, 3);
 }
 
 } // namespace

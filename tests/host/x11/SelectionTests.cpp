@@ -1,46 +1,46 @@
 #include <cstring>
 #include <future>
 
-#include <gmock/gmock.h>
-
 #include "base/Errors.h"
-#include "tests/host/x11/EventLog.h"
-#include "tests/support/Peer.h"
+#include "tests/host/x11/X11Test.h"
 
 namespace host {
 namespace {
 
-using test::Peer;
-using test::PrivateDesktop;
-
-class SelectionTest : public testing::Test {
+class SelectionTest : public X11Test {
 protected:
-    struct Answer {
-        status_t status;
-        std::string text;
-    };
+    using Answer = std::pair<status_t, std::string>;
 
     // Asks at once; the future is ready when the answer has come.
-    std::future<Answer> Ask(SelectionKind selection) {
+    std::future<Answer> Ask(SelectionKind selection = SelectionKind::Clipboard) {
         auto promise = std::make_shared<std::promise<Answer>>();
         display->AskSelection(selection, [promise](status_t status, std::string text) {
             promise->set_value({status, std::move(text)});
         });
         return promise->get_future();
     }
-    static Answer Await(std::future<Answer>& answer) {
+    static bool IsReady(const std::future<Answer>& answer) {
+        return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    }
+    static Answer Await(std::future<Answer> answer) {
         if (answer.wait_for(test::kDeadline) != std::future_status::ready)
             return {B_ERROR, "no answer"};
         return answer.get();
     }
+    // The next request that `peer` gets; it has to be for `type`, if one is given.
+    Peer::Request Requested(Peer& peer, const std::string& type = "") {
+        auto request = peer.AwaitRequest();
+        if (!request)
+            throw std::runtime_error("nothing is asked for");
+        EXPECT_TRUE(type.empty() || peer.IsFor(*request, type)) << type;
+        return request;
+    }
 
-    PrivateDesktop& desktop = PrivateDesktop::Shared();
-    TestDisplay display{desktop};
-    Peer other{desktop};
+    Peer other{desk};
 };
 
 TEST_F(SelectionTest, OffersItsTextInTheFormsThatOthersAskFor) {
-    const std::string text = "gr\xc3\xbc\xc3\x9f \xe2\x82\xac";
+    const std::string text = "grüß €";
     display->OwnSelection(SelectionKind::Clipboard, text);
     for (const char* target : {"UTF8_STRING", "TEXT", "text/plain;charset=utf-8"})
         EXPECT_EQ(other.Ask("CLIPBOARD", target), text) << target;
@@ -53,12 +53,11 @@ TEST_F(SelectionTest, OffersItsTextInTheFormsThatOthersAskFor) {
     other.SetAtoms("TAKEN", {"UTF8_STRING", "FIRST", "image/png", "SECOND", "MULTIPLE", "THIRD"},
                    "ATOM_PAIR");
     const std::string pairs = other.Ask("CLIPBOARD", "MULTIPLE").value_or("");
-    ASSERT_EQ(pairs.size(), 6 * 4u);
     xcb_atom_t atoms[6];
+    ASSERT_EQ(pairs.size(), sizeof(atoms));
     std::memcpy(atoms, pairs.data(), sizeof(atoms));
-    EXPECT_THAT(atoms,
-                testing::ElementsAre(desktop.Atom("UTF8_STRING"), desktop.Atom("FIRST"),
-                                     desktop.Atom("image/png"), 0u, desktop.Atom("MULTIPLE"), 0u));
+    EXPECT_THAT(atoms, ElementsAre(desk.Atom("UTF8_STRING"), desk.Atom("FIRST"),
+                                   desk.Atom("image/png"), 0u, desk.Atom("MULTIPLE"), 0u));
     EXPECT_EQ(other.TakeProperty("FIRST"), text);
 
     // The server would end the program's connection for a longer request than it allows.
@@ -67,80 +66,54 @@ TEST_F(SelectionTest, OffersItsTextInTheFormsThatOthersAskFor) {
 }
 
 TEST_F(SelectionTest, AsksForOtherFormsWhenTheFirstIsRefused) {
-    auto nobody = Ask(SelectionKind::Clipboard);
-    EXPECT_EQ(Await(nobody).status, B_ENTRY_NOT_FOUND);
-
-    other.Own("CLIPBOARD");
-    auto answer = Ask(SelectionKind::Clipboard);
-    for (const char* target : {"UTF8_STRING", "text/plain;charset=utf-8"}) {
-        auto request = other.AwaitRequest();
-        ASSERT_TRUE(request && other.IsFor(*request, target));
-        other.Refuse(*request);
-    }
-    auto request = other.AwaitRequest();
-    ASSERT_TRUE(request && other.IsFor(*request, "STRING"));
-    other.Answer(*request, {"\xfc"
-                            "ber",
-                            8, "STRING"});
-    Answer got = Await(answer);
-    EXPECT_EQ(got.status, B_OK);
-    EXPECT_EQ(got.text, "\xc3\xbc"
-                        "ber");
-
-    // What it takes itself it need not ask for, until another program takes it.
+    EXPECT_EQ(Await(Ask()).first, B_ENTRY_NOT_FOUND);
+    // What it offers itself it need not ask for, until another program takes the selection.
     display->OwnSelection(SelectionKind::Clipboard, "own");
-    answer = Ask(SelectionKind::Clipboard);
-    EXPECT_EQ(Await(answer).text, "own");
+    EXPECT_EQ(Await(Ask()), Answer(B_OK, "own"));
     other.Own("CLIPBOARD");
     display.AwaitEvents();
-    answer = Ask(SelectionKind::Clipboard);
-    request = other.AwaitRequest();
-    ASSERT_TRUE(request);
-    other.Answer(*request, {"theirs"});
-    EXPECT_EQ(Await(answer).text, "theirs");
+    auto answer = Ask();
+    for (const char* target : {"UTF8_STRING", "text/plain;charset=utf-8"})
+        other.Refuse(*Requested(other, target));
+    other.Answer(*Requested(other, "STRING"), {"\xfcx", 8, "STRING"});
+    EXPECT_EQ(Await(std::move(answer)), Answer(B_OK, "üx"));
 }
 
 TEST_F(SelectionTest, TakesALongTextInPartsUpToABound) {
     other.Own("CLIPBOARD");
-    auto answer = Ask(SelectionKind::Clipboard);
-    auto request = other.AwaitRequest();
-    ASSERT_TRUE(request);
+    auto answer = Ask();
+    auto request = Requested(other);
     other.BeginParts(*request);
     for (const char* part : {"one ", "two ", "three", ""})
         EXPECT_TRUE(other.AnswerPart(*request, part));
-    EXPECT_EQ(Await(answer).text, "one two three");
+    EXPECT_EQ(Await(std::move(answer)), Answer(B_OK, "one two three"));
 
-    answer = Ask(SelectionKind::Clipboard);
-    request = other.AwaitRequest();
-    ASSERT_TRUE(request);
+    answer = Ask();
+    request = Requested(other);
     other.BeginParts(*request);
     const std::string part(200'000, 'x');
     size_t given = 0;
-    while (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready &&
-           given < (size_t{20} << 20) && other.AnswerPart(*request, part))
+    while (!IsReady(answer) && given < (size_t{20} << 20) && other.AnswerPart(*request, part))
         given += part.size();
-    Answer got = Await(answer);
-    EXPECT_EQ(got.status, B_NO_MEMORY);
-    EXPECT_EQ(got.text, "");
+    EXPECT_EQ(Await(std::move(answer)), Answer(B_NO_MEMORY, ""));
     EXPECT_GT(given, size_t{15} << 20);
 }
 
 TEST_F(SelectionTest, GivesUpOwnersThatStopAnswering) {
-    auto dying = std::make_unique<Peer>(desktop);
+    auto dying = std::make_unique<Peer>(desk);
     dying->Own("PRIMARY");
     auto half = Ask(SelectionKind::Primary);
-    auto request = dying->AwaitRequest();
-    ASSERT_TRUE(request);
+    const auto request = Requested(*dying);
     dying->BeginParts(*request);
     dying->AnswerPart(*request, "a beginning");
     other.Own("CLIPBOARD");
-    auto silent = Ask(SelectionKind::Clipboard);
+    auto silent = Ask();
     dying.reset();
     // Meanwhile all else goes on.
     display.AwaitEvents();
-    EXPECT_NE(half.wait_for(std::chrono::seconds(0)), std::future_status::ready);
-    EXPECT_EQ(Await(half).status, B_TIMED_OUT);
-    EXPECT_EQ(Await(silent).status, B_TIMED_OUT);
+    EXPECT_FALSE(IsReady(half));
+    EXPECT_EQ(Await(std::move(half)).first, B_TIMED_OUT);
+    EXPECT_EQ(Await(std::move(silent)).first, B_TIMED_OUT);
 }
 
 TEST_F(SelectionTest, LeavesTheClipboardToItsManager) {
@@ -149,8 +122,7 @@ TEST_F(SelectionTest, LeavesTheClipboardToItsManager) {
     display->SaveClipboard(60'000'000);
     other.Own("CLIPBOARD_MANAGER");
     auto saving = std::async(std::launch::async, [&] { display->SaveClipboard(60'000'000); });
-    auto request = other.AwaitRequest();
-    ASSERT_TRUE(request && other.IsFor(*request, "SAVE_TARGETS"));
+    const auto request = Requested(other, "SAVE_TARGETS");
     EXPECT_EQ(other.Ask("CLIPBOARD", "UTF8_STRING"), "a text");
     EXPECT_NE(saving.wait_for(std::chrono::seconds(0)), std::future_status::ready);
     other.Notify(*request, request->property);

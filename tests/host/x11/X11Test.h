@@ -1,0 +1,212 @@
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+
+#include <gmock/gmock.h>
+
+#include "host/x11/XDisplay.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Peer.h"
+
+namespace host {
+
+using test::Box;
+using test::Desk;
+using test::Peer;
+using test::PlainWindow;
+using test::WaitUntil;
+using testing::ElementsAre;
+
+// Keeps all events of a window.
+class EventLog final : public WindowSink {
+public:
+    void HandleEvent(const WindowEvent& event) override {
+        std::lock_guard lock(fLock);
+        fEvents.push_back(event);
+    }
+
+    std::vector<WindowEvent> All() const {
+        std::lock_guard lock(fLock);
+        return fEvents;
+    }
+    template <typename T>
+    std::vector<T> All() const {
+        std::vector<T> found;
+        for (const WindowEvent& event : All()) {
+            if (auto* wanted = std::get_if<T>(&event))
+                found.push_back(*wanted);
+        }
+        return found;
+    }
+    // A default one if there is none.
+    template <typename T>
+    T Last() const {
+        auto all = All<T>();
+        return all.empty() ? T{} : all.back();
+    }
+    template <typename T>
+    bool Await(std::size_t count = 1) const {
+        return WaitUntil([&] { return All<T>().size() >= count; });
+    }
+    void Forget() {
+        std::lock_guard lock(fLock);
+        fEvents.clear();
+    }
+
+private:
+    mutable std::mutex fLock;
+    std::vector<WindowEvent> fEvents;
+};
+
+class DisplayLog final : public DisplaySink {
+public:
+    void FocusLeftProgram() override { focusLosses++; }
+    void MonitorsChanged() override {}
+    void SettingsChanged() override {}
+    void SessionKeyChanged(const SessionKey& key) override {
+        std::lock_guard lock(fLock);
+        fKeys.push_back(key);
+    }
+    void DisplayLost() override {}
+
+    // Those since the last call.
+    std::vector<SessionKey> TakeKeys() {
+        std::lock_guard lock(fLock);
+        return std::exchange(fKeys, {});
+    }
+
+    std::atomic<int> focusLosses = 0;
+
+private:
+    std::mutex fLock;
+    std::vector<SessionKey> fKeys;
+};
+
+// A picture in memory, of one colour at first.
+struct Pixels {
+    Pixels(int pixelWidth, int pixelHeight, uint32 color)
+        : width(pixelWidth)
+        , height(pixelHeight)
+        , words(static_cast<std::size_t>(width * height), color) {}
+    operator Image() const {
+        return {reinterpret_cast<const uint8*>(words.data()), width, height, width * 4};
+    }
+
+    int width, height;
+    std::vector<uint32> words;
+};
+
+// A window of the program with its events. `events` outlives `window`.
+struct TestWindow {
+    std::unique_ptr<EventLog> events = std::make_unique<EventLog>();
+    std::unique_ptr<HostWindow> window;
+    std::string title;
+
+    HostWindow* operator->() const { return window.get(); }
+    bool BecomesActive() const {
+        return WaitUntil([&] { return events->Last<FocusChanged>().active; });
+    }
+};
+
+inline WindowSpec BarSpec(const PixelRect& frame) {
+    return {.kind = WindowKind::Bar, .frame = frame, .border = 1, .floating = true};
+}
+inline WindowSpec MenuSpec(const PixelRect& frame) {
+    return {.kind = WindowKind::Menu, .frame = frame};
+}
+
+// A display on a desk, and windows on it.
+class TestDisplay {
+public:
+    explicit TestDisplay(Desk& desk)
+        : fDesk(desk) {
+        std::string problem;
+        fDisplay = XDisplay::Connect(desk.Name().c_str(), &fSink, "program", "Program", problem);
+        if (!fDisplay)
+            throw std::runtime_error(problem);
+    }
+
+    // The next program that connects is given the same numbers for its windows: the window manager
+    // must not take them for those of this one.
+    ~TestDisplay() {
+        uint32 mask = xcb_get_setup(fDisplay->Server())->resource_id_mask;
+        xcb_window_t base = fDisplay->Identity().leader & ~mask;
+        fDisplay.reset();
+        WaitUntil([&] {
+            return std::ranges::none_of(
+                fDesk.Stacking(), [&](xcb_window_t window) { return (window & ~mask) == base; });
+        });
+    }
+
+    XDisplay* operator->() const { return fDisplay.get(); }
+    DisplayLog& Sink() { return fSink; }
+
+    TestWindow Create(WindowSpec spec) {
+        TestWindow made;
+        // Told apart by their titles, those of two programs included.
+        static int sCreated = 0;
+        made.title = spec.title = "Window " + std::to_string(++sCreated);
+        made.window = fDisplay->CreateWindow(spec, made.events.get());
+        return made;
+    }
+    // Shown, and for a managed window taken over by the window manager.
+    TestWindow CreateShown(const WindowSpec& spec, uint32 color = 0xc0c0c0) {
+        TestWindow made = Create(spec);
+        Pixels picture(spec.frame.Width(), spec.frame.Height(), color);
+        made->Present(picture, {{0, 0, picture.width, picture.height}});
+        made->Show();
+        if (!WaitUntil([&] { return Describe(made).viewable; }))
+            throw std::runtime_error("the window was not shown");
+        return made;
+    }
+    TestWindow CreateActive() {
+        TestWindow made = CreateShown({.frame = {100, 100, 300, 300}});
+        made->Activate();
+        EXPECT_TRUE(made.BecomesActive());
+        return made;
+    }
+
+    test::WindowInfo Describe(const TestWindow& window) const {
+        auto found =
+            fDesk.Windows([&](const test::WindowInfo& info) { return info.title == window.title; });
+        return found.empty() ? test::WindowInfo{} : found[0];
+    }
+    xcb_window_t IdOf(const TestWindow& window) const { return Describe(window).id; }
+
+    // Returns when the display thread has handled all events that the server has sent so far.
+    void AwaitEvents() {
+        TestWindow marker = Create(MenuSpec({}));
+        fDisplay->Sync();
+        const auto message =
+            fDesk.Message(IdOf(marker), "WM_PROTOCOLS", {fDesk.Atom("WM_DELETE_WINDOW")});
+        xcb_send_event(fDesk.Connection(), false, message.window, 0,
+                       reinterpret_cast<const char*>(&message));
+        fDesk.Sync();
+        if (!marker.events->Await<CloseRequested>())
+            throw std::runtime_error("the display thread hangs");
+    }
+
+private:
+    Desk& fDesk;
+    DisplayLog fSink;
+    std::unique_ptr<XDisplay> fDisplay;
+};
+
+// A program on the shared desk.
+class X11Test : public testing::Test {
+protected:
+    // The layout, as setxkbmap's -layout has it, and more arguments of that program.
+    static void SetLayout(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
+        test::ChildProcess::Options options;
+        options.arguments = std::move(arguments);
+        EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
+    }
+
+    Desk& desk = Desk::Shared();
+    TestDisplay display{desk};
+};
+
+} // namespace host
