@@ -1,55 +1,27 @@
 #include "tests/kits/interface/InterfaceTest.h"
 
 #include <algorithm>
-#include <atomic>
 #include <unistd.h>
 
 #include "host/x11/Display.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/app/MessageFilter.h"
 
 namespace {
 
-test::PrivateDesktop& ConnectedDesktop() {
-    test::PrivateDesktop& desktop = test::PrivateDesktop::Shared();
+constexpr uint32 kMarker = 'mark';
+
+test::Desk& ConnectedDesk() {
+    test::Desk& desk = test::Desk::Shared();
     if (host::Display::Shared() == nullptr && connect_display() != B_OK)
         ADD_FAILURE() << "no display";
-    return desktop;
+    return desk;
 }
-
-const char* TransitName(uint32 transit) {
-    switch (transit) {
-    case B_ENTERED_VIEW:
-        return "entered";
-    case B_INSIDE_VIEW:
-        return "inside";
-    case B_EXITED_VIEW:
-        return "exited";
-    default:
-        return "outside";
-    }
-}
-
-class ReleaseCounter : public BMessageFilter {
-public:
-    explicit ReleaseCounter(std::atomic<int>& count)
-        : BMessageFilter(B_MOUSE_UP)
-        , fCount(count) {}
-
-    filter_result Filter(BMessage*, BHandler**) override {
-        fCount++;
-        return B_DISPATCH_MESSAGE;
-    }
-
-private:
-    std::atomic<int>& fCount;
-};
 
 } // namespace
 
-RecordingView::RecordingView(BRect frame, const char* name, rgb_color color)
-    : BView(frame, name, B_FOLLOW_NONE, B_WILL_DRAW) {
+RecordingView::RecordingView(BRect frame, rgb_color color)
+    : BView(frame, "recording", B_FOLLOW_NONE, B_WILL_DRAW) {
     SetViewColor(color);
 }
 
@@ -59,50 +31,44 @@ void RecordingView::Draw(BRect updateRect) {
         onDraw(*this);
 }
 
-void RecordingView::MouseDown(BPoint where) {
-    events.push_back("down");
-    lastWhere = where;
-    if (mask != 0)
-        SetMouseEventMask(mask);
-    if (onMouseDown)
-        onMouseDown(*this);
+void RecordingView::MouseMoved(BPoint where, uint32, const BMessage*) {
+    moves.push_back(where);
 }
 
-void RecordingView::MouseUp(BPoint where) {
-    events.push_back("up");
-    lastWhere = where;
-}
+RecordingWindow::RecordingWindow(BRect frame, window_look look)
+    : BWindow(frame, "Recording", look, B_NORMAL_WINDOW_FEEL, B_NOT_RESIZABLE) {}
 
-void RecordingView::MouseMoved(BPoint where, uint32 transit, const BMessage*) {
-    events.push_back(TransitName(transit));
-    lastWhere = where;
+void RecordingWindow::DispatchMessage(BMessage* message, BHandler* handler) {
+    releases += message->what == B_MOUSE_UP;
+    fMarks += message->what == kMarker;
+    BWindow::DispatchMessage(message, handler);
 }
-
-int RecordingView::CountOf(const std::string& event) const {
-    return static_cast<int>(std::count(events.begin(), events.end(), event));
-}
-
-RecordingWindow::RecordingWindow(BRect frame, window_look look, uint32 flags)
-    : BWindow(frame, "Recording", look, B_NORMAL_WINDOW_FEEL, flags) {}
 
 void RecordingWindow::MessageReceived(BMessage* message) {
-    received.push_back(message->what);
-    if (onMessage)
-        onMessage(*message);
+    if (message->what != kMarker)
+        received.push_back(message->what);
     BWindow::MessageReceived(message);
 }
 
-std::vector<test::WindowInfo> ShownWindows(const test::Screen& screen) {
-    return screen.Windows(
-        [](const test::WindowInfo& info) { return info.viewable && info.pid == getpid(); });
+bool RecordingWindow::Settle() {
+    const int before = fMarks;
+    PostMessage(kMarker);
+    if (!test::WaitUntil([&] { return fMarks > before; }) || !Lock())
+        return false;
+    Unlock(); // what it invalidated has been drawn now
+    return true;
 }
 
-// The pointer starts each test in a corner without windows.
+long RecordingWindow::CountReceived(uint32 what) {
+    EXPECT_TRUE(Lock());
+    const long count = std::ranges::count(received, what);
+    Unlock();
+    return count;
+}
+
 InterfaceTest::InterfaceTest()
-    : desktop(ConnectedDesktop())
-    , robot(desktop)
-    , screen(desktop) {
-    robot.MoveTo(1270, 890);
+    : desk(ConnectedDesk()) {
+    desk.MoveTo(1270, 890);
 }
 
 InterfaceTest::~InterfaceTest() {
@@ -115,32 +81,22 @@ InterfaceTest::~InterfaceTest() {
     }
 }
 
-void InterfaceTest::Show(BWindow* window) {
+void InterfaceTest::Show(RecordingWindow* window) {
     fWindows.emplace_back(window);
-    window->AddCommonFilter(new ReleaseCounter(fReleases));
-    const size_t before = ShownWindows(screen).size();
+    const size_t before = ShownWindows().size();
     window->Show();
-    EXPECT_TRUE(test::WaitUntil([&] { return ShownWindows(screen).size() > before; }));
-    Settle(window);
+    EXPECT_TRUE(test::WaitUntil([&] { return ShownWindows().size() > before; }));
+    window->Settle();
 }
 
-bool InterfaceTest::Settle(BWindow* window) {
-    std::atomic<bool> seen = false;
-    static constexpr uint32 kMarker = 'mark';
-    class Marker : public BHandler {
-    public:
-        explicit Marker(std::atomic<bool>& flag)
-            : fFlag(flag) {}
-        void MessageReceived(BMessage*) override { fFlag = true; }
+void InterfaceTest::Activate(BWindow* window) {
+    WithLock(window, [&] { window->Activate(); });
+    EXPECT_TRUE(WaitFor(window, [&] { return window->IsActive(); }));
+}
 
-    private:
-        std::atomic<bool>& fFlag;
-    } marker(seen);
-    WithLock(window, [&] { window->AddHandler(&marker); });
-    BMessenger(&marker).SendMessage(kMarker);
-    const bool settled = test::WaitUntil([&] { return seen.load(); });
-    WithLock(window, [&] { window->RemoveHandler(&marker); });
-    return settled;
+std::vector<test::WindowInfo> InterfaceTest::ShownWindows() const {
+    return desk.Windows(
+        [](const test::WindowInfo& info) { return info.viewable && info.pid == getpid(); });
 }
 
 void InterfaceTest::WithLock(BWindow* window, const std::function<void()>& action) {
@@ -164,24 +120,30 @@ BPoint InterfaceTest::OnScreen(BView* view, BPoint where) {
 }
 
 void InterfaceTest::MoveOver(BView* view, BPoint where) {
-    BPoint place = OnScreen(view, where);
-    robot.MoveTo(static_cast<int>(place.x), static_cast<int>(place.y));
+    const BPoint place = OnScreen(view, where);
+    desk.MoveTo(static_cast<int>(place.x), static_cast<int>(place.y));
 }
 
 // The window manager holds a press back for a moment; the server gives what is held back the place
 // where the pointer is by then, so it must not move on before the click has arrived.
 void InterfaceTest::ClickAt(BView* view, BPoint where, int button) {
-    BPoint place = OnScreen(view, where);
-    const int before = fReleases;
-    robot.Click(static_cast<int>(place.x), static_cast<int>(place.y), button);
-    EXPECT_TRUE(test::WaitUntil([&] { return fReleases > before; }));
+    auto& window = dynamic_cast<RecordingWindow&>(*view->Window());
+    const int before = window.releases;
+    MoveOver(view, where);
+    desk.Press(button);
+    desk.Release(button);
+    EXPECT_TRUE(test::WaitUntil([&] { return window.releases > before; }));
 }
 
 uint32_t InterfaceTest::PixelAt(BView* view, BPoint where) {
-    BPoint place = OnScreen(view, where);
-    return screen.Pixel(static_cast<int>(place.x), static_cast<int>(place.y));
+    const BPoint place = OnScreen(view, where);
+    return desk.Pixel(static_cast<int>(place.x), static_cast<int>(place.y));
 }
 
 bool InterfaceTest::WaitForPixel(BView* view, BPoint where, uint32_t color) {
     return test::WaitUntil([&] { return PixelAt(view, where) == color; });
+}
+
+bool InterfaceTest::WaitForMenus(size_t count) {
+    return test::WaitUntil([&] { return desk.Shown("POPUP_MENU").size() == count; });
 }

@@ -1,65 +1,49 @@
-#include "tests/kits/interface/InterfaceTest.h"
-
 #include "kits/interface/text/TextView.h"
+
+#include "tests/kits/interface/InterfaceTest.h"
 
 namespace {
 
 class TextViewTest : public InterfaceTest {
 protected:
-    TextViewTest()
-        : text(BRect(0, 0, 199, 299), "text", BRect(0, 0, 199, 0), B_FOLLOW_NONE, B_WILL_DRAW) {}
-
-    BTextView text;
+    BTextView text{BRect(0, 0, 199, 299), "text", BRect(0, 0, 199, 0), B_FOLLOW_NONE, B_WILL_DRAW};
 };
 
-} // namespace
-
-TEST_F(TextViewTest, WrapsAtWordsAndAtNewLinesOrOnlyThere) {
+TEST_F(TextViewTest, WrapsAnyBytesAtWordsOrAtNewLinesOnly) {
     text.SetText("a line that is wider than two hundred pixels of a text rectangle\nii\n");
-    const int32 lines = text.CountLines();
-    EXPECT_GE(lines, 4);
-    EXPECT_LE(lines, 6);
+    EXPECT_GE(text.CountLines(), 4);
+    EXPECT_LE(text.CountLines(), 6);
     text.SetWordWrap(false);
     EXPECT_EQ(text.CountLines(), 3);
     EXPECT_GT(text.LineWidth(0), 200);
     EXPECT_GT(text.LineWidth(1), 0);
-    EXPECT_LT(text.LineWidth(1), 20);
     EXPECT_EQ(text.LineWidth(2), 0);
     EXPECT_EQ(text.LineWidth(3), 0);
     EXPECT_FLOAT_EQ(text.TextHeight(0, 2000000), text.TextHeight());
     EXPECT_FLOAT_EQ(text.TextHeight(1, 2) * 3, text.TextHeight() * 2);
-}
-
-TEST_F(TextViewTest, BreaksWordsThatFitNoLineWhateverTheirBytes) {
-    text.SetText(std::string(255, 'm').c_str());
-    EXPECT_GT(text.CountLines(), 5);
-    text.SetText(std::string(300, '\x80').c_str());
-    EXPECT_GT(text.CountLines(), 5);
-    text.SetText(std::string(300, ' ').c_str());
-    EXPECT_GE(text.CountLines(), 1);
+    text.SetWordWrap(true);
+    for (char byte : {'m', '\x80'}) {
+        text.SetText(std::string(300, byte).c_str());
+        EXPECT_GT(text.CountLines(), 5) << byte;
+    }
     text.SetTextRect({0, 0, 0, 0});
     text.SetText("narrow\xc3\xa4");
     EXPECT_EQ(text.CountLines(), 7);
 }
 
-TEST_F(TextViewTest, StylesARangeOfAStylableText) {
+TEST_F(TextViewTest, StylesARangeUntilAnotherTextIsSet) {
     text.SetText("ERROR:\n\nSomething");
     text.SetStylable(true);
     const float plain = text.TextHeight();
     BFont font;
-    text.GetFont(&font);
     font.SetSize(16);
-    text.SetFontAndColor(0, 6, &font);
-    const float oneLarge = text.TextHeight();
-    EXPECT_GT(oneLarge, plain);
+    text.SetFontAndColor(-5, 6, &font);
     EXPECT_GT(text.TextHeight(0, 0), text.TextHeight(2, 2));
-    text.SetFontAndColor(-5, 1000, &font);
-    EXPECT_GT(text.TextHeight(), oneLarge);
     text.SetText("no style is left");
     EXPECT_EQ(text.TextHeight(), plain / 3);
 }
 
-TEST_F(TextViewTest, ATextHigherThanTheViewEndsWithAnEllipsis) {
+TEST_F(TextViewTest, HigherThanTheViewItEndsWithAnEllipsis) {
     auto* window = new RecordingWindow(BRect(100, 100, 299, 199));
     auto* view = new BTextView(BRect(0, 0, 199, 39), "text", BRect(0, 0, 199, 0), B_FOLLOW_NONE,
                                B_WILL_DRAW);
@@ -67,10 +51,12 @@ TEST_F(TextViewTest, ATextHigherThanTheViewEndsWithAnEllipsis) {
     Show(window);
     const auto drawn = [&](const char* shown) {
         WithLock(window, [&] { view->SetText(shown); });
-        Settle(window);
-        return screen.Grab({100, 100, 200, 60});
+        window->Settle();
+        return desk.Grab({100, 100, 200, 60});
     };
     const test::Picture cut = drawn("one\ntwo\nthree\nfour\nfive");
     EXPECT_EQ(cut, drawn("one\ntwo\xe2\x80\xa6"));
     EXPECT_NE(cut, drawn("one\ntwo"));
 }
+
+} // namespace

@@ -65,9 +65,9 @@ protected:
         apps.SetDefault("x-scheme-handler/ftp", "fetcher");
     }
     void Activate() {
-        const auto shown = ShownWindows(screen);
+        const auto shown = ShownWindows();
         ASSERT_EQ(shown.size(), 1u);
-        screen.Activate(shown.front().id);
+        desk.Activate(shown.front().id);
         ASSERT_TRUE(WaitFor(window, [this] { return window->IsActive(); }));
     }
     // A pixel of the underline; of the line's room if there is none.
@@ -77,15 +77,15 @@ protected:
     BPoint OnText() const { return {30, line - 4}; }
     void Press(int button = 1) {
         MoveOver(link, OnText());
-        robot.Press(button);
+        desk.Press(button);
         ASSERT_TRUE(LineBecomes(kRed));
     }
     void OpenMenu() {
         Press(3);
-        robot.Release(3);
+        desk.Release(3);
         ASSERT_TRUE(test::WaitUntil([this] { return !Menus().empty(); }));
     }
-    std::vector<test::WindowInfo> Menus() { return screen.Shown("POPUP_MENU"); }
+    std::vector<test::WindowInfo> Menus() { return desk.Shown("POPUP_MENU"); }
     std::string Copied() {
         EXPECT_TRUE(be_clipboard->Lock());
         const void* bytes = nullptr;
@@ -128,7 +128,7 @@ TEST_F(LinkTest, EachKindOpensInItsProgramWithTheWholeLink) {
     WithLock(window, [&] { link->SetURL("gopher:old"); });
     EXPECT_FALSE(link->IsEnabled());
     ClickAt(link, OnText());
-    Settle(window);
+    window->Settle();
     EXPECT_EQ(apps.Launches().size(), cases.size());
     EXPECT_NE(PixelAt(link, BPoint(1, std::floor(line + 0.5f))), kBlue);
     WithLock(window, [&] { link->SetEnabled(true); });
@@ -145,19 +145,19 @@ TEST_F(LinkTest, ItsColourTellsWhatThePointerDoes) {
     MoveOver(link, OnText());
     EXPECT_TRUE(LineBecomes(kDarkBlue));
     {
-        test::PlainWindow other(desktop, {900, 600, 100, 100});
+        test::PlainWindow other(desk, {900, 600, 100, 100});
         other.Activate();
         EXPECT_TRUE(LineBecomes(kBlue));
         MoveOver(link, OnText() + BPoint(3, 0));
-        Settle(window);
+        window->Settle();
         EXPECT_TRUE(LineBecomes(kBlue)) << "hovered in a window that is not active";
     }
     Activate();
     Press();
     MoveOver(link, BPoint(30, -10));
     EXPECT_TRUE(LineBecomes(kBlue));
-    robot.Release();
-    Settle(window);
+    desk.Release();
+    window->Settle();
     EXPECT_TRUE(apps.Launches().empty());
 }
 
@@ -168,7 +168,7 @@ TEST_F(LinkTest, TenPixelsAreAClickAndElevenAreNot) {
         Press();
         const int before = link->releases;
         MoveOver(link, OnText() + BPoint(pixels, 0));
-        robot.Release();
+        desk.Release();
         ASSERT_TRUE(test::WaitUntil([&] { return link->releases > before; }));
         MoveOver(link, BPoint(30, -10));
         ASSERT_TRUE(LineBecomes(kBlue));
@@ -178,7 +178,7 @@ TEST_F(LinkTest, TenPixelsAreAClickAndElevenAreNot) {
     pressAndMove(11);
     ClickAt(link, OnText());
     EXPECT_EQ(apps.WaitForLaunches(2).size(), 2u);
-    Settle(window);
+    window->Settle();
     EXPECT_EQ(apps.Launches().size(), 2u);
 }
 
@@ -199,16 +199,16 @@ TEST_F(LinkTest, TheMenuNamesTheProgramAndCopies) {
     const BPoint pointer = OnScreen(link, OnText());
     OpenMenu();
     EXPECT_EQ(Menus()[0].frame.y, static_cast<int>(pointer.y) - 6);
-    robot.Key(XK_Escape);
+    desk.Key(XK_Escape);
     EXPECT_TRUE(LineBecomes(kDarkBlue));
     OpenMenu();
-    robot.Key(XK_End);
-    robot.Key(XK_Return);
+    desk.Key(XK_End);
+    desk.Key(XK_Return);
     EXPECT_TRUE(test::WaitUntil([this] { return Copied() == "one@mail.example"; }));
     EXPECT_TRUE(apps.Launches().empty());
     OpenMenu();
-    robot.Key(XK_Home);
-    robot.Key(XK_Return);
+    desk.Key(XK_Home);
+    desk.Key(XK_Return);
     EXPECT_EQ(apps.WaitForLaunches(1).size(), 1u);
 }
 
@@ -221,12 +221,12 @@ TEST_F(LinkTest, AnAlertSaysThatNoProgramIsThere) {
         ClickAt(link, OnText());
         std::vector<test::WindowInfo> alerts;
         ASSERT_TRUE(test::WaitUntil([&] {
-            alerts = screen.Shown("DIALOG");
-            return alerts.size() == 1 && screen.ActiveWindow() == alerts[0].id;
+            alerts = desk.Shown("DIALOG");
+            return alerts.size() == 1 && desk.ActiveWindow() == alerts[0].id;
         }));
         EXPECT_EQ(alerts[0].title, title);
-        robot.Key(XK_Return);
-        ASSERT_TRUE(test::WaitUntil([&] { return !screen.IsViewable(alerts[0].id); }));
+        desk.Key(XK_Return);
+        ASSERT_TRUE(test::WaitUntil([&] { return !desk.IsViewable(alerts[0].id); }));
         Activate();
     }
 }

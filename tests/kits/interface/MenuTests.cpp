@@ -1,0 +1,248 @@
+// Menus by themselves: how they are placed, followed, scrolled and closed.
+
+#include <filesystem>
+#include <thread>
+#include <unistd.h>
+
+#include "host/x11/Display.h"
+#include "kits/interface/menus/MenuPlacement.h"
+#include "kits/interface/menus/MenuWindow.h"
+#include "tests/kits/interface/MenuTest.h"
+
+using test::Box;
+using test::WaitUntil;
+
+namespace {
+
+TEST(MenuPlacement, ASubmenuIsOnTheLeftWhereTheRightHasNoRoom) {
+    const BRect monitor(1000, 0, 1799, 599);
+    const BRect item(1702, 100, 1797, 119);
+    const BRect submenu = PlaceSubmenu({1700, 50, 1799, 249}, item, 150, 80, monitor);
+    EXPECT_NEAR(submenu.right, 1704, 5);
+    EXPECT_TRUE(HeadsForSubmenu({150, 110}, {125, 180}, {0, 100, 100, 300}));
+    EXPECT_FALSE(HeadsForSubmenu({150, 110}, {160, 111}, {0, 100, 100, 300}));
+}
+
+TEST(Menu, AnItemHasOneMenuAndLeavesItWhenDeleted) {
+    BMenu menu("menu");
+    auto* first = new BMenuItem("First", nullptr);
+    menu.AddItem(new BMenu("Sub"));
+    EXPECT_TRUE(menu.AddItem(first, 0));
+    EXPECT_FALSE(menu.AddItem(first));
+    BMenu lost("Lost");
+    EXPECT_FALSE(menu.AddItem(&lost, 7));
+    delete first;
+    delete menu.ItemAt(0);
+    EXPECT_EQ(menu.CountItems(), 0);
+}
+
+TEST_F(MenuTest, KeysSelectWhatCanBeChosen) {
+    AddThree();
+    menu.AddItem(new BMenuItem("Off", nullptr), 1);
+    menu.ItemAt(1)->SetEnabled(false);
+    menu.AddSeparatorItem();
+    Open();
+    const auto selects = [&](uint32_t key, int32 index) {
+        desk.Key(key);
+        return WaitForHighlight(menu.ItemAt(index));
+    };
+    const std::pair<uint32_t, int32> keys[] = {{XK_Down, 0}, {XK_Down, 2}, {XK_Down, 3},
+                                               {XK_Down, 0}, {XK_Up, 3},   {XK_Home, 0},
+                                               {XK_End, 3},  {XK_t, 2},    {XK_t, 3}};
+    for (const auto& [key, index] : keys)
+        EXPECT_TRUE(selects(key, index)) << key << ", " << index;
+    // A pointer that moves again takes the selection back.
+    PointAt(menu.ItemAt(2));
+    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(2)));
+    EXPECT_TRUE(selects(XK_Home, 0));
+    const Box place = Place(menu.ItemAt(2));
+    desk.MoveTo(place.x + 3, place.CenterY());
+    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(2)));
+    desk.Key(XK_KP_Enter);
+    EXPECT_EQ(Answer(), menu.ItemAt(2));
+    // The letter of one item alone chooses it.
+    menu.ItemAt(1)->SetLabel("Lower");
+    Open();
+    desk.Key(XK_o);
+    EXPECT_EQ(Answer(), menu.ItemAt(0));
+}
+
+TEST_F(MenuTest, ClicksOnWhatCannotBeChosenLeaveItOpen) {
+    AddThree();
+    menu.AddSeparatorItem();
+    menu.ItemAt(0)->SetEnabled(false);
+    Open();
+    for (const auto& [index, button] : {std::pair{0, 1}, {3, 1}, {1, 2}})
+        Click(menu.ItemAt(index), button);
+    EXPECT_FALSE(IsHighlighted(menu.ItemAt(0)));
+    Click(menu.ItemAt(2), 3);
+    EXPECT_EQ(Answer(), menu.ItemAt(2));
+    Open();
+    PointAt(menu.ItemAt(1));
+    desk.Press();
+    desk.MoveTo(700, 700);
+    desk.Release();
+    EXPECT_EQ(Answer(), nullptr) << "released outside";
+}
+
+TEST_F(MenuTest, ASubmenuStaysWhileThePointerTravelsTowardsIt) {
+    BMenu* submenu = AddSubmenu(8);
+    AddThree();
+    Open();
+    PointAt(menu.ItemAt(0));
+    ASSERT_TRUE(WaitForMenus(2));
+    const Box from = Place(menu.ItemAt(0));
+    const Box to = Place(submenu->ItemAt(3));
+    constexpr int kSteps = 40;
+    for (int i = 1; i <= kSteps; i++) {
+        desk.MoveTo(from.CenterX() + (to.x + 10 - from.CenterX()) * i / kSteps,
+                    from.CenterY() + (to.CenterY() - from.CenterY()) * i / kSteps);
+        // A hand's pace, so that every place is seen.
+        std::this_thread::sleep_for(std::chrono::milliseconds(4));
+    }
+    EXPECT_TRUE(WaitForHighlight(submenu->ItemAt(3)));
+    EXPECT_TRUE(IsHighlighted(menu.ItemAt(0)));
+    // One that stops on its way gets what it is on.
+    desk.MoveTo(from.x + 10, from.CenterY());
+    const Box second = Place(menu.ItemAt(1));
+    desk.MoveTo(second.x + second.width - 10, second.CenterY());
+    EXPECT_TRUE(WaitForMenus(1));
+    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(1)));
+}
+
+TEST_F(MenuTest, ATallMenuScrollsByTheWheelAtItsEndsAndByKeys) {
+    for (int i = 0; i < 200; i++)
+        Add(menu, "Item " + std::to_string(i));
+    Open(static_cast<float>(desk.Frame().CenterX()), static_cast<float>(desk.Frame().CenterY()));
+    const Box frame = desk.Shown("POPUP_MENU").at(0).frame;
+    EXPECT_TRUE(desk.Frame().Contains(frame));
+    EXPECT_EQ(frame.height, desk.Frame().height);
+    const int top = Place(menu.ItemAt(0)).y;
+    const auto scrolls = [&](int from, int to) {
+        return WaitUntil([&] {
+            const int y = Place(menu.ItemAt(0)).y - top;
+            return y >= from && y <= to;
+        });
+    };
+    desk.Click(frame.CenterX(), frame.CenterY(), 5);
+    EXPECT_TRUE(scrolls(-200, -1));
+    desk.Click(frame.CenterX(), frame.CenterY(), 4);
+    EXPECT_TRUE(scrolls(0, 0));
+    desk.MoveTo(frame.CenterX(), frame.y + frame.height - 5);
+    EXPECT_TRUE(scrolls(-100'000, -300));
+    desk.MoveTo(frame.CenterX(), frame.y + 5);
+    EXPECT_TRUE(scrolls(0, 0));
+    desk.Key(XK_End);
+    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(199)));
+    EXPECT_TRUE(frame.Contains(Place(menu.ItemAt(199))));
+    desk.Key(XK_Page_Up);
+    desk.Key(XK_Page_Up);
+    EXPECT_TRUE(WaitUntil([&] { return frame.Contains(Place(menu.ItemAt(130))); }));
+    Click(menu.ItemAt(130));
+    EXPECT_EQ(Answer(), menu.ItemAt(130));
+}
+
+TEST_F(MenuTest, OneThatWasGivenAwayDeletesItself) {
+    static std::atomic<int> deleted = 0;
+    class GivenMenu : public BPopUpMenu {
+    public:
+        GivenMenu()
+            : BPopUpMenu("given", false, false) {
+            AddItem(new BMenuItem("One", new BMessage('one ')));
+            SetAsyncAutoDestruct(true);
+        }
+        ~GivenMenu() override { deleted++; }
+    };
+    auto* window = new RecordingWindow(BRect(50, 50, 149, 149));
+    Show(window);
+    auto* chosen = new GivenMenu;
+    chosen->SetTargetForItems(BMessenger(window));
+    EXPECT_EQ(chosen->Go(BPoint(200, 200), true, true, true), nullptr);
+    ASSERT_TRUE(WaitForMenus(1));
+    // Another one cannot open meanwhile, and is gone at once.
+    (new GivenMenu)->Go(BPoint(300, 300), true, true, true);
+    EXPECT_EQ(deleted, 1);
+    desk.Key(XK_Down);
+    desk.Key(XK_Return);
+    EXPECT_TRUE(WaitUntil([] { return deleted == 2; }));
+    EXPECT_TRUE(WaitUntil([&] { return window->CountReceived('one ') == 1; }));
+}
+
+// Another program that holds the keyboard is a case of the whole program's tests.
+TEST_F(MenuTest, NoneOpensWithoutThePointerAndAChangeOfTheMonitorsClosesIt) {
+    AddThree();
+    EXPECT_EQ(menu.Go(BPoint(100, 100)), nullptr) << "for a press, with no button down";
+    xcb_grab_pointer_unchecked(desk.Connection(), 0, desk.Root(), 0, XCB_GRAB_MODE_ASYNC,
+                               XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    desk.Sync();
+    EXPECT_EQ(menu.Go(BPoint(100, 100), false, true), nullptr);
+    EXPECT_TRUE(desk.IsInputFree());
+
+    Open();
+    desk.SetMonitors({{0, 0, 640, 900}, {640, 0, 640, 900}});
+    EXPECT_EQ(Answer(), nullptr);
+    EXPECT_TRUE(desk.IsInputFree());
+    desk.SetMonitors({desk.Frame()});
+    EXPECT_TRUE(WaitUntil([&] { return host::Display::Shared()->Monitors().size() == 1; }));
+}
+
+TEST_F(MenuTest, ItemsMayGetOtherLabelsWhileItIsOpen) {
+    for (int i = 0; i < 20; i++)
+        Add(menu, "Item");
+    Open();
+    const auto width = [&] { return desk.Shown("POPUP_MENU").at(0).frame.width; };
+    const int before = width();
+    for (size_t round = 0; round <= 50; round++) {
+        EXPECT_TRUE(InMenu(&menu, [&] {
+            for (int32 i = 0; i < 20; i++)
+                menu.ItemAt(i)->SetLabel(
+                    std::string(round < 50 ? i * round % 260 : 40 - i, 'x').c_str());
+        }));
+        desk.Key(XK_Down);
+    }
+    EXPECT_TRUE(WaitUntil([&] { return width() > before && width() < 600; }));
+    Click(menu.ItemAt(7));
+    EXPECT_EQ(Answer(), menu.ItemAt(7));
+}
+
+TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {
+    AddThree();
+    BMenu* submenu = AddSubmenu(3);
+    const auto openAndClose = [&](int round) {
+        Open();
+        desk.Key(XK_End);
+        desk.Key(round % 2 == 0 ? XK_Return : XK_Right);
+        ASSERT_TRUE(WaitForMenus(2));
+        EXPECT_TRUE(WaitForHighlight(submenu->ItemAt(0)));
+        if (round % 3 == 0)
+            return desk.Click(700, 700);
+        if (round % 3 == 1)
+            return desk.Key(XK_Return);
+        desk.Key(round % 2 == 0 ? XK_Left : XK_Escape);
+        ASSERT_TRUE(WaitForMenus(1));
+        desk.Key(XK_Escape);
+    };
+    const auto threads = [] {
+        return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                                     std::filesystem::directory_iterator());
+    };
+    const auto windows = [&] {
+        return desk.Windows([](const auto& window) { return window.pid == getpid(); }).size();
+    };
+    openAndClose(0);
+    Answer();
+    const auto threadsBefore = threads();
+    const size_t windowsBefore = windows();
+    for (int round = 0; round < 60; round++) {
+        openAndClose(round);
+        EXPECT_EQ(Answer(), round % 3 == 1 ? submenu->ItemAt(0) : nullptr);
+    }
+    EXPECT_TRUE(WaitForMenus(0));
+    EXPECT_TRUE(desk.IsInputFree());
+    EXPECT_TRUE(WaitUntil([&] { return threads() <= threadsBefore; }));
+    EXPECT_EQ(windows(), windowsBefore);
+    BMenuWindow::DeleteKept();
+    EXPECT_EQ(windows(), windowsBefore - 2);
+}
+
+} // namespace

@@ -1,0 +1,260 @@
+#include <optional>
+
+#include "kits/app/Message.h"
+#include "kits/interface/text/TextControl.h"
+#include "kits/interface/text/TextField.h"
+#include "tests/kits/interface/InterfaceTest.h"
+#include "tests/support/Peer.h"
+
+namespace {
+
+constexpr float kMargin = 2;
+
+// A window with a text control that has the focus.
+class TextFieldTest : public InterfaceTest {
+protected:
+    TextFieldTest() {
+        control->SetDivider(60);
+        window->AddChild(control);
+        Show(window);
+        WithLock(window, [&] {
+            window->Activate();
+            control->MakeFocus();
+        });
+        EXPECT_TRUE(WaitFor(window, [&] { return field->ShowsFocus(); }));
+    }
+
+    void SetText(const std::string& text, int32 caret = 0) {
+        WithLock(window, [&] {
+            control->SetText(text.c_str());
+            field->Select(caret, caret);
+        });
+    }
+    // Presses a key while others are held.
+    void Key(uint32_t key, std::initializer_list<uint32_t> held = {}) {
+        for (uint32_t one : held)
+            desk.KeyDown(one);
+        desk.Key(key);
+        for (uint32_t one : held)
+            desk.KeyUp(one);
+    }
+    void Keys(std::initializer_list<uint32_t> keys) {
+        for (uint32_t key : keys)
+            desk.Key(key);
+    }
+    void ExpectText(const std::string& text) {
+        EXPECT_TRUE(WaitFor(window, [&] { return control->Text() == text; })) << control->Text();
+    }
+    void ExpectSelection(int32 start, int32 end) {
+        int32 from = 0;
+        int32 to = 0;
+        EXPECT_TRUE(WaitFor(window,
+                            [&] {
+                                field->GetSelection(&from, &to);
+                                return from == start && to == end;
+                            }))
+            << from << " to " << to;
+    }
+    // Where the caret would be behind that text, in the field.
+    BPoint Behind(const std::string& text) {
+        float width = 0;
+        WithLock(window, [&] { width = field->StringWidth(text.c_str()); });
+        return {kMargin + width, 8};
+    }
+    // Presses `clicks` times and holds the last.
+    void Press(BPoint where, int clicks) {
+        MoveOver(field, where);
+        desk.Press();
+        for (int i = 1; i < clicks; i++) {
+            desk.Release();
+            desk.PressAgain();
+        }
+    }
+    // Until another program gets this text when it asks for the selection.
+    void ExpectOffered(const std::string& selection, const std::string& text) {
+        test::Peer other(desk);
+        std::optional<std::string> offered;
+        EXPECT_TRUE(test::WaitUntil([&] {
+            return (offered = other.Ask(selection, "UTF8_STRING")) == text;
+        })) << offered.value_or("nothing");
+    }
+    // Another program owns a text that `work` asks for.
+    void Bring(const std::string& selection, const std::string& text,
+               const std::function<void()>& work) {
+        test::Peer other(desk);
+        other.Own(selection);
+        work();
+        const auto request = other.AwaitRequest();
+        ASSERT_TRUE(request);
+        other.Answer(*request, {text});
+    }
+
+    RecordingWindow* const window = new RecordingWindow({300, 200, 599, 289}, B_TITLED_WINDOW_LOOK);
+    BTextControl* const control =
+        new BTextControl({10, 10, 289, 30}, "control", "Label", "", nullptr);
+    TextField* const field = control->TextView();
+};
+
+TEST_F(TextFieldTest, TypesErasesAndMovesByCharactersAndWords) {
+    desk.Type("one two");
+    Key(XK_Left, {XK_Control_L});
+    Key(XK_BackSpace);
+    desk.Type("X");
+    ExpectText("oneXtwo");
+    Key(XK_Home, {XK_Shift_L});
+    ExpectSelection(0, 4);
+    Keys({XK_Right, XK_Delete});
+    ExpectText("oneXwo");
+    Key(XK_BackSpace, {XK_Control_L});
+    ExpectText("wo");
+    // Arrows up and down and other letters with Control have no effect.
+    Key(XK_Up);
+    Key(XK_q, {XK_Control_L});
+    Key(XK_End);
+    desk.Type("!");
+    ExpectText("wo!");
+
+    // What a person sees as one character is one: a with umlaut; e with a combining acute; a byte
+    // that is not UTF-8; a family of three.
+    const std::string text = "\xc3\xa4"
+                             "e\xcc\x81"
+                             "\xff"
+                             "\xf0\x9f\x91\xa8\xe2\x80\x8d\xf0\x9f\x91\xa9\xe2\x80\x8d"
+                             "\xf0\x9f\x91\xa7";
+    SetText(text);
+    for (int32 end : {2, 5, 6, 24}) {
+        Key(XK_Right);
+        ExpectSelection(end, end);
+    }
+    Key(XK_BackSpace);
+    ExpectText(text.substr(0, 6));
+    Keys({XK_Left, XK_BackSpace});
+    ExpectText("\xc3\xa4\xff");
+}
+
+TEST_F(TextFieldTest, SelectsWithTheMouseAndScrolls) {
+    SetText("one two, three");
+    ClickAt(field, Behind("one t") + BPoint(1, 0));
+    ExpectSelection(5, 5);
+    desk.KeyDown(XK_Shift_L);
+    ClickAt(field, Behind("on") + BPoint(1, 0));
+    desk.KeyUp(XK_Shift_L);
+    ExpectSelection(2, 5);
+    Press(Behind("one two, t"), 2);
+    ExpectSelection(9, 14);
+    MoveOver(field, Behind("one t"));
+    ExpectSelection(4, 14);
+    desk.Release();
+    Press(Behind("one t"), 3);
+    ExpectSelection(0, 14);
+    desk.Release();
+    ExpectOffered("PRIMARY", "one two, three");
+    Key(XK_Left, {XK_Shift_L});
+    ExpectOffered("PRIMARY", "one two, thre");
+
+    const std::string text = "the beginning " + std::string(200, 'm') + " the end";
+    SetText(text);
+    const float right = field->Bounds().right;
+    EXPECT_TRUE(WaitForPixel(field, {kMargin, 8}, 0x000000)) << "the caret";
+    EXPECT_TRUE(WaitForPixel(field, {kMargin, 8}, 0xffffff)) << "it blinks";
+    Key(XK_End);
+    EXPECT_TRUE(WaitForPixel(field, {right - kMargin, 8}, 0x000000)) << "the caret";
+    Press({right - Behind("the end").x - 1, 8}, 1);
+    ExpectSelection(215, 215);
+    MoveOver(field, BPoint(-300, 8));
+    ExpectSelection(0, 215);
+    desk.Release();
+    // It is shown in part and offered whole.
+    ExpectOffered("PRIMARY", text.substr(0, 215));
+}
+
+TEST_F(TextFieldTest, CutsCopiesAndPastesWhatOthersOffer) {
+    desk.Type("one two");
+    Key(XK_Home, {XK_Shift_L});
+    Key(XK_x, {XK_Alt_L});
+    ExpectText("");
+    ExpectOffered("CLIPBOARD", "one two");
+    Key(XK_v, {XK_Control_L});
+    ExpectText("one two");
+    Key(XK_Left, {XK_Control_L, XK_Shift_L});
+    Key(XK_c, {XK_Control_L});
+    Key(XK_Home);
+    Key(XK_v, {XK_Alt_L});
+    ExpectText("twoone two");
+
+    const auto paste = [&] { Key(XK_v, {XK_Control_L}); };
+    SetText("");
+    Bring("CLIPBOARD", "a\r\nb\tc\x01 d\xff\n", paste);
+    ExpectText("a b c d\xef\xbf\xbd");
+    SetText("ab");
+    Bring("PRIMARY", "-", [&] { ClickAt(field, Behind("a"), 2); });
+    ExpectText("a-b");
+    // Four kilobytes are the end, but for a longer text that the program set.
+    std::string text;
+    while (text.size() < 5000)
+        text += "\xe2\x82\xac";
+    SetText("");
+    Bring("CLIPBOARD", text, paste);
+    ExpectText(text.substr(0, 4095));
+    SetText(text);
+    desk.Type("x");
+    Key(XK_Delete);
+    ExpectText(text.substr(3));
+}
+
+TEST_F(TextFieldTest, UndoesAndRedoesWhatWasTypedTogether) {
+    desk.Type("one two");
+    Key(XK_z, {XK_Control_L});
+    ExpectText("one ");
+    Key(XK_z, {XK_Alt_L});
+    ExpectText("");
+    Key(XK_z, {XK_Control_L, XK_Shift_L});
+    Key(XK_y, {XK_Control_L});
+    ExpectText("one two");
+    Key(XK_a, {XK_Control_L});
+    desk.Type("n");
+    Key(XK_z, {XK_Control_L});
+    ExpectText("one two");
+    ExpectSelection(0, 7);
+    Keys({XK_Right, XK_BackSpace, XK_BackSpace});
+    ExpectText("one t");
+    Key(XK_z, {XK_Control_L});
+    ExpectText("one two");
+}
+
+TEST_F(TextFieldTest, ItsMenuOpensByButtonAndKeysAndOffersWhatCanBeDone) {
+    const auto choose = [&](const std::function<void()>& open,
+                            std::initializer_list<uint32_t> keys) {
+        open();
+        ASSERT_TRUE(WaitForMenus(1));
+        Keys(keys);
+        Key(XK_Return);
+        ASSERT_TRUE(WaitForMenus(0));
+    };
+    const auto click = [&] {
+        const BPoint place = OnScreen(field, {50, 8});
+        desk.Click(static_cast<int>(place.x), static_cast<int>(place.y), 3);
+    };
+    // At the caret.
+    const auto key = [&](const std::function<void()>& press, const std::string& before) {
+        return [=, this] {
+            press();
+            ASSERT_TRUE(WaitForMenus(1));
+            EXPECT_NEAR(desk.Shown("POPUP_MENU")[0].frame.x, OnScreen(field, Behind(before)).x, 3);
+        };
+    };
+    desk.Type("one two");
+    ExpectText("one two");
+    choose(key([&] { Key(XK_Menu); }, "one two"), {XK_Down});
+    ExpectText("one ");
+    choose(key([&] { Key(XK_F10, {XK_Shift_L}); }, "one "), {XK_Down, XK_Down});
+    ExpectText("one two");
+    choose(click, {XK_Up});
+    ExpectSelection(0, 7);
+    choose(click, {XK_Up, XK_Up, XK_Up, XK_Up, XK_Up});
+    ExpectText("");
+    choose(click, {XK_Up});
+    ExpectText("one two");
+}
+
+} // namespace

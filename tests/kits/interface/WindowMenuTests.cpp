@@ -1,0 +1,136 @@
+// Menus that belong to a window: those of a menu bar and of menu fields, and their shortcuts.
+
+#include "kits/app/AppDefs.h"
+#include "kits/interface/controls/Box.h"
+#include "kits/interface/controls/Button.h"
+#include "kits/interface/menus/MenuBar.h"
+#include "kits/interface/menus/MenuField.h"
+#include "tests/kits/interface/MenuTest.h"
+
+using test::Box;
+using test::WaitUntil;
+
+namespace {
+
+class WindowMenuTest : public MenuTest {
+protected:
+    WindowMenuTest() {
+        file->AddItem(new BMenuItem("Open", new BMessage('open')));
+        edit->AddItem(new BMenuItem("Undo", new BMessage('undo')));
+        for (BMenu* one : {file, edit})
+            bar->AddItem(one);
+        for (const char* digit : {"2", "3", "4"})
+            digits->AddItem(new BMenuItem(digit, new BMessage('dig\0' + digit[0])));
+        group->AddChild(field);
+        for (BView* view : std::initializer_list<BView*>{bar, group, button})
+            window->AddChild(view);
+        Show(window);
+        Activate(window);
+    }
+
+    bool Receives(const std::vector<uint32>& expected) {
+        return WaitFor(window, [&] {
+            std::erase_if(window->received, [](uint32 what) {
+                return what == B_KEY_DOWN || what == B_KEY_UP || what == B_UNMAPPED_KEY_DOWN ||
+                       what == B_UNMAPPED_KEY_UP || what == B_MODIFIERS_CHANGED;
+            });
+            return window->received == expected;
+        });
+    }
+    // The window waits while a menu is open, so it is looked at from outside.
+    void ClickTitle(int title) { desk.Click(kTitleX[title], kTitleY); }
+
+    static constexpr int kTitleX[] = {320, 356};
+    static constexpr int kTitleY = 310;
+
+    RecordingWindow* const window = new RecordingWindow(BRect(300, 300, 599, 499));
+    BMenuBar* const bar = new BMenuBar(BRect(0, 0, 299, 5), "bar");
+    BMenu* const file = new BMenu("File");
+    BMenu* const edit = new BMenu("Edit");
+    BPopUpMenu* const digits = new BPopUpMenu("Digits");
+    BBox* const group = new BBox(BRect(10, 60, 289, 119), "group");
+    BMenuField* const field =
+        new BMenuField(BRect(10, 20, 209, 40), "field", "Choose", digits, true);
+    BButton* const button =
+        new BButton(BRect(10, 130, 109, 160), "button", "Press", new BMessage('prss'));
+};
+
+TEST_F(WindowMenuTest, TheBarsMenusFollowThePointerAndKeys) {
+    desk.MoveTo(kTitleX[0], kTitleY);
+    desk.Press();
+    ASSERT_TRUE(WaitForOpen(file));
+    const Box frame = desk.Shown("POPUP_MENU").at(0).frame;
+    desk.MoveTo(kTitleX[1], kTitleY);
+    ASSERT_TRUE(WaitForOpen(edit));
+    EXPECT_GT(desk.Shown("POPUP_MENU").at(0).frame.x, frame.x);
+    EXPECT_EQ(desk.Shown("POPUP_MENU").at(0).frame.y, frame.y);
+    // Released over a title a menu stays; over an item it chooses.
+    desk.Release();
+    desk.MoveTo(kTitleX[0], kTitleY);
+    ASSERT_TRUE(WaitForOpen(file));
+    Click(file->ItemAt(0));
+    EXPECT_TRUE(WaitForMenus(0));
+    EXPECT_TRUE(Receives({'open'}));
+    // Arrows go around. F10 opens the bar at its first item.
+    WithLock(window, [&] { button->MakeFocus(true); });
+    desk.Key(XK_F10);
+    ASSERT_TRUE(WaitForOpen(file));
+    EXPECT_TRUE(WaitForHighlight(file->ItemAt(0)));
+    for (const auto& [key, opened] :
+         {std::pair{XK_Right, edit}, {XK_Right, file}, {XK_Left, edit}}) {
+        desk.Key(key);
+        ASSERT_TRUE(WaitForOpen(opened));
+    }
+    EXPECT_TRUE(WaitForHighlight(edit->ItemAt(0)));
+    desk.Key(XK_Return);
+    EXPECT_TRUE(Receives({'open', 'undo'}));
+    EXPECT_TRUE(WaitForMenus(0));
+    // A second press on the title closes the menu.
+    ClickTitle(0);
+    ASSERT_TRUE(WaitForOpen(file));
+    ClickTitle(0);
+    EXPECT_TRUE(WaitForMenus(0));
+    EXPECT_TRUE(desk.IsInputFree());
+    EXPECT_TRUE(Receives({'open', 'undo'}));
+}
+
+TEST_F(WindowMenuTest, AFieldShowsItsMarkedItemAndOpensItOverTheBox) {
+    WithLock(window, [&] {
+        EXPECT_EQ(field->ShownLabel(), "Digits");
+        digits->ItemAt(1)->SetMarked(true);
+        EXPECT_EQ(field->ShownLabel(), "3");
+    });
+    MoveOver(field, BPoint(150, 10));
+    desk.Press();
+    desk.Release();
+    ASSERT_TRUE(WaitForOpen(digits));
+    EXPECT_TRUE(WaitForHighlight(digits->ItemAt(1))) << "not under the pointer";
+    Click(digits->ItemAt(2));
+    EXPECT_TRUE(Receives({'dig4'}));
+    EXPECT_TRUE(desk.IsInputFree());
+    // By keys the marked item is selected first.
+    WithLock(window, [&] { field->MakeFocus(true); });
+    desk.Key(XK_space);
+    ASSERT_TRUE(WaitForOpen(digits));
+    EXPECT_TRUE(WaitForHighlight(digits->ItemAt(2)));
+    desk.Key(XK_Up);
+    desk.Key(XK_space);
+    EXPECT_TRUE(Receives({'dig4', 'dig3'}));
+    EXPECT_TRUE(WaitFor(window, [&] { return field->ShownLabel() == "3"; }));
+    // Control-Tab goes from group to group.
+    desk.KeyWith(XK_Control_L, XK_Tab);
+    EXPECT_TRUE(WaitFor(window, [&] { return button->IsFocus(); }));
+    desk.KeyWith(XK_Control_L, XK_Tab);
+    EXPECT_TRUE(WaitFor(window, [&] { return field->IsFocus(); }));
+}
+
+TEST(MenuShortcut, KeysStandForDigitsByPlaceAndForLettersByWhatTheyType) {
+    EXPECT_EQ(ShortcutCharacter(0x14, "#"), '3');
+    EXPECT_EQ(ShortcutCharacter(0x58, "1"), '1'); // keypad
+    EXPECT_EQ(ShortcutCharacter(0x2b, "Y"), 'y');
+    EXPECT_EQ(ShortcutCharacter(0x2b, "\xd0\xb5"), 't'); // Cyrillic
+    EXPECT_EQ(ShortcutCharacter(0x02, "\x10"), 0);
+    EXPECT_EQ(ShortcutLabel('3', B_COMMAND_KEY | B_SHIFT_KEY), "Alt+Shift+3");
+}
+
+} // namespace
