@@ -13,13 +13,18 @@ namespace {
 
 class AboutTest : public DesktopTest {
 protected:
-    std::vector<WindowInfo> Abouts() {
-        return fDesk.Windows([this](const WindowInfo& info) {
-            return info.viewable && info.pid == fProgram.Pid() && info.title == "About Quillbar";
-        });
-    }
+    std::vector<WindowInfo> Abouts() { return fProgram.Titled("About Quillbar"); }
     bool AboutsBecome(size_t count) {
         return WaitUntil([&] { return Abouts().size() == count; });
+    }
+    WindowInfo OpenAbout() {
+        fProgram.Start();
+        ActivateBar();
+        ChooseSetting(setting::kAbout);
+        EXPECT_TRUE(AboutsBecome(1));
+        const WindowInfo about = Abouts().at(0);
+        EXPECT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(about.id); }));
+        return about;
     }
     // Where the link is, on the screen.
     static std::pair<int, int> LinkIn(const WindowInfo& about) {
@@ -28,11 +33,7 @@ protected:
 };
 
 TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
-    fProgram.Start();
-    ActivateBar();
-    ChooseSetting(setting::kAbout);
-    ASSERT_TRUE(AboutsBecome(1));
-    const WindowInfo about = Abouts()[0];
+    const WindowInfo about = OpenAbout();
     EXPECT_EQ(about.frame.width, 366);
     EXPECT_EQ(about.frame.height, 205);
     EXPECT_NEAR(about.frame.CenterX(), 640, 1);
@@ -43,29 +44,21 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     EXPECT_GT(fDesk.Grab({linkX, linkY, 109, 16}).Count(0x0000ff), 50u);
     EXPECT_EQ(fDesk.Grab({linkX + 108, linkY, 2, 16}).Count(0xd8d8d8), 32u);
 
-    ASSERT_TRUE(WaitUntil([&] { return fDesk.ActiveWindow() == about.id; }));
     fDesk.Click(linkX + 30, linkY + 9);
     EXPECT_EQ(LastUrl(1), "http://quillbar.example/");
 
     fDesk.Click(linkX + 30, linkY + 9, 3);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    ASSERT_TRUE(MenusBecome(1));
     fDesk.Key(XK_End);
     fDesk.Key(XK_Return);
-    ASSERT_TRUE(MenusClosed());
+    ASSERT_TRUE(MenusBecome(0));
     Peer other(fDesk);
     EXPECT_TRUE(WaitUntil(
         [&] { return other.Ask("CLIPBOARD", "UTF8_STRING") == "http://quillbar.example/"; }));
 
     // Each request opens one more; closing one leaves the rest.
-    ActivateBar();
-    fDesk.Key(XK_minus);
-    ASSERT_TRUE(WaitUntil([&] {
-        const auto windows = fProgram.AddWindows();
-        return windows.size() == 1 && fDesk.ActiveWindow() == windows[0].id;
-    }));
-    fDesk.KeyDown(XK_Alt_L);
-    fDesk.Key(XK_a);
-    fDesk.KeyUp(XK_Alt_L);
+    OpenAddWindow();
+    fDesk.KeyWith(XK_Alt_L, XK_a);
     EXPECT_TRUE(AboutsBecome(2));
     fDesk.Close(about.id);
     EXPECT_TRUE(AboutsBecome(1));
@@ -74,12 +67,7 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
 
 TEST_F(AboutTest, TheLinkBecomesAnotherBookmarkWithEachDrop) {
     Peer manager(fDesk, {1000, 600, 200, 200});
-    fProgram.Start();
-    ActivateBar();
-    ChooseSetting(setting::kAbout);
-    ASSERT_TRUE(AboutsBecome(1));
-    const WindowInfo about = Abouts()[0];
-    ASSERT_TRUE(WaitUntil([&] { return fDesk.ActiveWindow() == about.id; }));
+    const WindowInfo about = OpenAbout();
     const auto [linkX, linkY] = LinkIn(about);
     const std::string url = "http://quillbar.example/";
     // What a file manager gets that wants the file at that place.

@@ -71,7 +71,7 @@ TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewritten) {
     ClickBrowse(2);
     const Box item = FolderMenu(fDesk, fProgram).Slot(1);
     fDesk.Click(item.CenterX(), item.CenterY());
-    ASSERT_TRUE(MenusClosed());
+    ASSERT_TRUE(MenusBecome(0));
     fDesk.Settled(fPlace);
     fDesk.Key(XK_End);
     fDesk.Type("s");
@@ -85,7 +85,7 @@ TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewritten) {
 TEST_F(AddBookmarkTest, AFolderMenuGivesTheBarItsTargetBack) {
     OpenWindow();
     ClickBrowse(2);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    ASSERT_TRUE(MenusBecome(1));
     CloseMenus();
     ChooseSlot(2, 1);
     EXPECT_EQ(LastUrl(1), "http://site.example/");
@@ -94,7 +94,7 @@ TEST_F(AddBookmarkTest, AFolderMenuGivesTheBarItsTargetBack) {
     fDesk.Activate(fProgram.AddWindows()[0].id);
     WaitForWindow();
     ClickBrowse(3);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    ASSERT_TRUE(MenusBecome(1));
     EXPECT_EQ(fProgram.Stop(), 0);
 }
 
@@ -104,7 +104,7 @@ TEST_F(AddBookmarkTest, TheRootIsShownInTheFileManager) {
         Alt(XK_t); // there is none
         Alt(XK_2);
     }));
-    fApps.InstallFileManager();
+    fApps.Install("files", {"inode/directory"});
     ClickAt(60, 20 + 335);
     EXPECT_EQ(fApps.WaitForLaunches(1),
               (std::vector<RecordedApps::Launch>{{"files", {fProgram.Root()}}}));

@@ -8,6 +8,7 @@ namespace {
 
 constexpr uint32_t kActive = 0xd8d8d8;
 constexpr uint32_t kInactive = 0xb8b8b8; // B_DARKEN_1_TINT
+constexpr uint32_t kPressed = 0x989898;  // B_DARKEN_2_TINT
 
 class BarTest : public DesktopTest {
 protected:
@@ -19,18 +20,12 @@ protected:
         const Box button = fProgram.Button(0);
         return WaitUntil([&] { return fDesk.Pixel(button.x + 2, button.y + 2) == colour; });
     }
-    // A click on a button opens its menu, and all that happened before has been handled then.
-    void ExpectButtonWorks() {
-        ClickButton(1);
-        ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-        CloseMenus();
-    }
     void ReleaseOverTheMenuOfAKey() {
         fDesk.Key(XK_KP_3);
-        ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+        ASSERT_TRUE(MenusBecome(1));
         fDesk.Release();
         fDesk.Key(XK_Escape);
-        ASSERT_TRUE(MenusClosed());
+        ASSERT_TRUE(MenusBecome(0));
     }
 };
 
@@ -46,13 +41,21 @@ TEST_F(BarTest, ADragEndsWhenAMenuTakesThePointer) {
     EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
 }
 
-TEST_F(BarTest, AButtonIsLetGoWhenAMenuTakesThePointer) {
+TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInItUntilAMenuTakesIt) {
     ActivateBar();
     const Box button = fProgram.Button(0);
     fDesk.MoveTo(button.CenterX(), button.CenterY());
     fDesk.Press();
-    ASSERT_TRUE(ButtonTurns(0x989898));
+    EXPECT_TRUE(ButtonTurns(kPressed));
+    fDesk.MoveTo(600, 600);
+    EXPECT_TRUE(ButtonTurns(kActive));
+    fDesk.MoveTo(button.CenterX(), button.CenterY());
+    EXPECT_TRUE(ButtonTurns(kPressed));
     ReleaseOverTheMenuOfAKey();
+    EXPECT_TRUE(ButtonTurns(kActive));
+    fDesk.Press();
+    fDesk.MoveTo(600, 600);
+    fDesk.Release();
     EXPECT_TRUE(ButtonTurns(kActive));
     ExpectButtonWorks();
 }
@@ -107,25 +110,6 @@ TEST_F(BarTest, TheGrabbedPointStaysUnderThePointer) {
     EXPECT_EQ(fProgram.Content(), (Box{625, 326, 22, 264}));
 }
 
-TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInIt) {
-    ActivateBar();
-    ASSERT_TRUE(ButtonTurns(kActive));
-    const Box button = fProgram.Button(0);
-    fDesk.MoveTo(button.CenterX(), button.CenterY());
-    fDesk.Press();
-    EXPECT_TRUE(ButtonTurns(0x989898)); // B_DARKEN_2_TINT
-    fDesk.MoveTo(600, 600);
-    EXPECT_TRUE(ButtonTurns(kActive));
-    fDesk.MoveTo(button.CenterX(), button.CenterY());
-    EXPECT_TRUE(ButtonTurns(0x989898));
-    fDesk.MoveTo(600, 600);
-    fDesk.Release();
-    EXPECT_TRUE(ButtonTurns(kActive));
-    ClickButton(1);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-    CloseMenus();
-}
-
 TEST_F(BarTest, TheFirstClickOnTheCloseBoxOnlyActivates) {
     PlainWindow other(fDesk, {400, 300, 200, 100});
     other.Activate();
@@ -142,9 +126,7 @@ TEST_F(BarTest, TheFirstClickOnTheCloseBoxOnlyActivates) {
     fDesk.MoveTo(600, 600);
     EXPECT_TRUE(WaitUntil([&] { return middle() == kActive; }));
     fDesk.Release();
-    ClickButton(3);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
-    CloseMenus();
+    ExpectButtonWorks(3);
     fDesk.Click(box.CenterX(), box.CenterY());
     EXPECT_EQ(fProgram.WaitForEnd(), 0);
     EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));

@@ -58,7 +58,7 @@ TEST_F(BubbleTest, ShowsAFoldersNameUntilThePointerMovesOrAMenuOpens) {
     ASSERT_EQ(Rest(3, 1).width, one.width);
     fDesk.Press();
     fDesk.Release();
-    EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    EXPECT_TRUE(MenusBecome(1));
     EXPECT_TRUE(Goes());
     CloseMenus();
 

@@ -6,17 +6,15 @@ using namespace test;
 
 void DesktopTest::SetUp() {
     fApps.InstallBrowser();
-    fApps.InstallOpera();
+    fApps.Install("opera");
     fDesk.MoveTo(fDesk.Frame().width - 2, fDesk.Frame().height - 2);
 }
 
 void DesktopTest::TearDown() {
     if (HasFailure()) {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        std::string file = std::string(info->test_suite_name()) + "." + info->name() + ".png";
-        std::replace(file.begin(), file.end(), '/', '-');
-        fDesk.Grab(fDesk.Frame()).SavePng(file);
-        std::cerr << "screen at the end: " << file << ", the program "
+        const auto picture = std::filesystem::temp_directory_path() / "screen.png";
+        fDesk.Grab(fDesk.Frame()).SavePng(picture);
+        std::cerr << "screen at the end: " << picture << ", the program "
                   << (fProgram.IsRunning() ? "runs" : "has ended") << std::hex << ", active is "
                   << fDesk.ActiveWindow() << ", the keyboard is with " << fDesk.FocusedWindow()
                   << std::dec << "\n"
@@ -37,8 +35,7 @@ void DesktopTest::AddBookmark(int folder, const std::string& name, const std::st
 
 void DesktopTest::ActivateBar() {
     fDesk.Activate(fProgram.Bar().id);
-    ASSERT_TRUE(
-        WaitUntil([&] { return fProgram.IsBarActive() && HasKeyboard(fProgram.Bar().id); }));
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(fProgram.Bar().id); }));
 }
 
 void DesktopTest::ClickButton(int digit) {
@@ -54,22 +51,28 @@ FolderMenu DesktopTest::OpenFolder(int digit) {
 void DesktopTest::ChooseSlot(int folder, int slot) {
     const Box place = OpenFolder(folder).Slot(slot);
     fDesk.Click(place.CenterX(), place.CenterY());
-    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(MenusBecome(0));
 }
 
-bool DesktopTest::MenusClosed(std::chrono::milliseconds deadline) {
-    return WaitUntil([&] { return fProgram.Menus().empty(); }, deadline);
+bool DesktopTest::MenusBecome(size_t count, std::chrono::milliseconds deadline) {
+    return WaitUntil([&] { return fProgram.Menus().size() == count; }, deadline);
 }
 
 void DesktopTest::CloseMenus() {
     fDesk.Key(XK_Escape);
-    ASSERT_TRUE(MenusClosed());
+    ASSERT_TRUE(MenusBecome(0));
+}
+
+void DesktopTest::ExpectButtonWorks(int digit) {
+    ClickButton(digit);
+    ASSERT_TRUE(MenusBecome(1));
+    CloseMenus();
 }
 
 void DesktopTest::OpenSettings() {
     const Box bar = fProgram.DragBar();
     fDesk.Click(bar.x + bar.width - 2, bar.y + bar.height - 2, 3);
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    ASSERT_TRUE(MenusBecome(1));
     fDesk.Settled(fProgram.Menus()[0].frame);
 }
 
@@ -79,13 +82,13 @@ void DesktopTest::ChooseSetting(int downs, int inside) {
         fDesk.Key(XK_Down);
     if (inside > 0) {
         fDesk.Key(XK_Right);
-        ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 2; }));
+        ASSERT_TRUE(MenusBecome(2));
         // The first item is marked when a sub-menu was opened by the keyboard.
         for (int i = 1; i < inside; ++i)
             fDesk.Key(XK_Down);
     }
     fDesk.Key(XK_Return);
-    ASSERT_TRUE(MenusClosed());
+    ASSERT_TRUE(MenusBecome(0));
 }
 
 bool DesktopTest::AlertOpens() {
@@ -96,7 +99,7 @@ void DesktopTest::DismissAlert() {
     ASSERT_TRUE(AlertOpens());
     const WindowInfo alert = fProgram.Alerts()[0];
     fDesk.Activate(alert.id);
-    ASSERT_TRUE(WaitUntil([&] { return HasKeyboard(alert.id); }));
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(alert.id); }));
     fDesk.Key(XK_Return);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Alerts().empty(); }));
 }
@@ -105,7 +108,7 @@ Box DesktopTest::WaitForAddWindow() {
     Box place;
     EXPECT_TRUE(WaitUntil([&] {
         const auto windows = fProgram.AddWindows();
-        if (windows.size() != 1 || !HasKeyboard(windows[0].id))
+        if (windows.size() != 1 || !fDesk.HasKeyboard(windows[0].id))
             return false;
         place = windows[0].frame;
         return true;

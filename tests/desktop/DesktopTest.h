@@ -23,13 +23,14 @@ protected:
     void AddBookmark(int folder, const std::string& name, const std::string& url) const;
 
     void ActivateBar();
-    bool HasKeyboard(xcb_window_t window) const { return fDesk.HasKeyboard(window); }
     void ClickButton(int digit);
     FolderMenu OpenFolder(int digit);
     void ChooseSlot(int folder, int slot);
-    // Waits until no menu is open.
-    bool MenusClosed(std::chrono::milliseconds deadline = test::kDeadline);
+    // Waits until that many menus are open, one of them inside the other.
+    bool MenusBecome(size_t count, std::chrono::milliseconds deadline = test::kDeadline);
     void CloseMenus();
+    // Opens a folder's menu and closes it: what happened before has been handled then.
+    void ExpectButtonWorks(int digit = 1);
 
     // Opens the settings menu with the secondary button, goes down by the arrow key that many
     // times and presses Enter; with `inside`, opens that item's sub-menu and does the same there.
@@ -56,9 +57,6 @@ protected:
     test::Desk& fDesk;
     test::TemporaryHome fHome;
     test::RecordedApps fApps{fHome};
-    test::Desk& fDesktop = fDesk;
-    test::Desk& fScreen = fDesk;
-    test::Desk& fRobot = fDesk;
     Program fProgram{fDesk, fHome};
 };
 

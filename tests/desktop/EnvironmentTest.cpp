@@ -61,7 +61,7 @@ TEST_F(ScaledDesktopTest, AnotherScaleIsFollowedInPlace) {
     fProgram.Start();
     ActivateBar();
     const Box whole = fProgram.Bar().frame;
-    const Picture asStarted = SettledPicture(fDesk, whole);
+    const Picture asStarted = fDesk.Settled(whole);
     fDesk.SetDpi(96);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{60, 60, 22, 264}; }));
     ChooseSlot(3, 5);
@@ -102,7 +102,7 @@ TEST_F(TwoMonitorsTest, AMenuStaysOnTheMonitorOfItsButton) {
 TEST_F(TwoMonitorsTest, TheBarIsOnAMonitorAlsoWhenOneGoes) {
     StartAt(1000, 850); // below the right one
     EXPECT_TRUE(kRight.Contains(fProgram.Content()));
-    fOwn.SetMonitors({kLeft});
+    fDesk.SetMonitors({kLeft});
     EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
 }
 
@@ -138,7 +138,7 @@ TEST_F(UnmanagedMonitorsTest, ADragWhoseMonitorGoesEndsOnAnother) {
     fDesk.Press();
     fDesk.MoveTo(1115, 307);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 1100; }));
-    fOwn.SetMonitors({kLeft});
+    fDesk.SetMonitors({kLeft});
     ASSERT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
     fDesk.MoveTo(1215, 407);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 1200; }));

@@ -24,7 +24,3 @@ private:
     int fBottom = 0; // of the last item, on the screen
     std::vector<test::Picture> fSlots;
 };
-
-inline test::Picture SettledPicture(const test::Desk& desk, const test::Box& frame) {
-    return desk.Settled(frame);
-}

@@ -1,6 +1,7 @@
 // Folder menus: how they open, choose and close, and what is launched.
 
 #include "tests/desktop/DesktopTest.h"
+#include "tests/support/Peer.h"
 
 using namespace test;
 
@@ -32,7 +33,7 @@ TEST_F(FolderMenuTest, AClickOpensItBesideTheButtonAndAnotherChooses) {
     fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(fApps.WaitForLaunches(1),
               (std::vector<RecordedApps::Launch>{{"browser", {"http://five.example/"}}}));
-    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(MenusBecome(0));
 
     ActivateBar();
     ChooseSetting(setting::kAlignHorizontally);
@@ -67,10 +68,10 @@ TEST_F(FolderMenuTest, KeypadDigitsChooseAndOtherKeysDoNot) {
         fDesk.Key(key);
     fDesk.Key(XK_KP_0);
     EXPECT_EQ(LastUrl(1), "http://zero.example/");
-    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(MenusBecome(0));
     OpenFolder(3);
     fDesk.Key(XK_KP_Divide);
-    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(MenusBecome(0));
     EXPECT_EQ(fApps.Launches().size(), 1u);
 }
 
@@ -78,28 +79,23 @@ TEST_F(FolderMenuTest, LosingTheFocusOrAClickOutsideClosesIt) {
     PlainWindow other(fDesk, {500, 500, 200, 100});
     OpenFolder(3);
     other.Activate();
-    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(MenusBecome(0));
     OpenFolder(3);
     const Box bar = fProgram.DragBar();
     fDesk.Click(bar.x + 15, bar.y + 11);
-    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(MenusBecome(0));
     EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
 }
 
 TEST_F(FolderMenuTest, AHeldGrabOfAnotherProgramKeepsItShut) {
     ActivateBar();
-    xcb_connection_t* other = xcb_connect(nullptr, nullptr);
-    const auto cookie = xcb_grab_keyboard(other, 0, fDesk.Root(), XCB_CURRENT_TIME,
-                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    auto* reply = xcb_grab_keyboard_reply(other, cookie, nullptr);
-    ASSERT_NE(reply, nullptr);
-    ASSERT_EQ(reply->status, XCB_GRAB_STATUS_SUCCESS);
-    free(reply);
+    Peer other(fDesk);
+    ASSERT_TRUE(other.GrabKeyboard());
     ClickButton(3);
     EXPECT_FALSE(
         WaitUntil([&] { return !fProgram.Menus().empty(); }, std::chrono::milliseconds(700)) &&
-        !MenusClosed());
-    xcb_disconnect(other);
+        !MenusBecome(0));
+    other.Ungrab();
     OpenFolder(3);
     CloseMenus();
 }

@@ -70,9 +70,7 @@ protected:
     bool NothingIsLaunched() { return Probe() && Launched().size() == fKnown; }
 
     static void SetLayout(const std::string& layout) {
-        ChildProcess::Options options;
-        options.arguments = {"setxkbmap", "-layout", layout};
-        EXPECT_EQ(ChildProcess(options).Wait(), 0);
+        EXPECT_EQ(ChildProcess({.arguments = {"setxkbmap", "-layout", layout}}).Wait(), 0);
     }
 
     PlainWindow fOther{fDesk, {500, 500, 200, 100}};
@@ -114,10 +112,10 @@ TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {
     Start(8, {XK_Super_L});
     ActivateBar();
     TypeAfterHotKey({XK_KP_3});
-    ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    ASSERT_TRUE(MenusBecome(1));
     fDesk.Settled(fProgram.Menus()[0].frame);
     fDesk.Key(XK_KP_5);
-    EXPECT_TRUE(MenusClosed());
+    EXPECT_TRUE(MenusBecome(0));
     EXPECT_TRUE(WaitUntil([&] { return Launched().size() == 1; }));
     fOther.Activate();
     EXPECT_THAT(NextLaunches(), ElementsAre(kFive)) << "once, by the menu";
@@ -131,11 +129,11 @@ TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {
     fDesk.KeyDown(XK_Control_R);
     EXPECT_EQ(fDesk.ActiveWindow(), fOther.Id());
     fDesk.KeyDown(XK_Alt_L);
-    EXPECT_TRUE(WaitUntil([&] { return fProgram.IsBarActive(); }));
+    EXPECT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(fProgram.Bar().id); }));
     for (const uint32_t key : {XK_Alt_L, XK_Control_R, XK_Shift_L})
         fDesk.KeyUp(key);
     fDesk.Key(XK_KP_3);
-    EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 1; }));
+    EXPECT_TRUE(MenusBecome(1));
     CloseMenus();
 }
 
@@ -149,8 +147,8 @@ TEST_F(HotKeyTest, OnlyKeysOfAnAlertItselfAreKeptFromIt) {
     EXPECT_THAT(NextLaunches(), ElementsAre(kFive));
 
     const xcb_window_t alert = fProgram.Alerts()[0].id;
-    fScreen.Activate(alert);
-    ASSERT_TRUE(WaitUntil([&] { return HasKeyboard(alert); }));
+    fDesk.Activate(alert);
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(alert); }));
     TypeAfterHotKey({XK_KP_3, XK_KP_5});
     fOther.Activate();
     EXPECT_TRUE(NothingIsLaunched());

@@ -43,18 +43,17 @@ void Program::WriteSettings(const BMessage& settings) const {
 }
 
 void Program::Launch(bool asOrdinaryUser, const Variables& environment) {
-    ChildProcess::Options options;
-    options.arguments = {QUILLBAR_BINARY};
-    options.environment = environment;
-    options.output = "/dev/null";
-    options.errors = fHome.Path() / "errors";
-    options.ordinaryUser = asOrdinaryUser;
     if (asOrdinaryUser) {
         GiveAway(fHome.Path());
         for (const auto& entry : std::filesystem::recursive_directory_iterator(fHome.Path()))
             GiveAway(entry.path());
     }
-    fProcess = std::make_unique<ChildProcess>(options);
+    fProcess =
+        std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {QUILLBAR_BINARY},
+                                                             .environment = environment,
+                                                             .output = "/dev/null",
+                                                             .errors = fHome.Path() / "errors",
+                                                             .ordinaryUser = asOrdinaryUser});
 }
 
 void Program::Start(const Variables& environment) {
@@ -89,10 +88,7 @@ int Program::Stop() {
 }
 
 int Program::StartAgain() {
-    ChildProcess::Options options;
-    options.arguments = {QUILLBAR_BINARY};
-    ChildProcess second(options);
-    return second.Wait().value_or(-1);
+    return ChildProcess({.arguments = {QUILLBAR_BINARY}}).Wait().value_or(-1);
 }
 
 std::string Program::Errors() const {
@@ -106,9 +102,9 @@ WindowInfo Program::Bar() const {
     return bars.empty() ? WindowInfo{} : bars[0];
 }
 
-std::vector<WindowInfo> Program::AddWindows() const {
-    return fDesk.Windows([this](const WindowInfo& window) {
-        return window.viewable && window.pid == Pid() && window.title == "Quillbar - Add Bookmark";
+std::vector<WindowInfo> Program::Titled(const std::string& title) const {
+    return fDesk.Windows([&](const WindowInfo& window) {
+        return window.viewable && window.pid == Pid() && window.title == title;
     });
 }
 

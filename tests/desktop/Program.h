@@ -41,8 +41,8 @@ public:
     test::WindowInfo Bar() const;
     std::vector<test::WindowInfo> Menus() const { return fDesk.Shown("POPUP_MENU", Pid()); }
     std::vector<test::WindowInfo> Alerts() const { return fDesk.Shown("DIALOG", Pid()); }
-    std::vector<test::WindowInfo> AddWindows() const;
-    bool IsBarActive() const { return fDesk.ActiveWindow() == Bar().id; }
+    std::vector<test::WindowInfo> Titled(const std::string& title) const;
+    std::vector<test::WindowInfo> AddWindows() const { return Titled("Quillbar - Add Bookmark"); }
 
     // Of the bar: what its border encloses, and the widgets in it.
     test::Box Content() const;

@@ -34,7 +34,7 @@ protected:
             for (int i = 0; i < setting::kHotKey; ++i)
                 fDesk.Key(XK_Down);
             fDesk.Key(XK_Right);
-            ASSERT_TRUE(WaitUntil([&] { return fProgram.Menus().size() == 2; }));
+            ASSERT_TRUE(MenusBecome(2));
         }
         if (moment == Moment::Alert) {
             ChooseSetting(setting::kHotKey, setting::kWindowsKey);
@@ -52,7 +52,7 @@ TEST_P(QuitTest, SavesAndEndsInTime) {
     else if (ending == Ending::Close)
         fDesk.Close(fProgram.Bar().id);
     else
-        fOwn.KillServer();
+        fDesk.KillServer();
     EXPECT_EQ(fProgram.WaitForEnd(kLimit), ending == Ending::LostDisplay ? 1 : 0);
     EXPECT_TRUE(fProgram.Settings().GetBool("ontop", false));
     EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));

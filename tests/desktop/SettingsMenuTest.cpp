@@ -10,7 +10,6 @@ class SettingsMenuTest : public DesktopTest {
 protected:
     void SetUp() override {
         DesktopTest::SetUp();
-        AddBookmark(2, "1 - Site", "http://a.long.example/with/a/long/path");
         fProgram.Start();
         ActivateBar();
     }
@@ -19,11 +18,6 @@ protected:
         const Picture picture = fDesk.Settled(fProgram.Menus()[0].frame);
         CloseMenus();
         return picture;
-    }
-    int FolderMenuWidth(int folder) {
-        const int width = OpenFolder(folder).Frame().width;
-        CloseMenus();
-        return width;
     }
 };
 
@@ -35,26 +29,6 @@ TEST_F(SettingsMenuTest, AlignmentChangesTheBarAndKeepsItsCorner) {
     ChooseSetting(setting::kAlignVertically);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{30, 30, 22, 264}; }));
     EXPECT_EQ(MenuPicture(), vertical);
-}
-
-TEST_F(SettingsMenuTest, TheBrowserIsTheChosenOne) {
-    const Picture before = MenuPicture();
-    ChooseSetting(setting::kUseOpera);
-    EXPECT_NE(MenuPicture(), before);
-    ChooseSlot(2, 1);
-    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
-    ChooseSetting(setting::kUseNetPositive);
-    EXPECT_EQ(MenuPicture(), before);
-    ChooseSlot(2, 1);
-    EXPECT_EQ(fApps.WaitForLaunches(2).at(1).app, "browser");
-}
-
-TEST_F(SettingsMenuTest, AddressesAreShownOrNot) {
-    const int with = FolderMenuWidth(2);
-    ChooseSetting(setting::kShowUrl, setting::kNo);
-    EXPECT_LT(FolderMenuWidth(2), with);
-    ChooseSetting(setting::kShowUrl, setting::kYes);
-    EXPECT_EQ(FolderMenuWidth(2), with);
 }
 
 TEST_F(SettingsMenuTest, AlwaysOnTopFloatsTheBar) {
@@ -87,11 +61,16 @@ TEST_F(SettingsMenuTest, TheLastHotKeyCannotBeTakenAwayAndQuitEndsTheProgram) {
     EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 4 + 16 + 32);
 }
 
-class BrowserTest : public DesktopTest {};
+class BrowserTest : public DesktopTest {
+protected:
+    void SetUp() override {
+        DesktopTest::SetUp();
+        AddBookmark(2, "1 - Site", "http://site.example/");
+    }
+};
 
 TEST_F(BrowserTest, TheOnlyInstalledBrowserIsUsed) {
     fApps.Uninstall("browser");
-    AddBookmark(2, "1 - Site", "http://site.example/");
     fProgram.Start();
     ChooseSlot(2, 1);
     EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
@@ -102,7 +81,6 @@ TEST_F(BrowserTest, TheOnlyInstalledBrowserIsUsed) {
 TEST_F(BrowserTest, WithoutABrowserAnAlertSaysSoBeforeTheBarComes) {
     fApps.Uninstall("browser");
     fApps.Uninstall("opera");
-    AddBookmark(2, "1 - Site", "http://site.example/");
     fProgram.Launch();
     ASSERT_TRUE(AlertOpens());
     EXPECT_FALSE(fProgram.Bar().viewable);
@@ -114,14 +92,12 @@ TEST_F(BrowserTest, WithoutABrowserAnAlertSaysSoBeforeTheBarComes) {
 }
 
 TEST_F(BrowserTest, OneThatCannotBeStartedIsReported) {
-    AddBookmark(2, "1 - Site", "http://site.example/");
     fProgram.Start();
-    fApps.Uninstall("browser");
-    ChooseSlot(2, 1);
-    DismissAlert();
-    for (const char* command :
-         {"Exec=/etc/passwd %u", "Exec=/nowhere/browser %u", "Exec=/bin/false %u"}) {
-        fApps.Install("browser", "%u", {command});
+    for (const char* command : {"", "/etc/passwd %u", "/nowhere/browser %u", "/bin/false %u"}) {
+        if (*command == '\0')
+            fApps.Uninstall("browser");
+        else
+            fApps.Install("browser", {}, command);
         ChooseSlot(2, 1);
         DismissAlert();
     }

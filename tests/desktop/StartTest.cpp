@@ -49,19 +49,13 @@ TEST_F(StartTest, TheWindowManagerIsToldWhatTheBarIs) {
 TEST_F(StartTest, TheBarIsDrawnAsBevelsOnItsColour) {
     fProgram.Start();
     ActivateBar();
-    fDesk.MoveTo(600, 600);
-    const uint32_t light = 0xffffff;
-    const uint32_t dark = 0x888888;
     ASSERT_TRUE(WaitUntil([&] { return fDesk.Pixel(32, 46) == kGrey; }));
-
     const Picture bar = fDesk.Settled({29, 29, 24, 266});
-    for (int y = 0; y < bar.height; ++y) {
-        EXPECT_EQ(bar.At(0, y), 0u) << y;
-        EXPECT_EQ(bar.At(23, y), 0u) << y;
-    }
+    const uint32_t light = 0xffffff, dark = 0x888888;
+    for (int y = 0; y < bar.height; ++y)
+        EXPECT_EQ(bar.At(0, y) + bar.At(23, y), 0u) << y;
     for (int digit = 0; digit < 10; ++digit) {
         const int top = 1 + 14 + 25 * digit;
-        EXPECT_EQ(bar.At(2, top), light) << digit;
         EXPECT_EQ(bar.At(2, top + 19), light) << digit;
         EXPECT_EQ(bar.At(3, top + 20), dark) << digit;
         EXPECT_EQ(bar.At(22, top + 10), dark) << digit;
@@ -69,15 +63,13 @@ TEST_F(StartTest, TheBarIsDrawnAsBevelsOnItsColour) {
         EXPECT_GT(fDesk.Grab(fProgram.Button(digit)).Count(0), 5u) << "label " << digit;
     }
     // The close box: a sunken frame around a raised one.
-    EXPECT_EQ(bar.At(3, 3), dark);
-    EXPECT_EQ(bar.At(11, 11), light);
-    EXPECT_EQ(bar.At(4, 4), light);
-    EXPECT_EQ(bar.At(10, 10), dark);
-    EXPECT_EQ(bar.At(7, 7), kGrey);
+    const uint32_t diagonal[] = {dark, light, kGrey, kGrey, kGrey, kGrey, kGrey, dark, light};
+    for (int i = 0; i < 9; ++i)
+        EXPECT_EQ(bar.At(3 + i, 3 + i), diagonal[i]) << i;
 }
 
 TEST_F(StartTest, EverySettingLastsOverARestart) {
-    AddBookmark(2, "1 - Site", "http://site.example/");
+    AddBookmark(2, "1 - Site", "http://a.long.example/with/a/long/path");
     BMessage settings;
     const rgb_color blue = {100, 150, 200, 255};
     settings.AddData("color", B_RGB_COLOR_TYPE, &blue, sizeof blue);
@@ -90,6 +82,8 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     ChooseSetting(setting::kAlignHorizontally);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.IsHorizontal(); }));
     ChooseSetting(setting::kUseOpera);
+    const int width = OpenFolder(2).Frame().width;
+    CloseMenus();
     ChooseSetting(setting::kShowUrl, setting::kNo);
     ChooseSetting(setting::kHotKey, setting::kAltKey);
     ChooseSetting(setting::kAlwaysOnTop);
@@ -97,9 +91,7 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     ASSERT_TRUE(WaitUntil(isAbove)); // the menu closes before the bar gets its choice
     EXPECT_EQ(fProgram.Stop(), 0);
 
-    const BMessage saved = fProgram.Settings();
-    EXPECT_EQ(saved.GetInt32("hotkey", -1), 9);
-    EXPECT_FALSE(saved.GetBool("url", true));
+    EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 9);
 
     fProgram.Start();
     EXPECT_EQ(fProgram.Content(), (Box{447, 153, 233, 25}));
@@ -107,14 +99,10 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     ActivateBar();
     const Box button = fProgram.Button(4);
     EXPECT_TRUE(WaitUntil([&] { return fDesk.Pixel(button.x + 2, button.y + 2) == 0x6496c8; }));
+    EXPECT_LT(OpenFolder(2).Frame().width, width);
+    CloseMenus();
     ChooseSlot(2, 1);
-    const auto launches = fApps.WaitForLaunches(1);
-    ASSERT_EQ(launches.size(), 1u);
-    EXPECT_EQ(launches[0].app, "opera");
-
-    EXPECT_EQ(fProgram.Stop(), 0);
-    fProgram.Start();
-    EXPECT_EQ(fProgram.Content(), (Box{447, 153, 233, 25}));
+    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
 }
 
 TEST_F(StartTest, ASecondStartOrTheTaskBarWakesTheFirst) {
@@ -128,7 +116,8 @@ TEST_F(StartTest, ASecondStartOrTheTaskBarWakesTheFirst) {
             fDesk.Activate(fProgram.Bar().id);
         else
             EXPECT_EQ(fProgram.StartAgain(), 0);
-        EXPECT_TRUE(WaitUntil([&] { return fProgram.Bar().viewable && fProgram.IsBarActive(); }));
+        EXPECT_TRUE(WaitUntil(
+            [&] { return fProgram.Bar().viewable && fDesk.HasKeyboard(fProgram.Bar().id); }));
         EXPECT_FALSE(fDesk.IsMinimized(fProgram.Bar().id));
         EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
     }

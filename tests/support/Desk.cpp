@@ -78,22 +78,15 @@ Desk::~Desk() {
 }
 
 void Desk::StartServer(const Options& options) {
-    ChildProcess::Options server;
-    server.arguments = {"Xvfb",
-                        "-displayfd",
-                        "1",
-                        "-nolisten",
-                        "tcp",
-                        "-noreset",
-                        "-screen",
-                        "0",
-                        std::to_string(options.width) + "x" + std::to_string(options.height) + "x" +
-                            std::to_string(options.depth)};
-    server.errors = "/dev/null";
-    server.pipe = true;
-    server.endsBy = SIGTERM; // it removes its socket and its lock file
-    fServer = std::make_unique<ChildProcess>(server);
-    fName = ":" + fServer->ReadLine(); // written when clients may connect
+    const std::string screen = std::to_string(options.width) + "x" +
+                               std::to_string(options.height) + "x" + std::to_string(options.depth);
+    fServer = std::make_unique<ChildProcess>(
+        ChildProcess::Options{.arguments = {"Xvfb", "-displayfd", "1", "-nolisten", "tcp",
+                                            "-noreset", "-screen", "0", screen},
+                              .errors = "/dev/null",
+                              .pipe = true,
+                              .endsBy = SIGTERM}); // it removes its socket and its lock file
+    fName = ":" + fServer->ReadLine();             // written when clients may connect
 }
 
 // Returns when it answers messages: a window that asks to be shown earlier may lie in its queue
@@ -164,14 +157,6 @@ xcb_atom_t Desk::Atom(const std::string& name) const {
         atom = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_NONE);
     }
     return atom;
-}
-
-std::string Desk::AtomName(xcb_atom_t atom) const {
-    const auto reply = Ask<xcb_get_atom_name, xcb_get_atom_name_reply>(fConnection, atom);
-    if (!reply)
-        return {};
-    return {xcb_get_atom_name_name(reply.get()),
-            static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))};
 }
 
 xcb_client_message_event_t Desk::Message(xcb_window_t about, const std::string& type,

@@ -113,7 +113,6 @@ public:
     xcb_window_t Root() const { return fScreen->root; }
     Box Frame() const { return {0, 0, fScreen->width_in_pixels, fScreen->height_in_pixels}; }
     xcb_atom_t Atom(const std::string& name) const;
-    std::string AtomName(xcb_atom_t atom) const;
     // For xcb_send_event.
     xcb_client_message_event_t Message(xcb_window_t about, const std::string& type,
                                        const std::vector<uint32_t>& data) const;
@@ -147,8 +146,6 @@ public:
     void Type(const std::string& text);
     // Releases the keys and buttons that are still down.
     void LetGo();
-    // Whether a program could grab pointer and keyboard; waits for it.
-    bool IsInputFree() const;
 
     // Pixels.
     uint32_t Pixel(int x, int y) const; // 0xRRGGBB
@@ -168,7 +165,6 @@ public:
     // Properties; empty when the window lacks them.
     std::string Text(xcb_window_t window, const std::string& property) const;
     std::vector<uint32_t> Cardinals(xcb_window_t window, const std::string& property) const;
-    std::vector<std::string> Atoms(xcb_window_t window, const std::string& property) const;
 
     bool HasState(xcb_window_t window, const std::string& state) const; // _NET_WM_STATE
     bool IsMinimized(xcb_window_t window) const;                        // WM_STATE
@@ -177,7 +173,6 @@ public:
     // Active and focused: the window manager may still name a window of the same number, of the
     // program before.
     bool HasKeyboard(xcb_window_t window) const;
-    xcb_window_t SelectionOwner(const std::string& selection) const;
     std::vector<xcb_window_t> Stacking() const; // managed windows, the lowest first
 
     // As a task bar would.
@@ -188,6 +183,7 @@ private:
     void StartServer(const Options& options);
     void StartWindowManager();
     void Fake(uint8_t type, uint8_t detail, int x = 0, int y = 0);
+    std::vector<std::string> AtomNames(const std::vector<uint32_t>& atoms) const;
     void Collect(xcb_window_t parent, int depth, std::vector<WindowInfo>& found) const;
     auto SendGetProperty(xcb_window_t window, const std::string& name) const;
     void SendToRoot(xcb_window_t window, const std::string& type,

@@ -140,8 +140,7 @@ WindowInfo Desk::Describe(xcb_window_t window) const {
     const std::string both = Bytes(names());
     info.instance = both.c_str();
     info.className = both.substr(std::min(both.size(), info.instance.size() + 1)).c_str();
-    for (const uint32_t atom : Words(types()))
-        info.types.push_back(AtomName(atom));
+    info.types = AtomNames(Words(types()));
     const auto size = geometry();
     const auto state = attributes();
     const auto corner = place();
@@ -162,15 +161,18 @@ std::vector<uint32_t> Desk::Cardinals(xcb_window_t window, const std::string& pr
     return Words(SendGetProperty(window, property)());
 }
 
-std::vector<std::string> Desk::Atoms(xcb_window_t window, const std::string& property) const {
+std::vector<std::string> Desk::AtomNames(const std::vector<uint32_t>& atoms) const {
     std::vector<std::string> names;
-    for (const uint32_t atom : Cardinals(window, property))
-        names.push_back(AtomName(atom));
+    for (const uint32_t atom : atoms) {
+        const auto reply = Ask<xcb_get_atom_name, xcb_get_atom_name_reply>(fConnection, atom);
+        names.emplace_back(xcb_get_atom_name_name(reply.get()),
+                           static_cast<size_t>(xcb_get_atom_name_name_length(reply.get())));
+    }
     return names;
 }
 
 bool Desk::HasState(xcb_window_t window, const std::string& state) const {
-    const std::vector<std::string> states = Atoms(window, "_NET_WM_STATE");
+    const auto states = AtomNames(Cardinals(window, "_NET_WM_STATE"));
     return std::find(states.begin(), states.end(), state) != states.end();
 }
 
@@ -192,12 +194,6 @@ xcb_window_t Desk::FocusedWindow() const {
 
 bool Desk::HasKeyboard(xcb_window_t window) const {
     return ActiveWindow() == window && FocusedWindow() == window;
-}
-
-xcb_window_t Desk::SelectionOwner(const std::string& selection) const {
-    const auto reply =
-        Ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(fConnection, Atom(selection));
-    return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
 }
 
 std::vector<xcb_window_t> Desk::Stacking() const {

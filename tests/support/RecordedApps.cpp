@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sys/stat.h>
 
 #include "tests/support/Wait.h"
 
@@ -13,10 +12,10 @@ namespace test {
 namespace {
 
 // The record takes its name when it is whole.
-constexpr char kRecorder[] = R"(folder=$1
+constexpr char kRecorder[] = R"(cd "$1"
 shift
-printf '%s\0' "$@" >"$folder/writing.$$"
-mv "$folder/writing.$$" "$folder/launch.$$"
+printf '%s\0' "$@" >"writing.$$"
+mv "writing.$$" "launch.$$"
 )";
 
 RecordedApps::Launch Read(const fs::path& record) {
@@ -28,58 +27,35 @@ RecordedApps::Launch Read(const fs::path& record) {
     return launch;
 }
 
-int64_t TimeOf(const fs::path& record) {
-    struct stat data = {};
-    stat(record.c_str(), &data);
-    return data.st_mtim.tv_sec * 1'000'000'000LL + data.st_mtim.tv_nsec;
-}
-
 } // namespace
 
 RecordedApps::RecordedApps(const TemporaryHome& home)
     : fApplications(home.Data() / "applications")
-    , fConfig(home.Config())
+    , fDefaults(home.Config() / "mimeapps.list")
     , fRecords(home.Path() / "launches") {
     fs::create_directories(fApplications);
     fs::create_directories(fRecords);
-    std::ofstream(home.Path() / "recorder") << kRecorder;
+    std::ofstream(fRecords / "recorder") << kRecorder;
+    std::ofstream(fDefaults) << "[Default Applications]\n";
 }
 
-void RecordedApps::Install(const std::string& name, const std::string& field,
-                           const std::vector<std::string>& keys) {
-    std::ofstream entry(fApplications / (name + ".desktop"));
-    entry << "[Desktop Entry]\nType=Application\nName=" << name << "\nExec=/bin/sh "
-          << (fRecords.parent_path() / "recorder").string() << " " << fRecords.string() << " "
-          << name << " " << field << "\n";
-    for (const std::string& key : keys)
-        entry << key << "\n";
+void RecordedApps::Install(const std::string& name, const std::vector<std::string>& types,
+                           const std::string& command) {
+    const std::string recorder = "/bin/sh " + (fRecords / "recorder").string() + " " +
+                                 fRecords.string() + " " + name + " %u";
+    std::ofstream(fApplications / (name + ".desktop"))
+        << "[Desktop Entry]\nType=Application\nName=" << name
+        << "\nExec=" << (command.empty() ? recorder : command) << "\n";
+    for (const std::string& type : types)
+        std::ofstream(fDefaults, std::ios::app) << type << "=" << name << ".desktop\n";
 }
 
 void RecordedApps::Uninstall(const std::string& name) {
     fs::remove(fApplications / (name + ".desktop"));
 }
 
-void RecordedApps::SetDefault(const std::string& type, const std::string& name) {
-    fDefaults.push_back(type + "=" + name + ".desktop");
-    std::ofstream list(fConfig / "mimeapps.list");
-    list << "[Default Applications]\n";
-    for (const std::string& line : fDefaults)
-        list << line << "\n";
-}
-
 void RecordedApps::InstallBrowser() {
-    Install("browser", "%u", {"MimeType=x-scheme-handler/http;x-scheme-handler/https;text/html;"});
-    for (const char* type : {"x-scheme-handler/http", "x-scheme-handler/https", "text/html"})
-        SetDefault(type, "browser");
-}
-
-void RecordedApps::InstallOpera() {
-    Install("opera");
-}
-
-void RecordedApps::InstallFileManager() {
-    Install("files", "%U", {"MimeType=inode/directory;"});
-    SetDefault("inode/directory", "files");
+    Install("browser", {"x-scheme-handler/http", "x-scheme-handler/https", "text/html"});
 }
 
 std::vector<RecordedApps::Launch> RecordedApps::Launches() const {
@@ -87,11 +63,11 @@ std::vector<RecordedApps::Launch> RecordedApps::Launches() const {
     for (const fs::directory_entry& entry : fs::directory_iterator(fRecords))
         if (entry.path().stem() == "launch")
             records.push_back(entry.path());
-    std::sort(records.begin(), records.end(),
-              [](const fs::path& a, const fs::path& b) { return TimeOf(a) < TimeOf(b); });
+    std::sort(records.begin(), records.end(), [](const fs::path& a, const fs::path& b) {
+        return fs::last_write_time(a) < fs::last_write_time(b);
+    });
     std::vector<Launch> launches;
-    for (const fs::path& record : records)
-        launches.push_back(Read(record));
+    std::transform(records.begin(), records.end(), std::back_inserter(launches), Read);
     return launches;
 }
 

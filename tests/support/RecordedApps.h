@@ -19,20 +19,13 @@ public:
 
     explicit RecordedApps(const TemporaryHome& home);
 
-    // Installs NAME.desktop. `field` is the field code after the command ("" for none), `keys` are
-    // whole further lines of the entry.
-    void Install(const std::string& name, const std::string& field = "%u",
-                 const std::vector<std::string>& keys = {});
+    // Installs NAME.desktop as the default for these MIME types and x-scheme-handlers. It starts
+    // `command` instead of the recorder unless that is empty.
+    void Install(const std::string& name, const std::vector<std::string>& types = {},
+                 const std::string& command = "");
     void Uninstall(const std::string& name);
-    // Makes an installed entry the default for a MIME type or an x-scheme-handler.
-    void SetDefault(const std::string& type, const std::string& name);
-
     // "browser" as the default for http, https and text/html.
     void InstallBrowser();
-    // "opera".
-    void InstallOpera();
-    // "files" as the default for directories.
-    void InstallFileManager();
 
     // What was started so far, in order.
     std::vector<Launch> Launches() const;
@@ -41,9 +34,8 @@ public:
 
 private:
     std::filesystem::path fApplications;
-    std::filesystem::path fConfig;
+    std::filesystem::path fDefaults;
     std::filesystem::path fRecords;
-    std::vector<std::string> fDefaults;
 };
 
 } // namespace test

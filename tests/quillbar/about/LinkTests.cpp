@@ -59,10 +59,8 @@ protected:
     }
     void InstallPrograms() {
         apps.InstallBrowser();
-        for (const char* name : {"mailer", "fetcher"})
-            apps.Install(name);
-        apps.SetDefault("x-scheme-handler/mailto", "mailer");
-        apps.SetDefault("x-scheme-handler/ftp", "fetcher");
+        apps.Install("mailer", {"x-scheme-handler/mailto"});
+        apps.Install("fetcher", {"x-scheme-handler/ftp"});
     }
     void Activate() {
         const auto shown = ShownWindows();
