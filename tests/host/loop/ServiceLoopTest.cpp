@@ -4,58 +4,25 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <mutex>
 #include <optional>
 #include <thread>
 
 #include "host/loop/ServiceLoop.h"
+#include "tests/support/Wait.h"
 
 namespace host {
 namespace {
 
 using namespace std::chrono_literals;
 
-// Counts calls, and waits for them.
-class Calls {
-public:
-    void Add() {
-        std::lock_guard lock(fMutex);
-        ++fCount;
-        fChanged.notify_all();
-    }
-    int Count() {
-        std::lock_guard lock(fMutex);
-        return fCount;
-    }
-    bool Reach(int count) {
-        std::unique_lock lock(fMutex);
-        return fChanged.wait_for(lock, 10s, [&] { return fCount >= count; });
-    }
-
-private:
-    std::mutex fMutex;
-    std::condition_variable fChanged;
-    int fCount = 0;
-};
+bool Reaches(const std::atomic<int>& calls, int count) {
+    return test::WaitUntil([&] { return calls >= count; });
+}
 
 // Waits until the service thread has done its earlier tasks.
 void Settle() {
     ServiceLoop::Shared().InvokeAndWait([] {});
-}
-
-TEST(ServiceLoop, RunsTasksInTheOrderOfTheCalls) {
-    ServiceLoop& loop = ServiceLoop::Shared();
-    std::vector<int> order;
-    for (int i = 0; i < 100; ++i)
-        loop.Invoke([&, i] { order.push_back(i); });
-    loop.InvokeAndWait([&] {
-        EXPECT_TRUE(loop.IsCurrentThread());
-        loop.InvokeAndWait([&] { order.push_back(100); });
-    });
-    ASSERT_EQ(101u, order.size());
-    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-    EXPECT_FALSE(loop.IsCurrentThread());
 }
 
 TEST(Timer, NeverRunsOnceItsDestructorReturned) {
@@ -74,61 +41,44 @@ TEST(Timer, NeverRunsOnceItsDestructorReturned) {
     Settle();
 }
 
-TEST(Timer, MayEndItselfAndKeepsItsFunctionUntilThatReturns) {
-    Calls calls;
-    std::mutex mutex;
-    std::unique_ptr<Timer> timer;
-    auto held = std::make_shared<int>(5);
-    const std::weak_ptr<int> watched = held;
-    {
-        std::lock_guard lock(mutex);
-        timer = std::make_unique<Timer>(0, 1000, [&, held = std::move(held)] {
-            std::lock_guard inner(mutex);
-            timer.reset();
-            EXPECT_EQ(5, *held);
-            calls.Add();
-        });
-    }
-    ASSERT_TRUE(calls.Reach(1));
-    Settle();
-    EXPECT_EQ(1, calls.Count());
-    EXPECT_TRUE(watched.expired());
-}
-
 TEST(Timer, EndsAnotherWhoseCallIsNotWaitedFor) {
     // The destroying thread holds a lock that other calls wait for: no deadlock.
     std::mutex mutex;
-    Calls calls;
+    std::atomic<int> calls = 0;
     std::optional<Timer> busy, other;
     std::unique_lock lock(mutex);
     other.emplace(10'000'000, 0, [] {});
     busy.emplace(0, 0, [&] {
-        calls.Add();
+        ++calls;
         std::lock_guard inner(mutex);
     });
-    ASSERT_TRUE(calls.Reach(1));
+    ASSERT_TRUE(Reaches(calls, 1));
     other.reset();
     lock.unlock();
 }
 
-TEST(DescriptorWatch, RunsWhenThePeerHangsUp) {
+TEST(DescriptorWatch, MayEndItselfAndKeepsItsFunctionUntilThatReturns) {
     int ends[2];
     ASSERT_EQ(0, pipe(ends));
-    Calls calls;
+    std::atomic<int> calls = 0;
     std::optional<DescriptorWatch> watch;
+    auto held = std::make_shared<int>(5);
+    const std::weak_ptr<int> watched = held;
     std::mutex mutex;
     {
         std::lock_guard lock(mutex);
-        watch.emplace(ends[0], [&] {
+        watch.emplace(ends[0], [&, held = std::move(held)] {
             std::lock_guard inner(mutex);
             watch.reset();
-            calls.Add();
+            EXPECT_EQ(5, *held);
+            ++calls;
         });
     }
-    close(ends[1]);
-    EXPECT_TRUE(calls.Reach(1));
+    close(ends[1]); // The peer hangs up.
+    EXPECT_TRUE(Reaches(calls, 1));
     Settle();
-    EXPECT_EQ(1, calls.Count());
+    EXPECT_EQ(1, calls);
+    EXPECT_TRUE(watched.expired());
     close(ends[0]);
 }
 
@@ -144,9 +94,9 @@ TEST(ServiceLoop, SleepsWhenThereIsNothingToDo) {
     ASSERT_EQ(0, pipe(ends));
     const DescriptorWatch watch(ends[0], [] {});
     const Timer timer(3'600'000'000, 0, [] {});
-    Calls elapsed;
-    const Timer over(0, 0, [&] { elapsed.Add(); });
-    ASSERT_TRUE(elapsed.Reach(1));
+    std::atomic<int> elapsed = 0;
+    const Timer over(0, 0, [&] { ++elapsed; });
+    ASSERT_TRUE(Reaches(elapsed, 1));
     const auto before = ServiceTime();
     std::this_thread::sleep_for(300ms);
     EXPECT_LT(ServiceTime() - before, 20ms);
