@@ -1,0 +1,184 @@
+// What the program does not show: how bytes are kept, and nodes, links and paths that are odd.
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <fstream>
+#include <set>
+
+#include "kits/storage/Directory.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/File.h"
+#include "kits/storage/Path.h"
+#include "tests/support/Bookmarks.h"
+#include "tests/support/TemporaryHome.h"
+
+namespace fs = std::filesystem;
+
+namespace test {
+
+// Paths in the tests are the platform's.
+class StorageTest : public testing::Test {
+protected:
+    StorageTest() {
+        fs::create_directories(OnDisk("folder/inner"));
+        MakeFile("folder/file");
+        for (const auto& [link, target] : {std::pair{"link", "folder/inner"},
+                                           {"chain", "tofile"},
+                                           {"tofile", "folder/file"},
+                                           {"dangling", "nowhere"},
+                                           {"loop", "loop"}})
+            fs::create_symlink(target, OnDisk(link));
+    }
+
+    static std::string In(const std::string& name) { return "/boot/home/" + name; }
+    fs::path OnDisk(const std::string& name) const { return fHome.Path() / name; }
+    void MakeFile(const std::string& name) const { std::ofstream(OnDisk(name)).flush(); }
+    static std::string PathOf(const BEntry& entry) {
+        BPath path;
+        return entry.GetPath(&path) == B_OK ? path.Path() : "";
+    }
+
+    TemporaryHome fHome;
+};
+
+TEST_F(StorageTest, PathsArePlainAndAbsolute) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"//a/./b/c//d", "/a/b/c/d"},
+        {"/", "/"},
+        {In("link/../x"), In("folder/x")}, // of the link's target
+        {In("link/.."), In("folder")},
+    };
+    for (const auto& [text, path] : cases)
+        EXPECT_EQ(BPath(text.c_str()).Path(), path);
+    EXPECT_EQ(BPath(In("missing/../x").c_str()).InitCheck(), B_ENTRY_NOT_FOUND);
+    EXPECT_EQ(BPath("").InitCheck(), B_BAD_VALUE);
+    EXPECT_EQ(BPath("/a", "/b").InitCheck(), B_BAD_VALUE);
+    BPath path("/a");
+    EXPECT_EQ(path.Append("/b"), B_BAD_VALUE);
+    EXPECT_EQ(BPath("/").GetParent(&path), B_ENTRY_NOT_FOUND);
+    EXPECT_STREQ(path.Path(), "/a");
+}
+
+TEST_F(StorageTest, EntryIsAPlaceWhereNothingNeedBe) {
+    BEntry entry(In("missing/deeper").c_str());
+    EXPECT_EQ(entry.InitCheck(), B_OK);
+    EXPECT_EQ(PathOf(entry), In("missing/deeper"));
+    node_ref node;
+    entry_ref ref;
+    EXPECT_EQ(entry.GetNodeRef(&node), B_ENTRY_NOT_FOUND);
+    EXPECT_EQ(entry.GetRef(&ref), B_ENTRY_NOT_FOUND);
+    EXPECT_EQ(BEntry(In("folder/file/x").c_str()).InitCheck(), B_NOT_A_DIRECTORY);
+    EXPECT_EQ(BEntry(In(std::string(300, 'x')).c_str()).InitCheck(), B_NAME_TOO_LONG);
+}
+
+TEST_F(StorageTest, LinksAreFollowedOnDemand) {
+    EXPECT_TRUE(BEntry(In("chain").c_str()).IsSymLink());
+    const BEntry target(In("chain").c_str(), true);
+    EXPECT_TRUE(target.IsFile());
+    EXPECT_EQ(PathOf(target), In("folder/file"));
+    EXPECT_TRUE(BEntry(In("dangling").c_str()).Exists());
+    EXPECT_EQ(BEntry(In("dangling").c_str(), true).InitCheck(), B_ENTRY_NOT_FOUND);
+    EXPECT_EQ(BEntry(In("loop").c_str(), true).InitCheck(), B_LINK_LIMIT);
+    EXPECT_EQ(BDirectory(In("link").c_str()).InitCheck(), B_OK);
+    EXPECT_EQ(BDirectory(In("loop").c_str()).InitCheck(), B_LINK_LIMIT);
+    EXPECT_EQ(BDirectory(In("tofile").c_str()).InitCheck(), B_NOT_A_DIRECTORY);
+}
+
+TEST_F(StorageTest, RefLeadsToTheEntryAndNowhereElse) {
+    entry_ref ref;
+    ASSERT_EQ(get_ref_for_path(In("folder/file").c_str(), &ref), B_OK);
+    EXPECT_EQ(PathOf(BEntry(&ref)), In("folder/file"));
+    entry_ref other = ref;
+    other.name = "../folder";
+    EXPECT_EQ(BEntry(&other).InitCheck(), B_BAD_VALUE);
+    other.name = "file";
+    other.directory = 1;
+    EXPECT_EQ(BEntry(&other).InitCheck(), B_ENTRY_NOT_FOUND);
+    // Another directory takes its place.
+    fs::rename(OnDisk("folder"), OnDisk("elsewhere"));
+    fs::create_directory(OnDisk("folder"));
+    EXPECT_EQ(BEntry(&ref).InitCheck(), B_ENTRY_NOT_FOUND);
+}
+
+// Common disks give the inode of a removed file to the next one.
+TEST_F(StorageTest, NumberOfANodeIsNeverUsedAgain) {
+    std::set<int64> numbers;
+    node_ref node;
+    for (int i = 0; i < 20; i++) {
+        MakeFile("file");
+        ASSERT_EQ(BEntry(In("file").c_str()).GetNodeRef(&node), B_OK);
+        EXPECT_TRUE(numbers.insert(node.node).second) << "file " << i;
+        fs::remove(OnDisk("file"));
+    }
+    // Without birth times, the inode is the number.
+    struct stat status;
+    ASSERT_EQ(stat("/proc/version", &status), 0);
+    ASSERT_EQ(BEntry("/proc/version").GetNodeRef(&node), B_OK);
+    EXPECT_EQ(node.node, int64(status.st_ino));
+}
+
+TEST_F(StorageTest, AttributesAreTheUsersExtendedAttributes) {
+    BNode node(In("folder/file").c_str());
+    fs::rename(OnDisk("folder"), OnDisk("renamed"));
+    const fs::path renamed = OnDisk("renamed/file");
+    const char url[] = "http://example.org/";
+    EXPECT_EQ(node.WriteAttr("META:url", B_STRING_TYPE, 0, url, sizeof(url)), sizeof(url));
+    EXPECT_EQ(GetAttribute(renamed, "META:url"), std::string(url, sizeof(url)));
+
+    SetAttribute(renamed, "META:keyw", "by hand");
+    attr_info info;
+    ASSERT_EQ(node.GetAttrInfo("META:keyw", &info), B_OK);
+    EXPECT_EQ(info.size, 7);
+    char value[8] = "*******";
+    EXPECT_EQ(node.ReadAttr("META:keyw", B_STRING_TYPE, 0, value, 3), 3);
+    EXPECT_STREQ(value, "by ****");
+    EXPECT_EQ(node.ReadAttr("META:keyw", B_RAW_TYPE, 3, value, sizeof(value)), 4);
+    EXPECT_EQ(node.ReadAttr("META:keyw", B_STRING_TYPE, 100, value, sizeof(value)), 0);
+    EXPECT_EQ(node.GetAttrInfo("none", &info), B_ENTRY_NOT_FOUND);
+    EXPECT_EQ(node.ReadAttr("none", B_STRING_TYPE, 0, value, 8), B_ENTRY_NOT_FOUND);
+    const std::string name(256, 'n');
+    EXPECT_EQ(node.WriteAttr(name.c_str(), B_STRING_TYPE, 0, "", 0), B_NAME_TOO_LONG);
+}
+
+TEST_F(StorageTest, TypeIsReadWithOrWithoutItsEnd) {
+    BNode node(In("folder/file").c_str());
+    const BNodeInfo info(&node);
+    char type[B_MIME_TYPE_LENGTH];
+    EXPECT_EQ(info.GetType(type), B_ENTRY_NOT_FOUND);
+    for (const std::string& value : {std::string("text/plain"), std::string("text/plain\0", 11)}) {
+        SetAttribute(OnDisk("folder/file"), "mime_type", value);
+        ASSERT_EQ(info.GetType(type), B_OK);
+        EXPECT_STREQ(type, "text/plain");
+    }
+    for (const std::string& value : {std::string(), std::string(B_MIME_TYPE_LENGTH, 'x')}) {
+        SetAttribute(OnDisk("folder/file"), "mime_type", value);
+        EXPECT_EQ(info.GetType(type), B_BAD_DATA);
+    }
+}
+
+TEST_F(StorageTest, OddNodesHaveNoAttributesAndNeverBlock) {
+    ASSERT_EQ(mkfifo(OnDisk("fifo").c_str(), 0666), 0);
+    char value[8];
+    for (const char* name : {"fifo", "dangling", "loop"}) {
+        BNode node(In(name).c_str());
+        ASSERT_EQ(node.InitCheck(), B_OK) << name;
+        EXPECT_LT(node.ReadAttr("META:url", B_STRING_TYPE, 0, value, sizeof(value)), 0) << name;
+        EXPECT_EQ(node.WriteAttr("META:url", B_STRING_TYPE, 0, "x", 1), B_NOT_ALLOWED) << name;
+        EXPECT_EQ(node.Sync(), B_OK) << name;
+        EXPECT_LT(BFile(In(name).c_str(), B_READ_WRITE).InitCheck(), B_OK) << name;
+    }
+    EXPECT_EQ(BFile(In("fifo").c_str(), B_WRITE_ONLY).InitCheck(), B_NOT_ALLOWED);
+    EXPECT_EQ(BFile(In("folder").c_str(), B_READ_ONLY).InitCheck(), B_IS_A_DIRECTORY);
+}
+
+TEST_F(StorageTest, DiskTellsWhetherItKeepsAttributes) {
+    for (const auto& [path, keeps] : {std::pair{"/boot/home", true}, {"/proc/self", false}}) {
+        BVolume volume;
+        ASSERT_EQ(BEntry(path).GetVolume(&volume), B_OK);
+        EXPECT_EQ(volume.KnowsAttr(), keeps) << path;
+    }
+    EXPECT_EQ(BNode("/proc/version").WriteAttr("x", B_STRING_TYPE, 0, "x", 1), B_UNSUPPORTED);
+}
+
+} // namespace test
