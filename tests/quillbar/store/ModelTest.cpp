@@ -63,52 +63,38 @@ void ModelTest::RunWorkers(int seeds) {
 
 void ModelTest::ChangeSomething() {
     std::error_code ignored;
-    switch (Any(12)) {
-    case 0:
-    case 1:
-    case 2:
+    const int what = Any(12);
+    if (what < 3) {
         if (const fs::path file = AnyFile(); fs::exists(file.parent_path()))
             test::MakeBookmark(file, "http://made");
-        break;
-    case 3:
+    } else if (what < 4) {
         fs::remove(AnyFile(), ignored);
-        break;
-    case 4:
-    case 5:
-    case 6:
+    } else if (what < 7) {
         fs::rename(AnyFile(), AnyFile(), ignored);
-        break;
-    case 7:
+    } else if (what < 8) {
         renameat2(AT_FDCWD, AnyFile().c_str(), AT_FDCWD, AnyFile().c_str(), RENAME_EXCHANGE);
-        break;
-    case 8:
-    case 9:
+    } else if (what < 10) {
         if (const fs::path file = AnyFile(); fs::exists(file))
             test::SetUrl(file, "http://changed" + std::to_string(Any(100)));
-        break;
-    case 10:
+    } else if (what < 11) {
         fs::rename(AnyFolder(), AnyPlaceOfFolder(), ignored);
-        break;
-    default:
-        if (Any(3))
-            renameat2(AT_FDCWD, AnyFolder().c_str(), AT_FDCWD, AnyFolder().c_str(),
-                      RENAME_EXCHANGE);
-        else
-            fs::remove_all(AnyFolder(), ignored);
-        fs::create_directory(fHome.Path() / "outside", ignored);
+    } else if (Any(3) > 0) {
+        renameat2(AT_FDCWD, AnyFolder().c_str(), AT_FDCWD, AnyFolder().c_str(), RENAME_EXCHANGE);
+    } else {
+        fs::remove_all(AnyFolder(), ignored);
     }
+    fs::create_directory(fHome.Path() / "outside", ignored);
 }
 
 void ModelTest::EditEveryBookmark(unsigned seed) {
     const std::string url = "http://edited" + std::to_string(seed);
     for (int digit = 0; digit < 10; ++digit) {
-        const auto labels = Labels(digit);
         for (int slot = 0; slot < 10; ++slot) {
-            if (labels[slot] == kEmptyLabel)
+            const std::string label = Label(digit, slot);
+            if (label == kEmptyLabel)
                 continue;
-            test::SetUrl(Root() / Title(digit) / labels[slot], url);
-            EXPECT_TRUE(test::WaitUntil([&] { return Url(digit, slot) == url; }))
-                << "seed " << seed << ": " << Title(digit) << '/' << labels[slot];
+            test::SetUrl(Root() / Title(digit) / label, url);
+            EXPECT_TRUE(UrlBecomes(digit, slot, url)) << "seed " << seed << ": " << label;
         }
     }
 }
