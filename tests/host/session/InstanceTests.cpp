@@ -1,16 +1,10 @@
-#include <fcntl.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 
-#include <filesystem>
-#include <fstream>
-#include <mutex>
-#include <vector>
-
 #include "host/loop/Descriptor.h"
+#include "host/loop/ServiceLoop.h"
 #include "host/session/instance/InstanceSocket.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Wait.h"
@@ -20,184 +14,120 @@ using namespace host;
 
 namespace {
 
-constexpr bigtime_t kSecond = 1'000'000;
 const std::string kSignature = "application/x-vnd.test-instance";
 const std::string kLongest(kMaxInstanceMessage, 'x');
 
-// A running program and the messages it got.
-class Instance {
-public:
-    explicit Instance(const std::string& signature = kSignature)
-        : fSocket(signature) {
-        status = fSocket.Acquire();
-        if (status == B_OK) {
-            status = fSocket.Listen([this](std::string_view bytes) {
-                const std::lock_guard guard(fMutex);
-                fReceived.emplace_back(bytes);
-            });
-        }
-    }
-
-    std::vector<std::string> Received() const {
-        const std::lock_guard guard(fMutex);
-        return fReceived;
-    }
-
-    status_t status;
-
-private:
-    mutable std::mutex fMutex;
-    std::vector<std::string> fReceived;
-    InstanceSocket fSocket;
-};
-
-// A peer that keeps to no protocol.
-class Peer {
-public:
-    explicit Peer(const fs::path& path)
-        : fConnection(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)) {
-        const timeval deadline{10, 0};
-        setsockopt(fConnection.Get(), SOL_SOCKET, SO_RCVTIMEO, &deadline, sizeof deadline);
-        path.string().copy(fAddress.sun_path, sizeof fAddress.sun_path - 1);
-    }
-    sockaddr* Address() { return reinterpret_cast<sockaddr*>(&fAddress); }
-    int Socket() const { return fConnection.Get(); }
-
-    void Connect() { EXPECT_EQ(0, connect(Socket(), Address(), sizeof fAddress)); }
-    // An open connection ends without a signal when the program hangs up.
-    void Say(const std::string& bytes) { send(Socket(), bytes.data(), bytes.size(), MSG_NOSIGNAL); }
-    // Whether the other end hangs up, without an answer.
-    bool IsHungUp() {
-        char byte;
-        const ssize_t count = recv(Socket(), &byte, 1, 0);
-        return count == 0 || (count < 0 && errno == ECONNRESET);
-    }
-
-private:
-    sockaddr_un fAddress{AF_UNIX, {}};
-    Descriptor fConnection;
-};
+status_t Send(const std::string& bytes, bigtime_t timeout = 10'000'000) {
+    return SendToInstance(kSignature, bytes, timeout);
+}
 
 class InstanceTest : public testing::Test {
 protected:
-    fs::path SocketPath() const {
-        return fHome.Runtime() / "quillbar" / "application%2Fx-vnd.test-instance.socket";
-    }
-    std::unique_ptr<Peer> Connected(const std::vector<std::string>& packets = {}) {
-        auto peer = std::make_unique<Peer>(SocketPath());
-        peer->Connect();
+    // The other end of a new socket, which keeps to no protocol; `call` is connect or bind.
+    Descriptor Reach(int (*call)(int, const sockaddr*, socklen_t),
+                     const std::vector<std::string>& packets = {}) const {
+        Descriptor end(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+        const timeval deadline{10, 0};
+        setsockopt(end.Get(), SOL_SOCKET, SO_RCVTIMEO, &deadline, sizeof deadline);
+        sockaddr_un address{AF_UNIX, {}};
+        path.string().copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(0, call(end.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address));
         for (const std::string& packet : packets)
-            peer->Say(packet);
-        return peer;
+            send(end.Get(), packet.data(), packet.size(), MSG_NOSIGNAL);
+        return end;
+    }
+    // Whether the program hangs up, without an answer.
+    static bool IsHungUp(const Descriptor& end) {
+        char byte;
+        const ssize_t count = recv(end.Get(), &byte, 1, 0);
+        return count == 0 || (count < 0 && errno == ECONNRESET);
+    }
+    // Runs as the program of the signature until it is called again.
+    status_t Run(const std::string& signature = kSignature) {
+        program = std::make_unique<InstanceSocket>(signature);
+        const status_t status = program->Acquire();
+        return status != B_OK ? status : program->Listen([this](std::string_view bytes) {
+            received.emplace_back(bytes);
+        });
+    }
+    std::vector<std::string> Received() const {
+        std::vector<std::string> copy;
+        ServiceLoop::Shared().InvokeAndWait([&] { copy = received; });
+        return copy;
     }
 
-    test::TemporaryHome fHome;
+    test::TemporaryHome home;
+    const fs::path directory = home.Runtime() / "quillbar";
+    const fs::path path = directory / "application%2Fx-vnd.test-instance.socket";
+    std::vector<std::string> received; // the service thread's
+    std::unique_ptr<InstanceSocket> program;
 };
 
-TEST_F(InstanceTest, MessagesArriveWholeAndInOrder) {
-    EXPECT_FALSE(InstanceRuns(kSignature));
-    EXPECT_EQ(B_BAD_PORT_ID, SendToInstance(kSignature, "x", kSecond));
-    {
-        Instance instance;
-        ASSERT_EQ(B_OK, instance.status);
-        EXPECT_TRUE(InstanceRuns(kSignature));
-        EXPECT_FALSE(InstanceRuns(kSignature + "2"));
-        const std::vector<std::string> sent = {"one", kLongest, std::string("a\0b", 3)};
-        for (const std::string& message : sent)
-            EXPECT_EQ(B_OK, SendToInstance(kSignature, message, 10 * kSecond));
-        EXPECT_EQ(B_BAD_VALUE, SendToInstance(kSignature, "", kSecond));
-        EXPECT_EQ(B_BAD_VALUE, SendToInstance(kSignature, kLongest + "x", kSecond));
-        EXPECT_EQ(sent, instance.Received());
-    }
-    EXPECT_FALSE(InstanceRuns(kSignature));
-    EXPECT_FALSE(fs::exists(SocketPath()));
-}
-
-TEST_F(InstanceTest, SocketWorksBelowAVeryLongPath) {
-    const fs::path deep = fHome.Path() / std::string(120, 'd');
-    fs::create_directory(deep);
-    setenv("XDG_RUNTIME_DIR", deep.c_str(), 1);
-    const Instance instance;
-    ASSERT_EQ(B_OK, instance.status);
-    EXPECT_EQ(B_OK, SendToInstance(kSignature, "x", 10 * kSecond));
-    // A name that fits into no address is refused.
-    EXPECT_EQ(B_NAME_TOO_LONG, Instance("application/" + std::string(100, 's')).status);
-}
-
 TEST_F(InstanceTest, HostilePeersOnlyLoseTheirConnection) {
-    const Instance instance;
-    EXPECT_TRUE(Connected({kLongest + "x"})->IsHungUp());
-    EXPECT_TRUE(Connected({""})->IsHungUp());
-    Connected();
-    Connected({"hasty"});
-    const auto babbling = Connected({"first", "second"});
-    EXPECT_TRUE(test::WaitUntil([&] { return instance.Received().size() == 2; }));
-    EXPECT_EQ(B_OK, SendToInstance(kSignature, "still there", 10 * kSecond));
-    EXPECT_EQ((std::vector<std::string>{"hasty", "first", "still there"}), instance.Received());
-}
+    ASSERT_EQ(B_OK, Run());
+    const Descriptor silent = Reach(connect);
+    for (const std::string& bad : {kLongest + "x", std::string()})
+        EXPECT_TRUE(IsHungUp(Reach(connect, {bad})));
+    Reach(connect);
+    Reach(connect, {"hasty"});
+    const Descriptor babbling = Reach(connect, {"first", "second"});
+    EXPECT_TRUE(test::WaitUntil([&] { return Received().size() == 2; }));
+    EXPECT_EQ(B_OK, Send(kLongest));
+    EXPECT_EQ(B_BAD_VALUE, Send(kLongest + "x"));
+    EXPECT_THAT(Received(), testing::ElementsAre("hasty", "first", kLongest));
+    EXPECT_TRUE(IsHungUp(silent));
 
-TEST_F(InstanceTest, SilentPeersDoNotHoldUpOthersAndAreDropped) {
-    const Instance instance;
-    const auto silent = Connected();
-    EXPECT_EQ(B_OK, SendToInstance(kSignature, "quick", 10 * kSecond));
-    EXPECT_TRUE(silent->IsHungUp());
-}
-
-TEST_F(InstanceTest, ConnectionsAreBoundedAndComeBack) {
-    const Instance instance;
-    std::vector<std::unique_ptr<Peer>> crowd;
+    std::vector<Descriptor> crowd;
     for (int i = 0; i < 17; i++)
-        crowd.push_back(Connected());
-    EXPECT_TRUE(crowd.back()->IsHungUp());
+        crowd.push_back(Reach(connect));
+    EXPECT_TRUE(IsHungUp(crowd.back()));
     crowd.clear();
-    EXPECT_TRUE(
-        test::WaitUntil([] { return SendToInstance(kSignature, "room again", kSecond) == B_OK; }));
+    EXPECT_TRUE(test::WaitUntil([] { return Send("room again") == B_OK; }));
 }
 
 TEST_F(InstanceTest, PeersAreTurnedAwayWhileThereAreNoDescriptors) {
-    const Instance instance;
-    Peer peer(SocketPath());
+    ASSERT_EQ(B_OK, Run());
     rlimit old;
     ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &old));
-    rlimit none = old;
-    none.rlim_cur = static_cast<rlim_t>(Descriptor(dup(0)).Get());
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &none));
-    peer.Connect();
-    EXPECT_TRUE(peer.IsHungUp());
+    rlimit one = old; // more
+    one.rlim_cur = static_cast<rlim_t>(Descriptor(dup(0)).Get()) + 1;
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &one));
+    EXPECT_TRUE(IsHungUp(Reach(connect)));
     ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &old));
-    EXPECT_EQ(B_OK, SendToInstance(kSignature, "better now", 10 * kSecond));
+    EXPECT_EQ(B_OK, Send("better now"));
 }
 
 TEST_F(InstanceTest, SendingGivesUpOnAProgramThatHangs) {
     InstanceSocket lock(kSignature);
     ASSERT_EQ(B_OK, lock.Acquire());
-    EXPECT_EQ(B_ALREADY_RUNNING, InstanceSocket(kSignature).Acquire());
-    Peer deaf(SocketPath());
-    ASSERT_EQ(0, bind(deaf.Socket(), deaf.Address(), sizeof(sockaddr_un)));
-    ASSERT_EQ(0, listen(deaf.Socket(), 1));
-    EXPECT_EQ(B_TIMED_OUT, SendToInstance(kSignature, "x", 50'000));
-    EXPECT_EQ(B_TIMED_OUT, SendToInstance(kSignature, kLongest, 50'000));
-    EXPECT_EQ(B_TIMED_OUT, SendToInstance(kSignature, "the queue is full", 50'000));
+    const Descriptor deaf = Reach(bind);
+    ASSERT_EQ(0, listen(deaf.Get(), 1));
+    for (const std::string& message : {std::string("x"), kLongest, std::string("a full queue")})
+        EXPECT_EQ(B_TIMED_OUT, Send(message, 50'000));
     EXPECT_TRUE(InstanceRuns(kSignature));
 }
 
 TEST_F(InstanceTest, DirectoryIsPrivateAndNothingElseIsUsed) {
-    const fs::path directory = fHome.Runtime() / "quillbar";
-    EXPECT_EQ(B_OK, Instance("../x").status);
-    struct stat status;
-    ASSERT_EQ(0, stat(directory.c_str(), &status));
-    EXPECT_EQ(0700u, status.st_mode & 07777);
-    EXPECT_EQ(1, std::distance(fs::directory_iterator(directory), {})) << "its lock, in here";
+    EXPECT_EQ(B_OK, Run("../x"));
+    EXPECT_EQ(fs::perms::owner_all, fs::status(directory).permissions());
+    EXPECT_EQ(2, std::distance(fs::directory_iterator(directory), {})) << "socket and lock";
+    // A name that fits into no address is refused.
+    EXPECT_EQ(B_NAME_TOO_LONG, Run("application/" + std::string(100, 's')));
 
     fs::permissions(directory, fs::perms::others_write, fs::perm_options::add);
-    EXPECT_EQ(B_NOT_ALLOWED, InstanceSocket(kSignature).Acquire());
+    EXPECT_EQ(B_NOT_ALLOWED, Run());
 
+    const fs::path elsewhere = home.Path() / std::string(120, 'd');
     fs::remove_all(directory);
-    fs::create_directory(fHome.Path() / "elsewhere");
-    fs::permissions(fHome.Path() / "elsewhere", fs::perms::owner_all);
-    fs::create_directory_symlink(fHome.Path() / "elsewhere", directory);
-    EXPECT_NE(B_OK, InstanceSocket(kSignature).Acquire());
-    EXPECT_TRUE(fs::is_empty(fHome.Path() / "elsewhere"));
+    fs::create_directory(elsewhere);
+    fs::permissions(elsewhere, fs::perms::owner_all);
+    fs::create_directory_symlink(elsewhere, directory);
+    EXPECT_NE(B_OK, Run());
+    EXPECT_TRUE(fs::is_empty(elsewhere));
+
+    setenv("XDG_RUNTIME_DIR", elsewhere.c_str(), 1); // too long for an address
+    EXPECT_EQ(B_OK, Run());
+    EXPECT_EQ(B_OK, Send("x"));
 }
 
 } // namespace

@@ -1,6 +1,8 @@
-#include <gtest/gtest.h>
+// Which program stands for what, and the commands that start it.
 
-#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
 #include <fstream>
 
 #include "host/session/programs/Programs.h"
@@ -8,138 +10,168 @@
 
 namespace fs = std::filesystem;
 using namespace host;
+using namespace std::literals;
 
 namespace {
 
-constexpr const char* kOpera = "application/x-vnd.operasoftware-opera";
-constexpr const char* kNetPositive = "application/x-vnd.Be-NPOS";
-constexpr const char* kTracker = "application/x-vnd.Be-TRAK";
+using Words = std::vector<std::string>;
+
+const std::string kOpera = "application/x-vnd.operasoftware-opera";
+const std::string kNetPositive = "application/x-vnd.Be-NPOS";
+const std::string kTracker = "application/x-vnd.Be-TRAK";
+const std::string kMissing = "TryExec=no-such-program\n";
+const std::string kDefaults = "[Default Applications]\n";
 
 class ProgramsTest : public testing::Test {
 protected:
-    void Write(const fs::path& path, const std::string& content) {
+    static void Write(const fs::path& path, const std::string& content) {
         fs::create_directories(path.parent_path());
         std::ofstream(path) << content;
     }
-    void Install(const std::string& file, const std::string& keys = "") {
-        Write(fHome.Data() / "applications" / file,
-              "[Desktop Entry]\nType=Application\nName=x\nExec=echo\n" + keys);
+    static void WriteEntry(const fs::path& path, const std::string& keys) {
+        Write(path, "[Desktop Entry]\nType=Application\nName=x\n" + keys);
     }
-    void InstallForAll(const std::string& file, const std::string& keys = "") {
-        Write(fHome.Path() / "share/applications" / file,
-              "[Desktop Entry]\nType=Application\nName=x\nExec=echo\n" + keys);
+    void Install(const std::string& id, const std::string& keys = "") {
+        WriteEntry(own / (id + ".desktop"), "Exec=echo\n" + keys);
     }
-    void Choose(const std::string& lines) { Write(fHome.Config() / "mimeapps.list", lines); }
+    void InstallForAll(const std::string& id, const std::string& keys = "") {
+        WriteEntry(all / (id + ".desktop"), "Exec=echo\n" + keys);
+    }
+    void Choose(const std::string& lines) { Write(home.Config() / "mimeapps.list", lines); }
 
-    // The entry file found, without its folders; empty if there is none.
-    std::string Find(const std::string& signature, Wanted wanted = Wanted::Installed) {
+    // The entry file found, without its folders and ending; empty if there is none.
+    static std::string Find(const std::string& signature, Wanted wanted = Wanted::Installed) {
         const auto program = FindProgramFor(signature, wanted);
-        return program ? fs::path(program->Path()).filename().string() : "";
+        return program ? fs::path(program->Path()).stem().string() : "";
     }
 
-    test::TemporaryHome fHome;
+    std::optional<DesktopEntry> Load(const std::string& keys) {
+        WriteEntry(home.Path() / "x.desktop", keys);
+        return DesktopEntry::Load(home.Path() / "x.desktop");
+    }
+    // The command for these arguments without its first word, which is /bin/echo.
+    Words Expand(const std::string& exec, const Words& arguments) {
+        const auto entry = Load("Exec=/bin/echo " + exec + "\n");
+        Command command;
+        if (!entry || entry->MakeCommand(arguments, command) != B_OK || command.arguments.empty())
+            return {"(no command)"};
+        return {command.arguments.begin() + 1, command.arguments.end()};
+    }
+
+    test::TemporaryHome home;
+    const fs::path own = home.Data() / "applications";
+    const fs::path all = home.Path() / "share/applications";
 };
+
+TEST_F(ProgramsTest, TheLinkIsOneArgument) {
+    const Words link = {"http://x/?a=1&b=%u $(x) \"q\""};
+    for (const char* code : {"%u", "%U", "%f", "%F", "", "%u %U"})
+        EXPECT_EQ(link, Expand(code, link)) << code;
+    EXPECT_EQ((Words{"--new", "--url=" + link[0], "end"}), Expand("--new --url=%u end", link));
+    EXPECT_EQ((Words{"a b", "100%", link[0]}), Expand("\"a b\" 100%% %u", link));
+    EXPECT_EQ((Words{"http://1"}), Expand("%u", {"http://1", "http://2"}));
+    EXPECT_EQ((Words{"-a", "", "z"}), Expand("-a %u \"\" %U z", {}));
+    EXPECT_EQ((Words{"a-b \xc3\xa9 \xff"}), Expand("%u", {"a-b \xc3\xa9 \xff"}));
+    // What says more than it should is refused.
+    for (const std::string& bad :
+         {"-option"s, "--"s, "a\nb"s, "a\0b"s, "a\x7f"s, "\x1b[0m"s, "\t"s})
+        EXPECT_EQ((Words{"(no command)"}), Expand("%u", {"good", bad})) << bad;
+}
+
+TEST_F(ProgramsTest, OnlyReadableEntriesOfInstalledProgramsCount) {
+    EXPECT_TRUE(Load("Exec=echo %u\nTryExec=sh\nNoDisplay=true\n"));
+    const std::string tooLong = "Exec=echo\n#" + std::string(kMaxDesktopFile, 'x');
+    for (const std::string& bad :
+         {"Exec=echo\n" + kMissing, "Exec=no-such-program %u\n"s, "Exec=echo\nHidden=true\n"s,
+          "Exec=echo \"unfinished\n"s, "Exec=\n"s, "Type=Link\nExec=echo\n"s, "\0\xff\xfe[[["s,
+          tooLong})
+        EXPECT_FALSE(Load(bad)) << bad.substr(0, 80);
+    const fs::path pipe = home.Path() / "pipe.desktop";
+    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+    EXPECT_FALSE(DesktopEntry::Load(pipe));
+    EXPECT_FALSE(DesktopEntry::Load(home.Path()));
+}
 
 TEST_F(ProgramsTest, OperaIsTheFirstInstalledOfItsPackages) {
     EXPECT_EQ("", Find(kOpera));
-    const std::vector<std::string> packages = {
-        "opera-developer", "opera-beta",      "opera-stable", "opera_opera",
-        "com.opera.opera", "com.opera.Opera", "opera"};
-    for (const std::string& package : packages) {
-        InstallForAll(package + ".desktop");
-        EXPECT_EQ(package + ".desktop", Find(kOpera));
+    for (const char* package : {"opera-developer", "opera-beta", "opera-stable", "opera_opera",
+                                "com.opera.opera", "com.opera.Opera", "opera"}) {
+        InstallForAll(package);
+        EXPECT_EQ(package, Find(kOpera));
     }
-    // One that cannot be used gives way to the next, also if it hides a usable one of all users.
-    Install("opera.desktop", "TryExec=no-such-program\n");
-    EXPECT_EQ("com.opera.Opera.desktop", Find(kOpera));
+    // One that cannot be used gives way to the next, even if it hides a usable one of all users.
+    Install("opera", kMissing);
+    EXPECT_EQ("com.opera.Opera", Find(kOpera));
 }
 
 TEST_F(ProgramsTest, TypesHaveTheDesktopsDefaults) {
-    for (const char* name : {"https", "http", "mail", "ftp", "files"})
-        Install(std::string(name) + ".desktop");
-    Choose("[Default Applications]\nx-scheme-handler/https=https.desktop\n"
-           "x-scheme-handler/http=http.desktop\nx-scheme-handler/mailto=mail.desktop;\n"
-           "x-scheme-handler/ftp=gone.desktop;ftp.desktop\ninode/directory=files.desktop\n");
-    EXPECT_EQ("https.desktop", Find(kNetPositive));
-    EXPECT_EQ("https.desktop", Find("text/html"));
-    EXPECT_EQ("mail.desktop", Find("text/x-email"));
-    EXPECT_EQ("ftp.desktop", Find("application/x-vnd.Be.URL.ftp"));
-    EXPECT_EQ("files.desktop", Find(kTracker));
-    EXPECT_EQ("", Find("application/x-vnd.unknown"));
-    EXPECT_EQ("", Find(""));
-    Install("https.desktop", "TryExec=no-such-program\n");
-    EXPECT_EQ("http.desktop", Find(kNetPositive));
-    EXPECT_EQ("https.desktop", Find(kNetPositive, Wanted::Any));
+    for (const char* name : {"https", "http", "mail", "ftp", "mine"})
+        Install(name);
+    Choose(
+        kDefaults +
+        "x-scheme-handler/https=https.desktop\nx-scheme-handler/http=http.desktop\n"
+        "x-scheme-handler/mailto=mail.desktop;\nx-scheme-handler/ftp=gone.desktop;ftp.desktop\n");
+    const std::map<std::string, std::string> types = {
+        {kNetPositive, "https"},  {"text/html", "https"},
+        {"text/x-email", "mail"}, {"application/x-vnd.Be.URL.ftp", "ftp"},
+        {kTracker, ""},           {"", ""}};
+    for (const auto& [type, program] : types)
+        EXPECT_EQ(program, Find(type)) << type;
+    Install("https", kMissing);
+    EXPECT_EQ("http", Find(kNetPositive));
+    EXPECT_EQ("https", Find(kNetPositive, Wanted::Any));
 }
 
-TEST_F(ProgramsTest, TheUsersChoiceGoesBeforeTheSystems) {
-    Install("mine.desktop");
-    InstallForAll("theirs.desktop");
-    InstallForAll("desktops.desktop");
-    Write(fHome.Path() / "etc/mimeapps.list",
-          "[Default Applications]\ninode/directory=theirs.desktop\n");
-    EXPECT_EQ("theirs.desktop", Find(kTracker));
+TEST_F(ProgramsTest, TheUsersChoiceGoesBeforeTheSystemsAndThatBeforeWhatIsRegistered) {
+    for (const char* name : {"first", "second", "systems", "desktops"})
+        InstallForAll(name);
+    Install("mine");
+    Write(all / "mimeinfo.cache", "[MIME Cache]\ninode/directory=first.desktop;second.desktop;\n");
+    EXPECT_EQ("first", Find(kTracker));
+    Choose("[Removed Associations]\ninode/directory=first.desktop;\n");
+    EXPECT_EQ("second", Find(kTracker));
+    Choose("[Added Associations]\ninode/directory=mine.desktop;\n");
+    EXPECT_EQ("mine", Find(kTracker));
+    Write(home.Path() / "etc/mimeapps.list", kDefaults + "inode/directory=systems.desktop\n");
+    EXPECT_EQ("systems", Find(kTracker));
     setenv("XDG_CURRENT_DESKTOP", "Odd:GNOME", 1);
-    Write(fHome.Path() / "etc/gnome-mimeapps.list",
-          "[Default Applications]\ninode/directory=desktops.desktop\n");
-    EXPECT_EQ("desktops.desktop", Find(kTracker));
+    Write(home.Path() / "etc/gnome-mimeapps.list",
+          kDefaults + "inode/directory=desktops.desktop\n");
+    EXPECT_EQ("desktops", Find(kTracker));
     unsetenv("XDG_CURRENT_DESKTOP");
-    Choose("\xff garbage\n[Default Applications\n\n[Default Applications]\n=\n"
-           "inode/directory = mine.desktop\r\n");
-    EXPECT_EQ("mine.desktop", Find(kTracker));
+    Choose("\xff garbage\n[Default Applications\n\n" + kDefaults +
+           "=\ninode/directory = mine.desktop\r\n");
+    EXPECT_EQ("mine", Find(kTracker));
 }
 
-TEST_F(ProgramsTest, WithoutAChoiceAnInstalledProgramThatIsRegisteredIsTaken) {
-    InstallForAll("a.desktop");
-    InstallForAll("b.desktop");
-    Write(fHome.Path() / "share/applications/mimeinfo.cache",
-          "[MIME Cache]\ninode/directory=a.desktop;b.desktop;\n");
-    EXPECT_EQ("a.desktop", Find(kTracker));
-    Choose("[Removed Associations]\ninode/directory=a.desktop;\n");
-    EXPECT_EQ("b.desktop", Find(kTracker));
-    Choose("[Added Associations]\ninode/directory=a.desktop;\n");
-    EXPECT_EQ("a.desktop", Find(kTracker));
-}
-
-TEST_F(ProgramsTest, AnEntryWithTheSignatureGoesBeforeAll) {
-    Install("opera.desktop");
-    Install("z/own.desktop", std::string("NoDisplay=true\nX-Be-Signature=") + kOpera + "\n");
-    EXPECT_EQ("own.desktop", Find(kOpera));
-    InstallForAll("z-own.desktop", std::string("X-Be-Signature=") + kNetPositive + "\n");
-    EXPECT_EQ("", Find(kNetPositive)) << "hidden by the user's entry of the same id";
-    InstallForAll("any.desktop", "X-Be-Signature=application/x-vnd.any\n");
-    EXPECT_EQ("any.desktop", Find("application/x-vnd.any"));
-    Install("z/own.desktop", std::string("Hidden=true\nX-Be-Signature=") + kOpera + "\n");
-    EXPECT_EQ("opera.desktop", Find(kOpera));
-}
-
-TEST_F(ProgramsTest, ChangesAreSeenAtOnce) {
-    const std::string key = std::string("X-Be-Signature=") + kOpera + "\n";
-    for (int round = 0; round < 3; round++) {
-        Install("opera.desktop");
-        EXPECT_EQ("opera.desktop", Find(kOpera));
-        Install("chosen.desktop", "Comment=" + std::to_string(round) + "\n");
-        EXPECT_EQ("opera.desktop", Find(kOpera));
-        Install("chosen.desktop", key);
-        EXPECT_EQ("chosen.desktop", Find(kOpera));
-        fs::remove(fHome.Data() / "applications/opera.desktop");
-        fs::remove(fHome.Data() / "applications/chosen.desktop");
+TEST_F(ProgramsTest, AnEntryWithTheSignatureGoesBeforeAllAtOnce) {
+    const std::string key = "X-Be-Signature=" + kOpera + "\n";
+    InstallForAll("z-own", "X-Be-Signature=" + kNetPositive + "\n");
+    EXPECT_EQ("z-own", Find(kNetPositive));
+    for (const char* comment : {"", "Comment=again\n"}) {
+        Install("opera");
+        EXPECT_EQ("opera", Find(kOpera));
+        Install("z/own", comment);
+        EXPECT_EQ("opera", Find(kOpera));
+        Install("z/own", "NoDisplay=true\n" + key);
+        EXPECT_EQ("own", Find(kOpera));
+        EXPECT_EQ("", Find(kNetPositive)) << "hidden by the user's entry of the same id";
+        Install("z/own", "Hidden=true\n" + key);
+        EXPECT_EQ("opera", Find(kOpera));
+        fs::remove_all(own);
         EXPECT_EQ("", Find(kOpera));
     }
 }
 
 TEST_F(ProgramsTest, HostileFoldersEnd) {
-    const fs::path applications = fHome.Data() / "applications";
-    fs::create_directories(applications);
+    fs::create_directories(own / "opera.desktop");
     for (char name = 'a'; name < 'k'; name++)
-        fs::create_directory_symlink(applications, applications / std::string(1, name));
-    fs::create_symlink(applications / "loop.desktop", applications / "loop.desktop");
-    fs::create_directory(applications / "opera.desktop");
-    EXPECT_EQ("", Find(kOpera));
-    EXPECT_EQ("", Find(kNetPositive));
-    Choose("[Default Applications]\ninode/directory=../../../etc/passwd;/etc/x.desktop;" +
+        fs::create_directory_symlink(own, own / std::string(1, name));
+    fs::create_symlink(own / "loop.desktop", own / "loop.desktop");
+    Choose(kDefaults + "inode/directory=../../../etc/passwd;/etc/x.desktop;" +
            std::string(5000, '-') + ".desktop\n");
-    EXPECT_EQ("", Find(kTracker));
+    for (const std::string& signature : {kOpera, kNetPositive, kTracker})
+        EXPECT_EQ("", Find(signature)) << signature;
 }
 
 } // namespace
