@@ -217,8 +217,4 @@ private:
     xcb_window_t fWindow;
 };
 
-using PrivateDesktop = Desk;
-using Robot = Desk&;
-using Screen = Desk&;
-
 } // namespace test

