@@ -113,6 +113,7 @@ public:
     xcb_window_t Root() const { return fScreen->root; }
     Box Frame() const { return {0, 0, fScreen->width_in_pixels, fScreen->height_in_pixels}; }
     xcb_atom_t Atom(const std::string& name) const;
+    std::vector<std::string> AtomNames(const std::vector<uint32_t>& atoms) const;
     // For xcb_send_event.
     xcb_client_message_event_t Message(xcb_window_t about, const std::string& type,
                                        const std::vector<uint32_t>& data) const;
@@ -183,7 +184,6 @@ private:
     void StartServer(const Options& options);
     void StartWindowManager();
     void Fake(uint8_t type, uint8_t detail, int x = 0, int y = 0);
-    std::vector<std::string> AtomNames(const std::vector<uint32_t>& atoms) const;
     void Collect(xcb_window_t parent, int depth, std::vector<WindowInfo>& found) const;
     auto SendGetProperty(xcb_window_t window, const std::string& name) const;
     void SendToRoot(xcb_window_t window, const std::string& type,

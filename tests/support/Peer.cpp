@@ -8,11 +8,18 @@
 
 namespace test {
 
-using host::Reply;
-
 namespace {
 
 constexpr uint32_t kDragVersion = 5;
+
+std::string Bytes(const std::vector<uint32_t>& words) {
+    return {reinterpret_cast<const char*>(words.data()), words.size() * sizeof(uint32_t)};
+}
+
+// What a target answers to a position or a drop.
+std::optional<bool> Verdict(const std::optional<std::vector<uint32_t>>& answer) {
+    return answer ? std::optional((answer->at(1) & 1) != 0) : std::nullopt;
+}
 
 } // namespace
 
@@ -27,8 +34,7 @@ Peer::Peer(Desk& desktop, const Box& frame)
                       static_cast<uint16_t>(std::max(frame.height, 1)), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                       XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
-    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, fWindow, desktop.Atom("XdndAware"),
-                        XCB_ATOM_ATOM, 32, 1, &kDragVersion);
+    Put(fWindow, desktop.Atom("XdndAware"), XCB_ATOM_ATOM, Bytes({kDragVersion}), 32);
     if (frame.width > 0)
         xcb_map_window(fConnection, fWindow);
     Sync();
@@ -40,13 +46,13 @@ void Peer::Die() {
 }
 
 void Peer::Sync() const {
-    std::free(xcb_get_input_focus_reply(fConnection, xcb_get_input_focus(fConnection), nullptr));
+    test::Ask<xcb_get_input_focus, xcb_get_input_focus_reply>(fConnection);
 }
 
 void Peer::Send(xcb_window_t to, xcb_window_t about, const std::string& type,
-                const std::vector<uint32_t>& data) {
+                const std::vector<uint32_t>& data, uint32_t mask) {
     const auto event = fDesktop.Message(about, type, data);
-    xcb_send_event(fConnection, false, to, 0, reinterpret_cast<const char*>(&event));
+    xcb_send_event(fConnection, false, to, mask, reinterpret_cast<const char*>(&event));
     xcb_flush(fConnection);
 }
 
@@ -69,20 +75,17 @@ void Peer::SendKey(uint8_t type, uint8_t key) {
     Sync();
 }
 
-// Grabs.
-
 bool Peer::GrabKeyboard() {
-    const auto cookie = xcb_grab_keyboard(fConnection, false, fDesktop.Root(), XCB_CURRENT_TIME,
-                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(fConnection, cookie, nullptr));
+    const auto reply = test::Ask<xcb_grab_keyboard, xcb_grab_keyboard_reply>(
+        fConnection, false, fDesktop.Root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+        XCB_GRAB_MODE_ASYNC);
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 bool Peer::GrabPointer() {
-    const auto cookie =
-        xcb_grab_pointer(fConnection, false, fDesktop.Root(), 0, XCB_GRAB_MODE_ASYNC,
-                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
-    Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(fConnection, cookie, nullptr));
+    const auto reply = test::Ask<xcb_grab_pointer, xcb_grab_pointer_reply>(
+        fConnection, false, fDesktop.Root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE,
+        XCB_NONE, XCB_CURRENT_TIME);
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
@@ -90,6 +93,37 @@ void Peer::Ungrab() {
     xcb_ungrab_keyboard(fConnection, XCB_CURRENT_TIME);
     xcb_ungrab_pointer(fConnection, XCB_CURRENT_TIME);
     Sync();
+}
+
+// Properties.
+
+void Peer::Put(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const std::string& bytes,
+               uint8_t format) {
+    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, window, property, type, format,
+                        static_cast<uint32_t>(bytes.size() / (format / 8)), bytes.data());
+    xcb_flush(fConnection);
+}
+
+void Peer::SetAtoms(const std::string& property, const std::vector<std::string>& names,
+                    const std::string& type) {
+    std::vector<uint32_t> atoms;
+    for (const std::string& name : names)
+        atoms.push_back(fDesktop.Atom(name));
+    Put(fWindow, fDesktop.Atom(property), fDesktop.Atom(type), Bytes(atoms), 32);
+}
+
+std::string Peer::TakeProperty(const std::string& property) {
+    return Property(fWindow, property, true);
+}
+
+std::string Peer::Property(xcb_window_t window, const std::string& name, bool remove) {
+    constexpr uint32_t kMostWords = 1 << 22;
+    const auto reply = test::Ask<xcb_get_property, xcb_get_property_reply>(
+        fConnection, remove, window, fDesktop.Atom(name), XCB_ATOM_ANY, 0, kMostWords);
+    if (!reply)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
 }
 
 // Selections.
@@ -109,10 +143,8 @@ bool Peer::IsFor(const xcb_selection_request_event_t& request, const std::string
 }
 
 void Peer::Answer(const xcb_selection_request_event_t& request, const Data& data) {
-    const xcb_atom_t type = data.type.empty() ? request.target : fDesktop.Atom(data.type);
-    xcb_change_property(
-        fConnection, XCB_PROP_MODE_REPLACE, request.requestor, request.property, type, data.format,
-        static_cast<uint32_t>(data.bytes.size() / (data.format / 8)), data.bytes.data());
+    Put(request.requestor, request.property,
+        data.type.empty() ? request.target : fDesktop.Atom(data.type), data.bytes, data.format);
     Notify(request, request.property);
 }
 
@@ -131,15 +163,12 @@ void Peer::Notify(const xcb_selection_request_event_t& request, xcb_atom_t prope
 
 void Peer::BeginParts(const xcb_selection_request_event_t& request) {
     Watch(request.requestor, XCB_EVENT_MASK_PROPERTY_CHANGE);
-    Answer(request, {std::string("\1\0\0\0", 4), 32, "INCR"}); // at least one byte
+    Answer(request, {Bytes({1}), 32, "INCR"}); // at least one byte
     AwaitRemoval();
 }
 
 bool Peer::AnswerPart(const xcb_selection_request_event_t& request, const std::string& part) {
-    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
-                        fDesktop.Atom("UTF8_STRING"), 8, static_cast<uint32_t>(part.size()),
-                        part.data());
-    xcb_flush(fConnection);
+    Put(request.requestor, request.property, fDesktop.Atom("UTF8_STRING"), part);
     return AwaitRemoval();
 }
 
@@ -160,31 +189,6 @@ std::optional<std::string> Peer::Ask(const std::string& selection, const std::st
     if (!answer || answer->property == XCB_NONE)
         return std::nullopt;
     return TakeProperty("TAKEN");
-}
-
-void Peer::SetAtoms(const std::string& property, const std::vector<std::string>& names,
-                    const std::string& type) {
-    std::vector<xcb_atom_t> atoms;
-    for (const std::string& name : names)
-        atoms.push_back(fDesktop.Atom(name));
-    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, fWindow, fDesktop.Atom(property),
-                        fDesktop.Atom(type), 32, static_cast<uint32_t>(atoms.size()), atoms.data());
-    Sync();
-}
-
-std::string Peer::TakeProperty(const std::string& property) {
-    return Property(fWindow, property, true);
-}
-
-std::string Peer::Property(xcb_window_t window, const std::string& name, bool remove) {
-    constexpr uint32_t kMostWords = 1 << 22;
-    const auto cookie =
-        xcb_get_property(fConnection, remove, window, fDesktop.Atom(name), 0, 0, kMostWords);
-    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(fConnection, cookie, nullptr));
-    if (!reply)
-        return {};
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
 }
 
 // Drags from here.
@@ -226,27 +230,17 @@ void Peer::LetGo(xcb_window_t target) {
 }
 
 std::optional<bool> Peer::AwaitStatus() {
-    const auto status = AwaitMessage("XdndStatus");
-    return status ? std::optional((status->at(1) & 1) != 0) : std::nullopt;
+    return Verdict(AwaitMessage("XdndStatus"));
 }
 
 std::optional<bool> Peer::AwaitFinish() {
-    const auto finish = AwaitMessage("XdndFinished");
-    return finish ? std::optional((finish->at(1) & 1) != 0) : std::nullopt;
+    return Verdict(AwaitMessage("XdndFinished"));
 }
 
 // Drags to here.
 
 std::vector<std::string> Peer::OfferedTypes() {
-    std::vector<std::string> names;
-    for (const uint32_t type : fTypes) {
-        Reply<xcb_get_atom_name_reply_t> reply(
-            xcb_get_atom_name_reply(fConnection, xcb_get_atom_name(fConnection, type), nullptr));
-        if (reply)
-            names.emplace_back(xcb_get_atom_name_name(reply.get()),
-                               static_cast<size_t>(xcb_get_atom_name_name_length(reply.get())));
-    }
-    return names;
+    return fDesktop.AtomNames(fTypes);
 }
 
 std::string Peer::SaveName() {
@@ -254,10 +248,7 @@ std::string Peer::SaveName() {
 }
 
 void Peer::SetSaveUri(const std::string& uri) {
-    xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, fSource,
-                        fDesktop.Atom("XdndDirectSave0"), fDesktop.Atom("text/plain"), 8,
-                        static_cast<uint32_t>(uri.size()), uri.data());
-    xcb_flush(fConnection);
+    Put(fSource, fDesktop.Atom("XdndDirectSave0"), fDesktop.Atom("text/plain"), uri);
 }
 
 void Peer::Finish() {

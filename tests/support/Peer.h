@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "host/x11/server/Connection.h"
 #include "tests/support/Desk.h"
 #include "tests/support/Wait.h"
 
@@ -25,7 +24,7 @@ public:
 
     xcb_window_t Window() const { return fWindow; }
     void Send(xcb_window_t to, xcb_window_t about, const std::string& type,
-              const std::vector<uint32_t>& data);
+              const std::vector<uint32_t>& data, uint32_t mask = 0);
 
     // Own: takes a selection. Requests are answered with what is offered, and refused for other
     // types. While nothing is offered they wait for AwaitRequest.
@@ -39,7 +38,7 @@ public:
     size_t requests = 0;
 
     // Answer: what was asked of a selection of this peer.
-    using Request = host::Reply<xcb_selection_request_event_t>;
+    using Request = XReply<xcb_selection_request_event_t>;
     Request AwaitRequest(); // null after a while
     bool IsFor(const xcb_selection_request_event_t& request, const std::string& type) const;
     void Answer(const xcb_selection_request_event_t& request, const Data& data);
@@ -90,11 +89,10 @@ public:
 
     // Watch: asks for events of another window.
     void Watch(xcb_window_t window, uint32_t events);
-    using Event = host::Reply<xcb_generic_event_t>;
+    using Event = XReply<xcb_generic_event_t>;
     // The next event of the type for which `holds`; null after `deadline`.
     template <typename T, typename Predicate>
-    host::Reply<T> Await(uint8_t type, Predicate holds,
-                         std::chrono::milliseconds deadline = kDeadline) {
+    XReply<T> Await(uint8_t type, Predicate holds, std::chrono::milliseconds deadline = kDeadline) {
         Event found;
         WaitUntil(
             [&] {
@@ -107,7 +105,7 @@ public:
                 return found != nullptr;
             },
             deadline);
-        return host::Reply<T>(reinterpret_cast<T*>(found.release()));
+        return XReply<T>(reinterpret_cast<T*>(found.release()));
     }
     // The words of the next client message of that type.
     std::optional<std::vector<uint32_t>> AwaitMessage(const std::string& type);
@@ -122,6 +120,8 @@ private:
     bool AwaitRemoval();
     void SendKey(uint8_t type, uint8_t key);
     void Sync() const;
+    void Put(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const std::string& bytes,
+             uint8_t format = 8);
     std::string Property(xcb_window_t window, const std::string& name, bool remove = false);
 
     Desk& fDesktop;

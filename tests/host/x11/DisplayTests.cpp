@@ -87,11 +87,8 @@ TEST(DisplayTest, FollowsTheSettingsManagerAsItComesChangesAndGoes) {
     };
     publish(Published({{"Net/DoubleClickTime", 250}}));
     manager.Own("_XSETTINGS_S0");
-    const auto message =
-        desk.Message(desk.Root(), "MANAGER", {XCB_CURRENT_TIME, desk.Atom("_XSETTINGS_S0")});
-    xcb_send_event(desk.Connection(), false, desk.Root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&message));
-    desk.Sync();
+    manager.Send(desk.Root(), desk.Root(), "MANAGER",
+                 {XCB_CURRENT_TIME, desk.Atom("_XSETTINGS_S0")}, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     EXPECT_TRUE(WaitUntil([&] { return display->DoubleClickTime() == 250'000; }));
     publish(PublishedDpi(192));
     EXPECT_TRUE(WaitUntil([&] { return display->Scale() == 2; }));

@@ -27,7 +27,6 @@ protected:
     }
 
     const WindowSpec menuSpec = MenuSpec({150, 150, 250, 350});
-    Peer other{desk};
 };
 
 TEST(ClickCounter, CountsPressesThatAreSoonNearAndAlike) {
@@ -96,21 +95,21 @@ TEST_F(InputTest, ThePointerIsNotOverAWindowWhileAnotherProgramHasIt) {
         return WaitUntil([&] { return window.events->Last<PointerOver>().over == over; });
     };
     EXPECT_TRUE(becomes(true)) << "mapped under the pointer";
-    ASSERT_TRUE(other.GrabPointer());
+    ASSERT_TRUE(peer.GrabPointer());
     EXPECT_TRUE(becomes(false));
     desk.MoveTo(700, 700);
-    other.Ungrab();
+    peer.Ungrab();
     display.AwaitEvents();
     EXPECT_FALSE(window.events->Last<PointerOver>().over);
 }
 
 TEST_F(InputTest, ReleaseEndsAGrabThatIsStillBeingTakenOnAnotherThread) {
     TestWindow menu = display.CreateShown(menuSpec);
-    ASSERT_TRUE(other.GrabKeyboard());
+    ASSERT_TRUE(peer.GrabKeyboard());
     auto taking = std::async(std::launch::async, [&] { return menu->GrabInput(10'000'000); });
     ASSERT_TRUE(WaitUntil([&] { return display->Grab().IsHeld(); }));
     menu->ReleaseInput();
-    other.Ungrab();
+    peer.Ungrab();
     EXPECT_EQ(taking.get(), B_CANCELED);
     for (int i = 0; i < 300; i++) {
         taking = std::async(std::launch::async, [&] { return menu->GrabInput(0); });
@@ -118,8 +117,8 @@ TEST_F(InputTest, ReleaseEndsAGrabThatIsStillBeingTakenOnAnotherThread) {
         taking.wait();
         menu->ReleaseInput();
         display->Sync();
-        ASSERT_TRUE(other.GrabKeyboard() && other.GrabPointer()) << "round " << i;
-        other.Ungrab();
+        ASSERT_TRUE(peer.GrabKeyboard() && peer.GrabPointer()) << "round " << i;
+        peer.Ungrab();
     }
 }
 
@@ -128,12 +127,12 @@ TEST_F(InputTest, ARefusedGrabLeavesThePressItsRelease) {
     desk.MoveTo(160, 160);
     desk.Press();
     ASSERT_TRUE(menu.events->Await<ButtonPressed>());
-    ASSERT_TRUE(other.GrabKeyboard());
+    ASSERT_TRUE(peer.GrabKeyboard());
     EXPECT_EQ(menu->GrabInput(50'000), B_TIMED_OUT);
     desk.MoveTo(700, 700);
     desk.Release();
     EXPECT_TRUE(menu.events->Await<ButtonReleased>());
-    other.Ungrab();
+    peer.Ungrab();
     EXPECT_EQ(menu->GrabInput(0), B_OK);
 }
 

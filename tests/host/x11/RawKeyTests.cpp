@@ -42,7 +42,6 @@ protected:
     }
 
     PlainWindow other{desk, {600, 300, 200, 100}};
-    Peer peer{desk};
 };
 
 TEST_F(RawKeyTest, LayoutSwitchedWhileAKeyIsDownLeavesNothingHeld) {

@@ -27,42 +27,40 @@ protected:
             return {B_ERROR, "no answer"};
         return answer.get();
     }
-    // The next request that `peer` gets; it has to be for `type`, if one is given.
-    Peer::Request Requested(Peer& peer, const std::string& type = "") {
-        auto request = peer.AwaitRequest();
+    // The next request that `from` gets; it has to be for `type`, if one is given.
+    Peer::Request Requested(Peer& from, const std::string& type = "") {
+        auto request = from.AwaitRequest();
         if (!request)
             throw std::runtime_error("nothing is asked for");
-        EXPECT_TRUE(type.empty() || peer.IsFor(*request, type)) << type;
+        EXPECT_TRUE(type.empty() || from.IsFor(*request, type)) << type;
         return request;
     }
-
-    Peer other{desk};
 };
 
 TEST_F(SelectionTest, OffersItsTextInTheFormsThatOthersAskFor) {
     const std::string text = "grüß €";
     display->OwnSelection(SelectionKind::Clipboard, text);
     for (const char* target : {"UTF8_STRING", "TEXT", "text/plain;charset=utf-8"})
-        EXPECT_EQ(other.Ask("CLIPBOARD", target), text) << target;
-    EXPECT_EQ(other.Ask("CLIPBOARD", "STRING"), "gr\xfc\xdf ?");
-    EXPECT_EQ(other.Ask("CLIPBOARD", "TIMESTAMP")->size(), 4u);
-    EXPECT_EQ(other.Ask("CLIPBOARD", "TARGETS")->size(), 7 * 4u);
-    EXPECT_EQ(other.Ask("CLIPBOARD", "image/png"), std::nullopt);
-    EXPECT_EQ(other.Ask("PRIMARY", "UTF8_STRING"), std::nullopt);
+        EXPECT_EQ(peer.Ask("CLIPBOARD", target), text) << target;
+    EXPECT_EQ(peer.Ask("CLIPBOARD", "STRING"), "gr\xfc\xdf ?");
+    EXPECT_EQ(peer.Ask("CLIPBOARD", "TIMESTAMP")->size(), 4u);
+    EXPECT_EQ(peer.Ask("CLIPBOARD", "TARGETS")->size(), 7 * 4u);
+    EXPECT_EQ(peer.Ask("CLIPBOARD", "image/png"), std::nullopt);
+    EXPECT_EQ(peer.Ask("PRIMARY", "UTF8_STRING"), std::nullopt);
 
-    other.SetAtoms("TAKEN", {"UTF8_STRING", "FIRST", "image/png", "SECOND", "MULTIPLE", "THIRD"},
-                   "ATOM_PAIR");
-    const std::string pairs = other.Ask("CLIPBOARD", "MULTIPLE").value_or("");
+    peer.SetAtoms("TAKEN", {"UTF8_STRING", "FIRST", "image/png", "SECOND", "MULTIPLE", "THIRD"},
+                  "ATOM_PAIR");
+    const std::string pairs = peer.Ask("CLIPBOARD", "MULTIPLE").value_or("");
     xcb_atom_t atoms[6];
     ASSERT_EQ(pairs.size(), sizeof(atoms));
     std::memcpy(atoms, pairs.data(), sizeof(atoms));
     EXPECT_THAT(atoms, ElementsAre(desk.Atom("UTF8_STRING"), desk.Atom("FIRST"),
                                    desk.Atom("image/png"), 0u, desk.Atom("MULTIPLE"), 0u));
-    EXPECT_EQ(other.TakeProperty("FIRST"), text);
+    EXPECT_EQ(peer.TakeProperty("FIRST"), text);
 
     // The server would end the program's connection for a longer request than it allows.
     display->OwnSelection(SelectionKind::Clipboard, std::string(300'000, 'x'));
-    EXPECT_EQ(other.Ask("CLIPBOARD", "UTF8_STRING"), std::nullopt);
+    EXPECT_EQ(peer.Ask("CLIPBOARD", "UTF8_STRING"), std::nullopt);
 }
 
 TEST_F(SelectionTest, AsksForOtherFormsWhenTheFirstIsRefused) {
@@ -70,30 +68,30 @@ TEST_F(SelectionTest, AsksForOtherFormsWhenTheFirstIsRefused) {
     // What it offers itself it need not ask for, until another program takes the selection.
     display->OwnSelection(SelectionKind::Clipboard, "own");
     EXPECT_EQ(Await(Ask()), Answer(B_OK, "own"));
-    other.Own("CLIPBOARD");
+    peer.Own("CLIPBOARD");
     display.AwaitEvents();
     auto answer = Ask();
     for (const char* target : {"UTF8_STRING", "text/plain;charset=utf-8"})
-        other.Refuse(*Requested(other, target));
-    other.Answer(*Requested(other, "STRING"), {"\xfcx", 8, "STRING"});
+        peer.Refuse(*Requested(peer, target));
+    peer.Answer(*Requested(peer, "STRING"), {"\xfcx", 8, "STRING"});
     EXPECT_EQ(Await(std::move(answer)), Answer(B_OK, "üx"));
 }
 
 TEST_F(SelectionTest, TakesALongTextInPartsUpToABound) {
-    other.Own("CLIPBOARD");
+    peer.Own("CLIPBOARD");
     auto answer = Ask();
-    auto request = Requested(other);
-    other.BeginParts(*request);
+    auto request = Requested(peer);
+    peer.BeginParts(*request);
     for (const char* part : {"one ", "two ", "three", ""})
-        EXPECT_TRUE(other.AnswerPart(*request, part));
+        EXPECT_TRUE(peer.AnswerPart(*request, part));
     EXPECT_EQ(Await(std::move(answer)), Answer(B_OK, "one two three"));
 
     answer = Ask();
-    request = Requested(other);
-    other.BeginParts(*request);
+    request = Requested(peer);
+    peer.BeginParts(*request);
     const std::string part(200'000, 'x');
     size_t given = 0;
-    while (!IsReady(answer) && given < (size_t{20} << 20) && other.AnswerPart(*request, part))
+    while (!IsReady(answer) && given < (size_t{20} << 20) && peer.AnswerPart(*request, part))
         given += part.size();
     EXPECT_EQ(Await(std::move(answer)), Answer(B_NO_MEMORY, ""));
     EXPECT_GT(given, size_t{15} << 20);
@@ -106,7 +104,7 @@ TEST_F(SelectionTest, GivesUpOwnersThatStopAnswering) {
     const auto request = Requested(*dying);
     dying->BeginParts(*request);
     dying->AnswerPart(*request, "a beginning");
-    other.Own("CLIPBOARD");
+    peer.Own("CLIPBOARD");
     auto silent = Ask();
     dying.reset();
     // Meanwhile all else goes on.
@@ -120,12 +118,12 @@ TEST_F(SelectionTest, LeavesTheClipboardToItsManager) {
     display->OwnSelection(SelectionKind::Clipboard, "a text");
     // Without a manager there is nothing to wait for.
     display->SaveClipboard(60'000'000);
-    other.Own("CLIPBOARD_MANAGER");
+    peer.Own("CLIPBOARD_MANAGER");
     auto saving = std::async(std::launch::async, [&] { display->SaveClipboard(60'000'000); });
-    const auto request = Requested(other, "SAVE_TARGETS");
-    EXPECT_EQ(other.Ask("CLIPBOARD", "UTF8_STRING"), "a text");
+    const auto request = Requested(peer, "SAVE_TARGETS");
+    EXPECT_EQ(peer.Ask("CLIPBOARD", "UTF8_STRING"), "a text");
     EXPECT_NE(saving.wait_for(std::chrono::seconds(0)), std::future_status::ready);
-    other.Notify(*request, request->property);
+    peer.Notify(*request, request->property);
     EXPECT_EQ(saving.wait_for(test::kDeadline), std::future_status::ready);
     // One that does not answer is not waited for.
     display->SaveClipboard(100'000);

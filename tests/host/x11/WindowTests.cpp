@@ -14,11 +14,8 @@ TEST_F(WindowTest, FollowsTheWindowManager) {
     TestWindow window = display.CreateShown({.frame = kFrame});
     // As a person drags it: the window manager moves its own frame, the window in it stays put.
     constexpr uint32 kStaticGravityAndBothPlaces = XCB_GRAVITY_STATIC | 1 << 8 | 1 << 9 | 2 << 12;
-    const auto move = desk.Message(display.IdOf(window), "_NET_MOVERESIZE_WINDOW",
-                                   {kStaticGravityAndBothPlaces, 240, 225});
-    xcb_send_event(desk.Connection(), false, desk.Root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&move));
-    desk.Sync();
+    peer.Send(desk.Root(), display.IdOf(window), "_NET_MOVERESIZE_WINDOW",
+              {kStaticGravityAndBothPlaces, 240, 225}, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
     EXPECT_TRUE(WaitUntil([&] {
         return window.events->Last<FrameChanged>().frame == PixelRect{240, 225, 440, 325};
     }));
@@ -58,11 +55,10 @@ TEST_F(WindowTest, ItsPictureTakesAnyDamageAndOutlivesGrowthAndCover) {
 TEST_F(WindowTest, AnswersPings) {
     TestWindow window = display.CreateShown({.frame = kFrame});
     const xcb_window_t id = display.IdOf(window);
-    Peer manager(desk);
-    manager.Watch(desk.Root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    peer.Watch(desk.Root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     const std::vector<uint32> ping = {desk.Atom("_NET_WM_PING"), 12345, id, 0, 0};
-    manager.Send(id, id, "WM_PROTOCOLS", ping);
-    EXPECT_EQ(manager.AwaitMessage("WM_PROTOCOLS"), ping);
+    peer.Send(id, id, "WM_PROTOCOLS", ping);
+    EXPECT_EQ(peer.AwaitMessage("WM_PROTOCOLS"), ping);
 }
 
 TEST_F(WindowTest, SurvivesWhatOthersDoToIt) {

@@ -194,7 +194,7 @@ private:
     std::unique_ptr<XDisplay> fDisplay;
 };
 
-// A program on the shared desk.
+// A program on the shared desk, and another one.
 class X11Test : public testing::Test {
 protected:
     // The layout, as setxkbmap's -layout has it, and more arguments of that program.
@@ -207,6 +207,7 @@ protected:
 
     Desk& desk = Desk::Shared();
     TestDisplay display{desk};
+    Peer peer{desk};
 };
 
 } // namespace host
