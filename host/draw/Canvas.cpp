@@ -250,10 +250,8 @@ void Canvas::DrawText(const FontSpec& font, std::string_view text, BPoint baseli
     fState->SetColor(color);
     cairo_move_to(fState->context.get(), SnapEdge(baseline.x * fState->scale),
                   SnapEdge(baseline.y * fState->scale));
-    TextLayouts& layouts = TextLayouts::Shared();
-    auto lock = layouts.Lock();
-    PangoLayoutLine* line = layouts.LineOf(TextLayouts::KeyOf(font, fState->scale), text);
-    pango_cairo_show_layout_line(fState->context.get(), line);
+    TextLayouts layouts;
+    pango_cairo_show_layout_line(fState->context.get(), layouts.LineOf(font, text, fState->scale));
     cairo_new_path(fState->context.get());
 }
 
@@ -261,9 +259,8 @@ void Canvas::DrawBlock(const TextBlock& block, BPoint leftTop, float height) {
     cairo_t* context = fState->context.get();
     cairo_move_to(context, SnapEdge(leftTop.x * fState->scale),
                   SnapEdge(leftTop.y * fState->scale));
-    TextLayouts& layouts = TextLayouts::Shared();
-    auto lock = layouts.Lock();
-    TextLayouts::Layout layout = layouts.MakeLayout(block, fState->scale);
+    TextLayouts layouts;
+    const TextLayouts::Layout layout = layouts.MakeLayout(block, fState->scale);
     TextLayouts::CutLayout(layout.get(), height, fState->scale);
     pango_cairo_show_layout(context, layout.get());
     cairo_new_path(context);

@@ -6,9 +6,8 @@
 
 #include "base/Color.h"
 #include "base/Rect.h"
-#include "host/draw/Font.h"
 #include "host/draw/Image.h"
-#include "host/draw/TextBlock.h"
+#include "host/draw/Text.h"
 
 namespace host {
 

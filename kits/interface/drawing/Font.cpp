@@ -4,7 +4,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "host/draw/Font.h"
+#include "base/Utf8.h"
+#include "host/draw/Text.h"
 #include "host/x11/Display.h"
 
 namespace {
@@ -62,11 +63,12 @@ void BFont::GetHeight(font_height* height) const {
 
 void BFont::GetBoundingBoxesAsGlyphs(const char charArray[], int32 numChars, font_metric_mode,
                                      BRect boundingBoxArray[]) const {
-    if (charArray == nullptr || numChars <= 0)
-        return;
-    std::vector<BRect> glyphs = host::MeasureGlyphs(SpecOf(*this), charArray, DisplayScale());
-    size_t count = std::min(glyphs.size(), static_cast<size_t>(numChars));
-    std::copy_n(glyphs.begin(), count, boundingBoxArray);
+    std::string_view rest = charArray ? charArray : "";
+    for (int32 i = 0; i < numChars && !rest.empty(); i++) {
+        const std::string_view character = rest.substr(0, FirstCharacter(rest).length);
+        boundingBoxArray[i] = host::MeasureInk(SpecOf(*this), character, DisplayScale());
+        rest.remove_prefix(character.size());
+    }
 }
 
 void BFont::GetBoundingBoxesForStrings(const char* const stringArray[], int32 numStrings,

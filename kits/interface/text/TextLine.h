@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/draw/TextStops.h"
+#include "host/draw/Text.h"
 #include "kits/interface/drawing/Font.h"
 
 // The text of a field and where its characters are when it is drawn on one line. Places are logical

@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/draw/TextBlock.h"
+#include "host/draw/Text.h"
 #include "kits/interface/window/View.h"
 
 // Text of several lines, wrapped at words, for reading. Ranges count bytes and exclude their end.
