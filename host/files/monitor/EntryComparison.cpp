@@ -7,6 +7,23 @@
 
 namespace host {
 
+namespace {
+
+// Takes the items whose time has come out of the map.
+template <typename Map, typename Deadline>
+std::vector<typename Map::value_type> TakeDue(Map& map, bigtime_t now, Deadline deadlineOf) {
+    std::vector<typename Map::value_type> due;
+    std::erase_if(map, [&](const auto& item) {
+        bool isDue = deadlineOf(item.second) <= now;
+        if (isDue)
+            due.push_back(item);
+        return isDue;
+    });
+    return due;
+}
+
+} // namespace
+
 void EntryComparison::Run() {
     CompareTouched();
     Settle();
@@ -14,52 +31,47 @@ void EntryComparison::Run() {
     if (CompareUnread())
         Settle();
     EndWaiting();
-    AnnounceQuiet();
     for (int number : fDropped)
         fState.Drop(number);
 }
 
 void EntryComparison::CompareTouched() {
     for (const auto& [number, self] : fBatch.Selves()) {
-        if (self.isRemoved && fState.watches.NamesOf(number))
-            CompareAll(number, Descriptor());
+        Watch* watch = fState.watches.Find(number);
+        if (self.isRemoved && watch && watch->names)
+            CompareAll(*watch, Descriptor());
     }
     for (const Place& place : fBatch.Places()) {
-        const EventBatch::Touch& touch = fBatch.At(place);
+        const EventBatch::Touch touch = fBatch.At(place);
         if (touch.isWritten)
             Stir(place);
-        if (touch.changes.empty() || !fState.watches.NamesOf(place.watch) ||
-            fBatch.IsRemoved(place.watch))
+        Watch* watch = fState.watches.Find(place.watch);
+        if (!touch.isNamed || !watch || !watch->names || fBatch.Of(place.watch).isRemoved)
             continue;
-        const Descriptor& directory = DirectoryOf(place.watch);
         NodeStatus status;
-        if (!directory) {
+        if (const Descriptor& directory = DirectoryOf(place.watch)) {
+            Stat(directory.Get(), place.name, status);
+            Compare(place, status);
+        } else {
             fState.unread.insert(place.watch);
-            continue;
         }
-        Stat(directory.Get(), place.name, status);
-        Compare(place, status);
     }
 }
 
 bool EntryComparison::CompareUnread() {
-    std::vector<int> found;
-    for (int number : fState.unread) {
-        fDirectories.erase(number);
-        if (const Descriptor& directory = DirectoryOf(number)) {
-            CompareAll(number, directory);
-            found.push_back(number);
-        }
-    }
-    for (int number : found)
-        fState.unread.erase(number);
-    return !found.empty();
+    return std::erase_if(fState.unread, [this](int number) {
+               fDirectories.erase(number);
+               const Descriptor& directory = DirectoryOf(number);
+               if (directory)
+                   CompareAll(*fState.watches.Find(number), directory);
+               return bool(directory);
+           }) > 0;
 }
 
 // Without a directory, all its entries are gone.
-void EntryComparison::CompareAll(int watch, const Descriptor& directory) {
+void EntryComparison::CompareAll(Watch& watch, const Descriptor& directory) {
     std::set<std::string> names;
-    for (const auto& [name, entry] : *fState.watches.NamesOf(watch))
+    for (const auto& [name, entry] : *watch.names)
         names.insert(name);
     DirectoryScan scan;
     DirectoryScan::Entry entry;
@@ -71,7 +83,7 @@ void EntryComparison::CompareAll(int watch, const Descriptor& directory) {
         NodeStatus status;
         if (directory)
             Stat(directory.Get(), name, status);
-        Compare({watch, name}, status);
+        Compare({watch.number, name}, status);
     }
 }
 
@@ -86,7 +98,7 @@ void EntryComparison::Compare(const Place& place, const NodeStatus& status) {
                          .origin = place,
                          .directory = watch->Node().node,
                          .path = fState.watches.PathOf(place)});
-        fState.quiet.Remove(place);
+        fState.quiet.erase(place);
         watch->names->erase(place.name);
     }
     if (status.kind == NodeKind::Nothing)
@@ -94,29 +106,24 @@ void EntryComparison::Compare(const Place& place, const NodeStatus& status) {
     if (isNew)
         (*watch->names)[place.name] = {.node = status.ref.node, .isAnnounced = false};
     // It may have been seen here before the events of its move were read.
-    if (isNew || !known->isAnnounced || fBatch.At(place).hasArrived) {
-        fByNode.emplace(status.ref, fCandidates.size());
-        fCandidates.push_back({place, status, isNew});
-    }
+    if (isNew || !known->isAnnounced || fBatch.At(place).hasArrived)
+        fCandidates.insert({status.ref, {place, status, isNew}});
 }
 
 void EntryComparison::Settle() {
-    std::vector<std::pair<DepartedEntry, Candidate*>> moved;
+    std::vector<std::pair<DepartedEntry, Candidate>> moved;
     // The removal of what a move replaces comes before the move.
-    for (const DepartedEntry& gone : fGone) {
-        if (Candidate* candidate = FindCandidate(gone.node))
-            moved.push_back({gone, candidate});
+    for (DepartedEntry& gone : fGone) {
+        if (auto candidate = fCandidates.extract(gone.node))
+            moved.push_back({gone, candidate.mapped()});
         else
             SettleGone(gone);
     }
     for (const auto& [departed, candidate] : moved)
-        Move(departed, candidate->place, candidate->status);
-    for (const Candidate& candidate : fCandidates) {
-        DepartedEntry departed;
-        if (candidate.isTaken)
-            continue;
-        if (TakePending(candidate.status.ref, departed))
-            Move(departed, candidate.place, candidate.status);
+        Move(departed, candidate.place, candidate.status);
+    for (const auto& [node, candidate] : fCandidates) {
+        if (auto pending = fState.moves.extract(node))
+            Move(pending.mapped(), candidate.place, candidate.status);
         else if (candidate.isNew)
             SettleNew(candidate);
         else
@@ -124,42 +131,23 @@ void EntryComparison::Settle() {
     }
     fGone.clear();
     fCandidates.clear();
-    fByNode.clear();
 }
 
-EntryComparison::Candidate* EntryComparison::FindCandidate(node_ref node) {
-    auto [begin, end] = fByNode.equal_range(node);
-    for (auto found = begin; found != end; ++found) {
-        Candidate& candidate = fCandidates[found->second];
-        if (!candidate.isTaken) {
-            candidate.isTaken = true;
-            return &candidate;
-        }
-    }
-    return nullptr;
-}
-
-void EntryComparison::SettleGone(const DepartedEntry& gone) {
-    switch (fBatch.FateOf(gone.origin, fState.watches.FindNode(gone.node))) {
-    case EventBatch::Fate::Removed:
-        fState.watches.Notify({.kind = ChangeKind::Removed,
-                               .node = gone.node,
-                               .directory = gone.directory,
-                               .name = gone.origin.name},
-                              gone.entry.isAnnounced);
-        break;
-    case EventBatch::Fate::MovedOut:
-        MoveOut(gone);
-        break;
-    case EventBatch::Fate::Open:
+void EntryComparison::SettleGone(DepartedEntry& gone) {
+    if (fLeft.contains(gone.origin)) {
+        gone.deadline = fNow + kGraceTime;
         fState.moves[gone.node] = gone;
-        fState.moveEnds.Set(gone.node, fNow + kGraceTime);
-        break;
+        return;
     }
+    fState.watches.Notify({.kind = ChangeKind::Removed,
+                           .node = gone.node,
+                           .directory = gone.directory,
+                           .name = gone.origin.name},
+                          gone.entry.isAnnounced);
 }
 
 void EntryComparison::SettleNew(const Candidate& candidate) {
-    const auto& [place, status, isNew, isTaken] = candidate;
+    const auto& [place, status, isNew] = candidate;
     KnownEntry* entry = fState.watches.FindEntry(place);
     if (!entry)
         return;
@@ -173,21 +161,11 @@ void EntryComparison::SettleNew(const Candidate& candidate) {
               .directory = isWatched ? watch->parent.node : 0},
              place, status);
     } else if (isFile) {
-        fState.quiet.Set(place, fNow + kQuietTime);
+        fState.quiet[place] = fNow + kQuietTime;
     } else {
         entry->isAnnounced = true;
         NotifyCreated(place, *entry);
     }
-}
-
-bool EntryComparison::TakePending(node_ref node, DepartedEntry& departed) {
-    auto found = fState.moves.find(node);
-    if (found == fState.moves.end())
-        return false;
-    departed = std::move(found->second);
-    fState.moves.erase(found);
-    fState.moveEnds.Remove(node);
-    return true;
 }
 
 void EntryComparison::Move(const DepartedEntry& departed, const Place& place,
@@ -199,8 +177,7 @@ void EntryComparison::Move(const DepartedEntry& departed, const Place& place,
     bool wasAnnounced = entry->isAnnounced;
     *entry = departed.entry;
     entry->isAnnounced |= wasAnnounced;
-    if (!entry->isAnnounced || entry->lacksType)
-        fState.quiet.Set(place, fNow + kQuietTime);
+    Stir(place);
     fState.watches.Moved(departed.node, departed.path, fState.watches.PathOf(place), directory,
                          status.kind == NodeKind::Directory);
     NotifyMove(departed, directory.node, place.name);
@@ -238,43 +215,37 @@ void EntryComparison::NotifyCreated(const Place& place, const KnownEntry& entry)
 void EntryComparison::Stir(const Place& place) {
     KnownEntry* entry = fState.watches.FindEntry(place);
     if (entry && (!entry->isAnnounced || entry->lacksType))
-        fState.quiet.Set(place, fNow + kQuietTime);
+        fState.quiet[place] = fNow + kQuietTime;
 }
 
 void EntryComparison::EndWaiting() {
-    for (node_ref node : fState.moveEnds.TakeDue(fNow)) {
-        DepartedEntry departed;
-        if (TakePending(node, departed))
-            MoveOut(departed);
-    }
+    auto ofMove = [](const DepartedEntry& departed) { return departed.deadline; };
+    for (const auto& [node, departed] : TakeDue(fState.moves, fNow, ofMove))
+        MoveOut(departed);
+    auto ofFile = [](bigtime_t deadline) { return deadline; };
+    for (const auto& [place, deadline] : TakeDue(fState.quiet, fNow, ofFile))
+        Announce(place);
 }
 
-void EntryComparison::AnnounceQuiet() {
-    for (const Place& place : fState.quiet.TakeDue(fNow)) {
-        if (KnownEntry* entry = fState.watches.FindEntry(place))
-            Announce(place, *entry);
-    }
-}
-
-void EntryComparison::Announce(const Place& place, KnownEntry& entry) {
+void EntryComparison::Announce(const Place& place) {
+    KnownEntry* entry = fState.watches.FindEntry(place);
     const Descriptor& directory = DirectoryOf(place.watch);
     NodeStatus status;
-    DepartedEntry departed;
     // If another node is there, its events are on their way.
-    if (!directory || Stat(directory.Get(), place.name, status) != B_OK ||
-        status.ref.node != entry.node)
+    if (!entry || !directory || Stat(directory.Get(), place.name, status) != B_OK ||
+        status.ref.node != entry->node)
         return;
     // It may be what is waited for, seen here before its events were read.
-    if (!entry.isAnnounced && TakePending(status.ref, departed)) {
-        Move(departed, place, status);
-        return;
-    }
+    auto pending =
+        entry->isAnnounced ? decltype(fState.moves)::node_type() : fState.moves.extract(status.ref);
+    if (pending)
+        return Move(pending.mapped(), place, status);
     bool hasType = HasType(place);
-    if (entry.isAnnounced && !(entry.lacksType && hasType))
+    if (entry->isAnnounced && !(entry->lacksType && hasType))
         return;
-    entry.isAnnounced = true;
-    entry.lacksType = !hasType;
-    NotifyCreated(place, entry);
+    entry->isAnnounced = true;
+    entry->lacksType = !hasType;
+    NotifyCreated(place, *entry);
 }
 
 const Descriptor& EntryComparison::DirectoryOf(int number) {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "host/files/monitor/EventBatch.h"
-#include "host/files/monitor/MonitorState.h"
 
 namespace host {
 
@@ -23,6 +22,7 @@ public:
     EntryComparison(MonitorState& state, const EventBatch& batch, bigtime_t now)
         : fState(state)
         , fBatch(batch)
+        , fLeft(batch.Left())
         , fNow(now) {}
 
     void Run();
@@ -33,19 +33,16 @@ private:
         Place place;
         NodeStatus status;
         bool isNew = false;
-        bool isTaken = false;
     };
 
     void CompareTouched();
     bool CompareUnread();
-    void CompareAll(int watch, const Descriptor& directory);
+    void CompareAll(Watch& watch, const Descriptor& directory);
     void Compare(const Place& place, const NodeStatus& status);
 
     void Settle();
-    Candidate* FindCandidate(node_ref node);
-    void SettleGone(const DepartedEntry& gone);
+    void SettleGone(DepartedEntry& gone);
     void SettleNew(const Candidate& candidate);
-    bool TakePending(node_ref node, DepartedEntry& departed);
 
     void Move(const DepartedEntry& departed, const Place& place, const NodeStatus& status);
     void MoveOut(const DepartedEntry& departed);
@@ -53,8 +50,7 @@ private:
     void NotifyCreated(const Place& place, const KnownEntry& entry);
     void Stir(const Place& place);
     void EndWaiting();
-    void AnnounceQuiet();
-    void Announce(const Place& place, KnownEntry& entry);
+    void Announce(const Place& place);
 
     // The directory is held for one batch only: its disk could not be unmounted otherwise.
     const Descriptor& DirectoryOf(int watch);
@@ -62,11 +58,11 @@ private:
 
     MonitorState& fState;
     const EventBatch& fBatch;
-    bigtime_t fNow;
+    const std::set<Place> fLeft;
+    const bigtime_t fNow;
     std::map<int, Descriptor> fDirectories;
     std::vector<DepartedEntry> fGone;
-    std::vector<Candidate> fCandidates;
-    std::multimap<node_ref, size_t> fByNode;
+    std::multimap<node_ref, Candidate> fCandidates;
     std::vector<int> fDropped;
 };
 

@@ -2,13 +2,23 @@
 
 #include <sys/inotify.h>
 
-#include <algorithm>
+#include <utility>
 
 namespace host {
 
 namespace {
 
 constexpr uint32 kNameChanges = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+
+// Origins that are no place.
+const Place kNowhere = {-1, ""};
+const Place kOutside = {-2, ""};
+
+template <typename Key, typename Value>
+Value ValueAt(const std::map<Key, Value>& values, const Key& key) {
+    auto found = values.find(key);
+    return found == values.end() ? Value() : found->second;
+}
 
 } // namespace
 
@@ -27,71 +37,53 @@ void EventBatch::AddEntryEvent(const Place& place, const InotifyEvent& event) {
     if (isNew)
         fPlaces.push_back(place);
     Touch& touch = found->second;
+    touch.isNamed |= (event.mask & kNameChanges) != 0;
+    touch.hasArrived |= (event.mask & IN_MOVED_TO) != 0;
+    touch.isWritten |= (event.mask & (IN_ATTRIB | IN_CLOSE_WRITE)) != 0;
     if (event.mask & kNameChanges)
-        touch.changes.push_back({fCount, event.mask, event.cookie});
+        FollowNode(place, event);
+}
+
+// The halves of a move belong together by their cookie; foreign events may come between them.
+void EventBatch::FollowNode(const Place& place, const InotifyEvent& event) {
+    Place& origin = fOrigins.try_emplace(place, place).first->second;
+    Place left = std::exchange(origin, kNowhere);
     if (event.mask & IN_MOVED_FROM)
-        fLeft.insert(event.cookie);
+        fMoving[event.cookie] = left;
     if (event.mask & IN_MOVED_TO) {
-        touch.hasArrived = true;
-        fArrived[event.cookie] = {fCount, place};
+        auto half = fMoving.extract(event.cookie);
+        origin = half ? half.mapped() : kOutside;
     }
-    if (event.mask & (IN_ATTRIB | IN_CLOSE_WRITE))
-        touch.isWritten = true;
 }
 
 void EventBatch::AddSelfEvent(Self& self, uint32 mask) const {
-    if (mask & IN_MOVE_SELF) {
-        self.hasMoved = true;
-        self.movedAt = fCount;
-    }
+    self.hasMoved |= (mask & IN_MOVE_SELF) != 0;
     self.isRemoved |= (mask & IN_DELETE_SELF) != 0;
     self.hasAttributes |= (mask & IN_ATTRIB) != 0;
     self.isWritten |= (mask & IN_MODIFY) != 0;
     self.hasEnded |= (mask & (IN_IGNORED | IN_UNMOUNT)) != 0;
 }
 
-const EventBatch::Touch& EventBatch::At(const Place& place) const {
-    static const Touch kUntouched;
-    auto found = fTouches.find(place);
-    return found == fTouches.end() ? kUntouched : found->second;
+EventBatch::Touch EventBatch::At(const Place& place) const {
+    return ValueAt(fTouches, place);
 }
 
-bool EventBatch::IsRemoved(int watch) const {
-    auto found = fSelves.find(watch);
-    return found != fSelves.end() && found->second.isRemoved;
+EventBatch::Self EventBatch::Of(int watch) const {
+    return ValueAt(fSelves, watch);
 }
 
-// The halves of a move belong together by their cookie; foreign events may come between them.
-EventBatch::Fate EventBatch::FateOf(Place place, const Watch* watch) const {
-    auto self = watch ? fSelves.find(watch->number) : fSelves.end();
-    size_t since = 0;
-    for (;;) {
-        const auto& changes = At(place).changes;
-        auto change = std::find_if(changes.begin(), changes.end(),
-                                   [since](const auto& item) { return item.index > since; });
-        if (change == changes.end())
-            return since == 0 ? Fate::Removed : Fate::Open;
-        // A name that another one comes to, without a departure, was replaced.
-        if (!(change->mask & IN_MOVED_FROM))
-            return Fate::Removed;
-        auto arrival = fArrived.find(change->cookie);
-        if (arrival == fArrived.end()) {
-            // The node's own event comes behind the second half.
-            bool hasEnded = self != fSelves.end() && self->second.movedAt > change->index;
-            return hasEnded ? Fate::MovedOut : Fate::Open;
-        }
-        since = arrival->second.index;
-        place = arrival->second.place;
-    }
+std::set<Place> EventBatch::Left() const {
+    std::set<Place> left;
+    for (const auto& [place, origin] : fOrigins)
+        left.insert(origin);
+    for (const auto& [cookie, origin] : fMoving)
+        left.insert(origin);
+    return left;
 }
 
 bool EventBatch::CameFromOutside(const Place& place) const {
-    const auto& changes = At(place).changes;
-    auto arrival = std::find_if(changes.rbegin(), changes.rend(), [](const auto& change) {
-        return (change.mask & (IN_CREATE | IN_MOVED_TO)) != 0;
-    });
-    return arrival != changes.rend() && (arrival->mask & IN_MOVED_TO) &&
-           !fLeft.contains(arrival->cookie);
+    auto found = fOrigins.find(place);
+    return found != fOrigins.end() && found->second == kOutside;
 }
 
 } // namespace host

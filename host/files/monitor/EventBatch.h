@@ -14,13 +14,8 @@ class EventBatch {
 public:
     // The events of one name.
     struct Touch {
-        struct Change {
-            size_t index; // in the order of the events
-            uint32 mask;
-            uint32 cookie;
-        };
         // It was created, removed, or moved in or out.
-        std::vector<Change> changes;
+        bool isNamed = false;
         // A move ended here.
         bool hasArrived = false;
         // The attributes or permissions changed, or the file was closed after writing.
@@ -28,20 +23,12 @@ public:
     };
     // The events of a watched node.
     struct Self {
-        size_t movedAt = 0;
         bool hasMoved = false;
         bool isRemoved = false;
         bool hasAttributes = false;
         bool isWritten = false;
         // The system watches it no more.
         bool hasEnded = false;
-    };
-    // The fate of an entry that is not at its place any more.
-    enum class Fate : uint8 {
-        Removed,
-        MovedOut,
-        // The events so far do not show where it went.
-        Open,
     };
 
     void Add(const InotifyEvent& event);
@@ -50,31 +37,28 @@ public:
     bool HasOverflown() const { return fHasOverflown; }
     // The touched entries, in the order of their first events.
     const std::vector<Place>& Places() const { return fPlaces; }
-    const Touch& At(const Place& place) const;
+    Touch At(const Place& place) const;
     const std::map<int, Self>& Selves() const { return fSelves; }
-    bool IsRemoved(int watch) const;
+    Self Of(int watch) const;
 
-    // Follows the node that was at `place` before these events. `watch` is its own watch, or null.
-    Fate FateOf(Place place, const Watch* watch) const;
-    // The last one to come here came by a move whose other half is not among the events.
+    // The places whose nodes, as far as these events show, were moved and not removed then.
+    std::set<Place> Left() const;
+    // The node that is here now came by a move from where nobody watches, perhaps over others.
     bool CameFromOutside(const Place& place) const;
 
 private:
-    struct Arrival {
-        size_t index;
-        Place place;
-    };
-
     void AddEntryEvent(const Place& place, const InotifyEvent& event);
     void AddSelfEvent(Self& self, uint32 mask) const;
+    void FollowNode(const Place& place, const InotifyEvent& event);
 
     size_t fCount = 0;
     std::vector<Place> fPlaces;
     std::map<Place, Touch> fTouches;
     std::map<int, Self> fSelves;
-    // By cookie.
-    std::set<uint32> fLeft;
-    std::map<uint32, Arrival> fArrived;
+    // Where the node at each touched place was before these events.
+    std::map<Place, Place> fOrigins;
+    // The same of the nodes between the two halves of a move, by its cookie.
+    std::map<uint32, Place> fMoving;
     bool fHasOverflown = false;
 };
 

@@ -27,7 +27,7 @@ status_t Inotify::Open() {
 
 status_t Inotify::Add(const Descriptor& node, uint32 mask, int& watch) {
     std::string path = "/proc/self/fd/" + std::to_string(node.Get());
-    watch = inotify_add_watch(Get(), path.c_str(), mask);
+    watch = inotify_add_watch(Get(), path.c_str(), mask | IN_MASK_ADD);
     return watch >= 0 ? B_OK : Report(errno);
 }
 

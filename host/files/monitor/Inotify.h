@@ -26,7 +26,7 @@ public:
     status_t Open();
     int Get() const { return fDescriptor.Get(); }
 
-    // Watches exactly the node that `node` names, or changes the mask of its watch. The number of a
+    // Watches exactly the node that `node` names, or adds to the mask of its watch. The number of a
     // watch is never used twice.
     status_t Add(const Descriptor& node, uint32 mask, int& watch);
     void Remove(int watch);

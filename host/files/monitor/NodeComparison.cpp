@@ -40,7 +40,9 @@ void NodeComparison::Run(const EventBatch& batch) {
 }
 
 void NodeComparison::Recover() {
-    fState.ForgetAllEntries();
+    fState.moves.clear();
+    fState.quiet.clear();
+    fState.unread.clear();
     for (int number : fState.watches.Numbers())
         Recover(number);
 }
@@ -48,9 +50,8 @@ void NodeComparison::Recover() {
 // The system ends the watches of nodes that are removed, and of those that are unmounted. Among the
 // latter only the topmost directory counts for a listener.
 void NodeComparison::SettleEnds(const EventBatch& batch) {
-    auto isLost = [&](const Watch* watch) {
-        auto found = batch.Selves().find(watch->number);
-        return found != batch.Selves().end() && found->second.hasEnded && !watch->isGone;
+    auto isLost = [&](const Watch& watch) {
+        return batch.Of(watch.number).hasEnded && !watch.isGone;
     };
     std::vector<int> ended;
     for (const auto& [number, self] : batch.Selves()) {
@@ -59,8 +60,8 @@ void NodeComparison::SettleEnds(const EventBatch& batch) {
             continue;
         ended.push_back(number);
         Watch* parent = fState.watches.FindDirectory(watch->parent);
-        if (isLost(watch))
-            NotifyLost(*watch, parent && isLost(parent) ? parent : nullptr);
+        if (isLost(*watch))
+            NotifyLost(*watch, parent && isLost(*parent) ? parent : nullptr);
     }
     for (int number : ended)
         fState.Forget(number);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "host/files/monitor/EventBatch.h"
-#include "host/files/monitor/MonitorState.h"
 
 namespace host {
 

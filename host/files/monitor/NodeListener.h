@@ -11,6 +11,7 @@ inline constexpr uint32 kWatchName = 1;
 inline constexpr uint32 kWatchStatus = 2;
 inline constexpr uint32 kWatchAttributes = 4;
 inline constexpr uint32 kWatchEntries = 8;
+inline constexpr uint32 kWatchAll = 15;
 
 enum class ChangeKind : uint8 {
     Created,

@@ -1,8 +1,9 @@
 #include "host/files/monitor/NodeMonitor.h"
 
+#include <sys/inotify.h>
+
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
 #include "host/files/Files.h"
 #include "host/files/KnownPaths.h"
@@ -16,6 +17,18 @@ namespace {
 // More than a queue holds: an overflow, which is its last event, is found before any other event is
 // worked off.
 constexpr size_t kBatchSize = 32 * 1024;
+
+// What the system is asked for.
+uint32 MaskOf(uint32 flags, NodeKind kind) {
+    // A file that is removed while somebody holds it open only reports its link count.
+    uint32 mask = IN_MOVE_SELF | IN_DELETE_SELF | IN_EXCL_UNLINK | IN_ATTRIB;
+    if (flags & kWatchEntries)
+        mask |= IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE;
+    // On a directory this would report every write to a file in it.
+    if ((flags & kWatchStatus) && kind != NodeKind::Directory)
+        mask |= IN_MODIFY;
+    return mask;
+}
 
 bigtime_t Now() {
     auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -70,14 +83,8 @@ status_t NodeMonitor::AddListener(node_ref node, uint32 flags, const Listener& l
     if (status != B_OK)
         return status;
 
-    // Adding a node twice replaces the mask: the new one has to serve the old listeners too.
-    Watch wanted;
-    if (Watch* old = fState.watches.FindNode(node))
-        wanted.listeners = old->listeners;
-    wanted.status = there;
-    wanted.listeners.push_back({listener, flags});
     int number = -1;
-    status = fState.inotify.Add(descriptor, wanted.Mask(), number);
+    status = fState.inotify.Add(descriptor, MaskOf(flags, there.kind), number);
     if (status != B_OK)
         return status;
 
@@ -85,7 +92,7 @@ status_t NodeMonitor::AddListener(node_ref node, uint32 flags, const Listener& l
     if (!watch)
         watch = &fState.watches.Add(number, there);
     watch->SetPath(path);
-    watch->AddListener(listener, flags);
+    watch->listeners[listener] |= flags;
     // The watch comes first, then the look: what happens in between is noticed twice rather than
     // not.
     if ((flags & kWatchEntries) && !watch->names)
@@ -96,21 +103,10 @@ status_t NodeMonitor::AddListener(node_ref node, uint32 flags, const Listener& l
 }
 
 bool NodeMonitor::RemoveListener(Watch& watch, const Listener& listener) {
-    if (std::erase_if(watch.listeners, [&](auto& item) { return item.first == listener; }) == 0)
-        return false;
-    if (watch.listeners.empty()) {
+    bool wasListening = watch.listeners.erase(listener) > 0;
+    if (watch.listeners.empty())
         fState.Drop(watch.number);
-        return true;
-    }
-    if (watch.names && !(watch.Flags() & kWatchEntries)) {
-        fState.ForgetEntries(watch.number);
-        watch.names.reset();
-    }
-    Descriptor node;
-    int number;
-    if (!watch.isGone && watch.Open(node))
-        fState.inotify.Add(node, watch.Mask(), number);
-    return true;
+    return wasListening;
 }
 
 bool NodeMonitor::RemoveEverywhere(const Listener& listener) {
@@ -122,12 +118,15 @@ bool NodeMonitor::RemoveEverywhere(const Listener& listener) {
 
 void NodeMonitor::Process() {
     // Destroyed after the lock is released: its call takes the lock.
-    std::unique_ptr<Timer> replaced;
+    std::unique_ptr<Timer> timer;
     std::lock_guard lock(fMutex);
     ProcessBatch();
     for (const auto& listener : fState.watches.TakeGone())
         RemoveEverywhere(listener);
-    replaced = Rearm();
+    if (bigtime_t deadline = fState.NextDeadline())
+        timer = std::make_unique<Timer>(std::max<bigtime_t>(0, deadline - Now()), 0,
+                                        [this] { Process(); });
+    fTimer.swap(timer);
 }
 
 void NodeMonitor::ProcessBatch() {
@@ -145,22 +144,6 @@ void NodeMonitor::ProcessBatch() {
     nodes.Run(batch);
     if (batch.HasOverflown())
         nodes.Recover();
-}
-
-std::unique_ptr<Timer> NodeMonitor::Rearm() {
-    bigtime_t deadline = fState.NextDeadline();
-    bool isArmed = fTimerDeadline != 0 && fTimerDeadline <= deadline;
-    if (deadline == 0 || isArmed)
-        return nullptr;
-    fTimerDeadline = deadline;
-    auto timer = std::make_unique<Timer>(std::max<bigtime_t>(0, deadline - Now()), 0, [this] {
-        {
-            std::lock_guard lock(fMutex);
-            fTimerDeadline = 0;
-        }
-        Process();
-    });
-    return std::exchange(fTimer, std::move(timer));
 }
 
 } // namespace host

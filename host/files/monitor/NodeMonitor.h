@@ -3,8 +3,7 @@
 #include <memory>
 #include <mutex>
 
-#include "host/files/monitor/MonitorState.h"
-#include "host/files/monitor/NodeListener.h"
+#include "host/files/monitor/Watches.h"
 #include "host/loop/ServiceLoop.h"
 
 namespace host {
@@ -33,14 +32,12 @@ private:
 
     void Process();
     void ProcessBatch();
-    std::unique_ptr<Timer> Rearm();
 
     std::mutex fMutex;
     MonitorState fState;
     std::unique_ptr<DescriptorWatch> fReader;
     // Service thread only: its destructor waits for what it runs, which takes the lock.
     std::unique_ptr<Timer> fTimer;
-    bigtime_t fTimerDeadline = 0;
 };
 
 } // namespace host

@@ -1,8 +1,7 @@
 #include "host/files/monitor/Watches.h"
 
-#include <sys/inotify.h>
-
 #include <algorithm>
+#include <limits>
 
 #include "host/files/DirectoryScan.h"
 #include "host/files/Files.h"
@@ -13,9 +12,6 @@ namespace host {
 
 namespace {
 
-constexpr uint32 kEntriesMask =
-    IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ATTRIB | IN_CLOSE_WRITE;
-
 // A name that changes while the directory is read may be missed.
 constexpr int kSearches = 8;
 
@@ -23,10 +19,6 @@ uint32 FlagFor(ChangeKind kind) {
     if (kind == ChangeKind::StatusChanged)
         return kWatchStatus;
     return kind == ChangeKind::AttributesChanged ? kWatchAttributes : kWatchName;
-}
-
-bool Contains(const std::vector<Listener>& listeners, const Listener& listener) {
-    return std::find(listeners.begin(), listeners.end(), listener) != listeners.end();
 }
 
 bool SearchOnce(const std::string& directory, node_ref node, std::string& path) {
@@ -49,26 +41,6 @@ std::string Watch::Name() const {
     return LeafOf(path);
 }
 
-uint32 Watch::Flags() const {
-    uint32 flags = 0;
-    for (const auto& [listener, wanted] : listeners)
-        flags |= wanted;
-    return flags;
-}
-
-uint32 Watch::Mask() const {
-    uint32 flags = Flags();
-    uint32 mask = IN_MOVE_SELF | IN_DELETE_SELF | IN_EXCL_UNLINK;
-    // A file that is removed while somebody holds it open only reports its link count.
-    mask |= IN_ATTRIB;
-    if (flags & kWatchEntries)
-        mask |= kEntriesMask;
-    // On a directory this would report every write to a file in it.
-    if ((flags & kWatchStatus) && status.kind != NodeKind::Directory)
-        mask |= IN_MODIFY;
-    return mask;
-}
-
 bool Watch::Open(Descriptor& node) const {
     NodeStatus there;
     return OpenPathOnly(path, node) == B_OK && Stat(node.Get(), "", there) == B_OK &&
@@ -85,15 +57,6 @@ void Watch::SetPath(const std::string& newPath) {
     Stat(ParentPath(newPath), directory, true);
     path = newPath;
     parent = directory.ref;
-}
-
-void Watch::AddListener(const Listener& listener, uint32 flags) {
-    auto old = std::find_if(listeners.begin(), listeners.end(),
-                            [&](const auto& item) { return item.first == listener; });
-    if (old != listeners.end())
-        old->second |= flags;
-    else
-        listeners.push_back({listener, flags});
 }
 
 status_t Watch::FillNames(const Descriptor& directory) {
@@ -126,17 +89,12 @@ Watch* Watches::FindDirectory(node_ref node) {
     return watch && watch->names ? watch : nullptr;
 }
 
-NameTable* Watches::NamesOf(int number) {
-    Watch* watch = Find(number);
-    return watch && watch->names ? &*watch->names : nullptr;
-}
-
 KnownEntry* Watches::FindEntry(const Place& place) {
-    NameTable* names = NamesOf(place.watch);
-    if (!names)
+    Watch* watch = Find(place.watch);
+    if (!watch || !watch->names)
         return nullptr;
-    auto found = names->find(place.name);
-    return found == names->end() ? nullptr : &found->second;
+    auto found = watch->names->find(place.name);
+    return found == watch->names->end() ? nullptr : &found->second;
 }
 
 std::vector<int> Watches::Numbers() const {
@@ -201,39 +159,36 @@ void Watches::Moved(node_ref node, std::string from, const std::string& to, node
 }
 
 void Watches::Notify(const NodeChange& change, bool toDirectories) {
-    std::vector<Listener> listeners;
-    Collect(listeners, change.node, FlagFor(change.kind));
+    std::set<Listener> listeners = ListenersOf(change.node, FlagFor(change.kind));
     if (toDirectories) {
-        Collect(listeners, {change.node.device, change.directory}, kWatchEntries);
-        Collect(listeners, {change.node.device, change.toDirectory}, kWatchEntries);
+        for (int64 directory : {change.directory, change.toDirectory})
+            listeners.merge(ListenersOf({change.node.device, directory}, kWatchEntries));
     }
     Send(listeners, change);
 }
 
 void Watches::NotifyAll(const Watch& watch, const NodeChange& change, const Watch* except) {
-    std::vector<Listener> notified;
-    if (except)
-        Collect(notified, except->Node(), kWatchEntries);
-    std::vector<Listener> listeners;
-    for (const auto& [listener, flags] : watch.listeners) {
-        if (!Contains(notified, listener))
-            listeners.push_back(listener);
+    std::set<Listener> listeners = ListenersOf(watch.Node(), kWatchAll);
+    if (except) {
+        for (const Listener& notified : ListenersOf(except->Node(), kWatchEntries))
+            listeners.erase(notified);
     }
     Send(listeners, change);
 }
 
-void Watches::Collect(std::vector<Listener>& listeners, node_ref node, uint32 flag) {
-    Watch* watch = FindNode(node);
-    if (!watch)
-        return;
-    for (const auto& [listener, flags] : watch->listeners) {
-        if ((flags & flag) && !Contains(listeners, listener))
-            listeners.push_back(listener);
+std::set<Listener> Watches::ListenersOf(node_ref node, uint32 flags) {
+    std::set<Listener> listeners;
+    if (Watch* watch = FindNode(node)) {
+        for (const auto& [listener, wanted] : watch->listeners) {
+            if (wanted & flags)
+                listeners.insert(listener);
+        }
     }
+    return listeners;
 }
 
-void Watches::Send(const std::vector<Listener>& listeners, const NodeChange& change) {
-    for (const auto& listener : listeners) {
+void Watches::Send(const std::set<Listener>& listeners, const NodeChange& change) {
+    for (const Listener& listener : listeners) {
         if (!listener->NodeChanged(change))
             fGone.push_back(listener);
     }
@@ -242,6 +197,27 @@ void Watches::Send(const std::vector<Listener>& listeners, const NodeChange& cha
 NodeChange Departure(const Watch& watch, ChangeKind kind) {
     return {
         .kind = kind, .node = watch.Node(), .directory = watch.parent.node, .name = watch.Name()};
+}
+
+void MonitorState::Drop(int number) {
+    inotify.Remove(number);
+    Forget(number);
+}
+
+void MonitorState::Forget(int number) {
+    std::erase_if(moves, [&](const auto& item) { return item.second.origin.watch == number; });
+    std::erase_if(quiet, [&](const auto& item) { return item.first.watch == number; });
+    unread.erase(number);
+    watches.Remove(number);
+}
+
+bigtime_t MonitorState::NextDeadline() const {
+    bigtime_t next = std::numeric_limits<bigtime_t>::max();
+    for (const auto& [node, departed] : moves)
+        next = std::min(next, departed.deadline);
+    for (const auto& [place, deadline] : quiet)
+        next = std::min(next, deadline);
+    return moves.empty() && quiet.empty() ? 0 : next;
 }
 
 } // namespace host

@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -40,14 +41,10 @@ using Listener = std::shared_ptr<NodeListener>;
 struct Watch {
     node_ref Node() const { return status.ref; }
     std::string Name() const;
-    uint32 Flags() const;
-    // The events that the system is asked for.
-    uint32 Mask() const;
     // Opens (O_PATH) the node at its last path; false if another node is there now, or nothing.
     bool Open(Descriptor& node) const;
     bool IsInPlace() const;
     void SetPath(const std::string& newPath);
-    void AddListener(const Listener& listener, uint32 flags);
     status_t FillNames(const Descriptor& directory);
 
     int number = -1;
@@ -55,12 +52,12 @@ struct Watch {
     // Its last path, and the directory that it was in there.
     std::string path;
     node_ref parent;
-    std::vector<std::pair<Listener, uint32>> listeners;
+    std::map<Listener, uint32> listeners;
     // The node does not exist any more; the end of the watch follows.
     bool isGone = false;
     // Its attributes changed while it was between the two halves of a move.
     bool hasUnreadChange = false;
-    // Kept while a listener asks for entries.
+    // Kept from the first listener on that asks for entries.
     std::optional<NameTable> names;
 };
 
@@ -72,8 +69,7 @@ public:
     Watch* FindNode(node_ref node);
     // The watch of a directory whose entries are watched.
     Watch* FindDirectory(node_ref node);
-    // The entries that the watch keeps; null if it keeps none.
-    NameTable* NamesOf(int number);
+    // Null if its directory's entries are not watched either.
     KnownEntry* FindEntry(const Place& place);
     std::vector<int> Numbers() const;
 
@@ -99,8 +95,8 @@ public:
     std::vector<Listener> TakeGone() { return std::exchange(fGone, {}); }
 
 private:
-    void Collect(std::vector<Listener>& listeners, node_ref node, uint32 flag);
-    void Send(const std::vector<Listener>& listeners, const NodeChange& change);
+    std::set<Listener> ListenersOf(node_ref node, uint32 flags);
+    void Send(const std::set<Listener>& listeners, const NodeChange& change);
 
     std::unordered_map<int, std::unique_ptr<Watch>> fWatches;
     std::map<node_ref, Watch*> fByNode;
@@ -109,5 +105,36 @@ private:
 
 // The change that a watched node itself has left its place.
 NodeChange Departure(const Watch& watch, ChangeKind kind);
+
+// An entry that is not at its place any more.
+struct DepartedEntry {
+    node_ref node;
+    KnownEntry entry = {};
+    Place origin = {};
+    int64 directory = 0;
+    std::string path = {};
+    // When its move is taken for one to where nobody watches.
+    bigtime_t deadline = 0;
+};
+
+// The state of the node monitor between its batches of events.
+struct MonitorState {
+    // Ends a watch.
+    void Drop(int number);
+    // Forgets a watch that the system has ended.
+    void Forget(int number);
+    // The next end of a waiting time; 0 when nothing is waited for.
+    bigtime_t NextDeadline() const;
+
+    Inotify inotify;
+    Watches watches;
+    // Entries that left by a move whose other half has not come yet.
+    std::map<node_ref, DepartedEntry> moves;
+    // New files, and files without a type, until nothing has happened to them for a while: programs
+    // that copy create a file, fill it, close it and only then set its attributes.
+    std::map<Place, bigtime_t> quiet;
+    // The watches of directories that were not at their paths when their events came.
+    std::set<int> unread;
+};
 
 } // namespace host

@@ -54,7 +54,7 @@ TEST_F(MonitorTest, SavingThroughAnotherFileMakesANewNode) {
 TEST_F(MonitorTest, ExchangeIsTwoMovesAndBothNamesStayKnown) {
     Expect({"swap a/one a/two"}, {"one moved a a/two", "two moved a a/one"});
     Expect({"rm a/one"}, {"two removed a/one"});
-    Expect({"swap a/two away/stranger"}, {"one moved a ?/two", "new moved ? a/two"});
+    Expect({"swap a/two away/stranger"}, {"new moved ? a/two", "one moved a ?/two"});
 }
 
 TEST_F(MonitorTest, ChainsAreNotifiedByTheirResult) {
