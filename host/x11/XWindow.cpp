@@ -175,8 +175,14 @@ void XWindow::Raise() {
     fConnection.Flush();
 }
 
+// One that has put the window into a frame is there, and when it ends the server takes it out
+// again: then nobody need ask the server, which a press would wait for.
+bool XWindow::HasWindowManager() const {
+    return fParent != fConnection.Root() || fConnection.HasWindowManager();
+}
+
 void XWindow::Activate() {
-    bool isManaged = IsManaged(fKind) && fConnection.HasWindowManager();
+    bool isManaged = IsManaged(fKind) && HasWindowManager();
     std::lock_guard lock(fLock);
     fState.minimized = false;
     if (!fIsShown)
@@ -201,7 +207,7 @@ void XWindow::SetMinimized(bool minimized) {
         return;
     }
     // Nobody else could bring the window back.
-    if (!fConnection.HasWindowManager())
+    if (!HasWindowManager())
         return;
     std::lock_guard lock(fLock);
     fState.minimized = true;
@@ -379,7 +385,7 @@ void XWindow::HandleFocus(bool active) {
 }
 
 void XWindow::TakeFocusIfUnmanaged() {
-    if (fReportedActive || !IsManaged(fKind) || fConnection.HasWindowManager())
+    if (fReportedActive || !IsManaged(fKind) || HasWindowManager())
         return;
     xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, XCB_CURRENT_TIME);
     fConnection.Flush();

@@ -56,6 +56,7 @@ private:
     void LetInputThrough();
     PixelRect Outer(const PixelRect& content) const;
     void NoteVisible(bool visible);
+    bool HasWindowManager() const;
     void ShowCursor(xcb_cursor_t cursor);
     void ChangeState(bool add, AtomIndex state);
     bool IsStale(const xcb_configure_notify_event_t& event) const;
@@ -69,8 +70,9 @@ private:
     const bool fIsResizable;
     const xcb_window_t fId;
 
+    std::atomic<xcb_window_t> fParent; // written by the display thread
+
     // The display thread's.
-    xcb_window_t fParent;
     PixelRect fReported; // the frame that the sink knows
     bool fReportedActive = false;
     bool fReportedMinimized = false;

@@ -63,6 +63,7 @@ private:
     void WarnWithoutBrowser();
     void PrepareMenus();
     void LayOutMenus();
+    void PrepareFolderMenu(uint32 code);
 
     bool HandleFolderCode(BMessage* message);
     void ShowFolderMenu(int digit);

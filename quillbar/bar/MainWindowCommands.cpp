@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <iterator>
+
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
 #include "kits/app/Message.h"
@@ -106,6 +109,9 @@ void QBMainWindow::MessageReceived(BMessage* message) {
     case B_PROGRAM_FAILED:
         WarnOfLaunch(message->GetString("name", ""), "it ended at once with an error.");
         break;
+    case kQBPointAt:
+        PrepareFolderMenu(static_cast<uint32>(message->GetInt32("code", 0)));
+        break;
     case kQBPrepareMenus:
         PrepareMenus();
         break;
@@ -190,6 +196,15 @@ void QBMainWindow::LayOutMenus() {
         folder->Menu()->PrepareLayout();
     fLocker->Unlock();
     fSettingsMenu->PrepareLayout();
+}
+
+// A press may follow.
+void QBMainWindow::PrepareFolderMenu(uint32 code) {
+    const auto* found = std::ranges::find(QBFolder, code);
+    if (found == std::end(QBFolder) || fLocker->LockWithTimeout(0) != B_OK)
+        return;
+    fMonitor->fPaths[found - QBFolder]->Menu()->PrepareLayout();
+    fLocker->Unlock();
 }
 
 // Of the hot key. An empty slot is passed over in silence.

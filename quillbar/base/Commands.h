@@ -25,6 +25,7 @@ enum : uint32 {
     kQBLaunch = 'qbLi',         // launch the bookmark of "folder" and "slot", if there is one
     kQBWindowActive = 'qbWa',   // to the application: the bar became the active window
     kQBWindowInactive = 'qbWn', // to the application: it no longer is
+    kQBPointAt = 'qbPa',        // inside the bar window: the pointer came to the button of "code"
     kQBPrepareMenus = 'qbPm',   // inside the bar window: it is painted, get the menus ready
     kQBLayOutMenus = 'qbLm',    // inside the bar window: it is on the screen, lay the menus out
     kQBAddIt = 'QbAi',          // inside the Add Bookmark window: create the bookmark

@@ -96,28 +96,14 @@ status_t BMenu::SetTargetForItems(const BMessenger& target) {
 }
 
 void BMenu::PrepareLayout() {
+    if (Window())
+        return; // it is open
     Layout();
-    DrawAhead();
-    for (BMenuItem* item : fItems) {
+    BMenuWindow::Prepare(*this);
+    for (const BMenuItem* item : fItems) {
         if (item->fSubmenu)
             item->fSubmenu->PrepareLayout();
     }
-    BMenuWindow::Prepare();
-}
-
-// Fonts make a glyph when it is first drawn, which would take longer than the rest of opening.
-void BMenu::DrawAhead() const {
-    const double scale = DisplayScale();
-    const float height = fItems.empty() ? 1 : fItems[0]->fHeight;
-    const auto pixels = [scale](float length) {
-        return static_cast<int>(std::ceil(length * scale));
-    };
-    host::Canvas canvas(std::min(pixels(fContentWidth), 2000), std::min(pixels(height), 200),
-                        scale);
-    BFont font;
-    GetFont(&font);
-    for (const BMenuItem* item : fItems)
-        canvas.DrawText(SpecOf(font), item->Label(), BPoint(0, height / 2), rgb_color());
 }
 
 void BMenu::KeyDown(const char* bytes, int32 numBytes) {
@@ -189,6 +175,7 @@ void BMenu::DrawScrollArrow(BRect frame, bool up) {
 
 void BMenu::ItemChanged(bool size) {
     const bool wasLaidOut = fLaidOut;
+    fDrawnIn = nullptr;
     if (size)
         fLaidOut = false;
     if (fField)

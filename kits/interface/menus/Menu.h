@@ -7,6 +7,7 @@
 #include "kits/interface/window/View.h"
 
 class BMenuField;
+class BMenuWindow;
 class MenuTracker;
 
 enum menu_layout {
@@ -60,9 +61,9 @@ public:
     // The item that this menu is the sub-menu of, or null.
     BMenuItem* Superitem() const { return fSuperitem; }
 
-    // Measures what has changed, here and in sub-menus, and makes the window ready that the next
-    // menu opens in, so that opening takes no time. A program calls it when it has nothing better
-    // to do; without that the same is done when the menu opens.
+    // Measures what has changed, here and in sub-menus, and draws each in a hidden window, so that
+    // opening takes less time. A program calls it when it has nothing better to do; without that
+    // the same is done when the menu opens. An open menu is left alone.
     void PrepareLayout();
 
     // While the menu is open, the keys of the session go to the menu that was opened last: also
@@ -115,7 +116,6 @@ private:
     Part PartAt(BPoint where) const;
     BMenuItem* SelectableAt(BPoint where) const;
 
-    void DrawAhead() const;
     void DrawFrame();
     void DrawScrollArrow(BRect frame, bool up);
 
@@ -132,6 +132,9 @@ private:
     bool fLabelFromMarked = false;
 
     bool fLaidOut = false;
+    double fScale = 0; // of the display when it was laid out
+    const BMenuWindow* fDrawnIn =
+        nullptr; // has the picture of what is laid out, unless another has been drawn there
     bool fDrawing = false;
     float fContentWidth = 0;
     float fContentHeight = 0;

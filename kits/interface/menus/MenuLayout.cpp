@@ -1,13 +1,21 @@
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "kits/interface/drawing/Font.h"
 #include "kits/interface/menus/Menu.h"
 #include "kits/interface/menus/MenuPlacement.h"
 
 void BMenu::Layout() {
-    if (fLaidOut)
+    const double scale = DisplayScale();
+    if (scale != std::exchange(fScale, scale)) {
+        for (BMenuItem* item : fItems)
+            item->fMeasured = false;
+    } else if (fLaidOut) {
         return;
+    }
     fLaidOut = true;
+    fDrawnIn = nullptr;
     float width = 0;
     float top = 0;
     fShortcutWidth = 0;

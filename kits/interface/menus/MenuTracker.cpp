@@ -15,14 +15,14 @@ constexpr bigtime_t kGrabTimeout = 300'000;
 
 } // namespace
 
-MenuTracker::MenuTracker(bool invokes)
+MenuTracker::MenuTracker(const BMenu& first, bool invokes)
     : fInvokes(invokes)
-    , fWindow(BMenuWindow::Take())
+    , fWindow(BMenuWindow::Take(&first))
     , fMessenger(fWindow) {}
 
 std::shared_ptr<MenuTracker> MenuTracker::Open(BMenu& menu, BPoint where, bool openAnyway,
                                                bool invokes, BMenuItem* selected, bool deletes) {
-    std::shared_ptr<MenuTracker> tracker(new MenuTracker(invokes));
+    std::shared_ptr<MenuTracker> tracker(new MenuTracker(menu, invokes));
     if (!Register(tracker))
         return nullptr;
     const MenuLock lock(*tracker->fWindow);
@@ -36,7 +36,7 @@ std::shared_ptr<MenuTracker> MenuTracker::Open(BMenu& menu, BPoint where, bool o
 
 std::shared_ptr<MenuTracker> MenuTracker::OpenTitle(std::vector<MenuTitle> titles, size_t first,
                                                     bool selectsItem) {
-    std::shared_ptr<MenuTracker> tracker(new MenuTracker(false));
+    std::shared_ptr<MenuTracker> tracker(new MenuTracker(*titles[first].menu, false));
     tracker->fTitles = std::move(titles);
     tracker->fShownTitle = first;
     if (!Register(tracker))
@@ -226,7 +226,7 @@ void MenuTracker::OpenSubmenu(size_t level, BMenuItem& item, bool selectFirst) {
         const BRect frame =
             PlaceSubmenu(parent.Frame(), beside, submenu.ContentWidth(), submenu.ContentHeight(),
                          BScreen::MonitorFrame(beside.LeftTop()));
-        BMenuWindow* window = BMenuWindow::Take();
+        BMenuWindow* window = BMenuWindow::Take(&submenu);
         const MenuLock lock(*window);
         window->Open(submenu, frame, *this);
         fLevels.push_back({window, &submenu});

@@ -69,7 +69,7 @@ private:
     // The purpose of the running timer.
     enum class Timer { OpenSubmenu, StopAiming, Scroll, StopSwallowing };
 
-    explicit MenuTracker(bool invokes);
+    MenuTracker(const BMenu& first, bool invokes);
 
     static bool Register(const std::shared_ptr<MenuTracker>& tracker);
     // Takes the input; false, and the end of the tracker, if the menu cannot be opened.

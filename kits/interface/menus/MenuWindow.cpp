@@ -1,5 +1,6 @@
 #include "kits/interface/menus/MenuWindow.h"
 
+#include <algorithm>
 #include <mutex>
 #include <vector>
 
@@ -28,24 +29,33 @@ KeptWindows& Kept() {
 BMenuWindow::BMenuWindow()
     : BWindow(BRect(0, 0, 199, 299), "menu", kMenuWindowLook, kMenuWindowFeel,
               B_NOT_RESIZABLE | B_NOT_CLOSABLE) {
-    Unlock();
     WindowRoster::Shared().SetMenuCleaner(DeleteKept);
+    Run();
 }
 
-void BMenuWindow::Prepare() {
-    KeptWindows& kept = Kept();
-    std::lock_guard lock(kept.mutex);
-    if (kept.windows.empty())
-        kept.windows.push_back(new BMenuWindow);
+// Fonts make a glyph when it is first drawn, and the window's picture and the memory behind it are
+// made then: together twice as much as the drawing itself.
+void BMenuWindow::Prepare(BMenu& menu) {
+    BMenuWindow* window = Take(&menu);
+    {
+        const MenuLock lock(*window);
+        const BRect frame(0, 0, menu.ContentWidth() - 1, menu.ContentHeight() - 1);
+        window->Insert(menu, frame.OffsetToCopy(window->Frame().LeftTop()));
+        window->Remove();
+    }
+    GiveBack(window);
 }
 
-BMenuWindow* BMenuWindow::Take() {
+BMenuWindow* BMenuWindow::Take(const BMenu* menu) {
     KeptWindows& kept = Kept();
     std::lock_guard lock(kept.mutex);
     if (kept.windows.empty())
         return new BMenuWindow;
-    BMenuWindow* window = kept.windows.back();
-    kept.windows.pop_back();
+    auto found = std::ranges::find(kept.windows, menu, &BMenuWindow::fDrawn);
+    if (found == kept.windows.end())
+        --found;
+    BMenuWindow* window = *found;
+    kept.windows.erase(found);
     return window;
 }
 
@@ -69,17 +79,8 @@ void BMenuWindow::DeleteKept() {
 }
 
 void BMenuWindow::Open(BMenu& menu, BRect frame, MenuTracker& tracker) {
-    fMenu = &menu;
     menu.fTracker = &tracker;
-    menu.fSelected = nullptr;
-    menu.fScroll = 0;
-    SetMenuFrame(frame);
-    AddChild(&menu);
-    menu.Invalidate();
-    // The first Show() gives back one lock, which must not be the caller's.
-    if (!fHasRun)
-        Lock();
-    fHasRun = true;
+    Insert(menu, frame);
     Show();
 }
 
@@ -88,10 +89,10 @@ void BMenuWindow::Close() {
         return;
     if (!IsHidden())
         Hide();
-    RemoveChild(fMenu);
     fMenu->fTracker = nullptr;
-    fMenu->fSelected = nullptr;
-    fMenu = nullptr;
+    fMenu->Select(nullptr);
+    fMenu->ScrollTo(0);
+    Remove();
 }
 
 void BMenuWindow::DispatchMessage(BMessage* message, BHandler* handler) {
@@ -103,6 +104,27 @@ void BMenuWindow::DispatchMessage(BMessage* message, BHandler* handler) {
     const std::shared_ptr<MenuTracker> tracker = fTracker;
     if (!tracker || !tracker->HandleMessage(*message))
         BWindow::DispatchMessage(message, handler);
+}
+
+void BMenuWindow::Insert(BMenu& menu, BRect frame) {
+    const bool isDrawn =
+        fDrawn == &menu && menu.fDrawnIn == this && Bounds() == frame.OffsetToCopy(B_ORIGIN);
+    fMenu = &menu;
+    fDrawn = &menu;
+    menu.fDrawnIn = this;
+    SetMenuFrame(frame);
+    AddChild(&menu);
+    if (isDrawn)
+        Validate();
+    else
+        menu.Invalidate();
+}
+
+// The picture becomes what the menu's next opening begins with.
+void BMenuWindow::Remove() {
+    UpdateHidden();
+    RemoveChild(fMenu);
+    fMenu = nullptr;
 }
 
 void BMenuWindow::SetMenuFrame(BRect frame) {

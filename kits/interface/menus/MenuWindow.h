@@ -17,12 +17,13 @@ public:
         kMenuTimer = '_MNT',     // for the tracker
     };
 
-    // Makes a window if none is kept. Any thread.
-    static void Prepare();
+    // Draws the menu, which must be laid out and not open, in a window that stays hidden, so that
+    // it opens sooner. Any thread.
+    static void Prepare(BMenu& menu);
 
-    // A window that is not shown and not locked; it is the caller's until it is given back. Any
-    // thread.
-    static BMenuWindow* Take();
+    // A window that is not shown and not locked, if possible the one that has the menu's picture;
+    // it is the caller's until it is given back. Any thread.
+    static BMenuWindow* Take(const BMenu* menu);
     static void GiveBack(BMenuWindow* window);
 
     // Deletes those that are kept. The caller must hold the lock of none.
@@ -45,12 +46,15 @@ public:
 private:
     BMenuWindow();
 
+    void Insert(BMenu& menu, BRect frame);
+    void Remove();
     void SetMenuFrame(BRect frame);
     void FitMenu();
 
     BMenu* fMenu = nullptr;
+    // Whose picture the window has. It may be deleted: one that is not knows of the picture too.
+    const BMenu* fDrawn = nullptr;
     std::shared_ptr<MenuTracker> fTracker;
-    bool fHasRun = false;
 };
 
 // Keeps a menu's window locked.

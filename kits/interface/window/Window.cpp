@@ -64,10 +64,8 @@ void BWindow::Show() {
     if (--fState->hideCount == 0) {
         if (fState->scale != DisplayScale())
             fState->FollowSettings();
-        if (!std::exchange(fState->hasShown, true)) {
+        if (!std::exchange(fState->hasShown, true))
             fState->BringInside();
-            fState->Invalidate(Bounds());
-        }
         UpdateIfNeeded();
         if (fState->host)
             fState->host->Show();
@@ -177,6 +175,16 @@ BControl* BWindow::DefaultButton() const {
 void BWindow::UpdateIfNeeded() {
     fState->Update();
     fState->Present();
+}
+
+void BWindow::UpdateHidden() {
+    const int32 hides = std::exchange(fState->hideCount, 0);
+    UpdateIfNeeded();
+    fState->hideCount = hides;
+}
+
+void BWindow::Validate() {
+    fState->update = ClipRegion();
 }
 
 void BWindow::Flush() const {

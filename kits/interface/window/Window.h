@@ -131,6 +131,11 @@ public:
 protected:
     void MessageHandled() override;
 
+    // UpdateIfNeeded() also for a window that is hidden, which else draws when it is shown.
+    void UpdateHidden();
+    // Drops what waits to be drawn: the window has the picture already.
+    void Validate();
+
     // Directs all mouse and keyboard input of the session to this window, until ReleaseInput() or
     // its end: its messages have "screen_where", whichever window the pointer is over. Tries for
     // `timeout` microseconds; an error if another program holds the input for that long.

@@ -51,7 +51,9 @@ BWindow::State::State(BWindow* window_, BRect frame, const char* title_, window_
     , reported(device)
     , root(Bounds(), "root", B_FOLLOW_ALL, 0)
     , translator(BMessenger(window), scale, Role())
-    , host(CreateHostWindow(Spec(), &translator)) {}
+    , host(CreateHostWindow(Spec(), &translator)) {
+    Invalidate(Bounds());
+}
 
 WindowRole BWindow::State::Role() const {
     if (IsMenu())

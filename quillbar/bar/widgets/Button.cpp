@@ -6,6 +6,7 @@
 #include "kits/interface/drawing/Font.h"
 #include "kits/interface/window/Window.h"
 #include "quillbar/bar/widgets/Bevel.h"
+#include "quillbar/base/Commands.h"
 
 QBButton::QBButton(BRect frame, const char* name, const char* label, BMessage* message,
                    uint32 resizingMode, uint32 flags)
@@ -64,8 +65,16 @@ void QBButton::MouseUp(BPoint where) {
 }
 
 void QBButton::MouseMoved(BPoint, uint32 transit, const BMessage*) {
-    if (!fTracking || (transit != B_EXITED_VIEW && transit != B_ENTERED_VIEW))
+    if (transit != B_EXITED_VIEW && transit != B_ENTERED_VIEW)
         return;
+    if (!fTracking) {
+        if (transit == B_ENTERED_VIEW) {
+            BMessage message(kQBPointAt);
+            message.AddInt32("code", static_cast<int32>(Message()->what));
+            Messenger().SendMessage(&message);
+        }
+        return;
+    }
     fPressed = transit == B_ENTERED_VIEW;
     Invalidate();
 }
