@@ -147,6 +147,8 @@ public:
     void Type(const std::string& text);
     // Releases the keys and buttons that are still down.
     void LetGo();
+    // Whether a program could grab pointer and keyboard; waits for it.
+    bool IsInputFree() const;
 
     // Pixels.
     uint32_t Pixel(int x, int y) const; // 0xRRGGBB
