@@ -245,4 +245,39 @@ TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {
     EXPECT_EQ(windows(), windowsBefore - 2);
 }
 
+// A window keeps the picture of the last menu.
+TEST_F(MenuTest, ShowsItsStateOfNow) {
+    const auto isDrawnAnewAlike = [&] {
+        const test::Picture shown = desk.Settled({100, 100, 200, 100});
+        EXPECT_TRUE(InMenu(&menu, [&] { menu.Invalidate(); }));
+        return desk.Settled({100, 100, 200, 100}) == shown;
+    };
+    AddThree();
+    menu.PrepareLayout();
+    Open();
+    const test::Picture first = desk.Settled({100, 100, 200, 100});
+    EXPECT_TRUE(isDrawnAnewAlike());
+    PointAt(menu.ItemAt(1));
+    ASSERT_TRUE(WaitForHighlight(menu.ItemAt(1)));
+    desk.Key(XK_Escape);
+    Answer();
+    desk.MoveTo(600, 600);
+    Open();
+    EXPECT_EQ(desk.Settled({100, 100, 200, 100}), first) << "an item is still highlighted";
+    desk.Key(XK_Escape);
+    Answer();
+
+    const std::function<void()> changes[] = {[&] { menu.ItemAt(0)->SetLabel("Other"); },
+                                             [&] { menu.ItemAt(1)->SetMarked(true); },
+                                             [&] { delete menu.RemoveItem(int32{2}); }};
+    for (const auto& change : changes) {
+        menu.PrepareLayout();
+        change();
+        Open();
+        EXPECT_TRUE(isDrawnAnewAlike());
+        desk.Key(XK_Escape);
+        Answer();
+    }
+}
+
 } // namespace
