@@ -249,7 +249,10 @@ TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {
 TEST_F(MenuTest, ShowsItsStateOfNow) {
     const auto isDrawnAnewAlike = [&] {
         const test::Picture shown = desk.Settled({100, 100, 200, 100});
-        EXPECT_TRUE(InMenu(&menu, [&] { menu.Invalidate(); }));
+        EXPECT_TRUE(InMenu(&menu, [&] {
+            menu.Invalidate();
+            menu.Window()->UpdateIfNeeded();
+        }));
         return desk.Settled({100, 100, 200, 100}) == shown;
     };
     AddThree();
