@@ -1,8 +1,6 @@
 #pragma once
 
-#include <map>
 #include <string>
-#include <vector>
 
 #include "base/Types.h"
 
@@ -13,9 +11,6 @@ namespace host {
 status_t ReadAttribute(int descriptor, const std::string& name, std::string& value);
 status_t AttributeSize(int descriptor, const std::string& name, int64& size);
 status_t WriteAttribute(int descriptor, const std::string& name, const std::string& value);
-
-// B_BAD_DATA when the node has more names than the system can list; they can be read nevertheless.
-status_t ListAttributes(int descriptor, std::vector<std::string>& names);
 
 // The attribute that desktops share for a file's MIME type.
 extern const char* const kTypeAttribute;

@@ -8,9 +8,8 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <memory>
+#include <cstring>
 
-#include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
 
 namespace host {
@@ -18,6 +17,7 @@ namespace host {
 namespace {
 
 constexpr int kSafely = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+constexpr int kDirectory = O_RDONLY | O_DIRECTORY | kSafely;
 
 status_t RefuseUnlessFile(NodeKind kind) {
     if (kind == NodeKind::File)
@@ -25,8 +25,27 @@ status_t RefuseUnlessFile(NodeKind kind) {
     return kind == NodeKind::Directory ? B_IS_A_DIRECTORY : B_NOT_ALLOWED;
 }
 
+status_t CreateDirectory(const std::string& path, mode_t mode) {
+    return mkdir(path.c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+NodeKind KindOfEntryType(unsigned char type) {
+    switch (type) {
+    case DT_REG:
+        return NodeKind::File;
+    case DT_DIR:
+        return NodeKind::Directory;
+    case DT_LNK:
+        return NodeKind::Link;
+    case DT_UNKNOWN:
+        return NodeKind::Unknown;
+    default:
+        return NodeKind::Other;
+    }
+}
+
 status_t SyncDirectory(const std::string& path) {
-    Descriptor directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | kSafely));
+    Descriptor directory(open(path.c_str(), kDirectory));
     return directory && fsync(directory.Get()) == 0 ? B_OK : StatusFromErrno(errno);
 }
 
@@ -44,6 +63,10 @@ status_t OpenPathOnly(const std::string& path, Descriptor& node, bool follow) {
     int flags = O_PATH | O_CLOEXEC | (follow ? 0 : O_NOFOLLOW);
     node = Descriptor(open(path.c_str(), flags));
     return node ? B_OK : StatusFromErrno(errno);
+}
+
+std::string DescriptorPath(int descriptor) {
+    return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
 status_t OpenFile(const std::string& path, int flags, Descriptor& file) {
@@ -76,13 +99,8 @@ status_t SyncNode(int descriptor) {
     status_t result = Stat(descriptor, "", status);
     if (result != B_OK || (status.kind != NodeKind::File && status.kind != NodeKind::Directory))
         return result;
-    std::string path = "/proc/self/fd/" + std::to_string(descriptor);
-    Descriptor opened(open(path.c_str(), O_RDONLY | kSafely));
+    Descriptor opened(open(DescriptorPath(descriptor).c_str(), O_RDONLY | kSafely));
     return opened && fsync(opened.Get()) == 0 ? B_OK : StatusFromErrno(errno);
-}
-
-status_t CreateDirectory(const std::string& path, mode_t mode) {
-    return mkdir(path.c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
 }
 
 status_t CreateDirectories(const std::string& path, mode_t mode) {
@@ -133,9 +151,7 @@ status_t SetPermissions(int node, mode_t mode) {
         return B_OK;
     if (errno != EBADF)
         return StatusFromErrno(errno);
-    // An O_PATH descriptor is refused, its path in /proc is not.
-    const std::string name = "/proc/self/fd/" + std::to_string(node);
-    return chmod(name.c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
+    return chmod(DescriptorPath(node).c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
 }
 
 status_t ResolvePath(const std::string& path, std::string& resolved) {
@@ -144,6 +160,38 @@ status_t ResolvePath(const std::string& path, std::string& resolved) {
         return StatusFromErrno(errno);
     resolved = real.get();
     return B_OK;
+}
+
+status_t DirectoryScan::Open(const std::string& path) {
+    Descriptor directory(open(path.c_str(), kDirectory));
+    return directory ? Adopt(std::move(directory)) : StatusFromErrno(errno);
+}
+
+status_t DirectoryScan::Open(const Descriptor& directory) {
+    Descriptor own(openat(directory.Get(), ".", kDirectory));
+    return own ? Adopt(std::move(own)) : StatusFromErrno(errno);
+}
+
+status_t DirectoryScan::Adopt(Descriptor directory) {
+    fStream.reset(fdopendir(directory.Get()));
+    if (!fStream)
+        return StatusFromErrno(errno);
+    directory.Release();
+    return B_OK;
+}
+
+status_t DirectoryScan::Next(Entry& entry) {
+    for (;;) {
+        errno = 0;
+        dirent* next = readdir(fStream.get());
+        if (!next)
+            return errno == 0 ? B_ENTRY_NOT_FOUND : StatusFromErrno(errno);
+        if (strcmp(next->d_name, ".") == 0 || strcmp(next->d_name, "..") == 0)
+            continue;
+        entry.name = next->d_name;
+        entry.kind = KindOfEntryType(next->d_type);
+        return B_OK;
+    }
 }
 
 } // namespace host

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <dirent.h>
 #include <sys/types.h>
 
+#include <memory>
 #include <string>
 
-#include "base/Types.h"
+#include "host/files/NodeStatus.h"
 #include "host/loop/Descriptor.h"
 
 namespace host {
@@ -13,6 +15,9 @@ namespace host {
 // status and attributes can be read. A link at the end is opened itself unless `follow`.
 status_t OpenPathOnly(const std::string& path, Descriptor& node, bool follow = false);
 
+// A path that leads to the node of the descriptor, for calls that refuse an O_PATH one.
+std::string DescriptorPath(int descriptor);
+
 // Opens a regular file, following links; `flags` are those of open(). Other nodes are refused with
 // B_IS_A_DIRECTORY or B_NOT_ALLOWED and are not opened.
 status_t OpenFile(const std::string& path, int flags, Descriptor& file);
@@ -20,8 +25,7 @@ status_t OpenFile(const std::string& path, int flags, Descriptor& file);
 // Waits until the node is on the disk. Does nothing for nodes other than files and directories.
 status_t SyncNode(int descriptor);
 
-status_t CreateDirectory(const std::string& path, mode_t mode);
-// Also creates the directories on the way; fine if it is there.
+// Creates a directory and those on the way; fine if it is there.
 status_t CreateDirectories(const std::string& path, mode_t mode);
 
 // B_FILE_EXISTS if something is at `to`, unless it may be replaced. Replacing is one step and is on
@@ -38,5 +42,35 @@ status_t SetPermissions(int node, mode_t mode);
 
 // The place that a path leads to when all links are followed; all of it must exist.
 status_t ResolvePath(const std::string& path, std::string& resolved);
+
+// A walk through a directory, in the disk's order, without "." and "..". It reads no entry's
+// status.
+class DirectoryScan {
+public:
+    struct Entry {
+        std::string name;
+        // From the directory itself; Unknown where the disk does not keep it there.
+        NodeKind kind = NodeKind::Unknown;
+    };
+
+    status_t Open(const std::string& path);
+    // Walks the directory of the descriptor, which stays the caller's.
+    status_t Open(const Descriptor& directory);
+
+    // B_ENTRY_NOT_FOUND at the end.
+    status_t Next(Entry& entry);
+
+    // The open directory.
+    int Get() const { return dirfd(fStream.get()); }
+
+private:
+    struct Closer {
+        void operator()(DIR* stream) const { closedir(stream); }
+    };
+
+    status_t Adopt(Descriptor directory);
+
+    std::unique_ptr<DIR, Closer> fStream;
+};
 
 } // namespace host

@@ -1,6 +1,5 @@
 #include "host/files/NodeStatus.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -56,7 +55,6 @@ status_t Stat(int directory, const std::string& path, NodeStatus& status, bool f
     status.group = raw.stx_gid;
     status.size = int64(raw.stx_size);
     status.modified = Nanoseconds(raw.stx_mtime);
-    status.changed = Nanoseconds(raw.stx_ctime);
     return B_OK;
 }
 
@@ -67,21 +65,6 @@ status_t Stat(const std::string& path, NodeStatus& status, bool follow) {
         return B_ENTRY_NOT_FOUND;
     }
     return Stat(AT_FDCWD, path, status, follow);
-}
-
-NodeKind KindOfEntryType(unsigned char type) {
-    switch (type) {
-    case DT_REG:
-        return NodeKind::File;
-    case DT_DIR:
-        return NodeKind::Directory;
-    case DT_LNK:
-        return NodeKind::Link;
-    case DT_UNKNOWN:
-        return NodeKind::Unknown;
-    default:
-        return NodeKind::Other;
-    }
 }
 
 } // namespace host

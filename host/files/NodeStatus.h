@@ -27,7 +27,6 @@ struct NodeStatus {
     uint32 group = 0;
     int64 size = 0;
     int64 modified = 0;
-    int64 changed = 0;
 };
 
 // Reads the status of `path` (relative to the directory `directory`, a descriptor or AT_FDCWD), or
@@ -35,8 +34,5 @@ struct NodeStatus {
 // After a failure the status is that of Nothing. Any thread.
 status_t Stat(int directory, const std::string& path, NodeStatus& status, bool follow = false);
 status_t Stat(const std::string& path, NodeStatus& status, bool follow = false);
-
-// The kind that a directory entry's d_type stands for.
-NodeKind KindOfEntryType(unsigned char type);
 
 } // namespace host

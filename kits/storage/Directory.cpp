@@ -1,6 +1,5 @@
 #include "kits/storage/Directory.h"
 
-#include "host/files/DirectoryScan.h"
 #include "host/files/Files.h"
 #include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"

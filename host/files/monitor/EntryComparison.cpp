@@ -3,7 +3,7 @@
 #include <fcntl.h>
 
 #include "host/files/Attributes.h"
-#include "host/files/DirectoryScan.h"
+#include "host/files/Files.h"
 
 namespace host {
 

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "host/files/Files.h"
+
 namespace host {
 
 namespace {
@@ -26,8 +28,7 @@ status_t Inotify::Open() {
 }
 
 status_t Inotify::Add(const Descriptor& node, uint32 mask, int& watch) {
-    std::string path = "/proc/self/fd/" + std::to_string(node.Get());
-    watch = inotify_add_watch(Get(), path.c_str(), mask | IN_MASK_ADD);
+    watch = inotify_add_watch(Get(), DescriptorPath(node.Get()).c_str(), mask | IN_MASK_ADD);
     return watch >= 0 ? B_OK : Report(errno);
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "host/files/DirectoryScan.h"
 #include "host/files/Files.h"
 #include "host/files/KnownPaths.h"
 #include "host/files/Paths.h"
