@@ -8,49 +8,21 @@
 
 BDirectory::~BDirectory() = default;
 
-BDirectory::BDirectory(const char* path) {
-    SetTo(path);
-}
-
 BDirectory::BDirectory(const BEntry* entry) {
-    SetTo(entry);
-}
-
-status_t BDirectory::SetTo(const char* path) {
-    BEntry entry(path);
-    return SetTo(&entry);
-}
-
-status_t BDirectory::SetTo(const BEntry* entry) {
-    if (entry && entry->InitCheck() == B_OK)
-        return SetToHostPath(entry->fHostPath);
-    Unset();
-    return Fail(entry ? entry->InitCheck() : B_BAD_VALUE);
-}
-
-status_t BDirectory::SetToHostPath(const std::string& path) {
-    Unset();
-    host::NodeStatus there;
-    status_t status = host::Stat(path, there, true);
-    if (status == B_OK && there.kind != host::NodeKind::Directory)
-        status = B_NOT_A_DIRECTORY;
     host::Descriptor node;
+    status_t status = entry ? entry->InitCheck() : B_BAD_VALUE;
     if (status == B_OK)
-        status = host::OpenPathOnly(path, node, true);
+        status = host::OpenPathOnly(entry->fHostPath, node, true);
     auto scan = std::make_unique<host::DirectoryScan>();
     if (status == B_OK)
         status = scan->Open(node);
-    if (status != B_OK)
-        return Fail(status);
-    fHostPath = path;
+    if (status != B_OK) {
+        Fail(status);
+        return;
+    }
+    fHostPath = entry->fHostPath;
     fScan = std::move(scan);
-    return SetToDescriptor(std::move(node));
-}
-
-void BDirectory::Unset() {
-    fScan.reset();
-    fHostPath.clear();
-    BNode::Unset();
+    SetToDescriptor(std::move(node));
 }
 
 status_t BDirectory::GetNextEntry(BEntry* entry, bool traverse) {
@@ -73,12 +45,6 @@ status_t BDirectory::GetNextEntry(BEntry* entry, bool traverse) {
     entry->fKind = next.kind;
     entry->fStatus = B_OK;
     return B_OK;
-}
-
-std::string BDirectory::HostPathOf(const char* path) const {
-    if (InitCheck() != B_OK || !path || path[0] == '\0')
-        return "";
-    return path[0] == '/' ? host::HostPath(host::PlainPath(path)) : fHostPath + "/" + path;
 }
 
 status_t create_directory(const char* path, mode_t mode) {

@@ -12,15 +12,10 @@ class DirectoryScan;
 // An open directory and a walk through its entries. One thread at a time.
 class BDirectory : public BNode {
 public:
-    explicit BDirectory(const char* path);
-    explicit BDirectory(const BEntry* entry);
-    ~BDirectory() override;
-
     // Opens the directory; a symbolic link to one is followed. B_NOT_A_DIRECTORY,
     // B_ENTRY_NOT_FOUND, B_PERMISSION_DENIED. The walk starts at the first entry.
-    status_t SetTo(const char* path);
-    status_t SetTo(const BEntry* entry);
-    void Unset();
+    explicit BDirectory(const BEntry* entry);
+    ~BDirectory() override;
 
     // Sets `entry` to the next entry, in the order of the disk, without "." and "..".
     // B_ENTRY_NOT_FOUND, with `entry` unset, when there are no more. With `traverse` a symbolic
@@ -30,11 +25,6 @@ public:
     status_t GetNextEntry(BEntry* entry, bool traverse = false);
 
 private:
-    friend class BEntry;
-
-    status_t SetToHostPath(const std::string& path);
-    std::string HostPathOf(const char* path) const;
-
     std::string fHostPath;
     std::unique_ptr<host::DirectoryScan> fScan;
 };

@@ -4,7 +4,6 @@
 #include "host/files/Files.h"
 #include "host/files/KnownPaths.h"
 #include "host/files/Paths.h"
-#include "kits/storage/Directory.h"
 #include "kits/storage/Path.h"
 
 BEntry::BEntry(const char* path, bool traverse) {
@@ -15,18 +14,10 @@ BEntry::BEntry(const entry_ref* ref, bool traverse) {
     SetTo(ref, traverse);
 }
 
-BEntry::BEntry(const BDirectory* directory, const char* leaf, bool traverse) {
-    SetTo(directory, leaf, traverse);
-}
-
 status_t BEntry::SetTo(const char* path, bool traverse) {
     BPath plain;
     status_t status = plain.SetTo(path);
-    if (status != B_OK) {
-        Unset();
-        return fStatus = status;
-    }
-    return SetToHostPath(host::HostPath(plain.Path()), traverse);
+    return status == B_OK ? SetToHostPath(host::HostPath(plain.Path()), traverse) : Fail(status);
 }
 
 status_t BEntry::SetTo(const entry_ref* ref, bool traverse) {
@@ -36,26 +27,18 @@ status_t BEntry::SetTo(const entry_ref* ref, bool traverse) {
     if (ref && !ref->name.empty() && ref->name != "." && ref->name != ".." &&
         ref->name.find('/') == std::string::npos)
         status = host::KnownPaths::Shared().Find({ref->device, ref->directory}, directory);
-    if (status != B_OK) {
-        Unset();
-        return fStatus = status;
-    }
-    return SetToHostPath(host::Join(directory, ref->name), traverse);
-}
-
-status_t BEntry::SetTo(const BDirectory* directory, const char* leaf, bool traverse) {
-    std::string path = directory ? directory->HostPathOf(leaf) : "";
-    if (path.empty()) {
-        Unset();
-        return fStatus = B_BAD_VALUE;
-    }
-    return SetTo(host::PlatformPath(path).c_str(), traverse);
+    return status == B_OK ? SetToHostPath(host::Join(directory, ref->name), traverse)
+                          : Fail(status);
 }
 
 void BEntry::Unset() {
+    Fail(B_NO_INIT);
+}
+
+status_t BEntry::Fail(status_t status) {
     fHostPath.clear();
     fKind.reset();
-    fStatus = B_NO_INIT;
+    return fStatus = status;
 }
 
 status_t BEntry::SetToHostPath(std::string path, bool traverse) {

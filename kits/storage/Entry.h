@@ -19,7 +19,6 @@ public:
     BEntry() = default;
     explicit BEntry(const char* path, bool traverse = false);
     explicit BEntry(const entry_ref* ref, bool traverse = false);
-    BEntry(const BDirectory* directory, const char* leaf, bool traverse = false);
 
     // B_OK when a place is set, B_NO_INIT when none is, or the failure of the last SetTo.
     status_t InitCheck() const { return fStatus; }
@@ -32,7 +31,6 @@ public:
     // B_ENTRY_NOT_FOUND otherwise.
     status_t SetTo(const char* path, bool traverse = false);
     status_t SetTo(const entry_ref* ref, bool traverse = false);
-    status_t SetTo(const BDirectory* directory, const char* leaf, bool traverse = false);
     void Unset();
 
     // Whether anything is there now; a link that dangles counts.
@@ -65,6 +63,7 @@ private:
     friend class BNode;
 
     status_t SetToHostPath(std::string path, bool traverse);
+    status_t Fail(status_t status);
     host::NodeKind Kind() const;
 
     std::string fHostPath;

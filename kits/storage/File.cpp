@@ -8,7 +8,6 @@
 #include "host/files/Files.h"
 #include "host/files/NodeStatus.h"
 #include "host/files/Paths.h"
-#include "kits/storage/Entry.h"
 #include "kits/storage/Path.h"
 
 namespace {
@@ -22,8 +21,6 @@ int FlagsOf(uint32 openMode) {
         flags |= O_EXCL;
     if (openMode & B_ERASE_FILE)
         flags |= O_TRUNC;
-    if (openMode & B_OPEN_AT_END)
-        flags |= O_APPEND;
     return flags;
 }
 
@@ -51,26 +48,12 @@ BFile::BFile(const char* path, uint32 openMode) {
     SetTo(path, openMode);
 }
 
-BFile::BFile(const BDirectory* directory, const char* leaf, uint32 openMode) {
-    SetTo(directory, leaf, openMode);
-}
-
 status_t BFile::SetTo(const char* path, uint32 openMode) {
-    BEntry entry(path);
-    return SetTo(&entry, openMode);
-}
-
-status_t BFile::SetTo(const BDirectory* directory, const char* leaf, uint32 openMode) {
-    BEntry entry(directory, leaf);
-    return SetTo(&entry, openMode);
-}
-
-status_t BFile::SetTo(const BEntry* entry, uint32 openMode) {
-    BPath path;
-    status_t status = entry ? entry->GetPath(&path) : B_BAD_VALUE;
+    BPath plain;
+    status_t status = plain.SetTo(path);
     host::Descriptor file;
     if (status == B_OK)
-        status = host::OpenFile(host::HostPath(path.Path()), FlagsOf(openMode), file);
+        status = host::OpenFile(host::HostPath(plain.Path()), FlagsOf(openMode), file);
     return status == B_OK ? SetToDescriptor(std::move(file)) : Fail(status);
 }
 

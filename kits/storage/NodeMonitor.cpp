@@ -15,39 +15,9 @@ using host::ChangeKind;
 using host::NodeChange;
 
 int32 OpcodeOf(ChangeKind kind) {
-    switch (kind) {
-    case ChangeKind::Created:
-        return B_ENTRY_CREATED;
-    case ChangeKind::Removed:
-        return B_ENTRY_REMOVED;
-    case ChangeKind::Moved:
-        return B_ENTRY_MOVED;
-    case ChangeKind::StatusChanged:
-        return B_STAT_CHANGED;
-    default:
-        return B_ATTR_CHANGED;
-    }
-}
-
-void FillMessage(BMessage& message, const NodeChange& change) {
-    message.AddInt32("opcode", OpcodeOf(change.kind));
-    message.AddInt32("device", change.node.device);
-    switch (change.kind) {
-    case ChangeKind::Moved:
-        message.AddInt64("from directory", change.directory);
-        message.AddInt64("to directory", change.toDirectory);
-        break;
-    case ChangeKind::Created:
-    case ChangeKind::Removed:
-        message.AddInt64("directory", change.directory);
-        break;
-    case ChangeKind::StatusChanged:
-    case ChangeKind::AttributesChanged:
-        break;
-    }
-    message.AddInt64("node", change.node.node);
-    if (!change.name.empty())
-        message.AddString("name", change.name.c_str());
+    static_assert(int32(ChangeKind::Created) + 1 == B_ENTRY_CREATED &&
+                  int32(ChangeKind::AttributesChanged) + 1 == B_ATTR_CHANGED);
+    return int32(kind) + 1;
 }
 
 class MessageListener : public host::NodeListener {
@@ -57,7 +27,17 @@ public:
 
     bool NodeChanged(const NodeChange& change) override {
         BMessage message(B_NODE_MONITOR);
-        FillMessage(message, change);
+        message.AddInt32("opcode", OpcodeOf(change.kind));
+        message.AddInt32("device", change.node.device);
+        message.AddInt64("node", change.node.node);
+        if (change.kind == ChangeKind::Moved) {
+            message.AddInt64("from directory", change.directory);
+            message.AddInt64("to directory", change.toDirectory);
+        } else if (change.kind == ChangeKind::Created || change.kind == ChangeKind::Removed) {
+            message.AddInt64("directory", change.directory);
+        }
+        if (!change.name.empty())
+            message.AddString("name", change.name.c_str());
         return fTarget.SendMessage(&message) == B_OK;
     }
 
@@ -66,34 +46,18 @@ private:
 };
 
 // The node monitor knows listeners, by identity; the program knows messengers, by value. The
-// monitor owns the listeners; what is kept here finds them again.
-class Listeners {
-public:
-    std::shared_ptr<MessageListener> Find(const BMessenger& target) {
-        std::lock_guard lock(fMutex);
-        auto found = fListeners.find(target);
-        return found == fListeners.end() ? nullptr : found->second.lock();
-    }
-
-    std::shared_ptr<MessageListener> FindOrCreate(const BMessenger& target) {
-        std::lock_guard lock(fMutex);
-        std::erase_if(fListeners, [](const auto& item) { return item.second.expired(); });
-        auto listener = fListeners[target].lock();
-        if (!listener) {
-            listener = std::make_shared<MessageListener>(target);
-            fListeners[target] = listener;
-        }
-        return listener;
-    }
-
-private:
-    std::mutex fMutex;
-    std::map<BMessenger, std::weak_ptr<MessageListener>> fListeners;
-};
-
-Listeners& SharedListeners() {
-    static Listeners& shared = *new Listeners;
-    return shared;
+// monitor owns the listeners; what is kept here finds them again. One that listens to nothing
+// goes.
+std::shared_ptr<MessageListener> ListenerOf(const BMessenger& target) {
+    static std::mutex mutex;
+    static auto& listeners = *new std::map<BMessenger, std::weak_ptr<MessageListener>>;
+    std::lock_guard lock(mutex);
+    std::erase_if(listeners, [](const auto& item) { return item.second.expired(); });
+    auto& kept = listeners[target];
+    auto listener = kept.lock();
+    if (!listener)
+        kept = listener = std::make_shared<MessageListener>(target);
+    return listener;
 }
 
 } // namespace
@@ -102,16 +66,12 @@ static_assert(B_WATCH_NAME == host::kWatchName && B_WATCH_STAT == host::kWatchSt
               B_WATCH_ATTR == host::kWatchAttributes && B_WATCH_DIRECTORY == host::kWatchEntries);
 
 status_t watch_node(const node_ref* node, uint32 flags, BMessenger target) {
-    constexpr uint32 kAll = B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR | B_WATCH_DIRECTORY;
-    if (!node || (flags & ~kAll))
+    if (!node || (flags & ~host::kWatchAll))
         return B_BAD_VALUE;
-    if (flags == B_STOP_WATCHING) {
-        auto listener = SharedListeners().Find(target);
-        return listener ? host::NodeMonitor::Shared().Stop(*node, listener) : B_BAD_VALUE;
-    }
-    if (!target.IsValid())
-        return B_BAD_HANDLER;
-    return host::NodeMonitor::Shared().Listen(*node, flags, SharedListeners().FindOrCreate(target));
+    host::NodeMonitor& monitor = host::NodeMonitor::Shared();
+    if (flags == B_STOP_WATCHING)
+        return monitor.Stop(*node, ListenerOf(target));
+    return target.IsValid() ? monitor.Listen(*node, flags, ListenerOf(target)) : B_BAD_HANDLER;
 }
 
 const char* watch_limit_file(status_t status) {
@@ -119,6 +79,5 @@ const char* watch_limit_file(status_t status) {
 }
 
 status_t stop_watching(BMessenger target) {
-    auto listener = SharedListeners().Find(target);
-    return listener ? host::NodeMonitor::Shared().StopAll(listener) : B_BAD_VALUE;
+    return host::NodeMonitor::Shared().StopAll(ListenerOf(target));
 }

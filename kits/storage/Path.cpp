@@ -28,10 +28,8 @@ BPath::BPath(const BEntry* entry) {
 status_t BPath::SetTo(const char* path, const char* leaf) {
     std::string text = path ? path : "";
     std::string end = leaf ? leaf : "";
-    if (text.empty() || end.starts_with('/')) {
-        Unset();
-        return fStatus = B_BAD_VALUE;
-    }
+    if (text.empty() || end.starts_with('/'))
+        return Fail(B_BAD_VALUE);
     if (!text.starts_with('/'))
         text = WorkingDirectory() + "/" + text;
     if (!end.empty())
@@ -40,16 +38,16 @@ status_t BPath::SetTo(const char* path, const char* leaf) {
 }
 
 status_t BPath::SetTo(const BEntry* entry) {
-    if (!entry) {
-        Unset();
-        return fStatus = B_BAD_VALUE;
-    }
-    return fStatus = entry->GetPath(this);
+    return entry ? fStatus = entry->GetPath(this) : Fail(B_BAD_VALUE);
 }
 
 void BPath::Unset() {
+    Fail(B_NO_INIT);
+}
+
+status_t BPath::Fail(status_t status) {
     fPath.clear();
-    fStatus = B_NO_INIT;
+    return fStatus = status;
 }
 
 status_t BPath::Append(const char* path) {
@@ -80,18 +78,17 @@ status_t BPath::GetParent(BPath* parent) const {
 status_t BPath::SetToText(std::string text) {
     std::string plain = host::PlainPath(text);
     if (host::HasParentComponent(plain)) {
-        std::string hostPath = host::HostPath(plain);
-        std::string leaf = host::LeafOf(hostPath);
-        // A leaf that is ".." is itself part of the directory.
-        std::string directory = leaf == ".." ? hostPath : host::ParentPath(hostPath);
-        status_t status = directory.empty() ? B_OK : host::ResolvePath(directory, directory);
-        if (status != B_OK) {
-            Unset();
-            return fStatus = status;
-        }
-        if (leaf != ".." && !leaf.empty())
-            directory = host::Join(directory, leaf);
-        plain = host::PlatformPath(directory.empty() ? "/" : directory);
+        // Of a path that ends with "..", all is the directory.
+        std::string directory = host::HostPath(plain);
+        std::string leaf = host::LeafOf(directory);
+        if (leaf == "..")
+            leaf.clear();
+        else
+            directory = host::ParentPath(directory);
+        status_t status = host::ResolvePath(directory, directory);
+        if (status != B_OK)
+            return Fail(status);
+        plain = host::PlatformPath(leaf.empty() ? directory : host::Join(directory, leaf));
     }
     fPath = plain;
     return fStatus = B_OK;

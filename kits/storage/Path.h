@@ -44,6 +44,7 @@ public:
 
 private:
     status_t SetToText(std::string text);
+    status_t Fail(status_t status);
 
     std::string fPath;
     status_t fStatus = B_NO_INIT;

@@ -11,11 +11,7 @@ enum : uint32 {
     B_FAIL_IF_EXISTS = 0x0100, // with B_CREATE_FILE: an existing file is B_FILE_EXISTS
     B_CREATE_FILE = 0x0200,    // a missing file is created
     B_ERASE_FILE = 0x0400,     // an existing file is emptied
-    B_OPEN_AT_END = 0x0800,    // every write appends
 };
-
-// The size of a buffer that holds any file name, with its NUL.
-inline constexpr int32 B_FILE_NAME_LENGTH = 256;
 
 // The size of a buffer that holds any MIME type that BNodeInfo hands out, with its NUL.
 inline constexpr int32 B_MIME_TYPE_LENGTH = 240;
