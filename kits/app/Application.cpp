@@ -218,11 +218,8 @@ void BApplication::Session::Receive(std::string_view bytes) {
         QuitFromOutside(false);
         return;
     }
-    if (message.what == B_SILENT_RELAUNCH) {
-        const session_hooks hooks = get_session_hooks();
-        if (hooks.wake)
-            hooks.wake();
-    }
+    if (message.what == B_SILENT_RELAUNCH)
+        get_session_hooks().wake();
     message.SetSourceRemote(true);
     application.PostMessage(&message);
 }
@@ -233,9 +230,7 @@ void BApplication::Session::QuitFromOutside(bool displayLost) {
     if (isQuitWaiting.exchange(true))
         return;
     watchdog.Start();
-    const session_hooks hooks = get_session_hooks();
-    if (hooks.dismiss)
-        hooks.dismiss();
+    get_session_hooks().dismiss();
     BMessage request(B_QUIT_REQUESTED);
     request.SetSourceRemote(true);
     application.PostMessage(&request);
@@ -264,9 +259,8 @@ BApplication::~BApplication() {
 
 // A request to quit that came before there was a window to dismiss anything in is heard here.
 thread_id BApplication::Run() {
-    const session_hooks hooks = get_session_hooks();
-    if (fSession->isQuitWaiting && hooks.dismiss)
-        hooks.dismiss();
+    if (fSession->isQuitWaiting)
+        get_session_hooks().dismiss();
     BMessage ready(B_READY_TO_RUN);
     DispatchMessage(&ready, this);
     Loop();
@@ -281,12 +275,10 @@ void BApplication::Quit() {
 
 bool BApplication::QuitRequested() {
     const session_hooks hooks = get_session_hooks();
-    if (hooks.dismiss)
-        hooks.dismiss();
-    if (!hooks.quit_windows || hooks.quit_windows())
+    hooks.dismiss();
+    if (hooks.quit_windows())
         return true;
-    if (hooks.allow)
-        hooks.allow();
+    hooks.allow();
     return false;
 }
 
@@ -332,8 +324,7 @@ void BApplication::HandleQuit(bool isRemote) {
 }
 
 BMessenger BApplication::WindowAt(int32 index) {
-    const session_hooks hooks = get_session_hooks();
-    return hooks.window_at ? hooks.window_at(index) : BMessenger();
+    return get_session_hooks().window_at(index);
 }
 
 const char* BApplication::Signature() const {

@@ -5,17 +5,6 @@
 
 #include "kits/app/MessageText.h"
 
-BMessage::BMessage() = default;
-
-BMessage::BMessage(uint32 what_)
-    : what(what_) {}
-
-BMessage::BMessage(const BMessage&) = default;
-BMessage::BMessage(BMessage&&) noexcept = default;
-BMessage& BMessage::operator=(const BMessage&) = default;
-BMessage& BMessage::operator=(BMessage&&) noexcept = default;
-BMessage::~BMessage() = default;
-
 namespace {
 
 bool IsValue(type_code type, const void* data, ssize_t size) {
@@ -132,23 +121,30 @@ status_t BMessage::MakeEmpty() {
 }
 
 // The functions of a type whose values have one size.
-#define FIXED_SIZE_FUNCTIONS(Name, type, Argument, Result)                                         \
+#define ADD_AND_FIND(Name, type, Argument, Result)                                                 \
     status_t BMessage::Add##Name(const char* name, Argument value) {                               \
         return AddData(name, type, &value, sizeof(value));                                         \
     }                                                                                              \
-    status_t BMessage::Find##Name(const char* name, Result value) const {                          \
+    status_t BMessage::Find##Name(const char* name, Result* value) const {                         \
         return FindFixed(*this, name, type, 0, value);                                             \
     }
+#define ADD_FIND_AND_GET(Name, type, Value)                                                        \
+    ADD_AND_FIND(Name, type, Value, Value)                                                         \
+    Value BMessage::Get##Name(const char* name, Value otherwise) const {                           \
+        Find##Name(name, &otherwise);                                                              \
+        return otherwise;                                                                          \
+    }
 
-FIXED_SIZE_FUNCTIONS(Bool, B_BOOL_TYPE, bool, bool*)
-FIXED_SIZE_FUNCTIONS(Int8, B_INT8_TYPE, int8, int8*)
-FIXED_SIZE_FUNCTIONS(Int32, B_INT32_TYPE, int32, int32*)
-FIXED_SIZE_FUNCTIONS(Int64, B_INT64_TYPE, int64, int64*)
-FIXED_SIZE_FUNCTIONS(Float, B_FLOAT_TYPE, float, float*)
-FIXED_SIZE_FUNCTIONS(Point, B_POINT_TYPE, BPoint, BPoint*)
-FIXED_SIZE_FUNCTIONS(Pointer, B_POINTER_TYPE, const void*, void**)
+ADD_FIND_AND_GET(Bool, B_BOOL_TYPE, bool)
+ADD_FIND_AND_GET(Int8, B_INT8_TYPE, int8)
+ADD_FIND_AND_GET(Int32, B_INT32_TYPE, int32)
+ADD_FIND_AND_GET(Int64, B_INT64_TYPE, int64)
+ADD_FIND_AND_GET(Float, B_FLOAT_TYPE, float)
+ADD_FIND_AND_GET(Point, B_POINT_TYPE, BPoint)
+ADD_AND_FIND(Pointer, B_POINTER_TYPE, const void*, void*)
 
-#undef FIXED_SIZE_FUNCTIONS
+#undef ADD_FIND_AND_GET
+#undef ADD_AND_FIND
 
 status_t BMessage::FindInt32(const char* name, int32 index, int32* value) const {
     return FindFixed(*this, name, B_INT32_TYPE, index, value);
@@ -164,18 +160,6 @@ bool BMessage::HasInt64(const char* name) const {
 
 bool BMessage::HasPointer(const char* name) const {
     return HasData(name, B_POINTER_TYPE);
-}
-
-status_t BMessage::ReplaceBool(const char* name, bool value) {
-    return ReplaceData(name, B_BOOL_TYPE, &value, sizeof value);
-}
-
-status_t BMessage::ReplaceInt32(const char* name, int32 value) {
-    return ReplaceData(name, B_INT32_TYPE, &value, sizeof value);
-}
-
-status_t BMessage::ReplacePoint(const char* name, BPoint value) {
-    return ReplaceData(name, B_POINT_TYPE, &value, sizeof value);
 }
 
 status_t BMessage::AddString(const char* name, const char* value) {
@@ -215,37 +199,7 @@ status_t BMessage::FindRef(const char* name, int32 index, entry_ref* value) cons
     return B_OK;
 }
 
-bool BMessage::GetBool(const char* name, bool otherwise) const {
-    FindBool(name, &otherwise);
-    return otherwise;
-}
-
-int8 BMessage::GetInt8(const char* name, int8 otherwise) const {
-    FindInt8(name, &otherwise);
-    return otherwise;
-}
-
-int32 BMessage::GetInt32(const char* name, int32 otherwise) const {
-    FindInt32(name, &otherwise);
-    return otherwise;
-}
-
-int64 BMessage::GetInt64(const char* name, int64 otherwise) const {
-    FindInt64(name, &otherwise);
-    return otherwise;
-}
-
-float BMessage::GetFloat(const char* name, float otherwise) const {
-    FindFloat(name, &otherwise);
-    return otherwise;
-}
-
 const char* BMessage::GetString(const char* name, const char* otherwise) const {
     FindString(name, &otherwise);
-    return otherwise;
-}
-
-BPoint BMessage::GetPoint(const char* name, BPoint otherwise) const {
-    FindPoint(name, &otherwise);
     return otherwise;
 }

@@ -24,13 +24,9 @@ public:
     // The meaning of the message; sender and receiver agree on it.
     uint32 what = 0;
 
-    BMessage();
-    explicit BMessage(uint32 what);
-    BMessage(const BMessage& other);
-    BMessage(BMessage&& other) noexcept;
-    BMessage& operator=(const BMessage& other);
-    BMessage& operator=(BMessage&& other) noexcept;
-    ~BMessage();
+    BMessage() = default;
+    explicit BMessage(uint32 what_)
+        : what(what_) {}
 
     // Add a value behind those of the field, or a new field at the end.
     status_t AddBool(const char* name, bool value);
@@ -83,10 +79,7 @@ public:
     bool HasPointer(const char* name) const;
     bool HasData(const char* name, type_code type) const;
 
-    // Replace the first value of a field that exists.
-    status_t ReplaceBool(const char* name, bool value);
-    status_t ReplaceInt32(const char* name, int32 value);
-    status_t ReplacePoint(const char* name, BPoint value);
+    // Replaces the first value of a field that exists.
     status_t ReplaceData(const char* name, type_code type, const void* data, ssize_t size);
 
     // Removes all fields; `what` stays. Always B_OK.

@@ -35,10 +35,12 @@ enum : uint32 {
 
 // The code of a folder, by its digit. Without "slot": pop up the folder's menu. With it: launch
 // that bookmark.
-extern const uint32 QBFolder[10];
+inline constexpr uint32 QBFolder[10] = {'qbf0', 'qbf1', 'qbf2', 'qbf3', 'qbf4',
+                                        'qbf5', 'qbf6', 'qbf7', 'qbf8', 'qbf9'};
 
 // The code that chooses a slot for a new bookmark, by its digit.
-extern const uint32 QBSlot[10];
+inline constexpr uint32 QBSlot[10] = {'qbs0', 'qbs1', 'qbs2', 'qbs3', 'qbs4',
+                                      'qbs5', 'qbs6', 'qbs7', 'qbs8', 'qbs9'};
 
 // How the bar is laid out. Every value but 0 is laid out as vertical.
 enum QBAlign : int32 {

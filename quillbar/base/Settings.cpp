@@ -120,9 +120,9 @@ void QBSettings::Publish() {
     fSnapshot->text = std::move(text);
 }
 
-void QBSettings::Set(status_t replaced, const std::function<void()>& add) {
-    if (replaced == B_NAME_NOT_FOUND)
-        add();
+void QBSettings::Set(const char* name, type_code type, const void* value, ssize_t size) {
+    if (fSettings.ReplaceData(name, type, value, size) == B_NAME_NOT_FOUND)
+        fSettings.AddData(name, type, value, size);
     Publish();
 }
 
@@ -160,30 +160,29 @@ QBBrowser QBSettings::GetBrowser() const {
 }
 
 void QBSettings::SetHotKey(int32 keys) {
-    Set(fSettings.ReplaceInt32(kHotKey, keys), [&] { fSettings.AddInt32(kHotKey, keys); });
+    Set(kHotKey, B_INT32_TYPE, &keys, sizeof keys);
 }
 
 void QBSettings::SetOnTop(bool onTop) {
-    Set(fSettings.ReplaceBool(kOnTop, onTop), [&] { fSettings.AddBool(kOnTop, onTop); });
+    Set(kOnTop, B_BOOL_TYPE, &onTop, sizeof onTop);
 }
 
 void QBSettings::SetColor(rgb_color color) {
-    Set(fSettings.ReplaceData(kColor, B_RGB_COLOR_TYPE, &color, sizeof color),
-        [&] { fSettings.AddData(kColor, B_RGB_COLOR_TYPE, &color, sizeof color, true, 1); });
+    Set(kColor, B_RGB_COLOR_TYPE, &color, sizeof color);
 }
 
 void QBSettings::SetShowURL(bool show) {
-    Set(fSettings.ReplaceBool(kShowURL, show), [&] { fSettings.AddBool(kShowURL, show); });
+    Set(kShowURL, B_BOOL_TYPE, &show, sizeof show);
 }
 
 void QBSettings::SetPos(BPoint pos) {
-    Set(fSettings.ReplacePoint(kPos, pos), [&] { fSettings.AddPoint(kPos, pos); });
+    Set(kPos, B_POINT_TYPE, &pos, sizeof pos);
 }
 
 void QBSettings::SetAlign(QBAlign align) {
-    Set(fSettings.ReplaceInt32(kAlign, align), [&] { fSettings.AddInt32(kAlign, align); });
+    Set(kAlign, B_INT32_TYPE, &align, sizeof align);
 }
 
 void QBSettings::SetBrowser(QBBrowser browser) {
-    Set(fSettings.ReplaceInt32(kBrowser, browser), [&] { fSettings.AddInt32(kBrowser, browser); });
+    Set(kBrowser, B_INT32_TYPE, &browser, sizeof browser);
 }

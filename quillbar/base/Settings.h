@@ -58,8 +58,8 @@ public:
 private:
     struct Snapshot;
 
-    // Notes the result of a replacement, after which `add` adds a field that was not there.
-    void Set(status_t replaced, const std::function<void()>& add);
+    // Adds a field that is not there, and leaves one of another type alone.
+    void Set(const char* name, type_code type, const void* value, ssize_t size);
     void Publish();
 
     BMessage fSettings;

@@ -114,7 +114,7 @@ void BWindow::State::MouseMoved(BMessage& message) {
     // A drag may have moved the window since the event: where the pointer is on the screen holds.
     if (buttons != 0) {
         where = Floored(message.GetPoint("screen_where", where + place) - place);
-        message.ReplacePoint("where", where);
+        message.ReplaceData("where", B_POINT_TYPE, &where, sizeof where);
     }
     lastWhere = where;
     BView* before = over;
