@@ -1,15 +1,56 @@
 #include "quillbar/about/URLView.h"
 
+#include <array>
 #include <cmath>
 #include <string_view>
 
 #include "kits/app/Message.h"
 #include "kits/interface/window/Window.h"
-#include "quillbar/about/URLCursor.h"
 
 namespace {
 
 constexpr const char* kMailPrefix = "mailto:";
+
+// A hand that points up.
+constexpr std::string_view kHand[16] = {
+    "  ##            ", //
+    " #  #           ", //
+    " #  #           ", //
+    " #  #           ", //
+    " #  ###         ", //
+    " #  #  ###      ", //
+    " #  #  #  ##    ", //
+    "##  #  #  # #   ", //
+    "# # #  #  #  #  ", //
+    "#            #  ", //
+    " #           #  ", //
+    " #           #  ", //
+    "  #         #   ", //
+    "   #        #   ", //
+    "   ##########   ", //
+    "                ", //
+};
+constexpr uint8 kHotRow = 1;
+constexpr uint8 kHotColumn = 2;
+
+// The outline is black; what it encloses in a row, and itself, is seen.
+constexpr std::array<uint8, 68> DrawCursor() {
+    std::array<uint8, 68> data{16, 1, kHotRow, kHotColumn};
+    for (size_t row = 0; row < 16; ++row) {
+        const size_t first = kHand[row].find('#'), last = kHand[row].rfind('#');
+        for (size_t column = 0; column < 16; ++column) {
+            const size_t byte = 4 + 2 * row + column / 8;
+            const auto bit = static_cast<uint8>(0x80 >> column % 8);
+            if (kHand[row][column] == '#')
+                data[byte] |= bit;
+            if (first != std::string_view::npos && column >= first && column <= last)
+                data[byte + 32] |= bit;
+        }
+    }
+    return data;
+}
+
+constexpr std::array<uint8, 68> kCursor = DrawCursor();
 
 bool BeginsWith(const BString& link, std::string_view prefix) {
     return std::string_view(link.String()).starts_with(prefix);
@@ -20,7 +61,7 @@ bool BeginsWith(const BString& link, std::string_view prefix) {
 URLView::URLView(BRect frame, const char* name, const char* label, const char* url,
                  uint32 resizingMode, uint32 flags)
     : BStringView(frame, name, label, resizingMode, flags)
-    , fLinkCursor(kURLCursor.data()) {
+    , fLinkCursor(kCursor.data()) {
     URLView::SetURL(url);
 }
 

@@ -11,7 +11,6 @@
 
 class BBitmap;
 class BMessage;
-class BNode;
 class BPopUpMenu;
 
 // A line of text that is a link: to a web page ("http://", "file://"), to a server ("ftp://") or to
@@ -90,22 +89,16 @@ private:
     void MovedBesideText();
     void MovedOut(uint32 buttons);
     void StopHovering();
-    void StartDrag();
     void ChooseFromMenu(BPoint where);
 
-    // The actions of a click, the menu and a drop (URLViewActions.cpp).
+    // The actions of a click and the menu (URLViewActions.cpp).
     void CopyToClipboard() const;
     void LaunchURL() const;
-    void CreateBookmark(const char* path, const char* title) const;
-    void CreatePerson(const char* path, const char* name) const;
-    void WriteAttributes(BNode& node) const;
 
     // Dragging out (URLViewDrag.cpp).
-    void DoBookmarkDrag();
-    void DoPersonDrag();
+    void StartDrag();
     std::unique_ptr<BBitmap> DrawDragImage(BRect room, const char* type, const BString& text,
                                            bool underlined) const;
-    void Drag(BMessage& message, std::unique_ptr<BBitmap> image, float hotSpotY);
 
     BString fURL;
     rgb_color fColor{0, 0, 255, 0};

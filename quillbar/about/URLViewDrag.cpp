@@ -3,6 +3,10 @@
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
 #include "kits/interface/window/Bitmap.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/File.h"
+#include "kits/storage/Node.h"
+#include "kits/storage/Path.h"
 #include "quillbar/about/URLView.h"
 
 namespace {
@@ -13,38 +17,34 @@ constexpr uint8 kHalf = 128;
 constexpr const char* kBookmarkType = "application/x-vnd.Be-bookmark";
 constexpr const char* kPersonType = "application/x-person";
 
-// The fields of both kinds of drags, from which a file manager makes a file.
-BMessage DragMessageOf(const char* type, const char* description, const char* name) {
-    BMessage message(B_MIME_DATA);
-    message.AddInt32("be:actions", B_COPY_TARGET);
-    message.AddString("be:types", "application/octet-stream");
-    message.AddString("be:filetypes", type);
-    message.AddString("be:type_descriptions", description);
-    message.AddString("be:clip_name", name);
-    return message;
-}
-
-void AddText(BMessage& message, const BString& text) {
-    message.AddData("text/plain", B_MIME_TYPE, text.String(), text.Length() + 1, true, 1);
+void WriteText(BNode& node, const char* name, const BString& text) {
+    node.WriteAttr(name, B_STRING_TYPE, 0, text.String(), static_cast<size_t>(text.Length()) + 1);
 }
 
 } // namespace
 
-void URLView::DoBookmarkDrag() {
-    BMessage message = DragMessageOf(kBookmarkType, "bookmark", Text());
-    message.AddString("be:url", fURL.String());
-    AddText(message, GetImportantURL());
-    auto image = DrawDragImage(GetURLRect(), kBookmarkType, fURL, true);
-    const float middle = image->Bounds().Height() / 2;
-    Drag(message, std::move(image), middle + 2);
-}
+// A file manager makes a file of these fields; other programs take the text.
+void URLView::StartDrag() {
+    fDragStarted = true;
+    const bool isPerson = IsEmailLink();
+    const char* type = isPerson ? kPersonType : kBookmarkType;
+    const BString text = GetImportantURL();
+    BMessage message(B_MIME_DATA);
+    message.AddInt32("be:actions", B_COPY_TARGET);
+    message.AddString("be:types", "application/octet-stream");
+    message.AddString("be:filetypes", type);
+    message.AddString("be:type_descriptions", isPerson ? "person" : "bookmark");
+    message.AddString("be:clip_name", Text());
+    if (!isPerson)
+        message.AddString("be:url", fURL.String());
+    message.AddData("text/plain", B_MIME_TYPE, text.String(), text.Length() + 1, true, 1);
 
-void URLView::DoPersonDrag() {
-    BMessage message = DragMessageOf(kPersonType, "person", Text());
-    AddText(message, GetImportantURL());
-    auto image = DrawDragImage(GetTextRect(), kPersonType, Text(), false);
-    const float middle = (image->Bounds().Height() + static_cast<float>(fUnderlineThickness)) / 2;
-    Drag(message, std::move(image), middle + 2);
+    auto image = isPerson ? DrawDragImage(GetTextRect(), type, Text(), false)
+                          : DrawDragImage(GetURLRect(), type, fURL, true);
+    const float underline = isPerson ? static_cast<float>(fUnderlineThickness) : 0;
+    const BPoint hotSpot(fDragPoint.x / GetTextRect().Width() * image->Bounds().right,
+                         (image->Bounds().Height() + underline) / 2 + 2);
+    DragMessage(&message, image.release(), B_OP_ALPHA, hotSpot, this);
 }
 
 // The icon of the file that the link may become, and a text behind it, half transparent. `room` is
@@ -87,8 +87,25 @@ std::unique_ptr<BBitmap> URLView::DrawDragImage(BRect room, const char* type, co
     return image;
 }
 
-void URLView::Drag(BMessage& message, std::unique_ptr<BBitmap> image, float hotSpotY) {
-    const float part = fDragPoint.x / GetTextRect().Width();
-    const BPoint hotSpot(part * image->Bounds().right, hotSpotY);
-    DragMessage(&message, image.release(), B_OP_ALPHA, hotSpot, this);
+// A drop on a file manager is answered with where the file is that the link is to become.
+void URLView::MessageReceived(BMessage* message) {
+    entry_ref directory;
+    const char* name = nullptr;
+    if (message->what != B_COPY_TARGET || message->FindRef("directory", &directory) != B_OK ||
+        message->FindString("name", &name) != B_OK)
+        return;
+    const BEntry entry(&directory);
+    const BPath folder(&entry);
+    const BPath path(folder.Path(), name);
+    if (path.InitCheck() != B_OK)
+        return;
+    BFile file(path.Path(), B_WRITE_ONLY);
+    if (file.InitCheck() != B_OK)
+        return;
+    const bool isPerson = IsEmailLink();
+    BNodeInfo(&file).SetType(isPerson ? kPersonType : kBookmarkType);
+    WriteText(file, isPerson ? "META:name" : "META:title", Text());
+    WriteText(file, isPerson ? "META:email" : "META:url", GetImportantURL());
+    for (const auto& [attribute, value] : fAttributes)
+        WriteText(file, attribute.String(), value);
 }

@@ -129,11 +129,3 @@ void URLView::MouseUp(BPoint where) {
         SetHighColor(fColor);
     Redraw();
 }
-
-void URLView::StartDrag() {
-    fDragStarted = true;
-    if (IsEmailLink())
-        DoPersonDrag();
-    else
-        DoBookmarkDrag();
-}
