@@ -10,8 +10,6 @@
 #include "kits/kernel/Locker.h"
 #include "kits/support/String.h"
 #include "quillbar/addbookmark/AddBookmarkView.h"
-#include "quillbar/addbookmark/EditInfoView.h"
-#include "quillbar/addbookmark/LocationView.h"
 #include "quillbar/base/Commands.h"
 #include "quillbar/store/Item.h"
 #include "quillbar/store/Monitor.h"
@@ -42,9 +40,6 @@ QBBookmarkWindow::QBBookmarkWindow(BRect frame, long folder, long slot, const QB
               "Quillbar - Add Bookmark", B_TITLED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL,
               B_NOT_RESIZABLE | B_NOT_ZOOMABLE | B_NOT_MINIMIZABLE, B_CURRENT_WORKSPACE)
     , fBar(bar)
-    , fMenuBar(nullptr)
-    , fFileMenu(nullptr)
-    , fAddView(nullptr)
     , fFolder(NumberOrNone(folder))
     , fSlot(NumberOrNone(slot)) {
     InitWindow();

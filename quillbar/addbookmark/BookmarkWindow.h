@@ -64,9 +64,9 @@ private:
     void AddBookmark();
 
     QBBarAccess fBar;
-    BMenuBar* fMenuBar;
-    BMenu* fFileMenu;
-    QBAddBookmarkView* fAddView;
+    BMenuBar* fMenuBar = nullptr;
+    BMenu* fFileMenu = nullptr;
+    QBAddBookmarkView* fAddView = nullptr;
     int32 fFolder;
     int32 fSlot;
     // The texts could not be saved: no change on disk takes them away.
