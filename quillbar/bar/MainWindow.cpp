@@ -51,21 +51,7 @@ BPoint ButtonPlace(const Layout& layout, int digit) {
 
 QBMainWindow::QBMainWindow(BRect frame)
     : BWindow(BRect(frame.LeftTop(), frame.LeftTop() + kColumn.size), "Quillbar",
-              B_BORDERED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL, kFlags, B_ALL_WORKSPACES)
-    , fKeyDown(false)
-    , fMainView(nullptr)
-    , fButtons{}
-    , fSettingsMenu(nullptr)
-    , fBrowserItem(nullptr)
-    , fShowURLYesItem(nullptr)
-    , fShowURLNoItem(nullptr)
-    , fAlignHItem(nullptr)
-    , fAlignVItem(nullptr)
-    , fOnTopItem(nullptr)
-    , fHotKeyItems{}
-    , fAddWindowOpen(false)
-    , fBar(nullptr)
-    , fBubbles(nullptr) {
+              B_BORDERED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL, kFlags, B_ALL_WORKSPACES) {
     if (gSettings->GetAlign() == kQBAlignHorizontal)
         ResizeTo(kRow.size.x, kRow.size.y);
     if (gSettings->GetOnTop())

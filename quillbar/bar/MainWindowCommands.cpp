@@ -28,9 +28,14 @@ namespace {
 constexpr float kAddWindowAbove = 190; // above the bar's lower edge
 constexpr bigtime_t kMappingTime = 100'000;
 
-// The browsers that bookmarks can be launched in.
-constexpr const char* kOperaSignature = "application/x-vnd.operasoftware-opera";
-constexpr const char* kNetPositiveSignature = "application/x-vnd.Be-NPOS";
+// The browsers that bookmarks can be launched in, by their QBBrowser.
+constexpr struct {
+    const char* signature;
+    const char* label;
+} kBrowsers[] = {
+    {"application/x-vnd.operasoftware-opera", "Opera"},
+    {"application/x-vnd.Be-NPOS", "NetPositive"},
+};
 
 // The platform's raw key codes.
 constexpr int32 kSettingsKey = 0x50; // "B"
@@ -38,16 +43,19 @@ constexpr int32 kMainRow[10] = {0x1b, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 
 
 // The digit of the folder whose menu the key opens, or -1.
 int FolderOfKey(int32 key) {
-    for (int digit = 0; digit < 10; ++digit) {
-        if (key == kMainRow[digit])
-            return digit;
-    }
-    return DigitOfKeypad(key);
+    const int32* found = std::find(std::begin(kMainRow), std::end(kMainRow), key);
+    return found == std::end(kMainRow) ? DigitOfKeypad(key)
+                                       : static_cast<int>(found - std::begin(kMainRow));
 }
 
 // "-" of the main row, "-" and "+" of the keypad.
 bool IsAddBookmarkKey(int32 key) {
     return key == 0x1c || key == 0x25 || key == 0x3a;
+}
+
+void Colour(BView* view, rgb_color color) {
+    view->SetViewColor(color);
+    view->Invalidate();
 }
 
 void WarnOfLaunch(const BString& name, const char* reason) {
@@ -235,14 +243,10 @@ void QBMainWindow::HandlePaste(BMessage* message) {
         size < static_cast<ssize_t>(sizeof(rgb_color)))
         return;
     const rgb_color color = *static_cast<const rgb_color*>(data);
-    for (QBButton* button : fButtons) {
-        button->SetViewColor(color);
-        button->Invalidate();
-    }
-    fMainView->SetViewColor(color);
-    fMainView->Invalidate();
-    fBar->SetViewColor(color);
-    fBar->Invalidate();
+    for (BView* button : fButtons)
+        Colour(button, color);
+    Colour(fMainView, color);
+    Colour(fBar, color);
     gSettings->SetColor(color);
     WarnUnlessSavable();
 }
@@ -284,11 +288,11 @@ void QBMainWindow::HandleUnmappedKeyDown(BMessage* message) {
 }
 
 bool QBMainWindow::ExistOpera() const {
-    return be_roster->FindApp(kOperaSignature) == B_OK;
+    return be_roster->FindApp(kBrowsers[kQBOpera].signature) == B_OK;
 }
 
 bool QBMainWindow::ExistNetPos() const {
-    return be_roster->FindApp(kNetPositiveSignature) == B_OK;
+    return be_roster->FindApp(kBrowsers[kQBNetPositive].signature) == B_OK;
 }
 
 void QBMainWindow::Launch(int folder, int slot) {
@@ -299,20 +303,10 @@ void QBMainWindow::Launch(int folder, int slot) {
     if (url.IsEmpty())
         return;
 
-    const char* signature = nullptr;
-    const char* label = nullptr;
-    switch (gSettings->GetBrowser()) {
-    case kQBOpera:
-        signature = kOperaSignature;
-        label = "Opera";
-        break;
-    case kQBNetPositive:
-        signature = kNetPositiveSignature;
-        label = "NetPositive";
-        break;
-    default:
+    const QBBrowser chosen = gSettings->GetBrowser();
+    if (chosen != kQBOpera && chosen != kQBNetPositive)
         return;
-    }
+    const auto [signature, label] = kBrowsers[chosen];
     const char* const arguments[] = {url.String()};
     const status_t status = be_roster->Launch(signature, 1, arguments, BMessenger(this));
     // An address that could be read as an option is passed over in silence.

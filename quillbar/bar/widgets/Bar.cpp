@@ -15,12 +15,7 @@ constexpr float kButtonInset = 2;
 
 QBBar::QBBar()
     : BControl(BRect(0, 0, 0, 0), "qb_bar", "", new BMessage(kQBShowSettings), B_FOLLOW_NONE,
-               B_WILL_DRAW)
-    , fCloseButton(nullptr)
-    , fAlign(kQBAlignVertical)
-    , fGrabPoint(B_ORIGIN)
-    , fDragging(false)
-    , fButtons(0) {}
+               B_WILL_DRAW) {}
 
 void QBBar::MessageReceived(BMessage* message) {
     BControl::MessageReceived(message);
@@ -36,17 +31,11 @@ void QBBar::AttachedToWindow() {
 
 void QBBar::Draw(BRect) {
     BRect frame = Bounds();
-    rgb_color base = ViewColor();
-    auto [light, dark] = BevelOf(base);
-    if (!Window()->IsActive()) {
-        base = tint_color(base, B_DARKEN_1_TINT);
-        light = tint_color(light, B_DARKEN_1_TINT);
-        dark = tint_color(dark, B_DARKEN_1_TINT);
-    }
-    StrokeRightBottom(this, frame, dark);
-    StrokeLeftTop(this, frame, light);
+    const Bevel bevel = BevelOf(ViewColor(), Window()->IsActive() ? B_NO_TINT : B_DARKEN_1_TINT);
+    StrokeRightBottom(this, frame, bevel.dark);
+    StrokeLeftTop(this, frame, bevel.light);
     frame.InsetBy(1, 1);
-    FillWith(this, frame, base);
+    FillWith(this, frame, bevel.fill);
 }
 
 void QBBar::MouseDown(BPoint where) {

@@ -28,9 +28,9 @@ public:
     void DblClicked(BPoint where);
 
 private:
-    QBCloseButton* fCloseButton;
-    QBAlign fAlign;
-    BPoint fGrabPoint;
-    bool fDragging;
-    int32 fButtons;
+    QBCloseButton* fCloseButton = nullptr;
+    QBAlign fAlign = kQBAlignVertical;
+    BPoint fGrabPoint = B_ORIGIN;
+    bool fDragging = false;
+    int32 fButtons = 0;
 };

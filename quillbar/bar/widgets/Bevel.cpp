@@ -15,8 +15,9 @@ rgb_color Shifted(rgb_color color, int by) {
 
 } // namespace
 
-BevelPair BevelOf(rgb_color base) {
-    return {Shifted(base, kStep), Shifted(base, -kStep)};
+Bevel BevelOf(rgb_color base, float tint) {
+    return {tint_color(base, tint), tint_color(Shifted(base, kStep), tint),
+            tint_color(Shifted(base, -kStep), tint)};
 }
 
 void StrokeLeftTop(BView* view, BRect frame, rgb_color color) {

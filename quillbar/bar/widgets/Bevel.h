@@ -2,14 +2,15 @@
 
 #include "kits/interface/window/View.h"
 
-// The two colours of an edge that is raised from a surface.
-struct BevelPair {
+// A surface and the two colours of an edge that is raised from it.
+struct Bevel {
+    rgb_color fill;
     rgb_color light;
     rgb_color dark;
 };
 
-// The pair that belongs to a surface of this colour.
-BevelPair BevelOf(rgb_color base);
+// Of a surface of this colour, all three of them tinted.
+Bevel BevelOf(rgb_color base, float tint = B_NO_TINT);
 
 // One pixel along two edges of `frame`, corners included. Where two edges meet, the one that is
 // stroked last shows.

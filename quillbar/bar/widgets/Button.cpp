@@ -8,12 +8,6 @@
 #include "quillbar/bar/widgets/Bevel.h"
 #include "quillbar/base/Commands.h"
 
-QBButton::QBButton(BRect frame, const char* name, const char* label, BMessage* message,
-                   uint32 resizingMode, uint32 flags)
-    : BButton(frame, name, label, message, resizingMode, flags)
-    , fPressed(false)
-    , fTracking(false) {}
-
 void QBButton::MessageReceived(BMessage* message) {
     if (message->what != B_PASTE) {
         BButton::MessageReceived(message);
@@ -24,15 +18,10 @@ void QBButton::MessageReceived(BMessage* message) {
 
 void QBButton::Draw(BRect) {
     const BRect bounds = Bounds();
-    rgb_color fill = ViewColor();
-    auto [light, dark] = BevelOf(fill);
     const float tint = fPressed                ? B_DARKEN_2_TINT
                        : !Window()->IsActive() ? B_DARKEN_1_TINT
                                                : B_NO_TINT;
-    fill = tint_color(fill, tint);
-    light = tint_color(light, tint);
-    dark = tint_color(dark, tint);
-
+    const auto [fill, light, dark] = BevelOf(ViewColor(), tint);
     StrokeLeftTop(this, bounds, light);
     StrokeRightBottom(this, bounds, dark);
     FillWith(this, bounds.InsetByCopy(1, 1), fill);

@@ -5,8 +5,7 @@
 // A folder button of the bar: bevelled, flat, darker while it is pressed or its window inactive.
 class QBButton : public BButton {
 public:
-    QBButton(BRect frame, const char* name, const char* label, BMessage* message,
-             uint32 resizingMode, uint32 flags);
+    using BButton::BButton;
 
     // A dropped colour goes on to the window.
     void MessageReceived(BMessage* message) override;
@@ -18,6 +17,6 @@ public:
     status_t Invoke(BMessage* message = nullptr) override;
 
 private:
-    bool fPressed;
-    bool fTracking;
+    bool fPressed = false;
+    bool fTracking = false;
 };

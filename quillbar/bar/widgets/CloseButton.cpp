@@ -1,7 +1,5 @@
 #include "quillbar/bar/widgets/CloseButton.h"
 
-#include <utility>
-
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
 #include "kits/interface/window/Window.h"
@@ -15,8 +13,7 @@ constexpr bigtime_t kPollInterval = 20'000;
 } // namespace
 
 QBCloseButton::QBCloseButton(BRect frame)
-    : BView(frame, "qb_close_button", B_FOLLOW_LEFT | B_FOLLOW_TOP, B_WILL_DRAW)
-    , fPressed(false) {}
+    : BView(frame, "qb_close_button", B_FOLLOW_LEFT | B_FOLLOW_TOP, B_WILL_DRAW) {}
 
 void QBCloseButton::AttachedToWindow() {
     if (Parent())
@@ -26,25 +23,19 @@ void QBCloseButton::AttachedToWindow() {
 
 void QBCloseButton::Draw(BRect) {
     BRect frame = Bounds();
-    rgb_color fill = ViewColor();
-    auto [light, dark] = BevelOf(fill);
-
-    StrokeLeftTop(this, frame, dark);
-    StrokeRightBottom(this, frame, light);
+    const Bevel plain = BevelOf(ViewColor());
+    StrokeLeftTop(this, frame, plain.dark);
+    StrokeRightBottom(this, frame, plain.light);
     frame.InsetBy(1, 1);
 
-    if (fPressed) {
-        std::swap(light, dark);
-        fill = tint_color(fill, B_DARKEN_1_TINT);
-    } else if (!Window()->IsActive()) {
-        fill = tint_color(fill, B_DARKEN_1_TINT);
-        light = tint_color(light, B_DARKEN_1_TINT);
-        dark = tint_color(dark, B_DARKEN_1_TINT);
-    }
-    StrokeLeftTop(this, frame, light);
-    StrokeRightBottom(this, frame, dark);
+    const bool isDim = fPressed || !Window()->IsActive();
+    Bevel inner = BevelOf(ViewColor(), isDim ? B_DARKEN_1_TINT : B_NO_TINT);
+    if (fPressed)
+        inner = {inner.fill, plain.dark, plain.light};
+    StrokeLeftTop(this, frame, inner.light);
+    StrokeRightBottom(this, frame, inner.dark);
     frame.InsetBy(1, 1);
-    FillWith(this, frame, fill);
+    FillWith(this, frame, inner.fill);
 }
 
 // The loop keeps the window's thread until the button is released, so the box draws itself.

@@ -16,5 +16,5 @@ public:
 private:
     void SetPressed(bool pressed);
 
-    bool fPressed;
+    bool fPressed = false;
 };

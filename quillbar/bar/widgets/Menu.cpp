@@ -15,9 +15,6 @@ constexpr int32 kFirstSlot = 2;
 
 } // namespace
 
-QBMenu::QBMenu(const char* name, bool radioMode, bool labelFromMarked, menu_layout layout)
-    : BPopUpMenu(name, radioMode, labelFromMarked, layout) {}
-
 void QBMenu::KeyDown(const char*, int32) {
     const BMessage* message = Window() ? Window()->CurrentMessage() : nullptr;
     int32 key = 0;

@@ -6,7 +6,7 @@
 // slash close it; every other key is ignored.
 class QBMenu : public BPopUpMenu {
 public:
-    QBMenu(const char* name, bool radioMode, bool labelFromMarked, menu_layout layout);
+    using BPopUpMenu::BPopUpMenu;
 
     void KeyDown(const char* bytes, int32 numBytes) override;
 

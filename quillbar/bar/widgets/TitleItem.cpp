@@ -13,9 +13,6 @@ constexpr float kExtraHeight = 4;
 
 } // namespace
 
-QBTitleItem::QBTitleItem(const char* label, BMessage* message, char shortcut, uint32 modifiers)
-    : BMenuItem(label, message, shortcut, modifiers) {}
-
 float QBTitleItem::FindTallest() const {
     const char* label = Label() ? Label() : "";
     std::vector<BRect> boxes(std::strlen(label));

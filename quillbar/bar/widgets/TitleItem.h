@@ -5,7 +5,7 @@
 // The head of a folder menu: the folder's name in bold. It sends nothing.
 class QBTitleItem : public BMenuItem {
 public:
-    QBTitleItem(const char* label, BMessage* message, char shortcut, uint32 modifiers);
+    using BMenuItem::BMenuItem;
 
     // The height of the label's tallest glyph.
     float FindTallest() const;
