@@ -45,7 +45,7 @@ class AddWindowTest : public testing::Test {
 protected:
     void SetUp() override {
         fs::remove_all(Root());
-        test::RecordedApps(RunApplication()).InstallBrowser();
+        fApps.InstallBrowser();
         gSettings = new QBSettings(BPath("/boot/home/config/settings/Quillbar.settings"));
     }
     void TearDown() override {
@@ -100,8 +100,22 @@ protected:
         return WaitUntil([&] { return Text(name) == text; });
     }
 
+    test::RecordedApps fApps{RunApplication()};
     QBMainWindow* fWindow = nullptr;
 };
+
+// A menu that is open still offers what has gone meanwhile: this is what its item sends.
+TEST_F(AddWindowTest, ASlotThatWasEmptiedUnderItsOpenMenuLaunchesNothing) {
+    test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper");
+    Show();
+    for (const int32 slot : {5, 8}) {
+        BMessage choice(QBFolder[2]);
+        choice.AddInt32("slot", slot);
+        fWindow->PostMessage(&choice);
+    }
+    EXPECT_EQ(fApps.WaitForLaunches(1),
+              (std::vector<test::RecordedApps::Launch>{{"browser", {"http://paper"}}}));
+}
 
 // Its label is not cut, also where a logical pixel is two.
 void ExpectLabelFits(BView& view, const char* label, float room) {
