@@ -6,7 +6,6 @@
 #include "kits/storage/Path.h"
 #include "quillbar/base/Trace.h"
 #include "quillbar/store/StoreNames.h"
-#include "quillbar/store/Walk.h"
 
 namespace {
 

@@ -41,31 +41,22 @@ bool ReadText(BNode& node, const char* name, BString& text) {
 QBItem::QBItem(BHandler* target, int number, int folder)
     : fNumber(number)
     , fFolder(folder)
-    , fTarget(target) {
+    , fMessage(new BMessage(kQBAddBookmarkHere))
+    , fMenuItem(new QBMenuItem(kEmptyLabel, fMessage)) {
     Trace(__PRETTY_FUNCTION__, "Number = %d, Folder = %d", number, folder);
-    CreateMenuItem(kEmptyLabel, kQBAddBookmarkHere);
+    fMessage->AddInt32("folder", fFolder);
+    fMessage->AddInt32("slot", fNumber);
+    SetTarget(target);
 }
 
 QBItem::QBItem(const char* path, int number, int folder, BHandler* target)
-    : fNumber(number)
-    , fFolder(folder)
-    , fTarget(target) {
-    Trace(__PRETTY_FUNCTION__, "Number = %d, Folder = %d", number, folder);
+    : QBItem(target, number, folder) {
+    fMenuItem->SetLabel("");
+    fMessage->what = QBFolder[fFolder - 1];
     SetFile(path);
 }
 
-void QBItem::CreateMenuItem(const char* label, uint32 what) {
-    fMessage = new BMessage(what);
-    fMessage->AddInt32("folder", fFolder);
-    fMessage->AddInt32("slot", fNumber);
-    fMenuItem = new QBMenuItem(label, fMessage);
-    fMenuItem->SetTarget(fTarget, nullptr);
-}
-
 bool QBItem::SetFile(const char* path) {
-    if (!fMenuItem)
-        CreateMenuItem("", QBFolder[fFolder - 1]);
-
     BEntry entry(path, false);
     node_ref file;
     if (entry.InitCheck() != B_OK || entry.GetNodeRef(&file) != B_OK ||
@@ -129,7 +120,6 @@ void QBItem::Forget() {
 }
 
 void QBItem::SetTarget(BHandler* target) {
-    fTarget = target;
     fMenuItem->SetTarget(target, nullptr);
 }
 

@@ -4,7 +4,6 @@
 #include "kits/storage/Path.h"
 #include "kits/support/String.h"
 #include "quillbar/store/NodeWatch.h"
-#include "quillbar/store/RawItem.h"
 
 class BHandler;
 class BMenuItem;
@@ -72,7 +71,6 @@ public:
     void SetFolder(int folder) { fFolder = folder; }
 
 private:
-    void CreateMenuItem(const char* label, uint32 what);
     BString FilledLabel();
 
     BString fName;
@@ -85,7 +83,6 @@ private:
     raw_item fRaw;
     NodeWatch fWatch;
     BMessenger fMessenger;
-    BMessage* fMessage = nullptr;
-    BHandler* fTarget;
-    QBMenuItem* fMenuItem = nullptr;
+    BMessage* fMessage;
+    QBMenuItem* fMenuItem;
 };

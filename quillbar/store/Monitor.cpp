@@ -1,8 +1,11 @@
 #include "quillbar/store/Monitor.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <iterator>
 #include <set>
+#include <span>
 #include <utility>
 
 #include "kits/app/AppDefs.h"
@@ -12,9 +15,9 @@
 #include "kits/storage/Entry.h"
 #include "kits/storage/NodeMonitor.h"
 #include "kits/storage/Path.h"
+#include "quillbar/base/Settings.h"
 #include "quillbar/base/Trace.h"
 #include "quillbar/store/Alerts.h"
-#include "quillbar/store/EndProgram.h"
 #include "quillbar/store/Item.h"
 #include "quillbar/store/Path.h"
 #include "quillbar/store/StoreNames.h"
@@ -27,9 +30,14 @@ constexpr int32 kRebuildMessages = 2;
 constexpr bigtime_t kRetryInterval = 10'000'000;
 constexpr uint32 kDirectoryFlags = B_WATCH_NAME | B_WATCH_DIRECTORY;
 
+// Ends the program without asking the windows. Other threads run on until the process is gone, so
+// nothing may be torn down under them.
 [[noreturn]] void EndWith(const char* error) {
     AlertError(error);
-    EndProgram();
+    if (gSettings)
+        gSettings->Save();
+    std::fflush(stdout);
+    std::_Exit(EXIT_FAILURE);
 }
 
 bool CanBeRead(const BEntry& root) {
@@ -92,9 +100,7 @@ void QBMonitor::BindFolders(BHandler* target) {
         node_ref node;
         if (BEntry(paths[digit].String(), false).GetNodeRef(&node) == B_OK)
             early[digit].Start(node, kDirectoryFlags, fMessenger);
-    }
-    for (int digit = 0; digit < 10; ++digit) {
-        if (paths[digit].IsEmpty())
+        else
             fPaths[digit] = new QBPath(digit + 1, target, fMessenger);
     }
     for (int digit = 0; digit < 10; ++digit) {
@@ -180,55 +186,46 @@ bool QBMonitor::HandleNodeMessage(BMessage* msg) {
 }
 
 void QBMonitor::Apply(int32 opcode, BMessage* msg) {
-    // A rebuild that is due covers whatever happens until then.
-    const bool rebuildIsDue = fRunner || fRetry;
-    switch (opcode) {
-    case B_ENTRY_REMOVED:
+    if (opcode == B_ENTRY_REMOVED)
         EntryRemoved();
-        break;
-    case kOpcodeRebuild:
+    else if (opcode == kOpcodeRebuild)
         Rebuild();
-        break;
-    case B_ENTRY_CREATED:
-        if (!rebuildIsDue)
-            EntryCreated(msg);
-        break;
-    case B_ENTRY_MOVED:
-        if (!rebuildIsDue)
-            EntryMoved(msg);
-        break;
-    case B_ATTR_CHANGED:
-        if (!rebuildIsDue)
-            AttributeChanged(msg);
-        break;
-    default:
-        break;
-    }
+    else if (fRunner || fRetry)
+        return; // The rebuild that is due covers whatever happens until then.
+    else if (opcode == B_ENTRY_CREATED)
+        EntryCreated(msg);
+    else if (opcode == B_ENTRY_MOVED)
+        EntryMoved(msg);
+    else if (opcode == B_ATTR_CHANGED)
+        AttributeChanged(msg);
 }
 
 // An empty slot keeps the identity of its last file, to know it again. Once that file fills another
 // slot, its changes are for that one.
 void QBMonitor::ForgetTwins() {
     std::set<node_ref> filled;
-    const auto forEach = [this](bool valid, const auto& work) {
-        for (QBPath* folder : fPaths)
-            for (int digit = 0; digit < 10; ++digit)
-                if (QBItem* slot = folder->Items()[digit]; slot->IsValid() == valid)
-                    work(slot);
-    };
-    forEach(true, [&](QBItem* slot) { filled.insert(slot->NodeRef()); });
-    forEach(false, [&](QBItem* slot) {
-        if (filled.contains(slot->NodeRef()))
-            slot->Forget();
-    });
+    for (const bool isFilled : {true, false}) {
+        for (QBPath* folder : fPaths) {
+            for (QBItem* slot : std::span(folder->Items(), 10)) {
+                if (slot->IsValid() && isFilled)
+                    filled.insert(slot->NodeRef());
+                else if (!slot->IsValid() && !isFilled && filled.contains(slot->NodeRef()))
+                    slot->Forget();
+            }
+        }
+    }
 }
 
 QBPath* QBMonitor::FolderOf(int64 directory) {
-    for (QBPath* folder : fPaths) {
-        if (folder->RawItem()->node == directory)
-            return folder;
-    }
-    return nullptr;
+    return FirstFolderOf(directory, directory);
+}
+
+QBPath* QBMonitor::FirstFolderOf(int64 directory, int64 other) {
+    const auto found = std::find_if(std::begin(fPaths), std::end(fPaths), [&](QBPath* folder) {
+        const int64 node = folder->RawItem()->node;
+        return node == directory || node == other;
+    });
+    return found == std::end(fPaths) ? nullptr : *found;
 }
 
 // The folder that a message has read, because an entry came into it; null for any other message.
@@ -241,10 +238,8 @@ QBPath* QBMonitor::FolderOfArrival(const BMessage& msg) {
     if (opcode != B_ENTRY_MOVED || from == to || from == fRaw.node)
         return nullptr;
     // Of the two folders of a move the first one takes the message.
-    const auto first = std::find_if(std::begin(fPaths), std::end(fPaths), [&](QBPath* folder) {
-        return folder->RawItem()->node == to || folder->RawItem()->node == from;
-    });
-    return first != std::end(fPaths) && (*first)->RawItem()->node == to ? *first : nullptr;
+    QBPath* const first = FirstFolderOf(to, from);
+    return first && first->RawItem()->node == to ? first : nullptr;
 }
 
 // One scan covers all arrivals in the folder that wait in the queue: each by itself would cost the
@@ -377,56 +372,44 @@ void QBMonitor::ReplacePlaceholder(const BMessage& msg) {
 }
 
 void QBMonitor::EntryMoved(BMessage* msg) {
-    int64 from = 0;
-    int64 to = 0;
-    int64 node = 0;
-    msg->FindInt64("from directory", &from);
-    msg->FindInt64("to directory", &to);
-    msg->FindInt64("node", &node);
-    if (from == to)
-        EntryRenamedIn(from, node, msg);
-    else
-        EntryMovedBetween(from, to, node, msg);
+    const int64 from = msg->GetInt64("from directory", 0);
+    const int64 to = msg->GetInt64("to directory", 0);
+    const int64 node = msg->GetInt64("node", 0);
+    if (from == to ? from == fRaw.ref.directory : node == fRaw.node) {
+        Trace(__PRETTY_FUNCTION__, from == to ? "The root was renamed" : "The root was moved");
+        RestartStore();
+    } else if (from == fRaw.node || to == fRaw.node) {
+        FolderMoved(from, to, FolderOf(node), *msg);
+    } else {
+        BookmarkMoved(from, to, msg);
+    }
 }
 
-void QBMonitor::EntryRenamedIn(int64 directory, int64 node, BMessage* msg) {
-    if (directory == fRaw.ref.directory) {
-        Trace(__PRETTY_FUNCTION__, "The root was renamed");
-        RestartStore();
-    } else if (directory == fRaw.node) {
+void QBMonitor::FolderMoved(int64 from, int64 to, QBPath* folder, const BMessage& msg) {
+    if (from == to) {
         Trace(__PRETTY_FUNCTION__, "A folder was renamed");
-        if (QBPath* folder = FolderOf(node))
+        if (folder)
             RebindOrEnd(folder);
-        ReplacePlaceholder(*msg);
-    } else if (QBPath* folder = FolderOf(directory)) {
-        Trace(__PRETTY_FUNCTION__, "A bookmark was renamed");
-        folder->ItemMoved(msg);
-        folder->UpdateMenu();
-    }
-}
-
-void QBMonitor::EntryMovedBetween(int64 from, int64 to, int64 node, BMessage* msg) {
-    if (node == fRaw.node) {
-        Trace(__PRETTY_FUNCTION__, "The root was moved");
-        RestartStore();
-        return;
-    }
-    if (from == fRaw.node) {
+    } else if (from == fRaw.node) {
         Trace(__PRETTY_FUNCTION__, "An entry left the root");
-        if (QBPath* folder = FolderOf(node))
+        if (folder)
             Rebind(folder);
         return;
-    }
-    if (to == fRaw.node) {
+    } else {
         Trace(__PRETTY_FUNCTION__, "An entry came into the root");
-        ReplacePlaceholder(*msg);
-        return;
     }
-    Trace(__PRETTY_FUNCTION__, "A bookmark was moved");
+    ReplacePlaceholder(msg);
+}
+
+void QBMonitor::BookmarkMoved(int64 from, int64 to, BMessage* msg) {
+    Trace(__PRETTY_FUNCTION__, from == to ? "A bookmark was renamed" : "A bookmark was moved");
     if (QBPath* folder = FolderOfArrival(*msg)) {
         Arrived(folder, msg);
     } else if (QBPath* left = FolderOf(from)) {
-        left->ItemRemoved(msg);
+        if (from == to)
+            left->ItemMoved(msg);
+        else
+            left->ItemRemoved(msg);
         left->UpdateMenu();
     }
 }

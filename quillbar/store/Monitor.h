@@ -6,7 +6,6 @@
 #include "kits/app/MessageRunner.h"
 #include "kits/app/Messenger.h"
 #include "quillbar/store/NodeWatch.h"
-#include "quillbar/store/RawItem.h"
 
 class BEntry;
 class BHandler;
@@ -58,8 +57,8 @@ private:
     void EntryCreated(BMessage* msg);
     void EntryRemoved();
     void EntryMoved(BMessage* msg);
-    void EntryRenamedIn(int64 directory, int64 node, BMessage* msg);
-    void EntryMovedBetween(int64 from, int64 to, int64 node, BMessage* msg);
+    void FolderMoved(int64 from, int64 to, QBPath* folder, const BMessage& msg);
+    void BookmarkMoved(int64 from, int64 to, BMessage* msg);
     void AttributeChanged(BMessage* msg);
 
     void Rebuild();
@@ -73,6 +72,7 @@ private:
     void ReplacePlaceholder(const BMessage& msg);
     void SetRaw(const BEntry& root);
     QBPath* FolderOf(int64 directory);
+    QBPath* FirstFolderOf(int64 directory, int64 other);
 
     raw_item fRaw;
     NodeWatch fWatch;

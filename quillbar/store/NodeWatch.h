@@ -3,6 +3,14 @@
 #include "base/EntryRef.h"
 #include "kits/app/Messenger.h"
 
+// The store's record of a node: where its entry was found, and its number.
+struct raw_item {
+    entry_ref ref;
+    int64 node = -1;
+
+    node_ref Node() const { return {ref.device, node}; }
+};
+
 // One owner's share in the watch of a node. Several owners may watch the same node for the same
 // messenger: the last of them that stops, or that goes, ends the watch. Any thread, one at a time.
 class NodeWatch {

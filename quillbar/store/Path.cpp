@@ -9,15 +9,18 @@
 #include "quillbar/bar/widgets/TitleItem.h"
 #include "quillbar/base/Trace.h"
 #include "quillbar/store/StoreNames.h"
-#include "quillbar/store/Walk.h"
 
 namespace {
 
 constexpr uint32 kDirectoryFlags = B_WATCH_NAME | B_WATCH_DIRECTORY;
 
-BString ParentOf(const char* path) {
+node_ref NodeOf(const BMessage& msg) {
+    return {msg.GetInt32("device", -1), msg.GetInt64("node", -1)};
+}
+
+bool IsIn(const BPath& path, const BPath& directory) {
     BPath parent;
-    return BPath(path).GetParent(&parent) == B_OK ? parent.Path() : "";
+    return path.GetParent(&parent) == B_OK && BString(parent.Path()) == directory.Path();
 }
 
 } // namespace
@@ -25,23 +28,17 @@ BString ParentOf(const char* path) {
 QBPath::QBPath(int number, BHandler* target, BMessenger messenger)
     : fNumber(number)
     , fTarget(target)
-    , fMessenger(messenger)
-    , fItems{}
-    , fTitleItem(nullptr)
-    , fMenu(nullptr) {
+    , fMessenger(messenger) {
+    CreateMenu();
     FindYourSelf();
-    AssembleMenu();
 }
 
 QBPath::QBPath(const char* path, int number, BHandler* target, BMessenger messenger)
     : fNumber(number)
     , fTarget(target)
-    , fMessenger(messenger)
-    , fItems{}
-    , fTitleItem(nullptr)
-    , fMenu(nullptr) {
+    , fMessenger(messenger) {
+    CreateMenu();
     SetPath(path);
-    AssembleMenu();
 }
 
 QBPath::~QBPath() {
@@ -56,28 +53,20 @@ void QBPath::SetMessageTarget(BMessenger messenger) {
         slot->SetMessageTarget(messenger);
 }
 
+// The title shows until a directory is found.
 void QBPath::CreateMenu() {
     fMenu = new QBMenu("", false, false, B_ITEMS_IN_COLUMN);
-    fTitleItem = new QBTitleItem("", nullptr, 0, 0);
-    for (int digit = 0; digit < 10; ++digit)
+    fTitleItem = new QBTitleItem(EmptyFolderName(fNumber).String(), nullptr, 0, 0);
+    fMenu->AddItem(fTitleItem);
+    fMenu->AddSeparatorItem();
+    for (int digit = 0; digit < 10; ++digit) {
         fItems[digit] = new QBItem(fTarget, digit + 1, fNumber);
+        fMenu->AddItem(fItems[digit]->MenuItem());
+    }
     SetMessageTarget(fMessenger);
 }
 
-void QBPath::AssembleMenu() {
-    if (!fMenu) {
-        CreateMenu();
-        fTitleItem->SetLabel(EmptyFolderName(fNumber).String());
-    }
-    fMenu->AddItem(fTitleItem);
-    fMenu->AddSeparatorItem();
-    for (QBItem* slot : fItems)
-        fMenu->AddItem(slot->MenuItem());
-}
-
 bool QBPath::SetPath(const char* path) {
-    if (!fMenu)
-        CreateMenu();
     fReadStatus = Read(path);
     if (fReadStatus != B_OK)
         EmptySlots();
@@ -115,21 +104,17 @@ status_t QBPath::BindTo(BEntry& entry, const char* path) {
         fPath.SetTo(path);
         return B_OK;
     }
-    const BString renamed = FindFolder(fNumber);
-    if (!renamed.IsEmpty() && ParentOf(renamed.String()) == ParentOf(path)) {
-        fPath.SetTo(renamed.String());
-        return entry.SetTo(renamed.String(), false);
+    BPath parent;
+    BPath found(FindFolder(fNumber).String());
+    status_t status = BPath(path).GetParent(&parent);
+    if (status == B_OK && !IsIn(found, parent)) {
+        found.SetTo(parent.Path(), EmptyFolderName(fNumber).String());
+        status = create_directory(found.Path(), kDirectoryMode);
     }
-    BPath created;
-    status_t status = BPath(path).GetParent(&created);
     if (status == B_OK)
-        status = created.Append(EmptyFolderName(fNumber).String());
+        status = entry.SetTo(found.Path(), false);
     if (status == B_OK)
-        status = create_directory(created.Path(), kDirectoryMode);
-    if (status == B_OK)
-        status = entry.SetTo(created.Path(), false);
-    if (status == B_OK)
-        fPath = created;
+        fPath = found;
     return status;
 }
 
@@ -192,11 +177,10 @@ bool QBPath::IsFollowed() const {
 void QBPath::Refresh() {
     if (IsFollowed())
         return;
-    const BString path(Path());
-    if (path.IsEmpty())
+    if (!Path())
         FindYourSelf();
     else
-        SetPath(path.String());
+        ItemCreated(nullptr);
     UpdateMenu();
 }
 
@@ -223,18 +207,11 @@ bool QBPath::ItemRemoved(BMessage* msg) {
 }
 
 bool QBPath::ItemMoved(BMessage* msg) {
-    int64 from = 0;
-    int64 to = 0;
-    msg->FindInt64("from directory", &from);
-    msg->FindInt64("to directory", &to);
-    if (from != to) {
-        const BString path(Path());
-        return SetPath(path.String());
-    }
+    const int64 to = msg->GetInt64("to directory", 0);
+    if (msg->GetInt64("from directory", 0) != to)
+        return ItemCreated(msg);
 
-    node_ref file;
-    msg->FindInt32("device", &file.device);
-    msg->FindInt64("node", &file.node);
+    const node_ref file = NodeOf(*msg);
     for (int digit = 0; digit < 10; ++digit) {
         QBItem* slot = fItems[digit];
         if (slot->NodeRef() != file || slot->RawItem()->ref.directory != to)
@@ -262,14 +239,8 @@ bool QBPath::FillSlot(QBItem* slot, int digit) {
 // A file that filled no slot has been renamed: it fills an empty one if its new name says so.
 bool QBPath::AdoptRenamed(const BMessage* msg) {
     Trace(__PRETTY_FUNCTION__, "Not an existing item");
-    entry_ref ref;
-    const char* name = nullptr;
-    msg->FindInt32("device", &ref.device);
-    msg->FindInt64("to directory", &ref.directory);
-    if (msg->FindString("name", &name) != B_OK)
-        return false;
-    ref.name = name;
-
+    const entry_ref ref(msg->GetInt32("device", -1), msg->GetInt64("to directory", -1),
+                        msg->GetString("name", ""));
     BEntry entry(&ref, false);
     BPath path;
     if (entry.InitCheck() != B_OK || entry.GetPath(&path) != B_OK)
@@ -284,9 +255,7 @@ bool QBPath::AdoptRenamed(const BMessage* msg) {
 }
 
 bool QBPath::ItemRenamed(BMessage* msg) {
-    node_ref file;
-    msg->FindInt32("device", &file.device);
-    msg->FindInt64("node", &file.node);
+    const node_ref file = NodeOf(*msg);
     for (QBItem* slot : fItems) {
         if (slot->NodeRef() != file)
             continue;

@@ -5,7 +5,6 @@
 #include "kits/support/String.h"
 #include "quillbar/store/Item.h"
 #include "quillbar/store/NodeWatch.h"
-#include "quillbar/store/RawItem.h"
 
 class BEntry;
 class BHandler;
@@ -84,7 +83,6 @@ public:
 
 private:
     void CreateMenu();
-    void AssembleMenu();
     status_t BindTo(BEntry& entry, const char* path);
     status_t Read(const char* path);
     status_t ReadSlots(const BEntry& directory);
@@ -101,7 +99,7 @@ private:
     status_t fReadStatus = B_NO_INIT;
     BHandler* fTarget;
     BMessenger fMessenger;
-    QBItem* fItems[10];
-    QBTitleItem* fTitleItem;
-    QBMenu* fMenu;
+    QBItem* fItems[10] = {};
+    QBTitleItem* fTitleItem = nullptr;
+    QBMenu* fMenu = nullptr;
 };

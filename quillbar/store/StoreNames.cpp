@@ -6,7 +6,6 @@
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
 #include "kits/storage/Path.h"
-#include "quillbar/store/Walk.h"
 
 namespace {
 
@@ -81,6 +80,23 @@ bool HasBookmarkType(BNode& node) {
     char type[B_MIME_TYPE_LENGTH];
     return node.InitCheck() == B_OK && info.InitCheck() == B_OK && info.GetType(type) == B_OK &&
            BString(type).ICompare(kBookmarkType) == 0;
+}
+
+status_t Walk(const BEntry& directory, Links links,
+              const std::function<bool(BEntry& entry, const char* path)>& visit) {
+    BDirectory opened(&directory);
+    if (opened.InitCheck() != B_OK)
+        return opened.InitCheck();
+
+    BEntry entry;
+    while (opened.GetNextEntry(&entry, links == Links::Followed) == B_OK) {
+        BPath path;
+        if (entry.InitCheck() != B_OK || entry.GetPath(&path) != B_OK || path.InitCheck() != B_OK)
+            continue;
+        if (!visit(entry, path.Path()))
+            break;
+    }
+    return B_OK;
 }
 
 bool IsPlaceholder(const char* path) {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <functional>
+
 #include "kits/support/String.h"
 
-class BDirectory;
 class BEntry;
 class BNode;
 
@@ -38,6 +39,15 @@ BString EmptyFolderName(int number);
 // Sets `root` to the bookmark root, which need not exist. A root that is a symbolic link to a
 // directory elsewhere stands for that directory.
 status_t FindRoot(BEntry& root);
+
+// What a walk makes of a symbolic link: the link itself, or what it points to.
+enum class Links { Left, Followed };
+
+// Calls `visit` with each entry of the directory and its full path, in the directory's own order,
+// until it returns false. Entries that are gone meanwhile, or whose path cannot be obtained, are
+// left out. The status says whether the directory could be opened.
+status_t Walk(const BEntry& directory, Links links,
+              const std::function<bool(BEntry& entry, const char* path)>& visit);
 
 // Whether the directory at `path` is what the program makes for a folder that has none: named "N -"
 // and empty.
