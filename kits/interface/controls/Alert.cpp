@@ -49,7 +49,6 @@ private:
     void Rect(BRect rect, rgb_color color);
 
     void DrawInfo();
-    void DrawIdea();
     void DrawWarning();
     void DrawStop();
 
@@ -63,24 +62,17 @@ AlertIcon::AlertIcon(BRect frame, alert_type type)
 }
 
 void AlertIcon::Draw(BRect) {
-    if (fType == B_EMPTY_ALERT)
-        return;
     SetHighColor(tint_color(ViewColor(), B_DARKEN_1_TINT));
     FillRect({0, 0, kStripRight, Bounds().bottom});
     switch (fType) {
     case B_INFO_ALERT:
         DrawInfo();
         break;
-    case B_IDEA_ALERT:
-        DrawIdea();
-        break;
     case B_WARNING_ALERT:
         DrawWarning();
         break;
     case B_STOP_ALERT:
         DrawStop();
-        break;
-    case B_EMPTY_ALERT:
         break;
     }
 }
@@ -111,19 +103,6 @@ void AlertIcon::DrawInfo() {
     Rect({10, 12, 16, 14}, kWhite);
     Rect({13, 12, 17, 22}, kWhite);
     Rect({10, 22, 20, 24}, kWhite);
-}
-
-void AlertIcon::DrawIdea() {
-    Ellipse({6, 1, 29, 24}, kShadow);
-    Ellipse({4, 0, 26, 22}, {140, 100, 0, 255});
-    Polygon({{9, 18}, {21, 18}, {19, 24}, {11, 24}}, {140, 100, 0, 255});
-    Ellipse({5, 1, 25, 21}, {255, 214, 46, 255});
-    Polygon({{10, 18}, {20, 18}, {18, 23}, {12, 23}}, {255, 214, 46, 255});
-    Ellipse({9, 4, 15, 10}, {255, 246, 190, 255});
-    Rect({11, 24, 19, 29}, {70, 70, 70, 255});
-    Rect({11, 25, 19, 25}, {180, 180, 180, 255});
-    Rect({11, 27, 19, 27}, {180, 180, 180, 255});
-    Rect({13, 30, 17, 30}, kBlack);
 }
 
 void AlertIcon::DrawWarning() {
@@ -168,11 +147,9 @@ struct BAlert::Answer {
 };
 
 BAlert::BAlert(const char* title, const char* text, const char* button1, const char* button2,
-               const char* button3, button_width width, alert_type type)
+               const char* button3, button_width, alert_type type)
     : BWindow(BRect(0, 0, kUsualWidth, 100), title, B_MODAL_WINDOW_LOOK, B_MODAL_APP_WINDOW_FEEL,
               B_NOT_RESIZABLE | B_NOT_ZOOMABLE | B_NOT_MINIMIZABLE, B_ALL_WORKSPACES)
-    , fButtonWidth(width)
-    , fType(type)
     , fAnswer(std::make_shared<Answer>()) {
     auto* background = new AlertIcon(Bounds(), type);
     AddChild(background);
@@ -273,14 +250,13 @@ void BAlert::LayOut() {
 
     float buttonHeight = 0;
     float row = SizeButtons(maxWidth, &buttonHeight);
-    const float textLeft = fType == B_EMPTY_ALERT ? kMargin : kTextLeft;
     const float around = 2 * kMargin + buttonHeight + kButtonMargin;
     float width = std::min(std::max(kUsualWidth, row), maxWidth);
     float textHeight = 0;
     // A long text gets a wider alert before it gets a high one.
     for (float wider : {width, 450.0f, 600.0f, maxWidth}) {
         width = std::clamp(wider, width, maxWidth);
-        fTextView->SetTextRect({0, 0, width - textLeft - kMargin, 0});
+        fTextView->SetTextRect({0, 0, width - kTextLeft - kMargin, 0});
         textHeight = std::max(std::ceil(fTextView->TextHeight()), kPictureHeight);
         if (textHeight + around <= std::min(0.7f * width, maxHeight))
             break;
@@ -288,8 +264,8 @@ void BAlert::LayOut() {
     textHeight = std::min(textHeight, maxHeight - around);
 
     ResizeTo(width, textHeight + around);
-    fPane->MoveTo(textLeft, kMargin);
-    fPane->ResizeTo(width - textLeft - kMargin, textHeight);
+    fPane->MoveTo(kTextLeft, kMargin);
+    fPane->ResizeTo(width - kTextLeft - kMargin, textHeight);
     fPane->LayOut();
     float right = width - kButtonMargin;
     for (int32 i = fButtonCount - 1; i >= 0; i--) {
@@ -303,19 +279,14 @@ void BAlert::LayOut() {
 
 // Returns how wide the alert must be for its row of buttons.
 float BAlert::SizeButtons(float maxWidth, float* height) {
-    float widest = fButtonWidth == B_WIDTH_FROM_WIDEST ? 0 : kUsualButtonWidth;
+    const float share = (maxWidth - 2 * kTextLeft) / static_cast<float>(std::max(fButtonCount, 1));
     for (int32 i = 0; i < fButtonCount; i++) {
         fButtons[i]->ResizeToPreferred();
         *height = std::max(*height, fButtons[i]->Frame().Height());
-        if (fButtonWidth == B_WIDTH_FROM_WIDEST)
-            widest = std::max(widest, fButtons[i]->Frame().Width());
     }
-    float share = (maxWidth - 2 * kTextLeft) / static_cast<float>(std::max(fButtonCount, 1));
     float row = kTextLeft;
     for (int32 i = 0; i < fButtonCount; i++) {
-        float width = fButtons[i]->Frame().Width();
-        if (fButtonWidth != B_WIDTH_FROM_LABEL)
-            width = std::max(width, widest);
+        const float width = std::max(fButtons[i]->Frame().Width(), kUsualButtonWidth);
         fButtons[i]->ResizeTo(std::min(width, share), *height);
         row += fButtons[i]->Frame().Width() + 1 + kButtonMargin;
     }

@@ -10,11 +10,9 @@ class BTextView;
 class ScrolledText;
 
 enum alert_type {
-    B_EMPTY_ALERT = 0,
-    B_INFO_ALERT,
-    B_IDEA_ALERT,
-    B_WARNING_ALERT,
-    B_STOP_ALERT,
+    B_INFO_ALERT = 1,
+    B_WARNING_ALERT = 3,
+    B_STOP_ALERT = 4,
 };
 
 // A message to the user, with up to three buttons. The program's other windows take no input while
@@ -59,8 +57,6 @@ private:
     ScrolledText* fPane = nullptr; // around it
     BButton* fButtons[3] = {};
     int32 fButtonCount = 0;
-    const button_width fButtonWidth;
-    const alert_type fType;
     BInvoker* fInvoker = nullptr;
     std::shared_ptr<Answer> fAnswer;
 };

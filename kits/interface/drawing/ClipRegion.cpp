@@ -15,7 +15,8 @@ void AddIfValid(std::vector<BRect>& rects, BRect rect) {
 } // namespace
 
 void ClipRegion::Include(BRect rect) {
-    if (!rect.IsValid())
+    const auto covers = [&](const BRect& known) { return (known & rect) == rect; };
+    if (!rect.IsValid() || std::ranges::any_of(fRects, covers))
         return;
     Exclude(rect);
     fRects.push_back(rect);
@@ -41,10 +42,7 @@ void ClipRegion::Exclude(BRect hole) {
 }
 
 void ClipRegion::IntersectWith(BRect rect) {
-    std::vector<BRect> common;
-    for (const BRect& own : fRects)
-        AddIfValid(common, own & rect);
-    fRects = std::move(common);
+    IntersectWith(ClipRegion(rect));
 }
 
 void ClipRegion::IntersectWith(const ClipRegion& other) {

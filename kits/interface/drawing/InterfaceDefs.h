@@ -54,8 +54,6 @@ enum alignment {
 
 enum button_width {
     B_WIDTH_AS_USUAL, // as wide as an everyday label, or wider where the label needs it
-    B_WIDTH_FROM_WIDEST,
-    B_WIDTH_FROM_LABEL,
 };
 
 // The colours that the desktop's controls are drawn in.

@@ -2,30 +2,18 @@
 
 #include <chrono>
 #include <future>
-#include <string_view>
 #include <utility>
 
 #include "base/Errors.h"
 #include "host/x11/Display.h"
 #include "kits/app/Message.h"
+#include "kits/interface/window/DraggedFile.h"
 #include "kits/kernel/Locker.h"
 
 namespace {
 
 constexpr char kTextField[] = "text/plain";
 constexpr std::chrono::seconds kPatience(4);
-
-std::string TextIn(const BMessage& data) {
-    const void* bytes = nullptr;
-    ssize_t size = 0;
-    if (data.FindData(kTextField, B_MIME_TYPE, &bytes, &size) != B_OK)
-        return {};
-    std::string text(static_cast<const char*>(bytes), static_cast<size_t>(size));
-    // Programs of this kit end it with a NUL, which others would paste.
-    if (text.ends_with('\0'))
-        text.pop_back();
-    return text;
-}
 
 // Empty if nobody has one, or does not answer in time.
 std::string DesktopText(host::Display& display) {
@@ -42,35 +30,22 @@ std::string DesktopText(host::Display& display) {
 BClipboard* const be_clipboard = new BClipboard("system");
 
 struct BClipboard::State {
-    explicit State(const char* name)
-        : locker(name) {}
-
-    // Null for a clipboard of the program's own.
-    host::Display* Desktop() const {
-        bool isSystem = std::string_view(locker.Name()) == "system";
-        return isSystem ? host::Display::Shared() : nullptr;
-    }
-
-    BLocker locker;
+    BLocker locker{"clipboard"};
     // Locked.
     BMessage data;
     bool isCurrent = false;
 };
 
-BClipboard::BClipboard(const char* name)
-    : fState(std::make_unique<State>(name)) {}
+BClipboard::BClipboard(const char*)
+    : fState(std::make_unique<State>()) {}
 
 BClipboard::~BClipboard() = default;
-
-const char* BClipboard::Name() const {
-    return fState->locker.Name();
-}
 
 bool BClipboard::Lock() {
     if (!fState->locker.Lock())
         return false;
     if (fState->locker.CountLocks() == 1)
-        fState->isCurrent = fState->Desktop() == nullptr;
+        fState->isCurrent = host::Display::Shared() == nullptr;
     return true;
 }
 
@@ -86,9 +61,9 @@ BMessage* BClipboard::Data() const {
     if (!IsLocked())
         return nullptr;
     if (!std::exchange(fState->isCurrent, true)) {
-        std::string text = DesktopText(*fState->Desktop());
+        std::string text = DesktopText(*host::Display::Shared());
         // The program's other fields stay valid while the desktop still has the program's text.
-        if (text != TextIn(fState->data)) {
+        if (text != PlainTextOf(fState->data)) {
             fState->data.MakeEmpty();
             if (!text.empty()) {
                 fState->data.AddData(kTextField, B_MIME_TYPE, text.data(),
@@ -109,7 +84,7 @@ status_t BClipboard::Clear() {
 status_t BClipboard::Commit() {
     if (!IsLocked())
         return B_NOT_ALLOWED;
-    if (host::Display* display = fState->Desktop())
-        display->OwnSelection(host::SelectionKind::Clipboard, TextIn(*Data()));
+    if (host::Display* display = host::Display::Shared())
+        display->OwnSelection(host::SelectionKind::Clipboard, PlainTextOf(*Data()));
     return B_OK;
 }

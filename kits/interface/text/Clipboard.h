@@ -14,14 +14,12 @@ class BMessage;
 // It belongs to this kit because the display server carries it.
 class BClipboard {
 public:
-    // The one named "system" is the desktop's; another one is the program's own.
+    // The desktop's clipboard, which is named "system": there is no other one.
     explicit BClipboard(const char* name);
     ~BClipboard();
 
     BClipboard(const BClipboard&) = delete;
     BClipboard& operator=(const BClipboard&) = delete;
-
-    const char* Name() const;
 
     // As those of BLocker.
     bool Lock();

@@ -11,47 +11,26 @@ namespace {
 constexpr int32 kMenuKey = 0x68;
 constexpr int32 kF10Key = 0x0b;
 
-// By the platform's codes of the keys where these letters are on a Latin keyboard.
-char LetterAt(int32 key) {
-    switch (key) {
-    case 0x2c:
-        return 'y';
-    case 0x3c:
-        return 'a';
-    case 0x4c:
-        return 'z';
-    case 0x4d:
-        return 'x';
-    case 0x4e:
-        return 'c';
-    case 0x4f:
-        return 'v';
-    default:
-        return 0;
-    }
-}
+struct Command {
+    char letter;
+    int32 key; // where the letter is on a Latin keyboard
+    EditAction action;
+};
 
-EditAction CommandOf(char letter, bool isShifted) {
-    switch (letter) {
-    case 'x':
-        return EditAction::Cut;
-    case 'c':
-        return EditAction::Copy;
-    case 'v':
-        return EditAction::Paste;
-    case 'a':
-        return EditAction::SelectAll;
-    case 'z':
-        return isShifted ? EditAction::Redo : EditAction::Undo;
-    case 'y':
-        return EditAction::Redo;
-    default:
-        return EditAction::None;
-    }
-}
+constexpr Command kCommands[] = {
+    {'y', 0x2c, EditAction::Redo}, {'a', 0x3c, EditAction::SelectAll},
+    {'z', 0x4c, EditAction::Undo}, {'x', 0x4d, EditAction::Cut},
+    {'c', 0x4e, EditAction::Copy}, {'v', 0x4f, EditAction::Paste},
+};
 
-char LowerCase(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 'a' - 'A') : byte;
+EditAction CommandOf(unsigned char typed, int32 key, bool isShifted) {
+    for (const Command& command : kCommands) {
+        if (typed < 0x80 ? (typed | 0x20) != command.letter : key != command.key)
+            continue;
+        const bool isRedo = isShifted && command.action == EditAction::Undo;
+        return isRedo ? EditAction::Redo : command.action;
+    }
+    return EditAction::None;
 }
 
 EditKey SpecialKeyOf(char byte, bool isShifted, bool isControlled) {
@@ -100,6 +79,5 @@ EditKey EditKeyOf(const BMessage& keyDown) {
         return isCommanded ? EditKey{} : SpecialKeyOf(bytes[0], isShifted, isControlled);
     if (!isControlled && !isCommanded)
         return {EditAction::Type};
-    char letter = first < 0x80 ? LowerCase(bytes[0]) : LetterAt(keyDown.GetInt32("key", 0));
-    return {CommandOf(letter, isShifted)};
+    return {CommandOf(first, code, isShifted)};
 }

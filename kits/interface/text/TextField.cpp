@@ -173,21 +173,16 @@ void TextField::ShowCaret() {
 }
 
 void TextField::Draw(BRect) {
-    DrawSelection();
-    rgb_color ink = HighColor();
-    if (!fIsEnabled)
-        SetHighColor(tint_color(fControl.ViewColor(), B_DARKEN_4_TINT));
-    DrawString(Text(), BPoint(kMargin - fScroll, Baseline()));
-    SetHighColor(ink);
-    DrawCaret();
-}
-
-void TextField::DrawSelection() {
-    rgb_color ink = HighColor();
+    const rgb_color ink = HighColor();
+    const float left = kMargin - fScroll;
     SetHighColor(ShowsFocus() ? kSelectionColor : kPassiveSelectionColor);
-    for (auto [from, to] : fLine.StretchesIn(Selection())) {
-        FillRect(
-            BRect(kMargin - fScroll + from, 1, kMargin - fScroll + to - 1, Bounds().bottom - 1));
+    for (auto [from, to] : fLine.StretchesIn(Selection()))
+        FillRect(BRect(left + from, 1, left + to - 1, Bounds().bottom - 1));
+    SetHighColor(fIsEnabled ? ink : tint_color(fControl.ViewColor(), B_DARKEN_4_TINT));
+    DrawString(Text(), BPoint(left, Baseline()));
+    if (ShowsFocus() && fAnchor == fCaret && fShowsCaret) {
+        SetHighColor(kInk);
+        FillRect(CaretFrame());
     }
     SetHighColor(ink);
 }
@@ -195,15 +190,6 @@ void TextField::DrawSelection() {
 BRect TextField::CaretFrame() const {
     float x = std::floor(kMargin - fScroll + fLine.PlaceOf(fCaret));
     return {x, 1, x, Bounds().bottom - 1};
-}
-
-void TextField::DrawCaret() {
-    if (!ShowsFocus() || fAnchor != fCaret || !fShowsCaret)
-        return;
-    rgb_color ink = HighColor();
-    SetHighColor(kInk);
-    FillRect(CaretFrame());
-    SetHighColor(ink);
 }
 
 void TextField::UpdateCaret() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -66,8 +67,6 @@ private:
     // Drawing and the place of the text (TextField.cpp).
     TextLine::Range Selection() const;
     float TextRoom() const;
-    void DrawSelection();
-    void DrawCaret();
     BRect CaretFrame() const;
     void ShowCaret();
     void UpdateCaret();
@@ -80,8 +79,9 @@ private:
 
     // Input (TextFieldInput.cpp).
     bool HandleKey(EditKey key, std::string_view typed);
-    bool Move(EditKey key);
-    bool Erase(EditAction action);
+    // Where a move puts the caret, and what erasing takes away without a selection.
+    std::optional<int32> TargetOf(EditKey key) const;
+    std::optional<TextLine::Range> ErasedBy(EditAction action) const;
     void BeginDrag(BPoint where, int32 clicks, bool extends);
     void DragTo(BPoint where);
     void EndDrag();

@@ -54,90 +54,76 @@ bool TextField::HandleKey(EditKey key, std::string_view typed) {
         return false;
     case EditAction::Type:
         Insert(typed, UndoHistory::Kind::Typing);
-        return true;
+        break;
     case EditAction::OpenMenu:
         OpenMenu(CaretFrame().LeftBottom());
-        return true;
+        break;
     case EditAction::SelectAll:
         SelectAll();
         OfferSelected();
-        return true;
+        break;
     case EditAction::Cut:
         Cut();
-        return true;
+        break;
     case EditAction::Copy:
         Copy();
-        return true;
+        break;
     case EditAction::Paste:
         Paste();
-        return true;
+        break;
     case EditAction::Undo:
         Undo();
-        return true;
+        break;
     case EditAction::Redo:
         Redo();
-        return true;
-    default:
         break;
-    }
-    if (!Move(key))
-        return Erase(key.action);
-    if (key.extends)
-        OfferSelected();
-    return true;
-}
-
-bool TextField::Move(EditKey key) {
-    bool collapses = !key.extends && fAnchor != fCaret;
-    switch (key.action) {
-    case EditAction::Left:
-        SetCaret(collapses ? Selection().first : fLine.Before(fCaret), key.extends);
-        return true;
-    case EditAction::Right:
-        SetCaret(collapses ? Selection().second : fLine.After(fCaret), key.extends);
-        return true;
-    case EditAction::WordLeft:
-        SetCaret(fLine.WordBefore(fCaret), key.extends);
-        return true;
-    case EditAction::WordRight:
-        SetCaret(fLine.WordAfter(fCaret), key.extends);
-        return true;
-    case EditAction::Home:
-        SetCaret(0, key.extends);
-        return true;
-    case EditAction::End:
-        SetCaret(TextLength(), key.extends);
-        return true;
     default:
-        return false;
-    }
-}
-
-bool TextField::Erase(EditAction action) {
-    TextLine::Range range = Selection();
-    auto kind = UndoHistory::Kind::Other;
-    if (range.first == range.second) {
-        kind = UndoHistory::Kind::Erasing;
-        switch (action) {
-        case EditAction::EraseLeft:
-            range.first = fLine.Before(fCaret);
-            break;
-        case EditAction::EraseRight:
-            range.second = fLine.After(fCaret);
-            break;
-        case EditAction::EraseWordLeft:
-            range.first = fLine.WordBefore(fCaret);
-            break;
-        case EditAction::EraseWordRight:
-            range.second = fLine.WordAfter(fCaret);
-            break;
-        default:
-            return false;
+        if (const auto caret = TargetOf(key)) {
+            SetCaret(*caret, key.extends);
+            if (key.extends)
+                OfferSelected();
+        } else if (fAnchor != fCaret) {
+            Change(Selection(), {}, UndoHistory::Kind::Other);
+        } else if (const auto range = ErasedBy(key.action); range && range->first < range->second) {
+            Change(*range, {}, UndoHistory::Kind::Erasing);
         }
     }
-    if (range.first < range.second)
-        Change(range, {}, kind);
     return true;
+}
+
+std::optional<int32> TextField::TargetOf(EditKey key) const {
+    const bool collapses = !key.extends && fAnchor != fCaret;
+    switch (key.action) {
+    case EditAction::Left:
+        return collapses ? Selection().first : fLine.Before(fCaret);
+    case EditAction::Right:
+        return collapses ? Selection().second : fLine.After(fCaret);
+    case EditAction::WordLeft:
+        return fLine.WordBefore(fCaret);
+    case EditAction::WordRight:
+        return fLine.WordAfter(fCaret);
+    case EditAction::Home:
+        return 0;
+    case EditAction::End:
+        return TextLength();
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<TextLine::Range> TextField::ErasedBy(EditAction action) const {
+    switch (action) {
+    case EditAction::EraseLeft:
+        return TextLine::Range(fLine.Before(fCaret), fCaret);
+    case EditAction::EraseRight:
+        return TextLine::Range(fCaret, fLine.After(fCaret));
+    case EditAction::EraseWordLeft:
+        return TextLine::Range(fLine.WordBefore(fCaret), fCaret);
+    case EditAction::EraseWordRight:
+        return TextLine::Range(fCaret, fLine.WordAfter(fCaret));
+    default:
+        return std::nullopt;
+    }
 }
 
 void TextField::MouseDown(BPoint where) {

@@ -19,16 +19,6 @@ namespace {
 
 constexpr int kMaxNumber = 1000; // behind a file's name
 
-// Up to the NUL that some senders count.
-std::string PlainTextOf(const BMessage& message) {
-    const void* data = nullptr;
-    ssize_t size = 0;
-    if (message.FindData("text/plain", B_MIME_TYPE, &data, &size) != B_OK)
-        return {};
-    std::string_view text(static_cast<const char*>(data), static_cast<size_t>(size));
-    return std::string(text.substr(0, text.find('\0')));
-}
-
 bool IsOneLine(std::string_view text) {
     return !text.empty() && std::ranges::none_of(text, [](char byte) {
         return static_cast<uint8>(byte) < 0x20 || byte == 0x7f;
@@ -59,6 +49,15 @@ status_t CreateBeside(BPath& path) {
 }
 
 } // namespace
+
+std::string PlainTextOf(const BMessage& message) {
+    const void* data = nullptr;
+    ssize_t size = 0;
+    if (message.FindData("text/plain", B_MIME_TYPE, &data, &size) != B_OK)
+        return {};
+    std::string_view text(static_cast<const char*>(data), static_cast<size_t>(size));
+    return std::string(text.substr(0, text.find('\0')));
+}
 
 std::vector<host::DragData> DragDataOf(const BMessage& message) {
     std::vector<host::DragData> data;

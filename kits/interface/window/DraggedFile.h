@@ -11,6 +11,10 @@
 class BMessage;
 class BWindow;
 
+// The text in "text/plain" of a message that other programs may get, up to the NUL that some
+// senders count.
+std::string PlainTextOf(const BMessage& message);
+
 // The forms in which other programs can take a message that is dragged, the most telling first: the
 // link in "be:url" (as a list only if no file is offered), and the text in "text/plain".
 std::vector<host::DragData> DragDataOf(const BMessage& message);

@@ -66,10 +66,6 @@ BMessage MessageOf(const host::KeyChanged& key, bool isMapped) {
     return message;
 }
 
-BMessage MessageOf(const host::KeyChanged& key) {
-    return MessageOf(key, !key.text.empty());
-}
-
 void AddModifiers(std::vector<BMessage>& messages, uint32 before, uint32 now,
                   const host::KeyStates& states, bigtime_t when) {
     if (before == now)
@@ -88,25 +84,9 @@ void Send(const BMessenger& target, const host::KeyChanged& key) {
     std::vector<BMessage> messages;
     AddModifiers(messages, locks | ModifiersOf(before), locks | ModifiersOf(key.states), key.states,
                  key.when);
-    messages.push_back(MessageOf(key));
+    messages.push_back(MessageOf(key, !key.text.empty()));
     for (const BMessage& message : messages)
         target.SendMessage(&message);
-}
-
-// The press of no key in particular that types `text`.
-BMessage TypedMessage(const std::string& text) {
-    host::KeyChanged press{};
-    press.down = true;
-    press.text = text;
-    press.when = system_time();
-    return MessageOf(press);
-}
-
-// The release of a key for a window that will not get the real one.
-BMessage ReleaseMessage(host::KeyChanged press) {
-    press.down = false;
-    Set(press.states, press.key, false);
-    return MessageOf(press);
 }
 
 struct HeldKey {
@@ -143,12 +123,10 @@ std::vector<BMessage> KeyMessages(const host::SessionKey& key) {
 EventTranslator::EventTranslator(const BMessenger& target, double scale, WindowRole role)
     : fTarget(target)
     , fScale(scale)
-    , fIsAlert(role == WindowRole::Alert)
-    , fIsBlockable(role == WindowRole::Main || role == WindowRole::Other)
-    , fQuitsProgram(role == WindowRole::Main) {}
+    , fRole(role) {}
 
 EventTranslator::~EventTranslator() {
-    if (fIsAlert)
+    if (fRole == WindowRole::Alert)
         WindowRoster::Shared().SetActiveAlert(this, false);
     PointerPresence::Shared().Note(this, false);
 }
@@ -158,7 +136,8 @@ void EventTranslator::HandleEvent(const host::WindowEvent& event) {
 }
 
 bool EventTranslator::IsBlocked() const {
-    return fIsBlockable && WindowRoster::Shared().HasAlert();
+    return (fRole == WindowRole::Main || fRole == WindowRole::Other) &&
+           WindowRoster::Shared().HasAlert();
 }
 
 // Rectangles end at whole pixels, so a place between them would be in none.
@@ -246,7 +225,11 @@ void EventTranslator::Handle(const host::KeyChanged& event) {
 void EventTranslator::Handle(const host::TextCommitted& event) {
     if (IsBlocked())
         return;
-    BMessage message = TypedMessage(event.text);
+    host::KeyChanged press{};
+    press.down = true;
+    press.text = event.text;
+    press.when = system_time();
+    const BMessage message = MessageOf(press, true);
     fTarget.SendMessage(&message);
 }
 
@@ -264,7 +247,7 @@ void EventTranslator::Handle(const host::ColorDropped& event) {
 void EventTranslator::Handle(const host::FocusChanged& event) {
     if (!event.active)
         LetKeysGo();
-    if (fIsAlert)
+    if (fRole == WindowRole::Alert)
         WindowRoster::Shared().SetActiveAlert(this, event.active);
     BMessage message(B_WINDOW_ACTIVATED);
     message.AddInt64("when", system_time());
@@ -275,11 +258,13 @@ void EventTranslator::Handle(const host::FocusChanged& event) {
 // Their release goes to the window that has the focus now, perhaps another program's.
 void EventTranslator::LetKeysGo() {
     std::erase_if(HeldKeys(), [this](const auto& entry) {
-        const HeldKey& key = entry.second;
-        if (key.holder != fTarget)
+        if (entry.second.holder != fTarget)
             return false;
-        const BMessage release = ReleaseMessage(key.press);
-        fTarget.SendMessage(&release);
+        host::KeyChanged release = entry.second.press;
+        release.down = false;
+        Set(release.states, release.key, false);
+        const BMessage message = MessageOf(release, !release.text.empty());
+        fTarget.SendMessage(&message);
         return true;
     });
 }
@@ -301,7 +286,7 @@ void EventTranslator::Handle(const host::MinimizedChanged& event) {
 }
 
 void EventTranslator::Handle(const host::CloseRequested&) {
-    if (fQuitsProgram)
+    if (fRole == WindowRole::Main)
         BApplication::QuitFromOutside(false);
     else if (IsBlocked())
         WindowRoster::Shared().PointAtAlert();

@@ -23,8 +23,8 @@ enum : uint32 {
 std::vector<BMessage> KeyMessages(const host::SessionKey& key);
 
 enum class WindowRole {
-    Main,  // the window manager's close of it is a quit request from outside the program
-    Other, // the close is a quit request to the window
+    Main,  // blocked by alerts; its close is a quit request from outside the program
+    Other, // blocked by alerts; its close is a quit request to the window
     Alert,
     Menu,
 };
@@ -64,9 +64,7 @@ private:
 
     const BMessenger fTarget;
     std::atomic<double> fScale;
-    const bool fIsAlert;
-    const bool fIsBlockable; // by alerts
-    const bool fQuitsProgram;
+    const WindowRole fRole;
     // The rest is the display thread's.
     bool fIsPressed = false;
 };

@@ -48,22 +48,6 @@ BView::~BView() {
     }
 }
 
-void BView::AttachedToWindow() {}
-
-void BView::AllAttached() {}
-
-void BView::DetachedFromWindow() {}
-
-void BView::AllDetached() {}
-
-void BView::Draw(BRect) {}
-
-void BView::MouseDown(BPoint) {}
-
-void BView::MouseUp(BPoint) {}
-
-void BView::MouseMoved(BPoint, uint32, const BMessage*) {}
-
 void BView::KeyDown(const char*, int32) {
     BMessage* message = fWindow ? fWindow->CurrentMessage() : nullptr;
     if (message != nullptr && !IsWatching() && !fWindow->fState->KeyDownInWindow(*message))
@@ -79,16 +63,6 @@ void BView::MessageReceived(BMessage* message) {
     if (!IsWatching())
         BHandler::MessageReceived(message);
 }
-
-bool BView::HandleShortcut(const BMessage&) {
-    return false;
-}
-
-void BView::WindowActivated(bool) {}
-
-void BView::FrameMoved(BPoint) {}
-
-void BView::FrameResized(float, float) {}
 
 void BView::GetPreferredSize(float* width, float* height) {
     *width = fFrame.Width();
@@ -126,14 +100,6 @@ bool BView::RemoveChild(BView* child) {
     fChildren.erase(std::find(fChildren.begin(), fChildren.end(), child));
     child->fParent = nullptr;
     return true;
-}
-
-bool BView::RemoveSelf() {
-    return fParent != nullptr && fParent->RemoveChild(this);
-}
-
-int32 BView::CountChildren() const {
-    return static_cast<int32>(fChildren.size());
 }
 
 BView* BView::ChildAt(int32 index) const {
@@ -181,10 +147,6 @@ void BView::DetachAll() {
     fWindow->fState->Forget(*this);
     fWindow->RemoveHandler(this);
     fWindow = nullptr;
-}
-
-BRect BView::Bounds() const {
-    return {0, 0, fFrame.Width(), fFrame.Height()};
 }
 
 void BView::MoveTo(float x, float y) {
@@ -235,18 +197,6 @@ void BView::ParentResized(float deltaWidth, float deltaHeight) {
     SetFrame(frame);
 }
 
-BPoint BView::ConvertToParent(BPoint point) const {
-    return point + fFrame.LeftTop();
-}
-
-BPoint BView::ConvertFromParent(BPoint point) const {
-    return point - fFrame.LeftTop();
-}
-
-BRect BView::ConvertToParent(BRect rect) const {
-    return {ConvertToParent(rect.LeftTop()), ConvertToParent(rect.RightBottom())};
-}
-
 BPoint BView::ConvertToScreen(BPoint point) const {
     BPoint inWindow = point + OriginInWindow();
     return fWindow ? fWindow->ConvertToScreen(inWindow) : inWindow;
@@ -268,10 +218,6 @@ void BView::GetClippingRegion(ClipRegion* region) const {
     const ClipRegion inWindow = fWindow->fState->VisibleRegion(*this);
     for (const BRect& rect : inWindow.Rects())
         region->Include(rect.OffsetByCopy(-origin.x, -origin.y));
-}
-
-void BView::SetFlags(uint32 flags) {
-    fFlags = flags;
 }
 
 void BView::Hide() {

@@ -76,30 +76,30 @@ public:
     ~BView() override;
 
     // Hooks. Those without a comment on it do nothing here.
-    virtual void AttachedToWindow();   // parents first
-    virtual void AllAttached();        // after all views below are attached
-    virtual void DetachedFromWindow(); // parents first; the window is still there
-    virtual void AllDetached();
+    virtual void AttachedToWindow() {}   // parents first
+    virtual void AllAttached() {}        // after all views below are attached
+    virtual void DetachedFromWindow() {} // parents first; the window is still there
+    virtual void AllDetached() {}
     // `updateRect` covers what must be drawn; drawing is clipped to it and to the view. What lies
     // there has been filled with the view colour.
-    virtual void Draw(BRect updateRect);
+    virtual void Draw(BRect /*updateRect*/) {}
     // "buttons", "clicks" and more are in Window()->CurrentMessage().
-    virtual void MouseDown(BPoint where);
+    virtual void MouseDown(BPoint /*where*/) {}
     // The view that was pressed, and no other, gets the end of the press: when the last button is
     // released, wherever the pointer is, and also, with a place outside the view, when a menu or a
     // drag takes the pointer or the window leaves the screen. Also called for each earlier release
     // of several buttons.
-    virtual void MouseUp(BPoint where);
-    virtual void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage);
+    virtual void MouseUp(BPoint /*where*/) {}
+    virtual void MouseMoved(BPoint /*where*/, uint32 /*transit*/, const BMessage* /*dragged*/) {}
     // For the focus view. `bytes` is what the key types. Tab moves the focus to the next view that
     // is B_NAVIGABLE, Enter presses the default button; every other key is handed to the window's
     // MessageReceived(). The shortcuts of the window's menus never come here.
     virtual void KeyDown(const char* bytes, int32 numBytes);
     virtual void KeyUp(const char* bytes, int32 numBytes);
     void MessageReceived(BMessage* message) override;
-    virtual void WindowActivated(bool active);
-    virtual void FrameMoved(BPoint newPosition);
-    virtual void FrameResized(float width, float height);
+    virtual void WindowActivated(bool /*active*/) {}
+    virtual void FrameMoved(BPoint /*newPosition*/) {}
+    virtual void FrameResized(float /*width*/, float /*height*/) {}
     // Answers the view's size.
     virtual void GetPreferredSize(float* width, float* height);
 
@@ -110,8 +110,8 @@ public:
     void AddChild(BView* child, BView* before = nullptr);
     // The caller owns `child` again. False if `child` has another parent.
     bool RemoveChild(BView* child);
-    bool RemoveSelf();
-    int32 CountChildren() const;
+    bool RemoveSelf() { return fParent != nullptr && fParent->RemoveChild(this); }
+    int32 CountChildren() const { return static_cast<int32>(fChildren.size()); }
     BView* ChildAt(int32 index) const; // null past the last
 
     // Null in no window. Parent() is also null for a view that was added to the window itself.
@@ -119,15 +119,15 @@ public:
     BView* Parent() const;
 
     BRect Frame() const { return fFrame; }
-    BRect Bounds() const;
+    BRect Bounds() const { return {0, 0, fFrame.Width(), fFrame.Height()}; }
     void MoveTo(BPoint where) { MoveTo(where.x, where.y); }
     void MoveTo(float x, float y);
     // `width` is right minus left. Children follow by their resizing modes.
     void ResizeTo(float width, float height);
 
-    BPoint ConvertToParent(BPoint point) const;
-    BPoint ConvertFromParent(BPoint point) const;
-    BRect ConvertToParent(BRect rect) const;
+    BPoint ConvertToParent(BPoint point) const { return point + fFrame.LeftTop(); }
+    BPoint ConvertFromParent(BPoint point) const { return point - fFrame.LeftTop(); }
+    BRect ConvertToParent(BRect rect) const { return rect.OffsetByCopy(fFrame.LeftTop()); }
     // By way of the window's frame; for a view in no window by way of its topmost parent.
     BPoint ConvertToScreen(BPoint point) const;
     BPoint ConvertFromScreen(BPoint point) const;
@@ -137,7 +137,7 @@ public:
     void GetClippingRegion(ClipRegion* region) const;
 
     uint32 Flags() const { return fFlags; }
-    virtual void SetFlags(uint32 flags);
+    virtual void SetFlags(uint32 flags) { fFlags = flags; }
 
     // Calls are counted: as many Show() as Hide() make it visible again.
     virtual void Hide();
@@ -150,12 +150,16 @@ public:
     bool IsFocus() const;
 
     // The colour that Draw() starts from; 255, 255, 255 unless set. Nothing is drawn by it.
-    virtual void SetViewColor(rgb_color color);
-    void SetViewColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255);
+    virtual void SetViewColor(rgb_color color) { fViewColor = color; }
+    void SetViewColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255) {
+        SetViewColor(rgb_color{red, green, blue, alpha});
+    }
     rgb_color ViewColor() const { return fViewColor; }
     // The colour of lines, fills and texts; black unless set.
-    virtual void SetHighColor(rgb_color color);
-    void SetHighColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255);
+    virtual void SetHighColor(rgb_color color) { fHighColor = color; }
+    void SetHighColor(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255) {
+        SetHighColor(rgb_color{red, green, blue, alpha});
+    }
     rgb_color HighColor() const { return fHighColor; }
     // Accepted: nothing is drawn with it.
     void SetLowColor(rgb_color) {}
@@ -168,7 +172,7 @@ public:
     // Where B_OP_ALPHA takes the alpha of a bitmap from; B_PIXEL_ALPHA unless set. All else is
     // drawn with that of the high colour. What is drawn into a bitmap adds to its alpha, as
     // B_ALPHA_COMPOSITE says; elsewhere the functions do the same.
-    void SetBlendingMode(source_alpha source, alpha_function function);
+    void SetBlendingMode(source_alpha source, alpha_function) { fSourceAlpha = source; }
 
     virtual void SetFont(const BFont* font, uint32 mask = B_FONT_ALL);
     void GetFont(BFont* font) const { *font = fFont; }
@@ -182,7 +186,7 @@ public:
     BPoint PenLocation() const { return fPen; }
     // From `from`, or the pen, to `to`, both ends drawn. The pen is at `to` afterwards.
     void StrokeLine(BPoint from, BPoint to);
-    void StrokeLine(BPoint to);
+    void StrokeLine(BPoint to) { StrokeLine(fPen, to); }
     void StrokeRect(BRect rect);
     void FillRect(BRect rect);
     void FillPolygon(const BPoint* points, int32 count);
@@ -190,11 +194,11 @@ public:
     // With its left-top corner at `where`.
     void DrawBitmap(const BBitmap* bitmap, BPoint where);
     // One line that starts at `baseline`, or at the pen; the pen is behind it afterwards.
-    void DrawString(const char* string);
+    void DrawString(const char* string) { DrawString(string, fPen); }
     void DrawString(const char* string, BPoint baseline);
 
     // Has all of it, or the part in `rect`, drawn at the end of the message.
-    void Invalidate();
+    void Invalidate() { Invalidate(Bounds()); }
     void Invalidate(BRect rect);
 
     // Shows what has been drawn; Sync() returns when the display server has it.
@@ -237,7 +241,7 @@ protected:
     virtual bool CanTakeFocus() const { return (fFlags & B_NAVIGABLE) != 0; }
     // A press of a key in the window comes to all its views before the focus gets it, until one
     // answers true: the key was a shortcut of that view.
-    virtual bool HandleShortcut(const BMessage& keyDown);
+    virtual bool HandleShortcut(const BMessage& /*keyDown*/) { return false; }
 
 private:
     friend class BBitmap;

@@ -27,35 +27,11 @@ BBitmap* BView::Bitmap() const {
     return top->fBitmap;
 }
 
-void BView::SetViewColor(rgb_color color) {
-    fViewColor = color;
-}
-
-void BView::SetViewColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
-    SetViewColor(rgb_color{red, green, blue, alpha});
-}
-
-void BView::SetHighColor(rgb_color color) {
-    fHighColor = color;
-}
-
-void BView::SetHighColor(uint8 red, uint8 green, uint8 blue, uint8 alpha) {
-    SetHighColor(rgb_color{red, green, blue, alpha});
-}
-
-void BView::SetBlendingMode(source_alpha source, alpha_function) {
-    fSourceAlpha = source;
-}
-
 void BView::StrokeLine(BPoint from, BPoint to) {
     fPen = to;
     BPoint origin = OriginInWindow();
     if (host::Canvas* canvas = Canvas())
         canvas->StrokeLine(from + origin, to + origin, fHighColor);
-}
-
-void BView::StrokeLine(BPoint to) {
-    StrokeLine(fPen, to);
 }
 
 void BView::StrokeRect(BRect rect) {
@@ -94,20 +70,12 @@ void BView::DrawBitmap(const BBitmap* bitmap, BPoint where) {
                       isConstant ? fHighColor.alpha / 255.0 : 1);
 }
 
-void BView::DrawString(const char* string) {
-    DrawString(string, fPen);
-}
-
 void BView::DrawString(const char* string, BPoint baseline) {
     if (string == nullptr)
         return;
     fPen = baseline + BPoint(StringWidth(string), 0);
     if (host::Canvas* canvas = Canvas())
         canvas->DrawText(SpecOf(fFont), string, baseline + OriginInWindow(), fHighColor);
-}
-
-void BView::Invalidate() {
-    Invalidate(Bounds());
 }
 
 void BView::Invalidate(BRect rect) {

@@ -197,18 +197,6 @@ void BWindow::Sync() const {
         display->Sync();
 }
 
-void BWindow::WindowActivated(bool) {}
-
-void BWindow::FrameMoved(BPoint) {}
-
-void BWindow::FrameResized(float, float) {}
-
-void BWindow::WorkspacesChanged(uint32, uint32) {}
-
-bool BWindow::QuitRequested() {
-    return true;
-}
-
 void BWindow::Quit() {
     if (fState->host)
         fState->host->Hide();
@@ -283,14 +271,6 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
     default:
         BLooper::DispatchMessage(message, handler);
     }
-}
-
-void BWindow::MessageReceived(BMessage* message) {
-    BLooper::MessageReceived(message);
-}
-
-void BWindow::MessageHandled() {
-    UpdateIfNeeded();
 }
 
 status_t BWindow::GrabInput(bigtime_t timeout) {

@@ -118,18 +118,17 @@ public:
     void Sync() const;
 
     // Hooks. They do nothing here but for QuitRequested().
-    virtual void WindowActivated(bool active);
-    virtual void FrameMoved(BPoint newPosition);
-    virtual void FrameResized(float width, float height);
-    virtual void WorkspacesChanged(uint32 oldWorkspaces, uint32 newWorkspaces);
-    bool QuitRequested() override; // true
+    virtual void WindowActivated(bool /*active*/) {}
+    virtual void FrameMoved(BPoint /*newPosition*/) {}
+    virtual void FrameResized(float /*width*/, float /*height*/) {}
+    virtual void WorkspacesChanged(uint32 /*oldWorkspaces*/, uint32 /*newWorkspaces*/) {}
+    bool QuitRequested() override { return true; }
 
     void Quit() override;
     void DispatchMessage(BMessage* message, BHandler* handler) override;
-    void MessageReceived(BMessage* message) override;
 
 protected:
-    void MessageHandled() override;
+    void MessageHandled() override { UpdateIfNeeded(); }
 
     // UpdateIfNeeded() also for a window that is hidden, which else draws when it is shown.
     void UpdateHidden();

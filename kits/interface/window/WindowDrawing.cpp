@@ -1,34 +1,11 @@
 #include "kits/interface/window/WindowState.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace {
 
-constexpr size_t kMaxDamage = 32;
-
-host::PixelRect Union(const host::PixelRect& a, const host::PixelRect& b) {
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-            std::max(a.bottom, b.bottom)};
-}
-
-bool Covers(const host::PixelRect& a, const host::PixelRect& b) {
-    return host::Intersection(a, b) == b;
-}
-
-void AddDamage(std::vector<host::PixelRect>& damage, const host::PixelRect& rect) {
-    if (rect.IsEmpty())
-        return;
-    if (std::any_of(damage.begin(), damage.end(),
-                    [&](const host::PixelRect& known) { return Covers(known, rect); }))
-        return;
-    damage.push_back(rect);
-    if (damage.size() <= kMaxDamage)
-        return;
-    host::PixelRect all = rect;
-    for (const host::PixelRect& one : damage)
-        all = Union(all, one);
-    damage = {all};
+BRect PixelsOf(const host::PixelRect& rect) {
+    return BRect(rect.left, rect.top, rect.right - 1, rect.bottom - 1);
 }
 
 } // namespace
@@ -51,7 +28,7 @@ void BWindow::State::Update() {
     painting = nullptr;
     ClipChanged();
     for (const BRect& rect : region.Rects())
-        AddDamage(damage, canvas->Snap(rect));
+        damage.Include(PixelsOf(canvas->Snap(rect)));
 }
 
 void BWindow::State::Paint(BView& view, const ClipRegion& region) {
@@ -72,14 +49,14 @@ void BWindow::State::Paint(BView& view, const ClipRegion& region) {
 }
 
 void BWindow::State::Present() {
-    if (damage.empty() || !canvas || !IsVisible())
+    if (!canvas || !IsVisible())
         return;
+    ClipRegion region = std::exchange(damage, ClipRegion());
+    region.IntersectWith(PixelsOf({0, 0, device.Width(), device.Height()}));
     std::vector<host::PixelRect> shown;
-    for (const host::PixelRect& rect : std::exchange(damage, {})) {
-        host::PixelRect inside = host::Intersection(rect, {0, 0, device.Width(), device.Height()});
-        if (!inside.IsEmpty())
-            shown.push_back(inside);
-    }
+    for (const BRect& rect : region.Rects())
+        shown.push_back({static_cast<int>(rect.left), static_cast<int>(rect.top),
+                         static_cast<int>(rect.right) + 1, static_cast<int>(rect.bottom) + 1});
     if (host && !shown.empty())
         host->Present(canvas->Picture(), shown);
 }
@@ -103,9 +80,9 @@ host::Canvas* BWindow::State::CanvasFor(BView& view) {
             region.IntersectWith(*painting);
         canvas->SetClip(region.Rects());
         clipOwner = &view;
-        clipFrame = canvas->Snap(region.Frame());
+        clipFrame = PixelsOf(canvas->Snap(region.Frame()));
     }
     if (painting == nullptr)
-        AddDamage(damage, clipFrame);
+        damage.Include(clipFrame);
     return canvas.get();
 }

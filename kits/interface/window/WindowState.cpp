@@ -182,7 +182,7 @@ void BWindow::State::FollowSettings() {
         place =
             BPoint(static_cast<float>(device.left / scale), static_cast<float>(device.top / scale));
         canvas.reset();
-        damage.clear();
+        damage = ClipRegion();
         ClipChanged();
         device = reported = DeviceFrame();
         WindowRoster::Shared().FrameChanged(window, device);

@@ -108,10 +108,10 @@ struct BWindow::State {
     std::atomic<bool> isMinimized = false;
 
     ClipRegion update;
-    std::vector<host::PixelRect> damage;
+    ClipRegion damage; // in device pixels
     std::unique_ptr<host::Canvas> canvas;
     BView* clipOwner = nullptr;
-    host::PixelRect clipFrame;
+    BRect clipFrame; // in device pixels
     const ClipRegion* painting = nullptr;
 
     BView* focus = nullptr;
