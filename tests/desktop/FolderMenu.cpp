@@ -36,19 +36,20 @@ FolderMenu::FolderMenu(Desk& desk, const Program& program) {
         throw std::runtime_error("no menu opened");
     fWindow = program.Menus().back();
     const int column = fWindow.frame.width - 5;
+    const int row = fWindow.frame.height - 5; // the pointer will be there
     Picture plain;
     Band band;
     // A menu that opened under the pointer has an item marked until the pointer is seen to leave,
-    // which gives a second band.
+    // which gives a second band, or for a moment one at another place.
     const bool marked = WaitUntil([&] {
         desk.MoveTo(0, desk.Frame().height - 1);
         plain = desk.Settled(fWindow.frame);
-        desk.MoveTo(fWindow.frame.x + column, fWindow.frame.y + fWindow.frame.height - 5);
+        desk.MoveTo(fWindow.frame.x + column, fWindow.frame.y + row);
         return WaitUntil(
             [&] {
                 const Band before = band;
                 band = Difference(plain, desk.Grab(fWindow.frame), column);
-                return band.height >= 8 && band == before;
+                return band.height >= 8 && band == before && row < band.first + band.height;
             },
             std::chrono::milliseconds(500));
     });
