@@ -61,7 +61,7 @@ void NodeComparison::SettleEnds(const EventBatch& batch) {
         ended.push_back(number);
         Watch* parent = fState.watches.FindDirectory(watch->parent);
         if (isLost(*watch))
-            NotifyLost(*watch, parent && isLost(*parent) ? parent : nullptr);
+            fState.watches.NotifyLost(*watch, parent && isLost(*parent) ? parent : nullptr);
     }
     for (int number : ended)
         fState.Forget(number);
@@ -79,7 +79,7 @@ void NodeComparison::SettleUnread() {
         Stat(ParentPath(watch->path), parent, true);
         if (parent.ref == watch->parent)
             continue;
-        NotifyLost(*watch, nullptr);
+        fState.watches.NotifyLost(*watch, nullptr);
         fState.Drop(watch->number);
     }
 }
@@ -130,18 +130,14 @@ void NodeComparison::Recover(int number) {
     Watch* parent = fState.watches.FindDirectory(watch->parent);
     Descriptor node;
     if (!watch->Open(node)) {
-        NotifyLost(*watch, parent);
+        fState.watches.NotifyLost(*watch, parent);
         fState.Drop(number);
     } else if (watch->names) {
-        NotifyLost(*watch, parent);
+        fState.watches.NotifyLost(*watch, parent);
         watch->FillNames(node);
     } else {
         Compare(number, true);
     }
-}
-
-void NodeComparison::NotifyLost(const Watch& watch, const Watch* except) {
-    fState.watches.NotifyAll(watch, Departure(watch, ChangeKind::Removed), except);
 }
 
 } // namespace host

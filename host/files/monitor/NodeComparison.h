@@ -22,7 +22,6 @@ private:
     void SearchNode(int number, bool hasMoved);
     void Compare(int number, bool hasAttributes);
     void Recover(int number);
-    void NotifyLost(const Watch& watch, const Watch* except);
 
     MonitorState& fState;
 };

@@ -7,6 +7,7 @@
 
 #include "host/files/Files.h"
 #include "host/files/KnownPaths.h"
+#include "host/files/Paths.h"
 #include "host/files/monitor/EntryComparison.h"
 #include "host/files/monitor/NodeComparison.h"
 
@@ -91,7 +92,9 @@ status_t NodeMonitor::AddListener(node_ref node, uint32 flags, const Listener& l
     Watch* watch = fState.watches.Find(number);
     if (!watch)
         watch = &fState.watches.Add(number, there);
-    watch->SetPath(path);
+    Stat(ParentPath(path), there, true);
+    watch->path = path;
+    watch->parent = there.ref;
     watch->listeners[listener] |= flags;
     // The watch comes first, then the look: what happens in between is noticed twice rather than
     // not.

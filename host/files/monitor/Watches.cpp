@@ -51,26 +51,22 @@ bool Watch::IsInPlace() const {
     return Stat(path, there) == B_OK && there.ref == Node();
 }
 
-void Watch::SetPath(const std::string& newPath) {
-    NodeStatus directory;
-    Stat(ParentPath(newPath), directory, true);
-    path = newPath;
-    parent = directory.ref;
-}
-
 status_t Watch::FillNames(const Descriptor& directory) {
-    names.emplace();
+    NameTable found;
     DirectoryScan scan;
+    DirectoryScan::Entry entry;
     status_t result = scan.Open(directory);
     if (result != B_OK)
         return result;
-    DirectoryScan::Entry entry;
     while ((result = scan.Next(entry)) == B_OK) {
         NodeStatus there;
         if (Stat(scan.Get(), entry.name, there) == B_OK)
-            (*names)[entry.name] = {.node = there.ref.node};
+            found[entry.name] = {.node = there.ref.node};
     }
-    return result == B_ENTRY_NOT_FOUND ? B_OK : result;
+    if (result != B_ENTRY_NOT_FOUND)
+        return result;
+    names = std::move(found);
+    return B_OK;
 }
 
 Watch* Watches::Find(int number) {
@@ -166,13 +162,13 @@ void Watches::Notify(const NodeChange& change, bool toDirectories) {
     Send(listeners, change);
 }
 
-void Watches::NotifyAll(const Watch& watch, const NodeChange& change, const Watch* except) {
+void Watches::NotifyLost(const Watch& watch, const Watch* except) {
     std::set<Listener> listeners = ListenersOf(watch.Node(), kWatchAll);
     if (except) {
         for (const Listener& notified : ListenersOf(except->Node(), kWatchEntries))
             listeners.erase(notified);
     }
-    Send(listeners, change);
+    Send(listeners, Departure(watch, ChangeKind::Removed));
 }
 
 std::set<Listener> Watches::ListenersOf(node_ref node, uint32 flags) {

@@ -44,7 +44,6 @@ struct Watch {
     // Opens (O_PATH) the node at its last path; false if another node is there now, or nothing.
     bool Open(Descriptor& node) const;
     bool IsInPlace() const;
-    void SetPath(const std::string& newPath);
     status_t FillNames(const Descriptor& directory);
 
     int number = -1;
@@ -89,8 +88,9 @@ public:
     // Notifies the node's listeners and, if `toDirectories`, those of the directories that it is,
     // was or comes in; each once.
     void Notify(const NodeChange& change, bool toDirectories = true);
-    // Notifies every listener of `watch` except those who listen to the entries of `except`.
-    void NotifyAll(const Watch& watch, const NodeChange& change, const Watch* except);
+    // Notifies every listener of `watch`, except those who listen to the entries of `except`, that
+    // the node is gone.
+    void NotifyLost(const Watch& watch, const Watch* except);
     // The listeners that turned out to be gone since the last call.
     std::vector<Listener> TakeGone() { return std::exchange(fGone, {}); }
 
