@@ -221,7 +221,6 @@ public:
     virtual void SetFloating(bool floating) = 0;
     // On every virtual desktop, or on the current one only.
     virtual void SetAllDesktops(bool allDesktops) = 0;
-    virtual void SetTitle(const std::string& title) = 0;
 
     // While the pointer is over this window.
     virtual void SetPointer(PointerShape shape) = 0;

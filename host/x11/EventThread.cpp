@@ -5,7 +5,6 @@
 #include "host/x11/XDisplay.h"
 #include "host/x11/XWindow.h"
 #include "host/x11/server/Connection.h"
-#include "host/x11/server/InputState.h"
 
 namespace host {
 
@@ -14,35 +13,14 @@ namespace {
 constexpr uint8 kError = 0;
 constexpr uint8 kEventType = 0x7f;
 
+// 0 for another one than the first three, whose bits in a state mask are one behind the other.
 uint32 ButtonOf(xcb_button_t button) {
-    switch (button) {
-    case XCB_BUTTON_INDEX_1:
-        return kPrimaryButton;
-    case XCB_BUTTON_INDEX_2:
-        return kTertiaryButton;
-    case XCB_BUTTON_INDEX_3:
-        return kSecondaryButton;
-    default:
-        return 0;
-    }
+    return button >= 1 && button <= 3 ? ButtonsOf(XCB_BUTTON_MASK_1 << (button - 1)) : 0;
 }
 
-bool IsWheel(xcb_button_t button) {
-    return button >= 4 && button <= 7;
-}
-
-WheelTurned WheelOf(xcb_button_t button, const PointerMoved& at) {
-    switch (button) {
-    case 4:
-        return {at, 0, -1};
-    case 5:
-        return {at, 0, 1};
-    case 6:
-        return {at, -1, 0};
-    default:
-        return {at, 1, 0};
-    }
-}
+// The server's wheels are buttons.
+constexpr xcb_button_t kFirstWheel = 4;
+constexpr std::pair<float, float> kWheelSteps[] = {{0, -1}, {0, 1}, {-1, 0}, {1, 0}};
 
 template <typename T>
 const T& As(const xcb_generic_event_t& event) {
@@ -234,8 +212,9 @@ void EventThread::HandlePress(const xcb_button_press_event_t& event) {
     xcb_window_t target = fDisplay.Grab().TargetOf(event.event);
     fDisplay.Windows().Deliver(target, [&](XWindow& window) {
         PointerMoved at = PlaceOf(event, window);
-        if (IsWheel(event.detail))
-            window.Notify(WheelOf(event.detail, at));
+        const std::size_t wheel = event.detail - kFirstWheel;
+        if (event.detail >= kFirstWheel && wheel < std::size(kWheelSteps))
+            window.Notify(WheelTurned{at, kWheelSteps[wheel].first, kWheelSteps[wheel].second});
         if (!button)
             return;
         at.buttons |= button;
@@ -332,12 +311,8 @@ void EventThread::HandleMessage(const xcb_client_message_event_t& event) {
     if (protocol == fConnection[kWmDeleteWindow]) {
         Notify(event.window, CloseRequested{});
     } else if (protocol == fConnection[kNetWmPing]) {
-        xcb_client_message_event_t answer = event;
-        answer.response_type = XCB_CLIENT_MESSAGE;
-        answer.window = fConnection.Root();
-        xcb_send_event(fConnection, false, fConnection.Root(),
-                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                       reinterpret_cast<const char*>(&answer));
+        const uint32* words = event.data.data32;
+        fConnection.SendToRoot(fConnection.Root(), event.type, {words, words + 5});
         fConnection.Flush();
     }
 }

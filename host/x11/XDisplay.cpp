@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "host/x11/XWindow.h"
-#include "host/x11/server/InputState.h"
 
 namespace host {
 
@@ -113,9 +112,8 @@ std::unique_ptr<HostWindow> XDisplay::CreateWindow(const WindowSpec& spec, Windo
 }
 
 Pointer XDisplay::GetPointer() const {
-    const Connection& connection = *fConnection;
-    Reply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(
-        connection, xcb_query_pointer(connection, connection.Root()), nullptr));
+    const auto reply =
+        fConnection->Ask<xcb_query_pointer, xcb_query_pointer_reply>(fConnection->Root());
     if (!reply)
         return {};
     return {.screenX = reply->root_x,
@@ -156,9 +154,7 @@ void XDisplay::Beep() {
 }
 
 void XDisplay::Sync() {
-    const Connection& connection = *fConnection;
-    Reply<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    fConnection->Ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
 }
 
 } // namespace host

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <xcb/shape.h>
-
 #include "host/x11/XDisplay.h"
 
 namespace host {
@@ -87,21 +85,12 @@ void XWindow::Create(const WindowSpec& spec) {
         values);
     fPicture.Resize(fId, fFrame.Width(), fFrame.Height(), fBorder);
     SetFixedProperties(fConnection, fId, spec, fDisplay.Identity());
-    SetTitleProperties(fConnection, fId, spec.title);
     if (IsManaged(fKind)) {
         SetIconProperty(fConnection, fId, fDisplay.Icons());
         SetFrameHints(fConnection, fId, outer, fIsResizable);
     }
     if (fKind == WindowKind::Bubble)
-        LetInputThrough();
-}
-
-void XWindow::LetInputThrough() {
-    const auto* extension = xcb_get_extension_data(fConnection, &xcb_shape_id);
-    if (extension == nullptr || !extension->present)
-        return;
-    xcb_shape_rectangles(fConnection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
-                         XCB_CLIP_ORDERING_UNSORTED, fId, 0, 0, 0, nullptr);
+        fConnection.LetInputThrough(fId);
 }
 
 void XWindow::NoteVisible(bool visible) {
@@ -126,8 +115,7 @@ void XWindow::Show() {
             fConnection.SetValues(fId, fConnection[kNetWmUserTime], XCB_ATOM_CARDINAL, {userTime});
         }
     } else {
-        const uint32 above = XCB_STACK_MODE_ABOVE;
-        xcb_configure_window(fConnection, fId, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        StackOnTop();
     }
     xcb_map_window(fConnection, fId);
     fConnection.Flush();
@@ -169,9 +157,13 @@ void XWindow::SetFrame(const PixelRect& content) {
     fConnection.Flush();
 }
 
-void XWindow::Raise() {
+void XWindow::StackOnTop() const {
     const uint32 above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(fConnection, fId, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+void XWindow::Raise() {
+    StackOnTop();
     fConnection.Flush();
 }
 
@@ -192,8 +184,7 @@ void XWindow::Activate() {
         fConnection.SendToRoot(fId, fConnection[kNetActiveWindow],
                                {kDirectUserAction, fDisplay.LastKnownPressTime()});
     } else {
-        const uint32 above = XCB_STACK_MODE_ABOVE;
-        xcb_configure_window(fConnection, fId, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        StackOnTop();
         xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, XCB_CURRENT_TIME);
     }
     fConnection.Flush();
@@ -237,11 +228,6 @@ void XWindow::SetAllDesktops(bool allDesktops) {
         fConnection.SendToRoot(fId, fConnection[kNetWmDesktop],
                                {allDesktops ? kAllDesktops : current[0], 1});
     }
-    fConnection.Flush();
-}
-
-void XWindow::SetTitle(const std::string& title) {
-    SetTitleProperties(fConnection, fId, title);
     fConnection.Flush();
 }
 
@@ -321,9 +307,8 @@ bool XWindow::FindPlace(const xcb_configure_notify_event_t& event, int& left, in
         top = event.y;
         return true;
     }
-    Reply<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
-        fConnection, xcb_translate_coordinates(fConnection, fId, fConnection.Root(), 0, 0),
-        nullptr));
+    const auto reply = fConnection.Ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
+        fId, fConnection.Root(), 0, 0);
     if (!reply)
         return false;
     left = reply->dst_x;

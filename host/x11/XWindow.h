@@ -28,7 +28,6 @@ public:
     void SetMinimized(bool minimized) override;
     void SetFloating(bool floating) override;
     void SetAllDesktops(bool allDesktops) override;
-    void SetTitle(const std::string& title) override;
     void SetPointer(PointerShape shape) override;
     void SetPointer(const PointerImage& image) override;
     void Present(const Image& picture, const std::vector<PixelRect>& damage) override;
@@ -53,7 +52,7 @@ public:
 private:
     static int BoundedBorder(int border);
     void Create(const WindowSpec& spec);
-    void LetInputThrough();
+    void StackOnTop() const;
     PixelRect Outer(const PixelRect& content) const;
     void NoteVisible(bool visible);
     bool HasWindowManager() const;

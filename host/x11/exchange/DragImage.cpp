@@ -45,17 +45,6 @@ xcb_visualid_t VisualWithAlpha(const xcb_screen_t& screen) {
     return XCB_NONE;
 }
 
-bool HasCompositor(const Connection& connection) {
-    Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        connection, xcb_get_selection_owner(connection, connection[kCompositor]), nullptr));
-    return owner && owner->owner != XCB_WINDOW_NONE;
-}
-
-bool HasShapes(const Connection& connection) {
-    const auto* extension = xcb_get_extension_data(connection, &xcb_shape_id);
-    return extension && extension->present;
-}
-
 } // namespace
 
 DragImage::DragImage(const Connection& connection, const Image& image, int hotX, int hotY)
@@ -64,10 +53,11 @@ DragImage::DragImage(const Connection& connection, const Image& image, int hotX,
     , fHeight(std::min(image.height, kMaxHeight))
     , fHotX(hotX)
     , fHotY(hotY) {
-    if (!image.pixels || fWidth < 1 || fHeight < 1 || !HasShapes(connection))
+    if (!image.pixels || fWidth < 1 || fHeight < 1 || !connection.HasShapes())
         return;
-    xcb_visualid_t visual =
-        HasCompositor(connection) ? VisualWithAlpha(connection.Screen()) : XCB_NONE;
+    xcb_visualid_t visual = connection.OwnerOf(connection[kCompositor]) != XCB_WINDOW_NONE
+                                ? VisualWithAlpha(connection.Screen())
+                                : XCB_NONE;
     if (visual != XCB_NONE) {
         Create(32, visual);
         Paint(image, 32, false);
@@ -77,8 +67,7 @@ DragImage::DragImage(const Connection& connection, const Image& image, int hotX,
         Paint(image, screen.root_depth, true);
         Shape(image);
     }
-    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
-                         XCB_CLIP_ORDERING_UNSORTED, fWindow, 0, 0, 0, nullptr);
+    connection.LetInputThrough(fWindow);
 }
 
 DragImage::~DragImage() {

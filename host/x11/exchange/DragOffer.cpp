@@ -72,15 +72,8 @@ DragOffer::DragOffer(const Connection& connection, const DragSpec& spec,
         connection.SetText(fWindow, connection[kXdndDirectSave], connection[kTextPlain],
                            FileNameFor(spec.fileName));
     }
-    std::vector<xcb_intern_atom_cookie_t> cookies;
-    for (const DragData& data : fData) {
-        cookies.push_back(xcb_intern_atom(connection, false, static_cast<uint16>(data.type.size()),
-                                          data.type.data()));
-    }
-    for (xcb_intern_atom_cookie_t cookie : cookies) {
-        Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-        fTypes.push_back(reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
-    }
+    for (const DragData& data : fData)
+        fTypes.push_back(connection.Intern(data.type));
     connection.SetValues(fWindow, connection[kXdndTypeList], XCB_ATOM_ATOM, fTypes);
     xcb_set_selection_owner(connection, fWindow, connection[kXdndSelection], time);
     connection.Flush();
@@ -132,11 +125,8 @@ void DragOffer::Give(const xcb_selection_request_event_t& request, xcb_atom_t ty
 
 // The other program has put the place for the file on the drag's window.
 std::string DragOffer::SaveUri() const {
-    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-        fConnection,
-        xcb_get_property(fConnection, false, fWindow, fConnection[kXdndDirectSave],
-                         XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxUriWords),
-        nullptr));
+    const auto reply = fConnection.Ask<xcb_get_property, xcb_get_property_reply>(
+        false, fWindow, fConnection[kXdndDirectSave], XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxUriWords);
     if (!reply || reply->format != 8 || reply->bytes_after > 0)
         return {};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())),

@@ -4,7 +4,6 @@
 
 #include "base/Errors.h"
 #include "host/x11/server/Connection.h"
-#include "host/x11/server/InputState.h"
 
 namespace host {
 
@@ -22,6 +21,8 @@ constexpr uint32 kHasTypeList = 1;
 constexpr std::size_t kTypesInMessage = 3;
 // In XdndStatus' second word.
 constexpr uint32 kAccepted = 1;
+
+constexpr uint16 kAnyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
 
 constexpr int kMaxDepth = 32;
 
@@ -100,10 +101,10 @@ status_t DragSource::Start(xcb_window_t window, xcb_timestamp_t time, const Drag
     fDrag = std::move(started);
     lock.unlock();
     status_t status = fGrab.Take(window, kGrabPatience);
-    Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
-        fConnection, xcb_query_pointer(fConnection, fConnection.Root()), nullptr));
+    const auto pointer =
+        fConnection.Ask<xcb_query_pointer, xcb_query_pointer_reply>(fConnection.Root());
     lock.lock();
-    bool isHeld = status == B_OK && pointer && ButtonsOf(pointer->mask) != 0;
+    bool isHeld = status == B_OK && pointer && (pointer->mask & kAnyButton) != 0;
     if (isHeld && fDrag.get() == drag && drag->phase == Phase::Dragging) {
         Move(pointer->root_x, pointer->root_y, drag->pointerTime);
         return B_OK;

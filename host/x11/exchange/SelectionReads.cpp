@@ -101,11 +101,8 @@ bool SelectionReads::HandleProperty(const xcb_property_notify_event_t& event) {
 // Takes the property's data. Its removal asks the other program for the next part.
 void SelectionReads::Take(Lock& lock, Reads::iterator at) {
     Read& read = at->second;
-    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-        fConnection,
-        xcb_get_property(fConnection, true, at->first, fConnection[kSelectionData],
-                         XCB_GET_PROPERTY_TYPE_ANY, 0, fMaxBytes / 4),
-        nullptr));
+    const auto reply = fConnection.Ask<xcb_get_property, xcb_get_property_reply>(
+        true, at->first, fConnection[kSelectionData], XCB_GET_PROPERTY_TYPE_ANY, 0, fMaxBytes / 4);
     if (!reply) {
         Finish(lock, at, B_ENTRY_NOT_FOUND);
         return;

@@ -67,9 +67,7 @@ void Selections::Own(SelectionKind kind, xcb_timestamp_t time, std::string text)
     fOffers[selection] = {std::move(text), time};
     xcb_set_selection_owner(fConnection, fOwner, selection, time);
     // The server refuses it if another program took the selection later than that.
-    Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        fConnection, xcb_get_selection_owner(fConnection, selection), nullptr));
-    if (owner && owner->owner != fOwner)
+    if (fConnection.OwnerOf(selection) != fOwner)
         fOffers.erase(selection);
 }
 

@@ -104,15 +104,9 @@ void InputMethod::HandleServersChanged() {
 }
 
 xcb_window_t InputMethod::FindServer() {
-    if (fServerName == XCB_ATOM_NONE) {
-        const std::string name = "@server=" + fModifiers.substr(4);
-        Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-            fConnection, xcb_intern_atom(fConnection, false, name.size(), name.data()), nullptr));
-        fServerName = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    }
-    Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        fConnection, xcb_get_selection_owner(fConnection, fServerName), nullptr));
-    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+    if (fServerName == XCB_ATOM_NONE)
+        fServerName = fConnection.Intern("@server=" + fModifiers.substr(4));
+    return fConnection.OwnerOf(fServerName);
 }
 
 void InputMethod::Connect() {

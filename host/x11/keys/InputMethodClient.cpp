@@ -35,22 +35,10 @@ std::unique_ptr<InputMethodLibrary> Open() {
     if (!file)
         return nullptr;
     auto library = std::make_unique<InputMethodLibrary>();
-    bool isWhole = Find(file, "xcb_xim_create", library->create) &&
-                   Find(file, "xcb_xim_destroy", library->destroy) &&
-                   Find(file, "xcb_xim_open", library->open) &&
-                   Find(file, "xcb_xim_set_im_callback", library->setCallbacks) &&
-                   Find(file, "xcb_xim_set_use_compound_text", library->useCompoundText) &&
-                   Find(file, "xcb_xim_set_use_utf8_string", library->useUtf8) &&
-                   Find(file, "xcb_xim_get_encoding", library->encoding) &&
-                   Find(file, "xcb_xim_filter_event", library->filterEvent) &&
-                   Find(file, "xcb_xim_create_nested_list", library->createList) &&
-                   Find(file, "xcb_xim_create_ic", library->createContext) &&
-                   Find(file, "xcb_xim_destroy_ic", library->destroyContext) &&
-                   Find(file, "xcb_xim_set_ic_values", library->setValues) &&
-                   Find(file, "xcb_xim_set_ic_focus", library->setFocus) &&
-                   Find(file, "xcb_xim_forward_event", library->forwardEvent) &&
-                   Find(file, "xcb_compound_text_init", library->initCompoundText) &&
-                   Find(file, "xcb_compound_text_to_utf8", library->compoundTextToUtf8);
+    bool isWhole = true;
+#define FIND(member, function) isWhole = isWhole && Find(file, #function, library->member);
+    INPUT_METHOD_FUNCTIONS(FIND)
+#undef FIND
     if (!isWhole)
         return nullptr;
     library->initCompoundText();

@@ -10,6 +10,25 @@
 
 #include "host/x11/server/Connection.h"
 
+// What is used of the library.
+#define INPUT_METHOD_FUNCTIONS(FUNCTION)                                                           \
+    FUNCTION(create, xcb_xim_create)                                                               \
+    FUNCTION(destroy, xcb_xim_destroy)                                                             \
+    FUNCTION(open, xcb_xim_open)                                                                   \
+    FUNCTION(setCallbacks, xcb_xim_set_im_callback)                                                \
+    FUNCTION(useCompoundText, xcb_xim_set_use_compound_text)                                       \
+    FUNCTION(useUtf8, xcb_xim_set_use_utf8_string)                                                 \
+    FUNCTION(encoding, xcb_xim_get_encoding)                                                       \
+    FUNCTION(filterEvent, xcb_xim_filter_event)                                                    \
+    FUNCTION(createList, xcb_xim_create_nested_list)                                               \
+    FUNCTION(createContext, xcb_xim_create_ic)                                                     \
+    FUNCTION(destroyContext, xcb_xim_destroy_ic)                                                   \
+    FUNCTION(setValues, xcb_xim_set_ic_values)                                                     \
+    FUNCTION(setFocus, xcb_xim_set_ic_focus)                                                       \
+    FUNCTION(forwardEvent, xcb_xim_forward_event)                                                  \
+    FUNCTION(initCompoundText, xcb_compound_text_init)                                             \
+    FUNCTION(compoundTextToUtf8, xcb_compound_text_to_utf8)
+
 namespace host {
 
 // The client's half of libxcb-imdkit. It is loaded when it is wanted for the first time: few people
@@ -18,22 +37,9 @@ struct InputMethodLibrary {
     // Null if it is not installed. The display thread only.
     static const InputMethodLibrary* Load();
 
-    decltype(&xcb_xim_create) create;
-    decltype(&xcb_xim_destroy) destroy;
-    decltype(&xcb_xim_open) open;
-    decltype(&xcb_xim_set_im_callback) setCallbacks;
-    decltype(&xcb_xim_set_use_compound_text) useCompoundText;
-    decltype(&xcb_xim_set_use_utf8_string) useUtf8;
-    decltype(&xcb_xim_get_encoding) encoding;
-    decltype(&xcb_xim_filter_event) filterEvent;
-    decltype(&xcb_xim_create_nested_list) createList;
-    decltype(&xcb_xim_create_ic) createContext;
-    decltype(&xcb_xim_destroy_ic) destroyContext;
-    decltype(&xcb_xim_set_ic_values) setValues;
-    decltype(&xcb_xim_set_ic_focus) setFocus;
-    decltype(&xcb_xim_forward_event) forwardEvent;
-    decltype(&xcb_compound_text_init) initCompoundText;
-    decltype(&xcb_compound_text_to_utf8) compoundTextToUtf8;
+#define FUNCTION(member, function) decltype(&function) member;
+    INPUT_METHOD_FUNCTIONS(FUNCTION)
+#undef FUNCTION
 };
 
 // A connection to an input-method server, with one input context at most: the text field that has

@@ -1,6 +1,8 @@
 #include "host/x11/keys/KeyCodes.h"
 
+#include <algorithm>
 #include <array>
+#include <span>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
 
@@ -40,58 +42,50 @@ constexpr std::array<uint8, 128> kRawCodes = {
     // five unused, left and right "Windows" key, Menu
     0x00, 0x00, 0x00, 0x00, 0x00, 0x66, 0x67, 0x68};
 
+struct SpecialKey {
+    xkb_keysym_t symbol;
+    char byte;
+};
+
+constexpr SpecialKey kSpecialKeys[] = {
+    {XKB_KEY_Home, 0x01},         {XKB_KEY_KP_Home, 0x01},    {XKB_KEY_End, 0x04},
+    {XKB_KEY_KP_End, 0x04},       {XKB_KEY_Insert, 0x05},     {XKB_KEY_KP_Insert, 0x05},
+    {XKB_KEY_BackSpace, 0x08},    {XKB_KEY_Tab, 0x09},        {XKB_KEY_KP_Tab, 0x09},
+    {XKB_KEY_ISO_Left_Tab, 0x09}, {XKB_KEY_Return, 0x0a},     {XKB_KEY_KP_Enter, 0x0a},
+    {XKB_KEY_Page_Up, 0x0b},      {XKB_KEY_KP_Page_Up, 0x0b}, {XKB_KEY_Page_Down, 0x0c},
+    {XKB_KEY_KP_Page_Down, 0x0c}, {XKB_KEY_Print, 0x10},      {XKB_KEY_Sys_Req, 0x10},
+    {XKB_KEY_Scroll_Lock, 0x10},  {XKB_KEY_Pause, 0x10},      {XKB_KEY_Break, 0x10},
+    {XKB_KEY_Escape, 0x1b},       {XKB_KEY_Left, 0x1c},       {XKB_KEY_KP_Left, 0x1c},
+    {XKB_KEY_Right, 0x1d},        {XKB_KEY_KP_Right, 0x1d},   {XKB_KEY_Up, 0x1e},
+    {XKB_KEY_KP_Up, 0x1e},        {XKB_KEY_Down, 0x1f},       {XKB_KEY_KP_Down, 0x1f},
+    {XKB_KEY_Delete, 0x7f},       {XKB_KEY_KP_Delete, 0x7f},
+};
+
 char SpecialKeyByte(xkb_keysym_t symbol) {
-    switch (symbol) {
-    case XKB_KEY_Home:
-    case XKB_KEY_KP_Home:
-        return 0x01;
-    case XKB_KEY_End:
-    case XKB_KEY_KP_End:
-        return 0x04;
-    case XKB_KEY_Insert:
-    case XKB_KEY_KP_Insert:
-        return 0x05;
-    case XKB_KEY_BackSpace:
-        return 0x08;
-    case XKB_KEY_Tab:
-    case XKB_KEY_KP_Tab:
-    case XKB_KEY_ISO_Left_Tab:
-        return 0x09;
-    case XKB_KEY_Return:
-    case XKB_KEY_KP_Enter:
-        return 0x0a;
-    case XKB_KEY_Page_Up:
-    case XKB_KEY_KP_Page_Up:
-        return 0x0b;
-    case XKB_KEY_Page_Down:
-    case XKB_KEY_KP_Page_Down:
-        return 0x0c;
-    case XKB_KEY_Print:
-    case XKB_KEY_Sys_Req:
-    case XKB_KEY_Scroll_Lock:
-    case XKB_KEY_Pause:
-    case XKB_KEY_Break:
+    if (symbol >= XKB_KEY_F1 && symbol <= XKB_KEY_F12)
         return 0x10;
-    case XKB_KEY_Escape:
-        return 0x1b;
-    case XKB_KEY_Left:
-    case XKB_KEY_KP_Left:
-        return 0x1c;
-    case XKB_KEY_Right:
-    case XKB_KEY_KP_Right:
-        return 0x1d;
-    case XKB_KEY_Up:
-    case XKB_KEY_KP_Up:
-        return 0x1e;
-    case XKB_KEY_Down:
-    case XKB_KEY_KP_Down:
-        return 0x1f;
-    case XKB_KEY_Delete:
-    case XKB_KEY_KP_Delete:
-        return 0x7f;
-    default:
-        return symbol >= XKB_KEY_F1 && symbol <= XKB_KEY_F12 ? 0x10 : 0;
-    }
+    const auto* found = std::ranges::find(kSpecialKeys, symbol, &SpecialKey::symbol);
+    return found != std::end(kSpecialKeys) ? found->byte : '\0';
+}
+
+struct StateBit {
+    uint16 server;
+    uint32 platform;
+};
+
+constexpr StateBit kModifiers[] = {
+    {XCB_MOD_MASK_SHIFT, kShiftKey},     {XCB_MOD_MASK_LOCK, kCapsLock},
+    {XCB_MOD_MASK_CONTROL, kControlKey}, {XCB_MOD_MASK_1, kCommandKey},
+    {XCB_MOD_MASK_2, kNumLock},          {XCB_MOD_MASK_4, kOptionKey}};
+constexpr StateBit kButtons[] = {{XCB_BUTTON_MASK_1, kPrimaryButton},
+                                 {XCB_BUTTON_MASK_2, kTertiaryButton},
+                                 {XCB_BUTTON_MASK_3, kSecondaryButton}};
+
+uint32 BitsOf(uint16 state, std::span<const StateBit> bits) {
+    uint32 converted = 0;
+    for (const StateBit& bit : bits)
+        converted |= state & bit.server ? bit.platform : 0;
+    return converted;
 }
 
 } // namespace
@@ -99,6 +93,14 @@ char SpecialKeyByte(xkb_keysym_t symbol) {
 uint32 RawKeyCode(xcb_keycode_t key) {
     int index = key - kFirstKey;
     return index >= 0 && index < static_cast<int>(kRawCodes.size()) ? kRawCodes[index] : 0;
+}
+
+uint32 ModifiersOf(uint16 state) {
+    return BitsOf(state, kModifiers);
+}
+
+uint32 ButtonsOf(uint16 state) {
+    return BitsOf(state, kButtons);
 }
 
 KeyStates StatesOf(const HeldKeys& held) {

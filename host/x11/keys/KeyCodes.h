@@ -14,6 +14,10 @@ namespace host {
 // layout; 0 for a key that the platform's keyboards did not have.
 uint32 RawKeyCode(xcb_keycode_t key);
 
+// Converts the modifier and button bits of an X event's state mask.
+uint32 ModifiersOf(uint16 state);
+uint32 ButtonsOf(uint16 state);
+
 // The keys that are held, by the server's numbers.
 using HeldKeys = std::bitset<256>;
 KeyStates StatesOf(const HeldKeys& held);

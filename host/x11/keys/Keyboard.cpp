@@ -13,7 +13,6 @@
 #undef explicit
 
 #include "host/x11/server/Connection.h"
-#include "host/x11/server/InputState.h"
 
 namespace host {
 

@@ -35,9 +35,9 @@ bool RawKeys::FindExtension() {
     if (!extension || !extension->present)
         return false;
     fOpcode = extension->major_opcode;
-    Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
-        fConnection, xcb_input_xi_query_version(fConnection, kMajorVersion, kMinorVersion),
-        nullptr));
+    const auto version =
+        fConnection.Ask<xcb_input_xi_query_version, xcb_input_xi_query_version_reply>(
+            kMajorVersion, kMinorVersion);
     return version &&
            (version->major_version > kMajorVersion ||
             (version->major_version == kMajorVersion && version->minor_version >= kMinorVersion));
@@ -73,8 +73,7 @@ void RawKeys::Select(bool watch) const {
 }
 
 HeldKeys RawKeys::AskForHeldKeys() const {
-    Reply<xcb_query_keymap_reply_t> keymap(
-        xcb_query_keymap_reply(fConnection, xcb_query_keymap(fConnection), nullptr));
+    const auto keymap = fConnection.Ask<xcb_query_keymap, xcb_query_keymap_reply>();
     HeldKeys held;
     for (std::size_t key = 0; keymap && key < held.size(); key++)
         held[key] = (keymap->keys[key / 8] >> key % 8 & 1) != 0;

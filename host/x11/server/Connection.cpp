@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include <xcb/randr.h>
+#include <xcb/shape.h>
 // The extension's header has a member of this name, a keyword here.
 #define explicit explicit_
 #include <xcb/xkb.h>
@@ -163,39 +164,54 @@ void Connection::SetText(xcb_window_t window, xcb_atom_t property, xcb_atom_t ty
 
 void Connection::SendToRoot(xcb_window_t window, xcb_atom_t type,
                             const std::vector<uint32>& data) const {
+    Send(Root(), window, type, data,
+         XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+}
+
+void Connection::SendMessage(xcb_window_t receiver, xcb_window_t window, AtomIndex type,
+                             const std::vector<uint32>& data) const {
+    Send(receiver, window, fAtoms[type], data, XCB_EVENT_MASK_NO_EVENT);
+    Flush();
+}
+
+void Connection::SendMessageTo(xcb_window_t window) const {
+    Send(window, window, XCB_ATOM_NONE, {}, XCB_EVENT_MASK_NO_EVENT);
+    Flush();
+}
+
+void Connection::Send(xcb_window_t receiver, xcb_window_t window, xcb_atom_t type,
+                      const std::vector<uint32>& data, uint32 mask) const {
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
     event.window = window;
     event.type = type;
     std::copy_n(data.begin(), std::min<std::size_t>(data.size(), 5), event.data.data32);
-    xcb_send_event(fConnection, false, Root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&event));
-}
-
-void Connection::SendMessage(xcb_window_t receiver, xcb_window_t window, AtomIndex type,
-                             const std::array<uint32, 5>& data) const {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = fAtoms[type];
-    std::ranges::copy(data, event.data.data32);
-    auto cookie = xcb_send_event_checked(fConnection, false, receiver, XCB_EVENT_MASK_NO_EVENT,
+    auto cookie = xcb_send_event_checked(fConnection, false, receiver, mask,
                                          reinterpret_cast<const char*>(&event));
     xcb_discard_reply(fConnection, cookie.sequence);
-    Flush();
 }
 
-void Connection::SendMessageTo(xcb_window_t window) const {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    xcb_send_event(fConnection, false, window, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char*>(&event));
-    Flush();
+xcb_atom_t Connection::Intern(std::string_view name) const {
+    const auto reply = Ask<xcb_intern_atom, xcb_intern_atom_reply>(
+        false, static_cast<uint16>(name.size()), name.data());
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+xcb_window_t Connection::OwnerOf(xcb_atom_t selection) const {
+    const auto reply = Ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(selection);
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+bool Connection::HasShapes() const {
+    const auto* extension = xcb_get_extension_data(fConnection, &xcb_shape_id);
+    return extension && extension->present;
+}
+
+void Connection::LetInputThrough(xcb_window_t window) const {
+    if (HasShapes())
+        xcb_shape_rectangles(fConnection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                             XCB_CLIP_ORDERING_UNSORTED, window, 0, 0, 0, nullptr);
 }
 
 bool Connection::HasWindowManager() const {

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include <xcb/xcb.h>
@@ -116,6 +118,19 @@ public:
     bool IsLost() const { return xcb_connection_has_error(fConnection) != 0; }
     void Flush() const { xcb_flush(fConnection); }
 
+    // Sends a request and waits for its reply: Ask<xcb_query_pointer,
+    // xcb_query_pointer_reply>(window).
+    template <auto Request, auto Take, typename... Arguments>
+    auto Ask(Arguments... arguments) const {
+        const auto cookie = Request(fConnection, arguments...);
+        using T = std::remove_pointer_t<decltype(Take(fConnection, cookie, nullptr))>;
+        return Reply<T>(Take(fConnection, cookie, nullptr));
+    }
+    // None if it cannot be interned.
+    xcb_atom_t Intern(std::string_view name) const;
+    // None if nobody owns it.
+    xcb_window_t OwnerOf(xcb_atom_t selection) const;
+
     // The most bytes that a request may have without an extension.
     std::size_t MaxRequestBytes() const;
 
@@ -134,10 +149,15 @@ public:
 
     // A client message about `window` to another program's window. Either may be gone.
     void SendMessage(xcb_window_t receiver, xcb_window_t window, AtomIndex type,
-                     const std::array<uint32, 5>& data) const;
+                     const std::vector<uint32>& data) const;
 
     // An empty message to a window of the program: it wakes the display thread.
     void SendMessageTo(xcb_window_t window) const;
+
+    // Whether windows can have other shapes than rectangles.
+    bool HasShapes() const;
+    // Has the pointer and its buttons go through the window, if that can be.
+    void LetInputThrough(xcb_window_t window) const;
 
     // Asks the server: a window manager may come and go.
     bool HasWindowManager() const;
@@ -146,6 +166,8 @@ private:
     Connection() = default;
     std::string CheckScreen() const;
     void ReadAtoms();
+    void Send(xcb_window_t receiver, xcb_window_t window, xcb_atom_t type,
+              const std::vector<uint32>& data, uint32 mask) const;
 
     xcb_connection_t* fConnection = nullptr;
     xcb_screen_t* fScreen = nullptr;

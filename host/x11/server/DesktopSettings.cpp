@@ -1,7 +1,6 @@
 #include "host/x11/server/DesktopSettings.h"
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -21,24 +20,18 @@ class PublishedReader {
 public:
     explicit PublishedReader(std::span<const uint8> bytes)
         : fRest(bytes) {
-        uint32 order = Number(1);
-        fIsForeign = (order == 0) != (std::endian::native == std::endian::little);
+        fIsBigEndian = Number(1) != 0;
         Skip(3);
     }
 
     bool IsGood() const { return fIsGood; }
 
     uint32 Number(std::size_t size) {
-        uint8 bytes[4] = {};
-        auto part = Take(size);
-        std::ranges::copy(part, bytes);
-        if (fIsForeign)
-            std::reverse(bytes, bytes + size);
-        if (size == 1)
-            return bytes[0];
-        if (size == 2)
-            return As<uint16>(bytes);
-        return As<uint32>(bytes);
+        uint32 number = 0;
+        const auto bytes = Take(size);
+        for (std::size_t i = 0; i < bytes.size(); i++)
+            number |= uint32{bytes[i]} << 8 * (fIsBigEndian ? size - 1 - i : i);
+        return number;
     }
 
     std::string_view Text(std::size_t length) {
@@ -50,13 +43,6 @@ public:
     void Skip(std::size_t size) { Take(size); }
 
 private:
-    template <typename T>
-    static T As(const uint8* bytes) {
-        T value;
-        std::memcpy(&value, bytes, sizeof(value));
-        return value;
-    }
-
     std::span<const uint8> Take(std::size_t size) {
         if (size > fRest.size()) {
             fIsGood = false;
@@ -69,7 +55,7 @@ private:
     }
 
     std::span<const uint8> fRest;
-    bool fIsForeign = false;
+    bool fIsBigEndian = false;
     bool fIsGood = true;
 };
 

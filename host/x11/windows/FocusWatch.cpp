@@ -37,8 +37,7 @@ void FocusWatch::HandleLossInGrab() {
 }
 
 void FocusWatch::CheckFocus(uint32 grab) const {
-    Reply<xcb_get_input_focus_reply_t> focus(
-        xcb_get_input_focus_reply(fConnection, xcb_get_input_focus(fConnection), nullptr));
+    const auto focus = fConnection.Ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
     // A later menu opened with the focus where it is now.
     if (!focus || !fGrab.IsHeld() || fGrab.Count() != grab)
         return;

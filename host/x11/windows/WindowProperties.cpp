@@ -111,15 +111,11 @@ void SetFixedProperties(const Connection& connection, xcb_window_t window, const
                          {static_cast<uint32>(getpid())});
     connection.SetValues(window, connection[kNetWmWindowType], XCB_ATOM_ATOM,
                          {connection[TypeOf(spec.kind)]});
+    const std::string_view title = std::string_view(spec.title).substr(0, kMaxTitleBytes);
+    for (xcb_atom_t name : {connection[kNetWmName], xcb_atom_t{XCB_ATOM_WM_NAME}})
+        connection.SetText(window, name, connection[kUtf8String], title);
     if (IsManaged(spec.kind))
         SetManagedProperties(connection, window, spec, identity);
-}
-
-void SetTitleProperties(const Connection& connection, xcb_window_t window,
-                        const std::string& title) {
-    std::string_view shown = std::string_view(title).substr(0, kMaxTitleBytes);
-    connection.SetText(window, connection[kNetWmName], connection[kUtf8String], shown);
-    connection.SetText(window, XCB_ATOM_WM_NAME, connection[kUtf8String], shown);
 }
 
 void SetFrameHints(const Connection& connection, xcb_window_t window, const PixelRect& outer,

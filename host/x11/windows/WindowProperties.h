@@ -19,13 +19,9 @@ inline bool IsManaged(WindowKind kind) {
     return kind != WindowKind::Menu && kind != WindowKind::Bubble;
 }
 
-// The properties that a window has from its creation to its end, but for the frame, the title and
-// the state.
+// The properties that a window has from its creation to its end, but for the frame and the state.
 void SetFixedProperties(const Connection& connection, xcb_window_t window, const WindowSpec& spec,
                         const ProgramIdentity& identity);
-
-void SetTitleProperties(const Connection& connection, xcb_window_t window,
-                        const std::string& title);
 
 // `outer` is the window with its border.
 void SetFrameHints(const Connection& connection, xcb_window_t window, const PixelRect& outer,
