@@ -57,10 +57,25 @@ public:
     ~QuitWatchdog() { Cancel(); }
 
     // See BApplication::SetEmergencyAction().
-    void SetAction(std::function<void()> action);
+    void SetAction(std::function<void()> action) {
+        const std::lock_guard guard(fLock);
+        fAction = std::move(action);
+    }
     // Five seconds from now the action runs and the process ends, unless Cancel() comes first.
-    void Start();
-    void Cancel();
+    void Start() {
+        const std::lock_guard guard(fLock);
+        if (fTimer)
+            return;
+        fTimer = std::make_unique<host::Timer>(kLongestQuit, 0, [this] {
+            RunAction();
+            std::_Exit(fExitStatus());
+        });
+    }
+    void Cancel() {
+        std::unique_ptr<host::Timer> timer;
+        const std::lock_guard guard(fLock);
+        timer.swap(fTimer);
+    }
 
 private:
     void RunAction();
@@ -72,38 +87,17 @@ private:
     std::unique_ptr<host::Timer> fTimer;
 };
 
-void QuitWatchdog::SetAction(std::function<void()> action) {
-    const std::lock_guard guard(fLock);
-    fAction = std::move(action);
-}
-
-void QuitWatchdog::Start() {
-    const std::lock_guard guard(fLock);
-    if (fTimer)
-        return;
-    fTimer = std::make_unique<host::Timer>(kLongestQuit, 0, [this] {
-        RunAction();
-        std::_Exit(fExitStatus());
-    });
-}
-
-void QuitWatchdog::Cancel() {
-    std::unique_ptr<host::Timer> timer;
-    const std::lock_guard guard(fLock);
-    timer.swap(fTimer);
-}
-
 struct Emergency {
     std::function<void()> action;
     std::binary_semaphore done{0};
-};
 
-status_t RunEmergency(void* data) {
-    auto* emergency = static_cast<Emergency*>(data);
-    emergency->action();
-    emergency->done.release();
-    return B_OK;
-}
+    static status_t Run(void* data) {
+        auto* emergency = static_cast<Emergency*>(data);
+        emergency->action();
+        emergency->done.release();
+        return B_OK;
+    }
+};
 
 // On a thread of its own: a disk that hangs the program may hang the action too. The process ends
 // after it, so nobody joins the thread or frees what it uses.
@@ -115,7 +109,8 @@ void QuitWatchdog::RunAction() {
     }
     if (!emergency->action)
         return;
-    const thread_id thread = spawn_thread(RunEmergency, "emergency", B_NORMAL_PRIORITY, emergency);
+    const thread_id thread =
+        spawn_thread(Emergency::Run, "emergency", B_NORMAL_PRIORITY, emergency);
     if (resume_thread(thread) == B_OK)
         static_cast<void>(emergency->done.try_acquire_for(kLongestAction));
 }
@@ -280,14 +275,6 @@ bool BApplication::QuitRequested() {
         return true;
     hooks.allow();
     return false;
-}
-
-void BApplication::ReadyToRun() {}
-
-void BApplication::AboutRequested() {}
-
-void BApplication::MessageReceived(BMessage* message) {
-    BLooper::MessageReceived(message);
 }
 
 void BApplication::DispatchMessage(BMessage* message, BHandler* target) {

@@ -43,10 +43,9 @@ public:
     bool QuitRequested() override;
 
     // The start of the application, and a request for its "about" window. Both do nothing here.
-    virtual void ReadyToRun();
-    virtual void AboutRequested();
+    virtual void ReadyToRun() {}
+    virtual void AboutRequested() {}
 
-    void MessageReceived(BMessage* message) override;
     void DispatchMessage(BMessage* message, BHandler* target) override;
 
     // Whether ReadyToRun() has yet to return. Any thread.

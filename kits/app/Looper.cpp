@@ -35,15 +35,6 @@ BLooper::~BLooper() {
     fState->UnlockFully();
 }
 
-status_t BLooper::PostMessage(uint32 what) {
-    const BMessage message(what);
-    return PostMessage(&message);
-}
-
-status_t BLooper::PostMessage(const BMessage* message) {
-    return PostMessage(message, this);
-}
-
 status_t BLooper::PostMessage(uint32 what, BHandler* handler) {
     const BMessage message(what);
     return PostMessage(&message, handler);
@@ -203,10 +194,6 @@ void BLooper::Quit() {
     }
     state->UnlockFully();
     wait_for_thread(thread, nullptr);
-}
-
-bool BLooper::QuitRequested() {
-    return true;
 }
 
 bool BLooper::Lock() {

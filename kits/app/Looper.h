@@ -23,13 +23,11 @@ public:
 
     // Puts a copy of the message into the queue; it is never blocked by the looper's lock, and may
     // be called before Run(): the message waits. The target is `handler`, which must belong to
-    // the looper, or for null the looper itself. B_BAD_VALUE
-    // without a message, B_MISMATCHED_VALUES for a handler of another looper, B_BAD_PORT_ID if the
-    // looper quits. Any thread.
-    status_t PostMessage(uint32 what);
-    status_t PostMessage(const BMessage* message);
-    status_t PostMessage(uint32 what, BHandler* handler);
-    status_t PostMessage(const BMessage* message, BHandler* handler);
+    // the looper, or for null the looper itself. B_BAD_VALUE without a message,
+    // B_MISMATCHED_VALUES for a handler of another looper, B_BAD_PORT_ID if the looper quits. Any
+    // thread.
+    status_t PostMessage(uint32 what, BHandler* handler = nullptr);
+    status_t PostMessage(const BMessage* message, BHandler* handler = nullptr);
 
     // Passes a message that the filters let through to its handler; B_QUIT_REQUESTED for the
     // looper itself asks QuitRequested() and quits. Looper's thread, locked.
@@ -59,7 +57,7 @@ public:
     // meanwhile. One that never ran is deleted at once.
     virtual void Quit();
     // Whether the looper agrees to quit. This one does. Looper's thread, locked.
-    virtual bool QuitRequested();
+    virtual bool QuitRequested() { return true; }
 
     // As those of BLocker. Lock() is false if the looper was deleted while the caller waited.
     bool Lock();

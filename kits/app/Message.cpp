@@ -150,18 +150,6 @@ status_t BMessage::FindInt32(const char* name, int32 index, int32* value) const 
     return FindFixed(*this, name, B_INT32_TYPE, index, value);
 }
 
-bool BMessage::HasInt32(const char* name) const {
-    return HasData(name, B_INT32_TYPE);
-}
-
-bool BMessage::HasInt64(const char* name) const {
-    return HasData(name, B_INT64_TYPE);
-}
-
-bool BMessage::HasPointer(const char* name) const {
-    return HasData(name, B_POINTER_TYPE);
-}
-
 status_t BMessage::AddString(const char* name, const char* value) {
     return AddData(name, B_STRING_TYPE, value, value ? static_cast<ssize_t>(strlen(value) + 1) : 0);
 }

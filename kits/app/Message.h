@@ -74,9 +74,9 @@ public:
     BPoint GetPoint(const char* name, BPoint otherwise) const;
 
     // Whether the field exists and has this type.
-    bool HasInt32(const char* name) const;
-    bool HasInt64(const char* name) const;
-    bool HasPointer(const char* name) const;
+    bool HasInt32(const char* name) const { return HasData(name, B_INT32_TYPE); }
+    bool HasInt64(const char* name) const { return HasData(name, B_INT64_TYPE); }
+    bool HasPointer(const char* name) const { return HasData(name, B_POINTER_TYPE); }
     bool HasData(const char* name, type_code type) const;
 
     // Replaces the first value of a field that exists.

@@ -2,12 +2,6 @@
 
 #include <algorithm>
 
-#include "kits/app/Message.h"
-
-BMessageQueue::BMessageQueue() = default;
-
-BMessageQueue::~BMessageQueue() = default;
-
 bool BMessageQueue::Post(std::unique_ptr<BMessage> message) {
     std::lock_guard lock(fMutex);
     if (fIsClosed)
@@ -30,19 +24,14 @@ bool BMessageQueue::RemoveMessage(BMessage* message) {
     return true;
 }
 
-BMessage* BMessageQueue::NextMessage() {
-    std::lock_guard lock(fMutex);
-    if (fMessages.empty())
-        return nullptr;
-    BMessage* const message = fMessages.front().release();
-    fMessages.pop_front();
-    return message;
-}
-
 std::unique_ptr<BMessage> BMessageQueue::WaitForMessage() {
     std::unique_lock lock(fMutex);
     fChanged.wait(lock, [this] { return fIsClosed || !fMessages.empty(); });
-    return std::unique_ptr<BMessage>(fIsClosed ? nullptr : NextMessage());
+    if (fIsClosed)
+        return nullptr;
+    auto message = std::move(fMessages.front());
+    fMessages.pop_front();
+    return message;
 }
 
 void BMessageQueue::Close() {

@@ -5,25 +5,15 @@
 #include <memory>
 #include <mutex>
 
-#include "base/Types.h"
-
-class BMessage;
+#include "kits/app/Message.h"
 
 // Messages that wait, the oldest first. It owns the messages in it and has no bound. Any thread;
 // what FindMessage() found is safe to look at only while the caller holds the queue's lock. The
 // lock may be taken again by its holder, who must not wait for a looper's lock meanwhile.
 class BMessageQueue {
 public:
-    BMessageQueue();
-    ~BMessageQueue();
-
-    BMessageQueue(const BMessageQueue&) = delete;
-    BMessageQueue& operator=(const BMessageQueue&) = delete;
-
     // Removes the message without deleting it: it is the caller's then. False if it was not there.
     bool RemoveMessage(BMessage* message);
-    // Removes the oldest one, for the caller to delete; null if there is none.
-    BMessage* NextMessage();
 
     // The message at `index`, 0 being the oldest, or at `index` among those with this code; null if
     // there is none.

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <set>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -90,54 +91,6 @@ bool ReadCode(const Json& json, std::string_view quotes, uint32& code) {
     return true;
 }
 
-Json NumberOf(double value) {
-    if (std::isnan(value))
-        return "nan";
-    if (std::isinf(value))
-        return value > 0 ? "inf" : "-inf";
-    return value;
-}
-
-// The shortest decimal that reads back as this float: 0.1, not 0.10000000149011612.
-Json NumberOf(float value) {
-    char digits[32];
-    const auto end = std::to_chars(digits, digits + sizeof(digits), value).ptr;
-    double shortest = value;
-    std::from_chars(digits, end, shortest);
-    return NumberOf(static_cast<float>(shortest) == value ? shortest : value);
-}
-
-template <typename Number>
-bool ReadNumber(const Json& json, Number& number) {
-    double value;
-    if (json.is_number())
-        value = json.get<double>();
-    else if (json == "nan")
-        value = std::numeric_limits<double>::quiet_NaN();
-    else if (json == "inf" || json == "-inf")
-        value = json == "inf" ? HUGE_VAL : -HUGE_VAL;
-    else
-        return false;
-    number = static_cast<Number>(value);
-    // Not too large for the type.
-    return std::isfinite(number) || !std::isfinite(value);
-}
-
-template <typename Integer>
-bool ReadInteger(const Json& json, Integer& number) {
-    if (!json.is_number_integer())
-        return false;
-    // What is not unsigned is negative.
-    const bool isTooLarge =
-        json.is_number_unsigned() &&
-        json.get<uint64>() > static_cast<uint64>(std::numeric_limits<Integer>::max());
-    if (isTooLarge || (!json.is_number_unsigned() &&
-                       json.get<int64>() < static_cast<int64>(std::numeric_limits<Integer>::min())))
-        return false;
-    number = json.get<Integer>();
-    return true;
-}
-
 template <typename Value>
 Value FromBytes(const std::string& bytes) {
     Value value;
@@ -150,30 +103,59 @@ std::string ToBytes(Value value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof(value));
 }
 
+// A float is written as the shortest decimal that reads back as it: 0.1, not 0.10000000149011612.
+double Shortest(float value) {
+    char digits[32];
+    const auto end = std::to_chars(digits, digits + sizeof(digits), value).ptr;
+    double shortest = value;
+    std::from_chars(digits, end, shortest);
+    return static_cast<float>(shortest) == value ? shortest : value;
+}
+
+double Shortest(double value) {
+    return value;
+}
+
+template <typename Number>
+Json WriteNumber(const std::string& bytes) {
+    const auto value = FromBytes<Number>(bytes);
+    if (std::isnan(value))
+        return "nan";
+    if (std::isinf(value))
+        return value > 0 ? "inf" : "-inf";
+    return Shortest(value);
+}
+
+template <typename Number>
+bool ReadNumber(const Json& json, std::string& bytes) {
+    double value;
+    if (json.is_number())
+        value = json.get<double>();
+    else if (json == "nan")
+        value = std::numeric_limits<double>::quiet_NaN();
+    else if (json == "inf" || json == "-inf")
+        value = json == "inf" ? HUGE_VAL : -HUGE_VAL;
+    else
+        return false;
+    const auto number = static_cast<Number>(value);
+    bytes = ToBytes(number);
+    // Not too large for the type.
+    return std::isfinite(number) || !std::isfinite(value);
+}
+
 template <typename Integer>
 Json WriteInteger(const std::string& bytes) {
     return FromBytes<Integer>(bytes);
 }
 
 template <typename Integer>
-bool ReadAsInteger(const Json& json, std::string& bytes) {
-    Integer value = 0;
-    const bool isRead = ReadInteger(json, value);
-    bytes = ToBytes(value);
-    return isRead;
-}
-
-template <typename Number>
-Json WriteNumber(const std::string& bytes) {
-    return NumberOf(FromBytes<Number>(bytes));
-}
-
-template <typename Number>
-bool ReadAsNumber(const Json& json, std::string& bytes) {
-    Number value = 0;
-    const bool isRead = ReadNumber(json, value);
-    bytes = ToBytes(value);
-    return isRead;
+bool ReadInteger(const Json& json, std::string& bytes) {
+    if (!json.is_number_integer())
+        return false;
+    bytes = ToBytes(json.get<Integer>());
+    // What is not unsigned is negative.
+    return json.is_number_unsigned() ? std::in_range<Integer>(json.get<uint64>())
+                                     : std::in_range<Integer>(json.get<int64>());
 }
 
 Json WriteBool(const std::string& bytes) {
@@ -191,7 +173,7 @@ Json WriteByte(const std::string& bytes) {
 }
 
 bool ReadByte(const Json& json, std::string& bytes) {
-    return json.is_object() ? BytesOfHex(json, bytes) : ReadAsInteger<uint8>(json, bytes);
+    return json.is_object() ? BytesOfHex(json, bytes) : ReadInteger<uint8>(json, bytes);
 }
 
 Json WriteFloats(const std::string& bytes) {
@@ -207,7 +189,7 @@ bool ReadFloats(const Json& json, std::string& bytes) {
         return false;
     for (const Json& number : json) {
         std::string value;
-        if (!ReadAsNumber<float>(number, value))
+        if (!ReadNumber<float>(number, value))
             return false;
         bytes += value;
     }
@@ -228,7 +210,7 @@ bool ReadColor(const Json& json, std::string& bytes) {
         return BytesOfHex(json, bytes);
     for (const Json& channel : json) {
         std::string value;
-        if (!ReadAsInteger<uint8>(channel, value))
+        if (!ReadInteger<uint8>(channel, value))
             return false;
         bytes += value;
     }
@@ -261,14 +243,14 @@ struct Type {
 
 constexpr Type kTypes[] = {
     {B_BOOL_TYPE, "bool", 1, WriteBool, ReadBool},
-    {B_INT8_TYPE, "int8", 1, WriteInteger<int8>, ReadAsInteger<int8>},
+    {B_INT8_TYPE, "int8", 1, WriteInteger<int8>, ReadInteger<int8>},
     {B_UINT8_TYPE, "uint8", 0, WriteByte, ReadByte},
-    {B_INT16_TYPE, "int16", 2, WriteInteger<int16>, ReadAsInteger<int16>},
-    {B_INT32_TYPE, "int32", 4, WriteInteger<int32>, ReadAsInteger<int32>},
-    {B_UINT32_TYPE, "uint32", 4, WriteInteger<uint32>, ReadAsInteger<uint32>},
-    {B_INT64_TYPE, "int64", 8, WriteInteger<int64>, ReadAsInteger<int64>},
-    {B_FLOAT_TYPE, "float", 4, WriteNumber<float>, ReadAsNumber<float>},
-    {B_DOUBLE_TYPE, "double", 8, WriteNumber<double>, ReadAsNumber<double>},
+    {B_INT16_TYPE, "int16", 2, WriteInteger<int16>, ReadInteger<int16>},
+    {B_INT32_TYPE, "int32", 4, WriteInteger<int32>, ReadInteger<int32>},
+    {B_UINT32_TYPE, "uint32", 4, WriteInteger<uint32>, ReadInteger<uint32>},
+    {B_INT64_TYPE, "int64", 8, WriteInteger<int64>, ReadInteger<int64>},
+    {B_FLOAT_TYPE, "float", 4, WriteNumber<float>, ReadNumber<float>},
+    {B_DOUBLE_TYPE, "double", 8, WriteNumber<double>, ReadNumber<double>},
     {B_STRING_TYPE, "string", 0, WriteString, ReadString},
     {B_POINT_TYPE, "point", 8, WriteFloats, ReadFloats<2>},
     {B_RECT_TYPE, "rect", 16, WriteFloats, ReadFloats<4>},

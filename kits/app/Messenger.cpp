@@ -16,14 +16,13 @@ namespace {
 status_t OpenRefs(const std::string& signature, const BMessage& message) {
     std::vector<std::string> paths;
     entry_ref ref;
-    status_t status = message.FindRef("refs", &ref);
-    while (status == B_OK) {
+    status_t status;
+    for (int32 i = 0; (status = message.FindRef("refs", i, &ref)) == B_OK; ++i) {
         std::string directory;
         status = host::KnownPaths::Shared().Find({ref.device, ref.directory}, directory);
         if (status != B_OK)
             return status;
         paths.push_back(host::Join(directory, ref.name));
-        status = message.FindRef("refs", static_cast<int32>(paths.size()), &ref);
     }
     if (paths.empty())
         return status;
