@@ -41,11 +41,11 @@ constexpr struct {
 constexpr int32 kSettingsKey = 0x50; // "B"
 constexpr int32 kMainRow[10] = {0x1b, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1a};
 
-// The digit of the folder whose menu the key opens, or -1.
-int FolderOfKey(int32 key) {
-    const int32* found = std::find(std::begin(kMainRow), std::end(kMainRow), key);
-    return found == std::end(kMainRow) ? DigitOfKeypad(key)
-                                       : static_cast<int>(found - std::begin(kMainRow));
+// The digit under which a table has the number, or -1.
+template <typename Number>
+int DigitOf(const Number (&table)[10], Number number) {
+    const Number* found = std::ranges::find(table, number);
+    return found == std::end(table) ? -1 : static_cast<int>(found - table);
 }
 
 // "-" of the main row, "-" and "+" of the keypad.
@@ -158,17 +158,15 @@ void QBMainWindow::WorkspacesChanged(uint32, uint32 newWorkspaces) {
 }
 
 bool QBMainWindow::HandleFolderCode(BMessage* message) {
-    for (int digit = 0; digit < 10; ++digit) {
-        if (message->what != QBFolder[digit])
-            continue;
-        int32 slot = 0;
-        if (message->FindInt32("slot", &slot) != B_OK)
-            ShowFolderMenu(digit);
-        else if (slot >= 1 && slot <= 10)
-            Launch(digit + 1, slot);
-        return true;
-    }
-    return false;
+    const int digit = DigitOf(QBFolder, message->what);
+    int32 slot = 0;
+    if (digit < 0)
+        return false;
+    if (message->FindInt32("slot", &slot) != B_OK)
+        ShowFolderMenu(digit);
+    else if (slot >= 1 && slot <= 10)
+        Launch(digit + 1, slot);
+    return true;
 }
 
 // The store stays locked while the menu is up, so that it does not change under it.
@@ -208,10 +206,10 @@ void QBMainWindow::LayOutMenus() {
 
 // A press may follow.
 void QBMainWindow::PrepareFolderMenu(uint32 code) {
-    const auto* found = std::ranges::find(QBFolder, code);
-    if (found == std::end(QBFolder) || fLocker->LockWithTimeout(0) != B_OK)
+    const int digit = DigitOf(QBFolder, code);
+    if (digit < 0 || fLocker->LockWithTimeout(0) != B_OK)
         return;
-    fMonitor->fPaths[found - QBFolder]->Menu()->PrepareLayout();
+    fMonitor->fPaths[digit]->Menu()->PrepareLayout();
     fLocker->Unlock();
 }
 
@@ -272,7 +270,7 @@ void QBMainWindow::HandleKeyDown(BMessage* message) {
     int32 key = 0;
     if (message->FindInt32("key", &key) != B_OK)
         return;
-    const int digit = FolderOfKey(key);
+    const int digit = std::max(DigitOf(kMainRow, key), DigitOfKeypad(key));
     if (digit >= 0)
         fButtons[digit]->Invoke();
     else if (IsAddBookmarkKey(key))
