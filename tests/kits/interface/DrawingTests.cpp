@@ -86,7 +86,6 @@ TEST(Bitmap, IsDrawnIntoByItsViewsAtHalfOpacity) {
 
 TEST(View, FollowsItsParentsSize) {
     const std::pair<uint32, BRect> cases[] = {
-        {B_FOLLOW_NONE, {10, 10, 29, 29}},
         {B_FOLLOW_RIGHT | B_FOLLOW_BOTTOM, {30, 20, 49, 39}},
         {B_FOLLOW_ALL_SIDES, {10, 10, 49, 39}},
         {B_FOLLOW_H_CENTER | B_FOLLOW_TOP, {20, 10, 39, 29}},

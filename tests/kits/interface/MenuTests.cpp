@@ -24,19 +24,6 @@ TEST(MenuPlacement, ASubmenuIsOnTheLeftWhereTheRightHasNoRoom) {
     EXPECT_FALSE(HeadsForSubmenu({150, 110}, {160, 111}, {0, 100, 100, 300}));
 }
 
-TEST(Menu, AnItemHasOneMenuAndLeavesItWhenDeleted) {
-    BMenu menu("menu");
-    auto* first = new BMenuItem("First", nullptr);
-    menu.AddItem(new BMenu("Sub"));
-    EXPECT_TRUE(menu.AddItem(first, 0));
-    EXPECT_FALSE(menu.AddItem(first));
-    BMenu lost("Lost");
-    EXPECT_FALSE(menu.AddItem(&lost, 7));
-    delete first;
-    delete menu.ItemAt(0);
-    EXPECT_EQ(menu.CountItems(), 0);
-}
-
 TEST_F(MenuTest, KeysSelectWhatCanBeChosen) {
     AddThree();
     menu.AddItem(new BMenuItem("Off", nullptr), 1);

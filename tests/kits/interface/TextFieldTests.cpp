@@ -95,7 +95,7 @@ protected:
     TextField* const field = control->TextView();
 };
 
-TEST_F(TextFieldTest, TypesErasesAndMovesByCharactersAndWords) {
+TEST_F(TextFieldTest, TypesErasesMovesAndUndoesByCharactersAndWords) {
     desk.Type("one two");
     Key(XK_Left, {XK_Control_L});
     Key(XK_BackSpace);
@@ -107,12 +107,24 @@ TEST_F(TextFieldTest, TypesErasesAndMovesByCharactersAndWords) {
     ExpectText("oneXwo");
     Key(XK_BackSpace, {XK_Control_L});
     ExpectText("wo");
-    // Arrows up and down and other letters with Control have no effect.
-    Key(XK_Up);
-    Key(XK_q, {XK_Control_L});
+    // What was typed or erased together is undone together.
+    Key(XK_z, {XK_Control_L});
+    ExpectText("oneXtwo");
+    Key(XK_y, {XK_Control_L});
+    ExpectText("wo");
     Key(XK_End);
-    desk.Type("!");
-    ExpectText("wo!");
+    desk.Type(" three four");
+    Keys({XK_BackSpace, XK_BackSpace});
+    Key(XK_z, {XK_Control_L});
+    ExpectText("wo three four");
+    Key(XK_z, {XK_Alt_L});
+    ExpectText("wo three ");
+    Key(XK_z, {XK_Control_L, XK_Shift_L});
+    ExpectText("wo three four");
+    Key(XK_a, {XK_Control_L});
+    desk.Type("n");
+    Key(XK_z, {XK_Control_L});
+    ExpectSelection(0, 13);
 
     // What a person sees as one character is one: a with umlaut; e with a combining acute; a byte
     // that is not UTF-8; a family of three.
@@ -200,26 +212,6 @@ TEST_F(TextFieldTest, CutsCopiesAndPastesWhatOthersOffer) {
     desk.Type("x");
     Key(XK_Delete);
     ExpectText(text.substr(3));
-}
-
-TEST_F(TextFieldTest, UndoesAndRedoesWhatWasTypedTogether) {
-    desk.Type("one two");
-    Key(XK_z, {XK_Control_L});
-    ExpectText("one ");
-    Key(XK_z, {XK_Alt_L});
-    ExpectText("");
-    Key(XK_z, {XK_Control_L, XK_Shift_L});
-    Key(XK_y, {XK_Control_L});
-    ExpectText("one two");
-    Key(XK_a, {XK_Control_L});
-    desk.Type("n");
-    Key(XK_z, {XK_Control_L});
-    ExpectText("one two");
-    ExpectSelection(0, 7);
-    Keys({XK_Right, XK_BackSpace, XK_BackSpace});
-    ExpectText("one t");
-    Key(XK_z, {XK_Control_L});
-    ExpectText("one two");
 }
 
 TEST_F(TextFieldTest, ItsMenuOpensByButtonAndKeysAndOffersWhatCanBeDone) {
