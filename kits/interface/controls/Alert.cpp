@@ -1,10 +1,9 @@
 #include "kits/interface/controls/Alert.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
-#include <condition_variable>
-#include <mutex>
-#include <optional>
+#include <future>
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Invoker.h"
@@ -127,23 +126,16 @@ void AlertIcon::DrawStop() {
 
 // Outlives the alert: a thread may wait in Go().
 struct BAlert::Answer {
-    std::mutex mutex;
-    std::condition_variable given;
-    std::optional<int32> which;
-
+    // False for all answers but the first.
     bool Give(int32 answer) {
-        std::lock_guard lock(mutex);
-        if (which.has_value())
+        if (isGiven.exchange(true))
             return false;
-        which = answer;
-        given.notify_all();
+        which.set_value(answer);
         return true;
     }
-    int32 Wait() {
-        std::unique_lock lock(mutex);
-        given.wait(lock, [this] { return which.has_value(); });
-        return *which;
-    }
+
+    std::atomic<bool> isGiven = false;
+    std::promise<int32> which;
 };
 
 BAlert::BAlert(const char* title, const char* text, const char* button1, const char* button2,
@@ -182,7 +174,7 @@ int32 BAlert::Go() {
     std::shared_ptr<Answer> answer = fAnswer;
     KeyWatchers::Shared().SetWaiting(true);
     Open();
-    const int32 which = answer->Wait();
+    const int32 which = answer->which.get_future().get();
     KeyWatchers::Shared().SetWaiting(false);
     return which;
 }

@@ -9,9 +9,8 @@ constexpr float kLabelGap = 4; // between the label and the border beside it
 
 } // namespace
 
-BBox::BBox(BRect frame, const char* name, uint32 resizingMode, uint32 flags, border_style border)
-    : BView(frame, name, resizingMode, flags | B_FULL_UPDATE_ON_RESIZE)
-    , fBorder(border) {
+BBox::BBox(BRect frame, const char* name, uint32 resizingMode, uint32 flags, border_style)
+    : BView(frame, name, resizingMode, flags | B_FULL_UPDATE_ON_RESIZE) {
     SetFont(be_bold_font);
 }
 
@@ -36,20 +35,11 @@ void BBox::Draw(BRect) {
         SetHighColor(0, 0, 0);
         DrawString(Label(), BPoint(kLabelLeft, std::ceil(font.ascent)));
     }
-    if (fBorder == B_NO_BORDER)
-        return;
-    const rgb_color dark = tint_color(ViewColor(), B_DARKEN_2_TINT);
-    if (fBorder == B_PLAIN_BORDER) {
-        SetHighColor(dark);
-        StrokeBorder(frame, labelEnd);
-        return;
-    }
-    const rgb_color light = tint_color(ViewColor(), B_LIGHTEN_2_TINT);
     frame.right -= 1;
     frame.bottom -= 1;
-    SetHighColor(light);
+    SetHighColor(tint_color(ViewColor(), B_LIGHTEN_2_TINT));
     StrokeBorder(frame.OffsetByCopy(1, 1), labelEnd);
-    SetHighColor(dark);
+    SetHighColor(tint_color(ViewColor(), B_DARKEN_2_TINT));
     StrokeBorder(frame, labelEnd);
 }
 

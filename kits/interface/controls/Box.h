@@ -5,9 +5,7 @@
 #include "kits/interface/window/View.h"
 
 enum border_style {
-    B_PLAIN_BORDER, // a line
-    B_FANCY_BORDER, // a groove
-    B_NO_BORDER,
+    B_FANCY_BORDER = 1, // a groove
 };
 
 // A border with a label in its upper line, around the views that belong together.
@@ -30,5 +28,4 @@ private:
     void StrokeBorder(BRect frame, float labelEnd);
 
     std::string fLabel;
-    const border_style fBorder;
 };

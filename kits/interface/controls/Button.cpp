@@ -114,9 +114,9 @@ void BButton::MouseUp(BPoint where) {
         Invoke();
 }
 
-void BButton::GetPreferredSize(float* width, float* height) {
+void BButton::ResizeToPreferred() {
     font_height font;
     GetFontHeight(&font);
-    *width = std::ceil(StringWidth(Label())) + 20 + 2 * kRing;
-    *height = std::ceil(font.ascent + font.descent) + 9 + 2 * kRing;
+    ResizeTo(std::ceil(StringWidth(Label())) + 20 + 2 * kRing,
+             std::ceil(font.ascent + font.descent) + 9 + 2 * kRing);
 }

@@ -19,8 +19,8 @@ public:
     void MouseDown(BPoint where) override;
     void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage) override;
     void MouseUp(BPoint where) override;
-    // As wide and high as the label needs, with the room for a default button's frame.
-    void GetPreferredSize(float* width, float* height) override;
+    // Makes it as wide and high as the label needs, with the room for a default button's frame.
+    void ResizeToPreferred();
 
 private:
     void DrawFace(BRect face);

@@ -25,10 +25,3 @@ void BStringView::Draw(BRect) {
     float y = (Bounds().Height() + 1 + height.ascent - height.descent) / 2;
     DrawString(Text(), BPoint(std::floor(x), std::floor(y)));
 }
-
-void BStringView::GetPreferredSize(float* width, float* height) {
-    font_height font;
-    GetFontHeight(&font);
-    *width = std::ceil(StringWidth(Text()));
-    *height = std::ceil(font.ascent + font.descent);
-}

@@ -17,7 +17,6 @@ public:
     // Takes the parent's view colour.
     void AttachedToWindow() override;
     void Draw(BRect updateRect) override;
-    void GetPreferredSize(float* width, float* height) override;
 
 private:
     std::string fText;

@@ -19,7 +19,7 @@ public:
     void Draw(BRect updateRect) override;
     void MouseDown(BPoint where) override;
     // Its own size. As high as its titles need.
-    void GetPreferredSize(float* width, float* height) override;
+    void GetPreferredSize(float* width, float* height);
 
 private:
     // The shortcuts of its items, and F10, which opens the first menu.

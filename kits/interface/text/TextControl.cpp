@@ -133,10 +133,3 @@ void BTextControl::DrawLabel() {
     DrawString(label.c_str(), BPoint(0, fField->Frame().top + fField->Baseline()));
     BControl::SetFont(&own);
 }
-
-void BTextControl::GetPreferredSize(float* width, float* height) {
-    font_height font;
-    GetFontHeight(&font);
-    *width = Bounds().Width();
-    *height = std::ceil(font.ascent + font.descent) + 2 * kFrame + 2;
-}

@@ -46,7 +46,6 @@ public:
     void MouseDown(BPoint where) override;
     void AttachedToWindow() override;
     void FrameResized(float width, float height) override;
-    void GetPreferredSize(float* width, float* height) override;
 
 private:
     friend class TextField;

@@ -30,8 +30,8 @@ void Beep() {
 } // namespace
 
 TextField::TextField(BTextControl& control)
-    : BTextView(BRect(0, 0, 0, 0), "field", BRect(), B_FOLLOW_NONE,
-                B_WILL_DRAW | B_FRAME_EVENTS | B_FULL_UPDATE_ON_RESIZE)
+    : BView(BRect(0, 0, 0, 0), "field", B_FOLLOW_NONE,
+            B_WILL_DRAW | B_FRAME_EVENTS | B_FULL_UPDATE_ON_RESIZE)
     , fControl(control) {
     SetViewColor(kPaper);
     SetViewCursor(B_I_BEAM_CURSOR);
@@ -48,23 +48,13 @@ void TextField::SetText(const char* text) {
     Invalidate();
 }
 
-void TextField::SetFontAndColor(int32 start, int32 end, const BFont* font, uint32 mode,
-                                const rgb_color* color) {
-    BTextView::SetFontAndColor(start, end, font, mode, color);
-    if (color != nullptr)
-        SetHighColor(*color);
-    if (font == nullptr)
-        return;
-    BView::SetFont(font, mode);
+void TextField::SetFont(const BFont* font, uint32 mask) {
+    BView::SetFont(font, mask);
     BFont whole;
     GetFont(&whole);
     fLine.SetFont(whole);
     ShowCaret();
     Invalidate();
-}
-
-void TextField::SetFont(const BFont* font, uint32 mask) {
-    SetFontAndColor(0, TextLength(), font, mask);
 }
 
 TextLine::Range TextField::Selection() const {
@@ -217,7 +207,7 @@ void TextField::Blink(const BMessage& tick) {
 void TextField::MakeFocus(bool focus) {
     if (Window() == nullptr || focus == IsFocus() || (focus && !fIsEnabled))
         return;
-    BTextView::MakeFocus(focus);
+    BView::MakeFocus(focus);
     if (focus) {
         SelectAll();
     } else {

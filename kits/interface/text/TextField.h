@@ -9,8 +9,8 @@
 #include "kits/app/MessageRunner.h"
 #include "kits/interface/text/EditKeys.h"
 #include "kits/interface/text/TextLine.h"
-#include "kits/interface/text/TextView.h"
 #include "kits/interface/text/UndoHistory.h"
+#include "kits/interface/window/View.h"
 
 class BTextControl;
 
@@ -18,16 +18,13 @@ class BTextControl;
 // Offsets count bytes and stand between two characters as a person sees them. The text that the
 // user types or brings in is kept to one line and, with the rest, to 4 KiB; a text that is set may
 // be of any length. Window's thread.
-class TextField : public BTextView {
+class TextField : public BView {
 public:
     explicit TextField(BTextControl& control);
 
-    void SetText(const char* text) override;
-    const char* Text() const override { return fLine.Text().c_str(); }
-    int32 TextLength() const override { return fLine.Length(); }
-    // The range does not matter.
-    void SetFontAndColor(int32 start, int32 end, const BFont* font, uint32 mode = B_FONT_ALL,
-                         const rgb_color* color = nullptr) override;
+    void SetText(const char* text);
+    const char* Text() const { return fLine.Text().c_str(); }
+    int32 TextLength() const { return fLine.Length(); }
     void SetFont(const BFont* font, uint32 mask = B_FONT_ALL) override;
 
     // The caret is at `end`, which may be before `start`.

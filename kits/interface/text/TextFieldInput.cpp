@@ -40,7 +40,7 @@ void TextField::KeyDown(const char* bytes, int32 numBytes) {
     BMessage* message = Window() ? Window()->CurrentMessage() : nullptr;
     if (message == nullptr ||
         !HandleKey(EditKeyOf(*message), {bytes, static_cast<size_t>(numBytes)}))
-        BTextView::KeyDown(bytes, numBytes);
+        BView::KeyDown(bytes, numBytes);
 }
 
 // False for a key that is not used up here.
@@ -206,7 +206,7 @@ void TextField::MessageReceived(BMessage* message) {
     switch (message->what) {
     case B_UNMAPPED_KEY_DOWN:
         if (!HandleKey(EditKeyOf(*message), {}))
-            BTextView::MessageReceived(message);
+            BView::MessageReceived(message);
         break;
     case kBlinkTick:
         Blink(*message);
@@ -222,7 +222,7 @@ void TextField::MessageReceived(BMessage* message) {
             Insert(message->GetString("text", ""));
         break;
     default:
-        BTextView::MessageReceived(message);
+        BView::MessageReceived(message);
     }
 }
 

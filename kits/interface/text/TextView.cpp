@@ -10,7 +10,7 @@ BTextView::BTextView(BRect frame, const char* name, BRect textRect, uint32 resiz
                      uint32 flags)
     : BView(frame, name, resizingMode, flags)
     , fTextRect(textRect) {
-    BTextView::SetText("");
+    SetText("");
 }
 
 void BTextView::SetText(const char* text) {

@@ -13,9 +13,7 @@ public:
     // The text is wrapped to the width of `textRect` and starts at its left-top corner.
     BTextView(BRect frame, const char* name, BRect textRect, uint32 resizingMode, uint32 flags);
 
-    virtual void SetText(const char* text);
-    virtual const char* Text() const { return fBlock.text.c_str(); }
-    virtual int32 TextLength() const { return Length(); }
+    void SetText(const char* text);
 
     void SetTextRect(BRect rect);
     // Whether lines also end where the text rectangle does, as they do at first, or only at new
@@ -29,8 +27,8 @@ public:
     // null.
     void SetFontAndColor(const BFont* font, uint32 mode = B_FONT_ALL,
                          const rgb_color* color = nullptr);
-    virtual void SetFontAndColor(int32 start, int32 end, const BFont* font,
-                                 uint32 mode = B_FONT_ALL, const rgb_color* color = nullptr);
+    void SetFontAndColor(int32 start, int32 end, const BFont* font, uint32 mode = B_FONT_ALL,
+                         const rgb_color* color = nullptr);
     // The same as the first SetFontAndColor().
     void SetFont(const BFont* font, uint32 mask = B_FONT_ALL) override;
 

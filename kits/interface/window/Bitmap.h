@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "base/Rect.h"
 #include "host/draw/Image.h"
 #include "kits/interface/drawing/GraphicsDefs.h"
+#include "kits/kernel/Locker.h"
 
 class BView;
 namespace host {
@@ -29,16 +31,18 @@ public:
     BBitmap& operator=(const BBitmap&) = delete;
 
     // False if the bounds cover nothing.
-    bool IsValid() const;
-    BRect Bounds() const;
-    color_space ColorSpace() const;
+    bool IsValid() const { return fBounds.IsValid(); }
+    BRect Bounds() const { return fBounds; }
+    color_space ColorSpace() const { return fSpace; }
 
-    bool Lock();
-    void Unlock();
+    bool Lock() { return fLock.Lock(); }
+    void Unlock() { fLock.Unlock(); }
 
     // Null but for B_CMAP8: rows from the top, each of BytesPerRow() bytes.
-    uint8* Bits();
-    int32 BytesPerRow() const;
+    uint8* Bits() { return fBits.empty() ? nullptr : fBits.data(); }
+    int32 BytesPerRow() const {
+        return fBits.empty() ? 0 : static_cast<int32>(fBounds.Width()) + 1;
+    }
 
     // The view belongs to the bitmap from now on. Nothing is added to one that accepts no views.
     void AddChild(BView* child);
@@ -49,9 +53,14 @@ public:
 
 private:
     friend class BView;
-    struct State;
 
     host::Canvas* CanvasFor(BView& view);
 
-    std::unique_ptr<State> fState;
+    const BRect fBounds;
+    const color_space fSpace;
+    BLocker fLock{"bitmap"};
+    std::unique_ptr<host::Canvas> fCanvas; // of B_RGBA32
+    std::vector<uint8> fBits;              // of B_CMAP8
+    mutable std::vector<uint32> fColors;   // that its picture has
+    std::unique_ptr<BView> fRoot;          // parent of the views; null if it accepts none
 };

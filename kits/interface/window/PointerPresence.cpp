@@ -32,14 +32,11 @@ status_t PointerPresence::WaitForEvent(uint64 seen) {
 }
 
 void PointerPresence::Note(const void* window, bool isOver) {
-    {
-        std::lock_guard lock(fMutex);
-        const bool isNews = isOver ? fWindows.insert(window).second : fWindows.erase(window) > 0;
-        if (!isNews)
-            return;
-        fEvents++;
-    }
-    fChanged.notify_all();
+    std::unique_lock lock(fMutex);
+    const bool isNews = isOver ? fWindows.insert(window).second : fWindows.erase(window) > 0;
+    lock.unlock();
+    if (isNews)
+        NoteEvent();
 }
 
 void PointerPresence::NoteEvent() {

@@ -64,18 +64,6 @@ void BView::MessageReceived(BMessage* message) {
         BHandler::MessageReceived(message);
 }
 
-void BView::GetPreferredSize(float* width, float* height) {
-    *width = fFrame.Width();
-    *height = fFrame.Height();
-}
-
-void BView::ResizeToPreferred() {
-    float width = 0;
-    float height = 0;
-    GetPreferredSize(&width, &height);
-    ResizeTo(width, height);
-}
-
 void BView::AddChild(BView* child, BView* before) {
     if (child == nullptr || child->fParent != nullptr)
         return;
@@ -84,7 +72,6 @@ void BView::AddChild(BView* child, BView* before) {
     if (fWindow == nullptr)
         return;
     child->Attach(fWindow);
-    child->AttachAll();
     child->Invalidate();
 }
 
@@ -128,12 +115,6 @@ void BView::Attach(BWindow* window) {
     }
 }
 
-void BView::AttachAll() {
-    for (size_t i = 0; i < fChildren.size(); i++)
-        fChildren[i]->AttachAll();
-    AllAttached();
-}
-
 void BView::Detach() {
     DetachedFromWindow();
     for (size_t i = 0; i < fChildren.size(); i++)
@@ -143,7 +124,6 @@ void BView::Detach() {
 void BView::DetachAll() {
     for (size_t i = 0; i < fChildren.size(); i++)
         fChildren[i]->DetachAll();
-    AllDetached();
     fWindow->fState->Forget(*this);
     fWindow->RemoveHandler(this);
     fWindow = nullptr;
@@ -180,11 +160,7 @@ void BView::SetFrame(BRect frame) {
         for (const BRect& rect : changed.Rects())
             fParent->Invalidate(rect);
     }
-    if ((fFlags & B_FRAME_EVENTS) == 0)
-        return;
-    if (hasMoved)
-        FrameMoved(frame.LeftTop());
-    if (deltaWidth != 0 || deltaHeight != 0)
+    if ((fFlags & B_FRAME_EVENTS) != 0 && (deltaWidth != 0 || deltaHeight != 0))
         FrameResized(frame.Width(), frame.Height());
 }
 

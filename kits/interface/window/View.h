@@ -37,7 +37,7 @@ enum : uint32 {
     B_WILL_DRAW = 0x20000000,             // Draw() is called
     B_NAVIGABLE = 0x02000000,             // Tab gives it the focus
     B_FULL_UPDATE_ON_RESIZE = 0x80000000, // all of it is drawn again, not only what is new
-    B_FRAME_EVENTS = 0x04000000,          // FrameMoved() and FrameResized() are called
+    B_FRAME_EVENTS = 0x04000000,          // FrameResized() is called
     B_NAVIGABLE_JUMP = 0x08000000,        // Control-Tab goes from this group of views to the next
 };
 
@@ -77,9 +77,7 @@ public:
 
     // Hooks. Those without a comment on it do nothing here.
     virtual void AttachedToWindow() {}   // parents first
-    virtual void AllAttached() {}        // after all views below are attached
     virtual void DetachedFromWindow() {} // parents first; the window is still there
-    virtual void AllDetached() {}
     // `updateRect` covers what must be drawn; drawing is clipped to it and to the view. What lies
     // there has been filled with the view colour.
     virtual void Draw(BRect /*updateRect*/) {}
@@ -98,12 +96,7 @@ public:
     virtual void KeyUp(const char* bytes, int32 numBytes);
     void MessageReceived(BMessage* message) override;
     virtual void WindowActivated(bool /*active*/) {}
-    virtual void FrameMoved(BPoint /*newPosition*/) {}
     virtual void FrameResized(float /*width*/, float /*height*/) {}
-    // Answers the view's size.
-    virtual void GetPreferredSize(float* width, float* height);
-
-    void ResizeToPreferred();
 
     // Puts `child` before the sibling `before`, or last. It must have no parent yet. The view owns
     // it from now on.
@@ -137,7 +130,6 @@ public:
     void GetClippingRegion(ClipRegion* region) const;
 
     uint32 Flags() const { return fFlags; }
-    virtual void SetFlags(uint32 flags) { fFlags = flags; }
 
     // Calls are counted: as many Show() as Hide() make it visible again.
     virtual void Hide();
@@ -249,7 +241,6 @@ private:
     friend class BWindow;
 
     void Attach(BWindow* window);
-    void AttachAll();
     void Detach();
     void DetachAll();
     void SetFrame(BRect frame);

@@ -119,8 +119,6 @@ public:
 
     // Hooks. They do nothing here but for QuitRequested().
     virtual void WindowActivated(bool /*active*/) {}
-    virtual void FrameMoved(BPoint /*newPosition*/) {}
-    virtual void FrameResized(float /*width*/, float /*height*/) {}
     virtual void WorkspacesChanged(uint32 /*oldWorkspaces*/, uint32 /*newWorkspaces*/) {}
     bool QuitRequested() override { return true; }
 

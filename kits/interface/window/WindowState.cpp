@@ -48,7 +48,6 @@ BWindow::State::State(BWindow* window_, BRect frame, const char* title_, window_
     , width(UsableSide(frame.Width()))
     , height(UsableSide(frame.Height()))
     , device(DeviceFrame())
-    , reported(device)
     , root(Bounds(), "root", B_FOLLOW_ALL, 0)
     , translator(BMessenger(window), scale, Role())
     , host(CreateHostWindow(Spec(), &translator)) {
@@ -133,12 +132,6 @@ void BWindow::State::TakeFrame(const host::PixelRect& now) {
     WindowRoster::Shared().FrameChanged(window, device);
     if (Bounds() != oldBounds)
         ContentResized(oldBounds);
-
-    host::PixelRect before = std::exchange(reported, now);
-    if (before.left != now.left || before.top != now.top)
-        window->FrameMoved(place);
-    if (before.Width() != now.Width() || before.Height() != now.Height())
-        window->FrameResized(width, height);
 }
 
 void BWindow::State::ContentResized(BRect oldBounds) {
@@ -184,13 +177,12 @@ void BWindow::State::FollowSettings() {
         canvas.reset();
         damage = ClipRegion();
         ClipChanged();
-        device = reported = DeviceFrame();
+        device = DeviceFrame();
         WindowRoster::Shared().FrameChanged(window, device);
         if (host) {
             host->SetBorder(Spec().border);
             host->SetFrame(device);
         }
-        window->FrameMoved(place);
         BringInside();
     }
     cursor = BCursor();

@@ -96,9 +96,8 @@ struct BWindow::State {
     BPoint place; // of the content's left-top corner, on the screen
     float width;  // right minus left
     float height;
-    host::PixelRect device;   // the host's frame, requested or reported
-    host::PixelRect reported; // the last one that the frame hooks got
-    BRect grip;               // not valid: the whole window
+    host::PixelRect device; // the host's frame, requested or reported
+    BRect grip;             // not valid: the whole window
     int32 hideCount = 1;
     bool hasRun = false;
     bool hasShown = false;
