@@ -141,10 +141,6 @@ Image Canvas::Picture() {
             cairo_image_surface_get_height(surface), cairo_image_surface_get_stride(surface)};
 }
 
-double Canvas::Scale() const {
-    return fState->scale;
-}
-
 PixelRect Canvas::Snap(BRect rect) const {
     if (!rect.IsValid())
         return {};

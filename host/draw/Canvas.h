@@ -45,7 +45,6 @@ public:
 
     // The picture as it stands. Valid until the next call of any other member.
     Image Picture();
-    double Scale() const;
 
     // The device pixels that `rect` covers.
     PixelRect Snap(BRect rect) const;

@@ -13,7 +13,7 @@ namespace {
 
 // The bar's digits and the labels of an open menu with its parent, so that each is laid out once; a
 // layout is some kilobytes.
-constexpr std::size_t kKeptLayouts = 48;
+constexpr std::size_t kKeptLayouts = 24;
 // A longer text is that of a field, which changes with each key: only the last one is kept.
 constexpr std::size_t kLongText = 256;
 

@@ -177,6 +177,8 @@ BApplication::Session::Session(BApplication& application_, const std::string& si
     // The threads allocate little and rarely at once. With an arena for each, memory that one
     // thread frees cannot be used by the others.
     mallopt(M_ARENA_MAX, 1);
+    // Else the first picture that is freed raises it, and later ones stay in the heap.
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     if (get_app_resources()->launch_flags == B_EXCLUSIVE_LAUNCH)
         Register(signature);
     fSignals.emplace([this] { QuitFromOutside(false); });

@@ -32,10 +32,6 @@ status_t BNode::SetTo(const BEntry* entry) {
     return status == B_OK ? SetToDescriptor(std::move(node)) : Fail(status);
 }
 
-void BNode::Unset() {
-    Fail(B_NO_INIT);
-}
-
 status_t BNode::SetToDescriptor(host::Descriptor descriptor) {
     fDescriptor = std::move(descriptor);
     return fStatus = B_OK;

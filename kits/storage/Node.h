@@ -33,7 +33,6 @@ public:
     // Holds the node that is there now; a symbolic link itself, not where it leads.
     status_t SetTo(const char* path);
     status_t SetTo(const BEntry* entry);
-    void Unset();
 
     // Copies at most `length` bytes of the attribute's value from byte `offset` on and returns how
     // many; 0 behind the end or for an empty value. Any `type` reads any attribute.

@@ -16,6 +16,7 @@ using host::NodeChange;
 
 int32 OpcodeOf(ChangeKind kind) {
     static_assert(int32(ChangeKind::Created) + 1 == B_ENTRY_CREATED &&
+                  int32(ChangeKind::StatusChanged) + 1 == B_STAT_CHANGED &&
                   int32(ChangeKind::AttributesChanged) + 1 == B_ATTR_CHANGED);
     return int32(kind) + 1;
 }

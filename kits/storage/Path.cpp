@@ -41,10 +41,6 @@ status_t BPath::SetTo(const BEntry* entry) {
     return entry ? fStatus = entry->GetPath(this) : Fail(B_BAD_VALUE);
 }
 
-void BPath::Unset() {
-    Fail(B_NO_INIT);
-}
-
 status_t BPath::Fail(status_t status) {
     fPath.clear();
     return fStatus = status;

@@ -27,7 +27,6 @@ public:
     // an absolute leaf; the path is then unset.
     status_t SetTo(const char* path, const char* leaf = nullptr);
     status_t SetTo(const BEntry* entry);
-    void Unset();
 
     // Appends a relative path. B_BAD_VALUE for an absolute one, B_NO_INIT without a path.
     status_t Append(const char* path);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "base/Utf8.h"
 #include "host/draw/Text.h"
@@ -17,11 +16,6 @@ constinit const BFont kBoldFont(12, B_BOLD_FACE);
 constexpr float kSmallestPart = 0.7f;
 constexpr float kStep = 0.5f;
 
-// The bytes of `text` that `length` allows, up to its NUL.
-std::string_view Bytes(const char* text, int32 length) {
-    return {text, strnlen(text, static_cast<size_t>(std::max<int32>(length, 0)))};
-}
-
 } // namespace
 
 constinit const BFont* const be_plain_font = &kPlainFont;
@@ -35,10 +29,6 @@ void BFont::SetSize(float size) {
     fSize = std::isnan(size) ? 12 : std::clamp(size, 1.0f, 200.0f);
 }
 
-void BFont::SetFace(uint16 face) {
-    fFace = face;
-}
-
 void BFont::SetTo(const BFont& font, uint32 mask) {
     if (mask & B_FONT_SIZE)
         fSize = font.fSize;
@@ -48,12 +38,6 @@ void BFont::SetTo(const BFont& font, uint32 mask) {
 
 float BFont::StringWidth(const char* string) const {
     return string ? host::MeasureText(SpecOf(*this), string, DisplayScale()) : 0;
-}
-
-float BFont::StringWidth(const char* string, int32 length) const {
-    if (string == nullptr)
-        return 0;
-    return host::MeasureText(SpecOf(*this), Bytes(string, length), DisplayScale());
 }
 
 void BFont::GetHeight(font_height* height) const {

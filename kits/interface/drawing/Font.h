@@ -25,7 +25,6 @@ struct escapement_delta {
 
 enum font_metric_mode {
     B_SCREEN_METRIC,
-    B_PRINTING_METRIC,
 };
 
 // Which properties of a font a call takes over.
@@ -65,7 +64,6 @@ public:
 
     // Kept between 1 and 200.
     void SetSize(float size);
-    void SetFace(uint16 face);
     float Size() const { return fSize; }
     uint16 Face() const { return fFace; }
 
@@ -74,7 +72,6 @@ public:
 
     // In logical pixels, without rounding; `length` counts bytes, all of the string by default.
     float StringWidth(const char* string) const;
-    float StringWidth(const char* string, int32 length) const;
     void GetHeight(font_height* height) const;
 
     // The ink of each of the first `numChars` characters (not bytes), relative to the character's

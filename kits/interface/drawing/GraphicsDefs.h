@@ -21,7 +21,6 @@ enum source_alpha {
 };
 
 enum alpha_function {
-    B_ALPHA_OVERLAY = 0,
     B_ALPHA_COMPOSITE = 1,
 };
 

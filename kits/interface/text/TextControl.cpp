@@ -39,10 +39,6 @@ const char* BTextControl::Text() const {
     return fField->Text();
 }
 
-int32 BTextControl::TextLength() const {
-    return fField->TextLength();
-}
-
 void BTextControl::SetDivider(float position) {
     fDivider = std::floor(position + 0.5f);
     PlaceField();

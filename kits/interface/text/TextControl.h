@@ -27,7 +27,6 @@ public:
     virtual void SetText(const char* text);
     // Valid until the text changes.
     const char* Text() const;
-    int32 TextLength() const;
 
     // The field, for selecting and measuring. It belongs to the control.
     TextField* TextView() const { return fField; }

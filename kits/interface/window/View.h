@@ -175,7 +175,6 @@ public:
     // the message that is being handled, or when Flush(), Sync() or GetMouse() is called before
     // that.
     void MovePenTo(float x, float y) { fPen = BPoint(x, y); }
-    BPoint PenLocation() const { return fPen; }
     // From `from`, or the pen, to `to`, both ends drawn. The pen is at `to` afterwards.
     void StrokeLine(BPoint from, BPoint to);
     void StrokeLine(BPoint to) { StrokeLine(fPen, to); }

@@ -181,6 +181,8 @@ void BWindow::UpdateHidden() {
     const int32 hides = std::exchange(fState->hideCount, 0);
     UpdateIfNeeded();
     fState->hideCount = hides;
+    fState->canvas.reset();
+    fState->ClipChanged();
 }
 
 void BWindow::Validate() {

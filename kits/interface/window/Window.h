@@ -128,7 +128,8 @@ public:
 protected:
     void MessageHandled() override { UpdateIfNeeded(); }
 
-    // UpdateIfNeeded() also for a window that is hidden, which else draws when it is shown.
+    // UpdateIfNeeded() also for a window that is hidden, which else draws when it is shown. Its
+    // memory for drawing is freed: the display server has the picture.
     void UpdateHidden();
     // Drops what waits to be drawn: the window has the picture already.
     void Validate();
