@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <malloc.h>
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
@@ -202,6 +203,8 @@ void QBMainWindow::LayOutMenus() {
         folder->Menu()->PrepareLayout();
     fLocker->Unlock();
     fSettingsMenu->PrepareLayout();
+    // The start is over, and has left many small holes.
+    malloc_trim(0);
 }
 
 // A press may follow.
