@@ -171,6 +171,10 @@ private:
     std::optional<host::SignalWatch> fSignals;
 };
 
+void BApplication::ReleaseFreeMemory() {
+    malloc_trim(0);
+}
+
 // The signals are blocked before the first other thread, the service thread, is started.
 BApplication::Session::Session(BApplication& application_, const std::string& signature)
     : application(application_) {

@@ -65,6 +65,10 @@ public:
     // built and from its destruction on. Any thread, at any time; waits for no looper.
     static void QuitFromOutside(bool displayLost);
 
+    // Gives memory that has been freed back to the system: for a moment when the program has done
+    // much and waits for its user. An addition to the platform. Any thread.
+    static void ReleaseFreeMemory();
+
     // Sets the function that the watchdog runs, on a thread of its own, before it ends the process
     // while other threads may hang: the last moment to save something. It must wait for no lock of
     // the program; after a second the watchdog goes on without it. May be empty. Any thread.

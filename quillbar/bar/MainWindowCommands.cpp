@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <iterator>
-#include <malloc.h>
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
@@ -204,7 +203,7 @@ void QBMainWindow::LayOutMenus() {
     fLocker->Unlock();
     fSettingsMenu->PrepareLayout();
     // The start is over, and has left many small holes.
-    malloc_trim(0);
+    BApplication::ReleaseFreeMemory();
 }
 
 // A press may follow.
