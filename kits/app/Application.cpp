@@ -178,8 +178,8 @@ void BApplication::ReleaseFreeMemory() {
 // The signals are blocked before the first other thread, the service thread, is started.
 BApplication::Session::Session(BApplication& application_, const std::string& signature)
     : application(application_) {
-    // With an arena for each thread, memory that one thread frees cannot be used by the others. With
-    // one for all, reading the fonts and the bookmarks at the start takes twice as long.
+    // With an arena for each thread, memory that one thread frees cannot be used by the others.
+    // With one for all, reading the fonts and the bookmarks at the start takes twice as long.
     mallopt(M_ARENA_MAX, 2);
     // Else the first picture that is freed raises it, and later ones stay in the heap.
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);
