@@ -18,6 +18,8 @@ enum class NodeKind : uint8 {
 
 // The status of a node when it was read.
 struct NodeStatus {
+    bool operator==(const NodeStatus&) const = default;
+
     // The number is made of inode and birth time: disks give an inode number again, often at once,
     // and no two nodes may be taken for one. It is the inode where the disk keeps no birth times.
     node_ref ref;

@@ -36,17 +36,18 @@ void EntryComparison::Run() {
 }
 
 void EntryComparison::CompareTouched() {
-    for (const auto& [number, self] : fBatch.Selves()) {
+    for (const auto& [number, events] : fBatch.Selves()) {
         Watch* watch = fState.watches.Find(number);
-        if (self.isRemoved && watch && watch->names)
+        if ((events & IN_DELETE_SELF) && watch && watch->names)
             CompareAll(*watch, Descriptor());
     }
     for (const Place& place : fBatch.Places()) {
-        const EventBatch::Touch touch = fBatch.At(place);
-        if (touch.isWritten)
+        const uint32 events = fBatch.At(place);
+        if (events & (IN_ATTRIB | IN_CLOSE_WRITE))
             Stir(place);
         Watch* watch = fState.watches.Find(place.watch);
-        if (!touch.isNamed || !watch || !watch->names || fBatch.Of(place.watch).isRemoved)
+        if (!(events & EventBatch::kNameChanges) || !watch || !watch->names ||
+            (fBatch.Of(place.watch) & IN_DELETE_SELF))
             continue;
         NodeStatus status;
         if (const Descriptor& directory = DirectoryOf(place.watch)) {
@@ -106,7 +107,7 @@ void EntryComparison::Compare(const Place& place, const NodeStatus& status) {
     if (isNew)
         (*watch->names)[place.name] = {.node = status.ref.node, .isAnnounced = false};
     // It may have been seen here before the events of its move were read.
-    if (isNew || !known->isAnnounced || fBatch.At(place).hasArrived)
+    if (isNew || !known->isAnnounced || (fBatch.At(place) & IN_MOVED_TO))
         fCandidates.insert({status.ref, {place, status, isNew}});
 }
 

@@ -1,45 +1,35 @@
 #include "host/files/monitor/EventBatch.h"
 
-#include <sys/inotify.h>
-
 #include <utility>
 
 namespace host {
 
 namespace {
 
-constexpr uint32 kNameChanges = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
-
 // Origins that are no place.
 const Place kNowhere = {-1, ""};
 const Place kOutside = {-2, ""};
 
-template <typename Key, typename Value>
-Value ValueAt(const std::map<Key, Value>& values, const Key& key) {
-    auto found = values.find(key);
-    return found == values.end() ? Value() : found->second;
+template <typename Key>
+uint32 MaskAt(const std::map<Key, uint32>& masks, const Key& key) {
+    auto found = masks.find(key);
+    return found == masks.end() ? 0 : found->second;
 }
 
 } // namespace
 
 void EventBatch::Add(const InotifyEvent& event) {
     fCount++;
-    if (event.mask & IN_Q_OVERFLOW)
-        fHasOverflown = true;
-    else if (event.name.empty())
-        AddSelfEvent(fSelves[event.watch], event.mask);
-    else
-        AddEntryEvent({event.watch, event.name}, event);
-}
-
-void EventBatch::AddEntryEvent(const Place& place, const InotifyEvent& event) {
-    auto [found, isNew] = fTouches.try_emplace(place);
+    fHasOverflown |= (event.mask & IN_Q_OVERFLOW) != 0;
+    if (event.name.empty()) {
+        fSelves[event.watch] |= event.mask;
+        return;
+    }
+    const Place place = {event.watch, event.name};
+    auto [found, isNew] = fTouches.try_emplace(place, 0);
     if (isNew)
         fPlaces.push_back(place);
-    Touch& touch = found->second;
-    touch.isNamed |= (event.mask & kNameChanges) != 0;
-    touch.hasArrived |= (event.mask & IN_MOVED_TO) != 0;
-    touch.isWritten |= (event.mask & (IN_ATTRIB | IN_CLOSE_WRITE)) != 0;
+    found->second |= event.mask;
     if (event.mask & kNameChanges)
         FollowNode(place, event);
 }
@@ -56,20 +46,12 @@ void EventBatch::FollowNode(const Place& place, const InotifyEvent& event) {
     }
 }
 
-void EventBatch::AddSelfEvent(Self& self, uint32 mask) const {
-    self.hasMoved |= (mask & IN_MOVE_SELF) != 0;
-    self.isRemoved |= (mask & IN_DELETE_SELF) != 0;
-    self.hasAttributes |= (mask & IN_ATTRIB) != 0;
-    self.isWritten |= (mask & IN_MODIFY) != 0;
-    self.hasEnded |= (mask & (IN_IGNORED | IN_UNMOUNT)) != 0;
+uint32 EventBatch::At(const Place& place) const {
+    return MaskAt(fTouches, place);
 }
 
-EventBatch::Touch EventBatch::At(const Place& place) const {
-    return ValueAt(fTouches, place);
-}
-
-EventBatch::Self EventBatch::Of(int watch) const {
-    return ValueAt(fSelves, watch);
+uint32 EventBatch::Of(int watch) const {
+    return MaskAt(fSelves, watch);
 }
 
 std::set<Place> EventBatch::Left() const {

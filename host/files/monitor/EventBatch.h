@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/inotify.h>
+
 #include <map>
 #include <set>
 #include <vector>
@@ -12,24 +14,8 @@ namespace host {
 // and the watched nodes themselves.
 class EventBatch {
 public:
-    // The events of one name.
-    struct Touch {
-        // It was created, removed, or moved in or out.
-        bool isNamed = false;
-        // A move ended here.
-        bool hasArrived = false;
-        // The attributes or permissions changed, or the file was closed after writing.
-        bool isWritten = false;
-    };
-    // The events of a watched node.
-    struct Self {
-        bool hasMoved = false;
-        bool isRemoved = false;
-        bool hasAttributes = false;
-        bool isWritten = false;
-        // The system watches it no more.
-        bool hasEnded = false;
-    };
+    // The entry was created, removed, or moved in or out.
+    static constexpr uint32 kNameChanges = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
     void Add(const InotifyEvent& event);
 
@@ -37,9 +23,11 @@ public:
     bool HasOverflown() const { return fHasOverflown; }
     // The touched entries, in the order of their first events.
     const std::vector<Place>& Places() const { return fPlaces; }
-    Touch At(const Place& place) const;
-    const std::map<int, Self>& Selves() const { return fSelves; }
-    Self Of(int watch) const;
+    // What happened to the entry, as one mask.
+    uint32 At(const Place& place) const;
+    // What happened to the watched nodes, as one mask each; by the numbers of their watches.
+    const std::map<int, uint32>& Selves() const { return fSelves; }
+    uint32 Of(int watch) const;
 
     // The places whose nodes, as far as these events show, were moved and not removed then.
     std::set<Place> Left() const;
@@ -47,14 +35,12 @@ public:
     bool CameFromOutside(const Place& place) const;
 
 private:
-    void AddEntryEvent(const Place& place, const InotifyEvent& event);
-    void AddSelfEvent(Self& self, uint32 mask) const;
     void FollowNode(const Place& place, const InotifyEvent& event);
 
     size_t fCount = 0;
     std::vector<Place> fPlaces;
-    std::map<Place, Touch> fTouches;
-    std::map<int, Self> fSelves;
+    std::map<Place, uint32> fTouches;
+    std::map<int, uint32> fSelves;
     // Where the node at each touched place was before these events.
     std::map<Place, Place> fOrigins;
     // The same of the nodes between the two halves of a move, by its cookie.

@@ -7,6 +7,8 @@ namespace host {
 
 namespace {
 
+constexpr uint32 kEnds = IN_IGNORED | IN_UNMOUNT;
+
 // The topmost watched directory above the node, as far as the watched entries lead up.
 Watch* TopOf(Watches& watches, Watch* watch) {
     for (;;) {
@@ -21,20 +23,20 @@ Watch* TopOf(Watches& watches, Watch* watch) {
 } // namespace
 
 void NodeComparison::Run(const EventBatch& batch) {
-    for (const auto& [number, self] : batch.Selves()) {
+    for (const auto& [number, events] : batch.Selves()) {
         Watch* watch = fState.watches.Find(number);
-        if (!watch || !self.isRemoved)
+        if (!watch || !(events & IN_DELETE_SELF))
             continue;
         if (!watch->isGone && !fState.watches.FindDirectory(watch->parent))
             fState.watches.Notify(Departure(*watch, ChangeKind::Removed));
         watch->isGone = true;
     }
     SettleEnds(batch);
-    for (const auto& [number, self] : batch.Selves()) {
-        if (self.hasMoved)
+    for (const auto& [number, events] : batch.Selves()) {
+        if (events & IN_MOVE_SELF)
             SearchNode(number, true);
-        if (self.hasAttributes || self.isWritten)
-            Compare(number, self.hasAttributes);
+        if (events & (IN_ATTRIB | IN_MODIFY))
+            Compare(number, (events & IN_ATTRIB) != 0);
     }
     SettleUnread();
 }
@@ -51,12 +53,12 @@ void NodeComparison::Recover() {
 // latter only the topmost directory counts for a listener.
 void NodeComparison::SettleEnds(const EventBatch& batch) {
     auto isLost = [&](const Watch& watch) {
-        return batch.Of(watch.number).hasEnded && !watch.isGone;
+        return (batch.Of(watch.number) & kEnds) && !watch.isGone;
     };
     std::vector<int> ended;
-    for (const auto& [number, self] : batch.Selves()) {
+    for (const auto& [number, events] : batch.Selves()) {
         Watch* watch = fState.watches.Find(number);
-        if (!watch || !self.hasEnded)
+        if (!watch || !(events & kEnds))
             continue;
         ended.push_back(number);
         Watch* parent = fState.watches.FindDirectory(watch->parent);
@@ -113,9 +115,7 @@ void NodeComparison::Compare(int number, bool hasAttributes) {
         SearchNode(number, false);
         return;
     }
-    const NodeStatus& old = watch->status;
-    bool isChanged = now.size != old.size || now.mode != old.mode || now.owner != old.owner ||
-                     now.group != old.group || now.modified != old.modified;
+    bool isChanged = now != watch->status;
     watch->status = now;
     if (isChanged)
         fState.watches.Notify({.kind = ChangeKind::StatusChanged, .node = now.ref});
