@@ -66,26 +66,28 @@ BMessage MessageOf(const host::KeyChanged& key, bool isMapped) {
     return message;
 }
 
-void AddModifiers(std::vector<BMessage>& messages, uint32 before, uint32 now,
-                  const host::KeyStates& states, bigtime_t when) {
-    if (before == now)
-        return;
-    BMessage& message = messages.emplace_back(B_MODIFIERS_CHANGED);
-    message.AddInt64("when", when);
-    message.AddInt32("modifiers", static_cast<int32>(now));
-    message.AddInt32("be:old_modifiers", static_cast<int32>(before));
-    AddStates(message, states);
+// B_MODIFIERS_CHANGED if the key has changed them, then the key's own message.
+std::vector<BMessage> MessagesOf(const host::KeyChanged& key, const host::KeyStates& before,
+                                 bool isMapped) {
+    const uint32 locks = key.modifiers & kLocks;
+    const uint32 old = locks | ModifiersOf(before);
+    const uint32 now = locks | ModifiersOf(key.states);
+    std::vector<BMessage> messages;
+    if (old != now) {
+        BMessage& message = messages.emplace_back(B_MODIFIERS_CHANGED);
+        message.AddInt64("when", key.when);
+        message.AddInt32("modifiers", static_cast<int32>(now));
+        message.AddInt32("be:old_modifiers", static_cast<int32>(old));
+        AddStates(message, key.states);
+    }
+    messages.push_back(MessageOf(key, isMapped));
+    return messages;
 }
 
 void Send(const BMessenger& target, const host::KeyChanged& key) {
     host::KeyStates before = key.states;
     Set(before, key.key, !key.down || key.repeated);
-    uint32 locks = key.modifiers & kLocks;
-    std::vector<BMessage> messages;
-    AddModifiers(messages, locks | ModifiersOf(before), locks | ModifiersOf(key.states), key.states,
-                 key.when);
-    messages.push_back(MessageOf(key, !key.text.empty()));
-    for (const BMessage& message : messages)
+    for (const BMessage& message : MessagesOf(key, before, !key.text.empty()))
         target.SendMessage(&message);
 }
 
@@ -104,19 +106,17 @@ std::map<uint32, HeldKey>& HeldKeys() {
 } // namespace
 
 std::vector<BMessage> KeyMessages(const host::SessionKey& key) {
-    uint32 modifiers = ModifiersOf(key.states);
-    std::vector<BMessage> messages;
-    AddModifiers(messages, ModifiersOf(key.before), modifiers, key.states, key.when);
-    if (key.key != 0) {
-        messages.push_back(MessageOf({.down = key.down,
-                                      .repeated = host::IsHeld(key.before, key.key),
-                                      .key = key.key,
-                                      .modifiers = modifiers,
-                                      .text = {},
-                                      .states = key.states,
-                                      .when = key.when},
-                                     TypesSomething(key.key)));
-    }
+    std::vector<BMessage> messages = MessagesOf({.down = key.down,
+                                                 .repeated = host::IsHeld(key.before, key.key),
+                                                 .key = key.key,
+                                                 .modifiers = ModifiersOf(key.states),
+                                                 .text = {},
+                                                 .states = key.states,
+                                                 .when = key.when},
+                                                key.before, TypesSomething(key.key));
+    // Keyboards came or went.
+    if (key.key == 0)
+        messages.pop_back();
     return messages;
 }
 

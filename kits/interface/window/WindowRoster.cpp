@@ -51,14 +51,6 @@ void SetIcons(host::Display& display) {
     display.SetIcons(icons);
 }
 
-// After the last window nothing is copied any more.
-bool QuitWindows(WindowRoster& roster) {
-    bool haveQuit = roster.QuitWindows();
-    if (haveQuit)
-        host::Display::Shared()->SaveClipboard(kClipboardPatience);
-    return haveQuit;
-}
-
 } // namespace
 
 // Never deleted: the display thread may call until the process ends.
@@ -197,6 +189,9 @@ bool WindowRoster::QuitWindows() {
     lock.lock();
     // Alerts were dismissed and are about to be gone.
     fClosed.wait_for(lock, std::chrono::seconds(1), [this] { return fAlerts.empty(); });
+    lock.unlock();
+    // After the last window nothing is copied any more.
+    host::Display::Shared()->SaveClipboard(kClipboardPatience);
     return true;
 }
 
@@ -269,7 +264,7 @@ status_t connect_display() {
     SetIcons(*host::Display::Shared());
     set_session_hooks({.dismiss = [&roster] { roster.Dismiss(); },
                        .allow = [&roster] { roster.Allow(); },
-                       .quit_windows = [&roster] { return QuitWindows(roster); },
+                       .quit_windows = [&roster] { return roster.QuitWindows(); },
                        .wake = [&roster] { roster.Wake(); },
                        .window_at = [&roster](int32 index) { return roster.WindowAt(index); }});
     return B_OK;
