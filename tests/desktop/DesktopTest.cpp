@@ -55,7 +55,11 @@ void DesktopTest::ChooseSlot(int folder, int slot) {
 }
 
 bool DesktopTest::MenusBecome(size_t count, std::chrono::milliseconds deadline) {
-    return WaitUntil([&] { return fProgram.Menus().size() == count; }, deadline);
+    return WaitUntil(
+        [&] {
+            return fProgram.Menus().size() == count && fDesk.IsKeyboardGrabbed() == (count > 0);
+        },
+        deadline);
 }
 
 void DesktopTest::CloseMenus() {

@@ -26,7 +26,8 @@ protected:
     void ClickButton(int digit);
     FolderMenu OpenFolder(int digit);
     void ChooseSlot(int folder, int slot);
-    // Waits until that many menus are open, one of them inside the other.
+    // Waits until that many menus are open, one of them inside the other, and get the keys: a menu
+    // is on the screen before it has grabbed the keyboard, and off it before it lets go.
     bool MenusBecome(size_t count, std::chrono::milliseconds deadline = test::kDeadline);
     void CloseMenus();
     // Opens a folder's menu and closes it: what happened before has been handled then.

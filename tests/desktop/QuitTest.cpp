@@ -86,44 +86,30 @@ TEST_F(SaveTest, DeathWhileSavingLeavesAWholeFile) {
     }
 }
 
-class ClosedFolderTest : public SaveTest {
-protected:
-    // Starts once to make the folders, then as a user who can make no file beside the settings.
-    void Close() {
-        fProgram.Start();
-        EXPECT_EQ(fProgram.Stop(), 0);
-        fs::remove(fProgram.SettingsFile());
-        fs::permissions(fHome.Config(), fs::perms::owner_read | fs::perms::owner_exec);
-    }
-    void StartAsUser() {
+// As a user who can make no file beside the settings.
+TEST_F(SaveTest, InAClosedFolderTheFileItselfIsWrittenOrTheLossIsReported) {
+    fProgram.Start();
+    EXPECT_EQ(fProgram.Stop(), 0);
+    fs::remove(fProgram.SettingsFile());
+    fs::permissions(fHome.Config(), fs::perms::owner_read | fs::perms::owner_exec);
+    const auto startAndChoose = [&] {
         fProgram.Launch(true);
         ASSERT_TRUE(fProgram.WaitForBar());
         ActivateBar();
         ChooseSetting(setting::kAlwaysOnTop);
-    }
-    void TearDown() override {
-        SaveTest::TearDown();
-        fs::permissions(fHome.Config(), fs::perms::owner_all);
-    }
-};
+    };
+    startAndChoose();
+    DismissAlert();
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_EQ(fProgram.Errors(), "quillbar: the settings cannot be saved: Permission denied\n");
 
-TEST_F(ClosedFolderTest, TheFileItselfIsWritten) {
-    Close();
     WriteMarkedSettings();
-    StartAsUser();
+    startAndChoose();
     ActivateBar();
     EXPECT_TRUE(fProgram.Alerts().empty());
     EXPECT_EQ(fProgram.Stop(), 0);
     EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 33);
     EXPECT_TRUE(fProgram.Settings().GetBool("ontop", false));
-}
-
-TEST_F(ClosedFolderTest, SettingsThatCannotBeSavedAreReported) {
-    Close();
-    StartAsUser();
-    DismissAlert();
-    EXPECT_EQ(fProgram.Stop(), 0);
-    EXPECT_EQ(fProgram.Errors(), "quillbar: the settings cannot be saved: Permission denied\n");
 }
 
 } // namespace

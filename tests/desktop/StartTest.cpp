@@ -15,14 +15,10 @@ TEST_F(StartTest, FirstStartMakesTheFoldersAndStandsAtItsPlace) {
     fProgram.Start();
 
     EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(fProgram.Root())) {
-        EXPECT_TRUE(entry.is_directory());
-        names.push_back(entry.path().filename());
-    }
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::string>{"0 -", "1 -", "2 -", "3 -", "4 -", "5 -", "6 -",
-                                               "7 -", "8 -", "9 -"}));
+    for (int digit = 0; digit < 10; ++digit)
+        EXPECT_TRUE(
+            std::filesystem::is_directory(fProgram.Root() / (std::to_string(digit) + " -")));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(fProgram.Root()), {}), 10);
     EXPECT_FALSE(std::filesystem::exists(fProgram.SettingsFile()));
 
     EXPECT_EQ(fProgram.Stop(), 0);
@@ -103,6 +99,12 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     CloseMenus();
     ChooseSlot(2, 1);
     EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
+    ChooseSetting(setting::kUseNetPositive);
+    ChooseSetting(setting::kShowUrl, setting::kYes);
+    EXPECT_EQ(OpenFolder(2).Frame().width, width);
+    CloseMenus();
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(2).at(1).app, "browser");
 }
 
 TEST_F(StartTest, ASecondStartOrTheTaskBarWakesTheFirst) {

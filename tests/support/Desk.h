@@ -149,6 +149,8 @@ public:
     void LetGo();
     // Whether a program could grab pointer and keyboard; waits for it.
     bool IsInputFree() const;
+    // Whether a program has grabbed it; takes nothing from that program.
+    bool IsKeyboardGrabbed() const;
 
     // Pixels.
     uint32_t Pixel(int x, int y) const; // 0xRRGGBB

@@ -118,6 +118,15 @@ void Desk::Fake(uint8_t type, uint8_t detail, int x, int y) {
     Sync();
 }
 
+// At so early a time nothing can be grabbed, but the server looks first whether it is.
+bool Desk::IsKeyboardGrabbed() const {
+    constexpr xcb_timestamp_t kTooEarly = 1;
+    const auto reply = Ask<xcb_grab_keyboard, xcb_grab_keyboard_reply>(
+        fConnection, uint8_t{0}, Root(), kTooEarly, uint8_t{XCB_GRAB_MODE_ASYNC},
+        uint8_t{XCB_GRAB_MODE_ASYNC});
+    return reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
+}
+
 bool Desk::IsInputFree() const {
     return WaitUntil([this] {
         const auto pointer = Ask<xcb_grab_pointer, xcb_grab_pointer_reply>(
