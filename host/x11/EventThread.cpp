@@ -111,8 +111,14 @@ void EventThread::Notify(xcb_window_t window, const WindowEvent& event) {
     fDisplay.Windows().Deliver(window, [&](XWindow& target) { target.Notify(event); });
 }
 
+template <typename T>
+void EventThread::Deliver(const xcb_generic_event_t& event, void (XWindow::*handle)(const T&)) {
+    const auto& specific = As<T>(event);
+    fDisplay.Windows().Deliver(specific.window,
+                               [&](XWindow& window) { (window.*handle)(specific); });
+}
+
 void EventThread::Handle(const xcb_generic_event_t& event) {
-    WindowRegistry& windows = fDisplay.Windows();
     switch (event.response_type & kEventType) {
     case kError:
         Report(As<xcb_generic_error_t>(event));
@@ -142,23 +148,16 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
         HandleFocus(As<xcb_focus_in_event_t>(event),
                     (event.response_type & kEventType) == XCB_FOCUS_IN);
         break;
-    case XCB_EXPOSE: {
-        const auto& expose = As<xcb_expose_event_t>(event);
-        windows.Deliver(expose.window, [&](XWindow& target) { target.HandleExpose(expose); });
+    case XCB_EXPOSE:
+        Deliver(event, &XWindow::HandleExpose);
         break;
-    }
-    case XCB_CONFIGURE_NOTIFY: {
-        const auto& configure = As<xcb_configure_notify_event_t>(event);
-        windows.Deliver(configure.window,
-                        [&](XWindow& target) { target.HandleConfigure(configure); });
+    case XCB_CONFIGURE_NOTIFY:
+        Deliver(event, &XWindow::HandleConfigure);
         CheckMonitors(event);
         break;
-    }
-    case XCB_REPARENT_NOTIFY: {
-        const auto& reparent = As<xcb_reparent_notify_event_t>(event);
-        windows.Deliver(reparent.window, [&](XWindow& target) { target.HandleReparent(reparent); });
+    case XCB_REPARENT_NOTIFY:
+        Deliver(event, &XWindow::HandleReparent);
         break;
-    }
     case XCB_DESTROY_NOTIFY:
         // By another program: ours takes its windows from the registry first.
         Notify(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});

@@ -38,6 +38,9 @@ private:
     Event Next();
     Event NewestMotion(Event motion);
     void Handle(const xcb_generic_event_t& event);
+    // To the window of the program that the event names.
+    template <typename T>
+    void Deliver(const xcb_generic_event_t& event, void (XWindow::*handle)(const T&));
 
     void HandleKey(const xcb_key_press_event_t& event);
     void HandlePress(const xcb_button_press_event_t& event);

@@ -136,18 +136,6 @@ void XDisplay::DeliverColor(xcb_window_t id, int screenX, int screenY, rgb_color
     });
 }
 
-void XDisplay::OwnSelection(SelectionKind selection, std::string text) {
-    fSelections.Own(selection, fLastInputTime, std::move(text));
-}
-
-void XDisplay::AskSelection(SelectionKind selection, SelectionAnswer answer) {
-    fSelections.Ask(selection, std::move(answer));
-}
-
-void XDisplay::SaveClipboard(bigtime_t timeout) {
-    fSelections.SaveClipboard(timeout);
-}
-
 void XDisplay::Beep() {
     xcb_bell(*fConnection, 0);
     fConnection->Flush();

@@ -39,9 +39,13 @@ public:
     void WatchSessionKeys(bool watch) override {
         fThread.Keys().Watch(watch, fIdentity.instanceName);
     }
-    void OwnSelection(SelectionKind selection, std::string text) override;
-    void AskSelection(SelectionKind selection, SelectionAnswer answer) override;
-    void SaveClipboard(bigtime_t timeout) override;
+    void OwnSelection(SelectionKind selection, std::string text) override {
+        fSelections.Own(selection, fLastInputTime, std::move(text));
+    }
+    void AskSelection(SelectionKind selection, SelectionAnswer answer) override {
+        fSelections.Ask(selection, std::move(answer));
+    }
+    void SaveClipboard(bigtime_t timeout) override { fSelections.SaveClipboard(timeout); }
     void Beep() override;
     void Sync() override;
 

@@ -12,6 +12,13 @@ namespace host {
 
 namespace {
 
+// The part before `end`, or all; `text` keeps what is behind that.
+std::string_view TakeUntil(std::string_view& text, char end) {
+    const std::string_view part = text.substr(0, text.find(end));
+    text.remove_prefix(std::min(text.size(), part.size() + 1));
+    return part;
+}
+
 void AddPlace(std::vector<std::string>& places, std::string_view place, const char* leaf) {
     if (place.starts_with('/'))
         places.push_back(std::string(place) + leaf);
@@ -29,11 +36,8 @@ std::vector<std::string> Places(const char* ownVariable, const char* ownDefault,
 
     const char* value = getenv(variable);
     std::string_view others = value && value[0] != '\0' ? value : otherwise;
-    while (!others.empty()) {
-        const std::string_view place = others.substr(0, others.find(':'));
-        AddPlace(places, place, leaf);
-        others.remove_prefix(std::min(others.size(), place.size() + 1));
-    }
+    while (!others.empty())
+        AddPlace(places, TakeUntil(others, ':'), leaf);
     return places;
 }
 
@@ -41,23 +45,19 @@ std::vector<std::string> ConfigDirectories() {
     return Places("XDG_CONFIG_HOME", "/.config", "XDG_CONFIG_DIRS", "/etc/xdg", "");
 }
 
-bool IsFile(const std::string& path) {
+// A file of that type, or a link to one.
+bool Is(mode_t type, const std::string& path) {
     struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
-bool IsDirectory(const std::string& path) {
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return stat(path.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == type;
 }
 
 std::string FindEntryFileIn(const std::string& directory, const std::string& id) {
     const std::string path = directory + "/" + id;
-    if (IsFile(path))
+    if (Is(S_IFREG, path))
         return path;
     for (size_t dash = id.find('-'); dash != std::string::npos; dash = id.find('-', dash + 1)) {
         const std::string folder = directory + "/" + id.substr(0, dash);
-        if (dash == 0 || !IsDirectory(folder))
+        if (dash == 0 || !Is(S_IFDIR, folder))
             continue;
         const std::string found = FindEntryFileIn(folder, id.substr(dash + 1));
         if (!found.empty())
@@ -87,12 +87,6 @@ std::string FindEntryFile(const std::string& id) {
 namespace {
 
 constexpr std::string_view kSpace = " \t\r";
-
-std::string_view TakeUntil(std::string_view& text, char end) {
-    const std::string_view part = text.substr(0, text.find(end));
-    text.remove_prefix(std::min(text.size(), part.size() + 1));
-    return part;
-}
 
 std::string_view Trim(std::string_view text) {
     const size_t first = text.find_first_not_of(kSpace);

@@ -102,7 +102,7 @@ void DropTarget::Move(const xcb_client_message_event_t& event) {
     std::unique_lock lock(fLock);
     if (!fDrag.Is(event) || fDrag.isDropped) {
         lock.unlock();
-        SendStatus(event, false);
+        Answer(kXdndStatus, event, false);
         return;
     }
     fDrag.screenX = static_cast<int16>(event.data.data32[2] >> 16);
@@ -130,7 +130,7 @@ void DropTarget::Drop(const xcb_client_message_event_t& event) {
     std::unique_lock lock(fLock);
     if (!fDrag.Is(event) || fDrag.isDropped) {
         lock.unlock();
-        SendFinished(event, false);
+        Answer(kXdndFinished, event, false);
         return;
     }
     fDrag.isDropped = true;
@@ -183,24 +183,22 @@ void DropTarget::Judge(std::unique_lock<std::mutex>& lock) {
     event.window = drag.window;
     event.data.data32[0] = drag.source;
     if (drag.isAwaited)
-        SendStatus(event, isAccepted);
+        Answer(kXdndStatus, event, isAccepted);
     if (!drag.isDropped)
         return;
     if (isAccepted)
         fTakeColor(drag.window, drag.screenX, drag.screenY, drag.color);
-    SendFinished(event, isAccepted);
+    Answer(kXdndFinished, event, isAccepted);
 }
 
-void DropTarget::SendStatus(const xcb_client_message_event_t& event, bool accepted) const {
-    fConnection.SendMessage(event.data.data32[0], event.data.data32[0], kXdndStatus,
-                            {event.window, accepted ? kAccepted : 0, 0, 0,
-                             accepted ? fConnection[kXdndActionCopy] : xcb_atom_t{XCB_ATOM_NONE}});
-}
-
-void DropTarget::SendFinished(const xcb_client_message_event_t& event, bool accepted) const {
-    fConnection.SendMessage(event.data.data32[0], event.data.data32[0], kXdndFinished,
-                            {event.window, accepted ? kAccepted : 0,
-                             accepted ? fConnection[kXdndActionCopy] : xcb_atom_t{XCB_ATOM_NONE}});
+// The action stands last in the message: behind two words of a rectangle in a status.
+void DropTarget::Answer(AtomIndex type, const xcb_client_message_event_t& event,
+                        bool accepted) const {
+    std::vector<uint32> words = {event.window, accepted ? kAccepted : 0};
+    if (type == kXdndStatus)
+        words.insert(words.end(), 2, 0);
+    words.push_back(accepted ? fConnection[kXdndActionCopy] : xcb_atom_t{XCB_ATOM_NONE});
+    fConnection.SendMessage(event.data.data32[0], event.data.data32[0], type, words);
 }
 
 } // namespace host

@@ -68,8 +68,7 @@ private:
     void Read(xcb_timestamp_t time);
     void TakeAnswer(uint32 drag, status_t status, const std::string& bytes);
     void Begin(const Drag& drag);
-    void SendStatus(const xcb_client_message_event_t& event, bool accepted) const;
-    void SendFinished(const xcb_client_message_event_t& event, bool accepted) const;
+    void Answer(AtomIndex type, const xcb_client_message_event_t& event, bool accepted) const;
     void Judge(std::unique_lock<std::mutex>& lock);
 
     const Connection& fConnection;

@@ -10,7 +10,7 @@
 
 #include "host/x11/server/Connection.h"
 
-// What is used of the library.
+// The functions of the library that are used, and the members that hold them.
 #define INPUT_METHOD_FUNCTIONS(FUNCTION)                                                           \
     FUNCTION(create, xcb_xim_create)                                                               \
     FUNCTION(destroy, xcb_xim_destroy)                                                             \

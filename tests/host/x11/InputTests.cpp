@@ -4,6 +4,7 @@
 
 #include "host/x11/keys/ClickCounter.h"
 #include "tests/host/x11/X11Test.h"
+#include "tests/support/ChildProcess.h"
 
 namespace host {
 namespace {
@@ -11,6 +12,14 @@ namespace {
 class InputTest : public X11Test {
 protected:
     ~InputTest() override { SetLayout({"us"}); }
+
+    // The layout, as setxkbmap's -layout has it, and more arguments of that program.
+    static void SetLayout(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
+        test::ChildProcess::Options options;
+        options.arguments = std::move(arguments);
+        EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
+    }
 
     // What the keys that are pressed and released one after the other type.
     std::vector<std::string> TextsOf(const TestWindow& window, std::vector<uint32_t> keys) {

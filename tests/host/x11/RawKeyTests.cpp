@@ -13,7 +13,6 @@ struct Place {
     uint32 code;
 };
 constexpr Place kDigit1{10, 0x12};
-constexpr Place kTopLeftLetter{24, 0x27};
 constexpr Place kKeypad3{89, 0x5a};
 constexpr Place kLeftWindows{133, 0x66};
 
@@ -24,7 +23,6 @@ protected:
         other.Activate();
         display->WatchSessionKeys(true);
     }
-    ~RawKeyTest() override { SetLayout({"us"}); }
 
     void Press(const Place& place) { peer.PressKey(place.number); }
     void Release(const Place& place) { peer.ReleaseKey(place.number); }
@@ -43,16 +41,6 @@ protected:
 
     PlainWindow other{desk, {600, 300, 200, 100}};
 };
-
-TEST_F(RawKeyTest, LayoutSwitchedWhileAKeyIsDownLeavesNothingHeld) {
-    Press(kTopLeftLetter);
-    SetLayout({"fr"});
-    Press(kKeypad3);
-    SetLayout({"ru"});
-    Release(kTopLeftLetter);
-    Release(kKeypad3);
-    ExpectNothingHeldAfter(4);
-}
 
 TEST_F(RawKeyTest, GrabsHideNothing) {
     ASSERT_TRUE(peer.GrabKeyboard());

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include "host/x11/XDisplay.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/Peer.h"
 
 namespace host {
@@ -197,14 +196,6 @@ private:
 // A program on the shared desk, and another one.
 class X11Test : public testing::Test {
 protected:
-    // The layout, as setxkbmap's -layout has it, and more arguments of that program.
-    static void SetLayout(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
-        test::ChildProcess::Options options;
-        options.arguments = std::move(arguments);
-        EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
-    }
-
     Desk& desk = Desk::Shared();
     TestDisplay display{desk};
     Peer peer{desk};
