@@ -37,9 +37,9 @@ protected:
         return end;
     }
     // Whether the program hangs up, without an answer.
-    static bool IsHungUp(const Descriptor& end) {
+    static bool IsHungUp(const Descriptor& end, int flags = 0) {
         char byte;
-        const ssize_t count = recv(end.Get(), &byte, 1, 0);
+        const ssize_t count = recv(end.Get(), &byte, 1, flags);
         return count == 0 || (count < 0 && errno == ECONNRESET);
     }
     // Runs as the program of the signature until it is called again.
@@ -81,6 +81,7 @@ TEST_F(InstanceTest, HostilePeersOnlyLoseTheirConnection) {
     for (int i = 0; i < 17; i++)
         crowd.push_back(Reach(connect));
     EXPECT_TRUE(IsHungUp(crowd.back()));
+    EXPECT_FALSE(IsHungUp(crowd.front(), MSG_DONTWAIT)) << "it is not its time that is up";
     crowd.clear();
     EXPECT_TRUE(test::WaitUntil([] { return Send("room again") == B_OK; }));
 }

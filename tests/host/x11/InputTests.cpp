@@ -88,6 +88,7 @@ TEST_F(InputTest, AKeyThatWasReleasedElsewhereDoesNotRepeat) {
     EXPECT_TRUE(window.events->Await<KeyChanged>());
     PlainWindow elsewhere(desk, {600, 300, 200, 100});
     elsewhere.Activate();
+    EXPECT_TRUE(window.BecomesActive(false));
     desk.KeyUp(XK_b);
     window->Activate();
     EXPECT_TRUE(window.BecomesActive());

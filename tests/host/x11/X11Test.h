@@ -104,8 +104,8 @@ struct TestWindow {
     std::string title;
 
     HostWindow* operator->() const { return window.get(); }
-    bool BecomesActive() const {
-        return WaitUntil([&] { return events->Last<FocusChanged>().active; });
+    bool BecomesActive(bool active = true) const {
+        return WaitUntil([&] { return events->Last<FocusChanged>().active == active; });
     }
 };
 
