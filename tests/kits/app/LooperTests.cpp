@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kits/app/AppDefs.h"
+#include "kits/app/Application.h"
 #include "kits/app/Looper.h"
 #include "kits/app/Message.h"
 #include "kits/app/MessageRunner.h"
@@ -224,6 +225,19 @@ TEST_F(LooperTest, RunnersStopAfterTheirCountWithTheirDestructorOrWithTheirTarge
     const size_t count = log.Seen().size();
     snooze(5000);
     EXPECT_EQ(count, log.Seen().size());
+}
+
+// The display's thread works until the process ends, and may lose its display at any moment.
+TEST(ApplicationRaces, AQuitFromOutsideMayComeWhileItIsDestroyed) {
+    std::atomic<bool> isEnding = false;
+    std::thread display([&] {
+        while (!isEnding)
+            BApplication::QuitFromOutside(true);
+    });
+    for (int i = 0; i < 2000; i++)
+        BApplication application("application/x-vnd.test-race");
+    isEnding = true;
+    display.join();
 }
 
 } // namespace
