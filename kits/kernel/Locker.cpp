@@ -11,8 +11,7 @@ struct BLocker::Waiter {
     bool isHolder = false;
 };
 
-BLocker::BLocker(const char* name)
-    : fName(name ? name : "") {}
+BLocker::BLocker(const char*) {}
 
 BLocker::~BLocker() = default;
 

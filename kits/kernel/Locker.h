@@ -2,7 +2,6 @@
 
 #include <list>
 #include <mutex>
-#include <string>
 
 #include "kits/kernel/OS.h"
 
@@ -11,6 +10,7 @@
 // destroyed.
 class BLocker {
 public:
+    // `name` is for the reader of the code.
     explicit BLocker(const char* name = nullptr);
     ~BLocker();
 
@@ -32,14 +32,11 @@ public:
     // How often the holder has taken it.
     int32 CountLocks() const;
 
-    const char* Name() const { return fName.c_str(); }
-
 private:
     struct Waiter;
 
     status_t WaitInLine(std::unique_lock<std::mutex>& lock, thread_id self, bigtime_t timeout);
 
-    const std::string fName;
     mutable std::mutex fMutex;
     // Guarded by fMutex.
     thread_id fHolder = B_ERROR;

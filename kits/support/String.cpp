@@ -78,12 +78,6 @@ BString& BString::Remove(int32 from, int32 length) {
     return *this;
 }
 
-int32 BString::FindFirst(const char* string, int32 from) const {
-    if (!string || from < 0)
-        return B_ERROR;
-    return Position(fBytes.find(string, from));
-}
-
 int32 BString::FindFirst(char byte, int32 from) const {
     return from < 0 ? B_ERROR : Position(fBytes.find(byte, from));
 }

@@ -43,9 +43,7 @@ public:
     // Removes the `length` bytes from `from` on, or as many as there are.
     BString& Remove(int32 from, int32 length);
 
-    // The first position at or after `from` where `string` or `byte` stands; B_ERROR if there is
-    // none.
-    int32 FindFirst(const char* string, int32 from = 0) const;
+    // The first position at or after `from` where `byte` stands; B_ERROR if there is none.
     int32 FindFirst(char byte, int32 from = 0) const;
 
     // Below, equal to or above 0, byte by byte; ASCII letters that differ in case are equal.
