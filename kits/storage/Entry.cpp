@@ -154,8 +154,3 @@ status_t BEntry::Remove() {
 bool BVolume::KnowsAttr() const {
     return fStatus == B_OK && host::KeepsAttributes(fHostPath);
 }
-
-status_t get_ref_for_path(const char* path, entry_ref* ref) {
-    BEntry entry(path);
-    return entry.InitCheck() == B_OK ? entry.GetRef(ref) : entry.InitCheck();
-}

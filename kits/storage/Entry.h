@@ -27,8 +27,11 @@ public:
     // link leads to in the end: B_ENTRY_NOT_FOUND if it dangles, B_LINK_LIMIT if it loops.
     // A missing entry is no failure, nor is a missing directory on the way to it;
     // B_NOT_A_DIRECTORY, B_PERMISSION_DENIED, B_NAME_TOO_LONG and B_BAD_VALUE (no path, a name with
-    // a slash) are. With an entry_ref, the directory must be known (see get_ref_for_path):
-    // B_ENTRY_NOT_FOUND otherwise.
+    // a slash) are. With an entry_ref, the directory must be known, or it is
+    // B_ENTRY_NOT_FOUND: the system opens files by path, refs name directories by number, and the
+    // paths of the directories and nodes whose numbers were handed out are remembered (some
+    // thousands; the longest unused are forgotten), checked when they are used, and follow the
+    // renames that the node monitor sees.
     status_t SetTo(const char* path, bool traverse = false);
     status_t SetTo(const entry_ref* ref, bool traverse = false);
     void Unset();
@@ -88,10 +91,3 @@ private:
     std::string fHostPath;
     status_t fStatus = B_NO_INIT;
 };
-
-// Names the entry at `path`, which need not exist; its directory must.
-//
-// The system opens files by path, refs name directories by number: the paths of the directories and
-// nodes whose numbers were handed out are remembered (some thousands; the longest unused are
-// forgotten), checked when they are used, and follow the renames that the node monitor sees.
-status_t get_ref_for_path(const char* path, entry_ref* ref);

@@ -78,7 +78,3 @@ status_t watch_node(const node_ref* node, uint32 flags, BMessenger target) {
 const char* watch_limit_file(status_t status) {
     return host::WatchLimitFile(status);
 }
-
-status_t stop_watching(BMessenger target) {
-    return host::NodeMonitor::Shared().StopAll(ListenerOf(target));
-}

@@ -53,6 +53,3 @@ status_t watch_node(const node_ref* node, uint32 flags, BMessenger target);
 // The file that holds the limit of the system that made watch_node fail with `status`, to be shown
 // to a person; null if no limit did. Never freed. Any thread.
 const char* watch_limit_file(status_t status);
-
-// Ends all watches of the target. Any thread.
-status_t stop_watching(BMessenger target);

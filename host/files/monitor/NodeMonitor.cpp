@@ -56,11 +56,6 @@ status_t NodeMonitor::Stop(node_ref node, const Listener& listener) {
     return watch && RemoveListener(*watch, listener) ? B_OK : B_BAD_VALUE;
 }
 
-status_t NodeMonitor::StopAll(const Listener& listener) {
-    std::lock_guard lock(fMutex);
-    return RemoveEverywhere(listener) ? B_OK : B_BAD_VALUE;
-}
-
 status_t NodeMonitor::Start() {
     if (fReader)
         return B_OK;

@@ -18,9 +18,8 @@ public:
     // listener. B_ENTRY_NOT_FOUND if the node is not there or its ref was never handed out,
     // B_NOT_A_DIRECTORY; see WatchLimitFile for the limits.
     status_t Listen(node_ref node, uint32 flags, const Listener& listener);
-    // When these return, nothing more is sent to the listener. B_BAD_VALUE if it was not listening.
+    // When it returns, nothing more is sent to the listener. B_BAD_VALUE if it was not listening.
     status_t Stop(node_ref node, const Listener& listener);
-    status_t StopAll(const Listener& listener);
 
 private:
     NodeMonitor() = default;

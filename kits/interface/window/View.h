@@ -118,7 +118,6 @@ public:
     // `width` is right minus left. Children follow by their resizing modes.
     void ResizeTo(float width, float height);
 
-    BPoint ConvertToParent(BPoint point) const { return point + fFrame.LeftTop(); }
     BPoint ConvertFromParent(BPoint point) const { return point - fFrame.LeftTop(); }
     BRect ConvertToParent(BRect rect) const { return rect.OffsetByCopy(fFrame.LeftTop()); }
     // By way of the window's frame; for a view in no window by way of its topmost parent.

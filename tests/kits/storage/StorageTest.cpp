@@ -89,7 +89,7 @@ TEST_F(StorageTest, LinksAreFollowedOnDemand) {
 
 TEST_F(StorageTest, RefLeadsToTheEntryAndNowhereElse) {
     entry_ref ref;
-    ASSERT_EQ(get_ref_for_path(In("folder/file").c_str(), &ref), B_OK);
+    ASSERT_EQ(BEntry(In("folder/file").c_str()).GetRef(&ref), B_OK);
     EXPECT_EQ(PathOf(BEntry(&ref)), In("folder/file"));
     entry_ref other = ref;
     other.name = "../folder";

@@ -83,7 +83,6 @@ protected:
     void Stop() {
         if (!fStore)
             return;
-        stop_watching(BMessenger(fStore));
         fStore->Lock();
         std::exchange(fStore, nullptr)->Quit();
     }
