@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <utility>
-#include <xcb/xtest.h>
 
 namespace test {
 
@@ -14,11 +13,6 @@ constexpr uint32_t kDragVersion = 5;
 
 std::string Bytes(const std::vector<uint32_t>& words) {
     return {reinterpret_cast<const char*>(words.data()), words.size() * sizeof(uint32_t)};
-}
-
-// What a target answers to a position or a drop.
-std::optional<bool> Verdict(const std::optional<std::vector<uint32_t>>& answer) {
-    return answer ? std::optional((answer->at(1) & 1) != 0) : std::nullopt;
 }
 
 } // namespace
@@ -70,11 +64,6 @@ std::optional<std::vector<uint32_t>> Peer::AwaitMessage(const std::string& type)
     return std::vector<uint32_t>(found->data.data32, found->data.data32 + 5);
 }
 
-void Peer::SendKey(uint8_t type, uint8_t key) {
-    xcb_test_fake_input(fConnection, type, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    Sync();
-}
-
 bool Peer::GrabKeyboard() {
     const auto reply = test::Ask<xcb_grab_keyboard, xcb_grab_keyboard_reply>(
         fConnection, false, fDesktop.Root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
@@ -112,10 +101,6 @@ void Peer::SetAtoms(const std::string& property, const std::vector<std::string>&
     Put(fWindow, fDesktop.Atom(property), fDesktop.Atom(type), Bytes(atoms), 32);
 }
 
-std::string Peer::TakeProperty(const std::string& property) {
-    return Property(fWindow, property, true);
-}
-
 std::string Peer::Property(xcb_window_t window, const std::string& name, bool remove) {
     constexpr uint32_t kMostWords = 1 << 22;
     const auto reply = test::Ask<xcb_get_property, xcb_get_property_reply>(
@@ -131,15 +116,6 @@ std::string Peer::Property(xcb_window_t window, const std::string& name, bool re
 void Peer::Own(const std::string& selection) {
     xcb_set_selection_owner(fConnection, fWindow, fDesktop.Atom(selection), XCB_CURRENT_TIME);
     Sync();
-}
-
-Peer::Request Peer::AwaitRequest() {
-    return Await<xcb_selection_request_event_t>(XCB_SELECTION_REQUEST,
-                                                [](const auto&) { return true; });
-}
-
-bool Peer::IsFor(const xcb_selection_request_event_t& request, const std::string& type) const {
-    return request.target == fDesktop.Atom(type);
 }
 
 void Peer::Answer(const xcb_selection_request_event_t& request, const Data& data) {
@@ -184,8 +160,7 @@ std::optional<std::string> Peer::Ask(const std::string& selection, const std::st
     xcb_convert_selection(fConnection, fWindow, fDesktop.Atom(selection), fDesktop.Atom(type),
                           fDesktop.Atom("TAKEN"), XCB_CURRENT_TIME);
     xcb_flush(fConnection);
-    const auto answer =
-        Await<xcb_selection_notify_event_t>(XCB_SELECTION_NOTIFY, [](const auto&) { return true; });
+    const auto answer = Await<xcb_selection_notify_event_t>(XCB_SELECTION_NOTIFY);
     if (!answer || answer->property == XCB_NONE)
         return std::nullopt;
     return TakeProperty("TAKEN");
@@ -200,7 +175,7 @@ std::optional<bool> Peer::Drop(xcb_window_t target, int x, int y,
     Move(target, x, y);
     const std::optional<bool> status = AwaitStatus();
     if (!status.value_or(false)) {
-        Leave(target);
+        Send(target, target, "XdndLeave", {fWindow});
         return status;
     }
     LetGo(target);
@@ -221,51 +196,19 @@ void Peer::Move(xcb_window_t target, int x, int y) {
           fDesktop.Atom("XdndActionCopy")});
 }
 
-void Peer::Leave(xcb_window_t target) {
-    Send(target, target, "XdndLeave", {fWindow});
-}
-
-void Peer::LetGo(xcb_window_t target) {
-    Send(target, target, "XdndDrop", {fWindow, 0, XCB_CURRENT_TIME});
-}
-
-std::optional<bool> Peer::AwaitStatus() {
-    return Verdict(AwaitMessage("XdndStatus"));
-}
-
-std::optional<bool> Peer::AwaitFinish() {
-    return Verdict(AwaitMessage("XdndFinished"));
-}
-
-// Drags to here.
-
-std::vector<std::string> Peer::OfferedTypes() {
-    return fDesktop.AtomNames(fTypes);
-}
-
-std::string Peer::SaveName() {
-    return Property(fSource, "XdndDirectSave0");
-}
-
-void Peer::SetSaveUri(const std::string& uri) {
-    Put(fSource, fDesktop.Atom("XdndDirectSave0"), fDesktop.Atom("text/plain"), uri);
-}
-
-void Peer::Finish() {
-    Send(fSource, fSource, "XdndFinished", {fWindow, 1, fDesktop.Atom("XdndActionCopy")});
+std::optional<bool> Peer::AwaitVerdict(const std::string& type) {
+    const auto answer = AwaitMessage(type);
+    return answer ? std::optional((answer->at(1) & 1) != 0) : std::nullopt;
 }
 
 // Events that need an answer, whatever the peer waits for.
 
 void Peer::Handle(const xcb_generic_event_t& event) {
-    switch (event.response_type & 0x7f) {
-    case XCB_CLIENT_MESSAGE:
+    const int type = event.response_type & 0x7f;
+    if (type == XCB_CLIENT_MESSAGE)
         HandleMessage(reinterpret_cast<const xcb_client_message_event_t&>(event));
-        break;
-    case XCB_SELECTION_REQUEST:
+    else if (type == XCB_SELECTION_REQUEST)
         HandleRequest(reinterpret_cast<const xcb_selection_request_event_t&>(event));
-        break;
-    }
 }
 
 void Peer::HandleMessage(const xcb_client_message_event_t& event) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -39,8 +40,10 @@ public:
 
     // Answer: what was asked of a selection of this peer.
     using Request = XReply<xcb_selection_request_event_t>;
-    Request AwaitRequest(); // null after a while
-    bool IsFor(const xcb_selection_request_event_t& request, const std::string& type) const;
+    Request AwaitRequest() { return Await<xcb_selection_request_event_t>(XCB_SELECTION_REQUEST); }
+    bool IsFor(const xcb_selection_request_event_t& request, const std::string& type) const {
+        return request.target == fDesktop.Atom(type);
+    }
     void Answer(const xcb_selection_request_event_t& request, const Data& data);
     void Refuse(const xcb_selection_request_event_t& request) { Notify(request, XCB_NONE); }
     // Announces parts (INCR), and waits until they are wanted.
@@ -53,11 +56,9 @@ public:
     std::optional<std::string> Ask(const std::string& selection, const std::string& type);
     void SetAtoms(const std::string& property, const std::vector<std::string>& names,
                   const std::string& type = "ATOM");
-    std::string TakeProperty(const std::string& property);
-
-    // Press: a key by the server's number, wherever the layout puts it.
-    void PressKey(uint8_t key) { SendKey(XCB_KEY_PRESS, key); }
-    void ReleaseKey(uint8_t key) { SendKey(XCB_KEY_RELEASE, key); }
+    std::string TakeProperty(const std::string& property) {
+        return Property(fWindow, property, true);
+    }
 
     // Grab: all input of the session. False if it is refused.
     bool GrabKeyboard();
@@ -70,10 +71,11 @@ public:
                              const std::vector<std::string>& types);
     void Enter(xcb_window_t target, const std::vector<std::string>& types);
     void Move(xcb_window_t target, int x, int y);
-    void Leave(xcb_window_t target);
-    void LetGo(xcb_window_t target);
-    std::optional<bool> AwaitStatus();
-    std::optional<bool> AwaitFinish();
+    void LetGo(xcb_window_t target) {
+        Send(target, target, "XdndDrop", {fWindow, 0, XCB_CURRENT_TIME});
+    }
+    std::optional<bool> AwaitStatus() { return AwaitVerdict("XdndStatus"); }
+    std::optional<bool> AwaitFinish() { return AwaitVerdict("XdndFinished"); }
 
     // Drop, on this peer's window.
     bool answers = true; // positions
@@ -81,18 +83,24 @@ public:
     bool AwaitOver() { return AwaitMessage("XdndPosition").has_value(); }
     bool AwaitDrop() { return AwaitMessage("XdndDrop").has_value(); }
     bool AwaitLeave() { return AwaitMessage("XdndLeave").has_value(); }
-    std::vector<std::string> OfferedTypes();
+    std::vector<std::string> OfferedTypes() { return fDesktop.AtomNames(fTypes); }
     std::optional<std::string> Get(const std::string& type) { return Ask("XdndSelection", type); }
-    std::string SaveName(); // of XdndDirectSave0
-    void SetSaveUri(const std::string& uri);
-    void Finish();
+    std::string SaveName() { return Property(fSource, "XdndDirectSave0"); }
+    void SetSaveUri(const std::string& uri) {
+        Put(fSource, fDesktop.Atom("XdndDirectSave0"), fDesktop.Atom("text/plain"), uri);
+    }
+    void Finish() {
+        Send(fSource, fSource, "XdndFinished", {fWindow, 1, fDesktop.Atom("XdndActionCopy")});
+    }
 
     // Watch: asks for events of another window.
     void Watch(xcb_window_t window, uint32_t events);
     using Event = XReply<xcb_generic_event_t>;
     // The next event of the type for which `holds`; null after `deadline`.
-    template <typename T, typename Predicate>
-    XReply<T> Await(uint8_t type, Predicate holds, std::chrono::milliseconds deadline = kDeadline) {
+    template <typename T>
+    XReply<T> Await(
+        uint8_t type, const std::function<bool(const T&)>& holds = [](const T&) { return true; },
+        std::chrono::milliseconds deadline = kDeadline) {
         Event found;
         WaitUntil(
             [&] {
@@ -118,7 +126,7 @@ private:
     void HandleMessage(const xcb_client_message_event_t& event);
     void HandleRequest(const xcb_selection_request_event_t& request);
     bool AwaitRemoval();
-    void SendKey(uint8_t type, uint8_t key);
+    std::optional<bool> AwaitVerdict(const std::string& type); // on a position or a drop
     void Sync() const;
     void Put(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const std::string& bytes,
              uint8_t format = 8);

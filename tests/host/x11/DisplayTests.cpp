@@ -12,21 +12,18 @@ Bytes Published(const std::map<std::string, int32>& numbers, bool bigEndian = fa
         for (int i = 0; i < size; i++)
             bytes.push_back(static_cast<uint8>(value >> 8 * (bigEndian ? size - 1 - i : i)));
     };
-    const auto addText = [&](std::string_view text) {
-        bytes.insert(bytes.end(), text.begin(), text.end());
-        bytes.resize((bytes.size() + 3) / 4 * 4);
-    };
     const auto begin = [&](uint8 type, std::string_view name) {
         bytes.insert(bytes.end(), {type, 0});
         addNumber(static_cast<uint32>(name.size()), 2);
-        addText(name);
+        bytes.insert(bytes.end(), name.begin(), name.end());
+        bytes.resize((bytes.size() + 3) / 4 * 4);
         addNumber(7); // the serial number of its last change
     };
     addNumber(1);
     addNumber(static_cast<uint32>(numbers.size() + 2));
     begin(1, "Net/ThemeName");
     addNumber(5);
-    addText("Plain");
+    bytes.resize(bytes.size() + 8); // the text with its padding
     begin(2, "Gtk/Color");
     bytes.resize(bytes.size() + 8);
     for (const auto& [name, value] : numbers) {
@@ -36,15 +33,12 @@ Bytes Published(const std::map<std::string, int32>& numbers, bool bigEndian = fa
     return bytes;
 }
 
-Bytes PublishedDpi(int dpi) {
-    return Published({{"Xft/DPI", dpi * 1024}});
-}
-
 TEST(DesktopSettings, PublishedOnesGoBeforeResources) {
     const std::pair<int, double> scales[] = {{96, 1},  {72, 1},   {130, 1.25}, {144, 1.5},
                                              {192, 2}, {2000, 4}, {-1, 2}};
     for (const auto& [dpi, scale] : scales)
-        EXPECT_EQ(ReadDesktopSettings(PublishedDpi(dpi), "Xft.dpi: 192\n").scale, scale);
+        EXPECT_EQ(ReadDesktopSettings(Published({{"Xft/DPI", dpi * 1024}}), "Xft.dpi: 192\n").scale,
+                  scale);
     EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: lots\n").scale, 1);
     EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: 192\n").PointerSize(), 48);
     const std::string resources = "Xcursor.size:\t32\nXft.dpi: 192";
@@ -90,7 +84,7 @@ TEST(DisplayTest, FollowsTheSettingsManagerAsItComesChangesAndGoes) {
     manager.Send(desk.Root(), desk.Root(), "MANAGER",
                  {XCB_CURRENT_TIME, desk.Atom("_XSETTINGS_S0")}, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     EXPECT_TRUE(WaitUntil([&] { return display->DoubleClickTime() == 250'000; }));
-    publish(PublishedDpi(192));
+    publish(Published({{"Xft/DPI", 192 * 1024}}));
     EXPECT_TRUE(WaitUntil([&] { return display->Scale() == 2; }));
     EXPECT_EQ(display->DoubleClickTime(), 400'000);
     manager.Die();

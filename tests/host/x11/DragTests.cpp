@@ -17,15 +17,14 @@ protected:
     // A white colour chooser's.
     const std::string white = std::string(8, '\xff');
 
+    std::optional<bool> Drop(const std::string& type) { return partner.Drop(id, 110, 130, {type}); }
+
     TestWindow window = display.CreateShown(BarSpec({100, 100, 140, 300}));
-    const xcb_window_t id = display.IdOf(window);
+    const xcb_window_t id = window.id;
     Peer partner{desk, {400, 100, 200, 200}};
 };
 
-class DropInTest : public DragTest {
-protected:
-    std::optional<bool> Drop(const std::string& type) { return partner.Drop(id, 110, 130, {type}); }
-};
+using DropInTest = DragTest;
 
 TEST_F(DropInTest, AColorAmongManyTypesIsReadOnceHoweverFarItIsDragged) {
     partner.offered = {{"UTF8_STRING", {"  #A0b0C0\n"}}};

@@ -1,3 +1,4 @@
+#include <X11/keysym.h>
 #include <xcb/xinput.h>
 
 #include "tests/host/x11/X11Test.h"
@@ -7,14 +8,8 @@ namespace {
 
 constexpr KeyStates kNothing{};
 
-// The server's numbers of keys, which are places on the keyboard.
-struct Place {
-    uint8 number;
-    uint32 code;
-};
-constexpr Place kDigit1{10, 0x12};
-constexpr Place kKeypad3{89, 0x5a};
-constexpr Place kLeftWindows{133, 0x66};
+// The codes of keys, which stand for places on the keyboard.
+constexpr uint32 kDigit1 = 0x12, kKeypad3 = 0x5a, kLeftWindows = 0x66;
 
 // Another program has the focus.
 class RawKeyTest : public X11Test {
@@ -23,9 +18,6 @@ protected:
         other.Activate();
         display->WatchSessionKeys(true);
     }
-
-    void Press(const Place& place) { peer.PressKey(place.number); }
-    void Release(const Place& place) { peer.ReleaseKey(place.number); }
 
     // What was reported since the last call.
     std::vector<SessionKey> Reported() {
@@ -44,37 +36,36 @@ protected:
 
 TEST_F(RawKeyTest, GrabsHideNothing) {
     ASSERT_TRUE(peer.GrabKeyboard());
-    Press(kKeypad3);
-    Release(kKeypad3);
+    desk.Key(XK_KP_3);
     ExpectNothingHeldAfter(2);
     peer.Ungrab();
     EXPECT_TRUE(Peer(desk).GrabKeyboard()) << "watching takes hold of nothing";
     // The program's own.
     TestWindow menu = display.CreateShown(MenuSpec({150, 150, 250, 350}));
-    Press(kDigit1);
+    desk.KeyDown(XK_1);
     ASSERT_EQ(menu->GrabInput(300'000), B_OK);
-    Release(kDigit1);
-    Press(kKeypad3);
+    desk.KeyUp(XK_1);
+    desk.KeyDown(XK_KP_3);
     ASSERT_TRUE(menu.events->Await<KeyChanged>(2));
-    EXPECT_FALSE(IsHeld(menu.events->Last<KeyChanged>().states, kDigit1.code));
-    EXPECT_TRUE(IsHeld(menu.events->Last<KeyChanged>().states, kKeypad3.code));
+    EXPECT_FALSE(IsHeld(menu.events->Last<KeyChanged>().states, kDigit1));
+    EXPECT_TRUE(IsHeld(menu.events->Last<KeyChanged>().states, kKeypad3));
     menu->ReleaseInput();
     display->Sync();
-    Release(kKeypad3);
+    desk.KeyUp(XK_KP_3);
     ExpectNothingHeldAfter(4);
 }
 
 TEST_F(RawKeyTest, AKeyThatIsHeldWhenTheWatchBeginsIsKnown) {
     display->WatchSessionKeys(false);
-    Press(kLeftWindows);
+    desk.KeyDown(XK_Super_L);
     EXPECT_TRUE(Reported().empty());
     display->WatchSessionKeys(true);
-    Press(kKeypad3);
+    desk.KeyDown(XK_KP_3);
     const auto reported = Reported();
     ASSERT_EQ(reported.size(), 1u);
-    EXPECT_TRUE(IsHeld(reported[0].before, kLeftWindows.code));
-    Release(kKeypad3);
-    Release(kLeftWindows);
+    EXPECT_TRUE(IsHeld(reported[0].before, kLeftWindows));
+    desk.KeyUp(XK_KP_3);
+    desk.KeyUp(XK_Super_L);
     ExpectNothingHeldAfter(2);
 }
 
@@ -86,10 +77,10 @@ TEST_F(RawKeyTest, AReleaseThatNeverCameIsMadeUpForWhenKeyboardsChange) {
     event.response_type = XCB_GE_GENERIC;
     event.extension = xcb_get_extension_data(display->Server(), &xcb_input_id)->major_opcode;
     event.event_type = XCB_INPUT_RAW_KEY_PRESS;
-    event.detail = kLeftWindows.number;
+    event.detail = 133; // the left Windows key
     const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
     keys.HandleEvent(generic);
-    ASSERT_TRUE(IsHeld(*keys.States(), kLeftWindows.code));
+    ASSERT_TRUE(IsHeld(*keys.States(), kLeftWindows));
     event.event_type = XCB_INPUT_HIERARCHY;
     keys.HandleEvent(generic);
     EXPECT_EQ(*keys.States(), kNothing);
@@ -108,8 +99,7 @@ TEST_F(RawKeyTest, AnOldServerIsReportedInOneLine) {
     const std::string line = testing::internal::GetCapturedStderr();
     EXPECT_THAT(line, testing::HasSubstr("the hot key will not work"));
     EXPECT_EQ(std::ranges::count(line, '\n'), 1);
-    Press(kKeypad3);
-    Release(kKeypad3);
+    desk.Key(XK_KP_3);
     old.AwaitEvents();
     EXPECT_TRUE(old.Sink().TakeKeys().empty());
 }

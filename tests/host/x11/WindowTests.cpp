@@ -14,12 +14,12 @@ TEST_F(WindowTest, FollowsTheWindowManager) {
     TestWindow window = display.CreateShown({.frame = kFrame});
     // As a person drags it: the window manager moves its own frame, the window in it stays put.
     constexpr uint32 kStaticGravityAndBothPlaces = XCB_GRAVITY_STATIC | 1 << 8 | 1 << 9 | 2 << 12;
-    peer.Send(desk.Root(), display.IdOf(window), "_NET_MOVERESIZE_WINDOW",
+    peer.Send(desk.Root(), window.id, "_NET_MOVERESIZE_WINDOW",
               {kStaticGravityAndBothPlaces, 240, 225}, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
     EXPECT_TRUE(WaitUntil([&] {
         return window.events->Last<FrameChanged>().frame == PixelRect{240, 225, 440, 325};
     }));
-    EXPECT_EQ(display.Describe(window).frame, (Box{240, 225, 200, 100}));
+    EXPECT_EQ(desk.Describe(window.id).frame, (Box{240, 225, 200, 100}));
 }
 
 TEST_F(WindowTest, AlertStandsAboveTheFloatingBar) {
@@ -54,10 +54,9 @@ TEST_F(WindowTest, ItsPictureTakesAnyDamageAndOutlivesGrowthAndCover) {
 
 TEST_F(WindowTest, AnswersPings) {
     TestWindow window = display.CreateShown({.frame = kFrame});
-    const xcb_window_t id = display.IdOf(window);
     peer.Watch(desk.Root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
-    const std::vector<uint32> ping = {desk.Atom("_NET_WM_PING"), 12345, id, 0, 0};
-    peer.Send(id, id, "WM_PROTOCOLS", ping);
+    const std::vector<uint32> ping = {desk.Atom("_NET_WM_PING"), 12345, window.id, 0, 0};
+    peer.Send(window.id, window.id, "WM_PROTOCOLS", ping);
     EXPECT_EQ(peer.AwaitMessage("WM_PROTOCOLS"), ping);
 }
 
@@ -65,7 +64,7 @@ TEST_F(WindowTest, SurvivesWhatOthersDoToIt) {
     TestWindow window = display.CreateShown({.frame = kFrame});
     TestWindow bar = display.CreateShown(BarSpec({100, 80, 340, 112}));
     xcb_connection_t* rival = desk.Connection();
-    const xcb_window_t id = display.IdOf(window);
+    const xcb_window_t id = window.id;
     for (const char* name : {"WM_STATE", "_NET_WM_STATE"}) {
         xcb_atom_t atom = desk.Atom(name);
         xcb_change_property(rival, XCB_PROP_MODE_REPLACE, id, atom, XCB_ATOM_STRING, 8, 3, "abc");
@@ -95,7 +94,7 @@ TEST_F(WindowTest, SurvivesWhatOthersDoToIt) {
     window->SetFrame({1, 2, 3, 4});
     window->Activate();
     window.window.reset();
-    desk.Close(display.IdOf(bar));
+    desk.Close(bar.id);
     EXPECT_TRUE(bar.events->Await<CloseRequested>()) << "the display thread still works";
 }
 

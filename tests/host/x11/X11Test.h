@@ -101,7 +101,7 @@ struct Pixels {
 struct TestWindow {
     std::unique_ptr<EventLog> events = std::make_unique<EventLog>();
     std::unique_ptr<HostWindow> window;
-    std::string title;
+    xcb_window_t id = XCB_NONE;
 
     HostWindow* operator->() const { return window.get(); }
     bool BecomesActive(bool active = true) const {
@@ -146,8 +146,11 @@ public:
         TestWindow made;
         // Told apart by their titles, those of two programs included.
         static int sCreated = 0;
-        made.title = spec.title = "Window " + std::to_string(++sCreated);
+        spec.title = "Window " + std::to_string(++sCreated);
         made.window = fDisplay->CreateWindow(spec, made.events.get());
+        fDisplay->Sync();
+        made.id =
+            fDesk.Windows([&](const auto& info) { return info.title == spec.title; }).at(0).id;
         return made;
     }
     // Shown, and for a managed window taken over by the window manager.
@@ -156,8 +159,7 @@ public:
         Pixels picture(spec.frame.Width(), spec.frame.Height(), color);
         made->Present(picture, {{0, 0, picture.width, picture.height}});
         made->Show();
-        if (!WaitUntil([&] { return Describe(made).viewable; }))
-            throw std::runtime_error("the window was not shown");
+        EXPECT_TRUE(WaitUntil([&] { return fDesk.IsViewable(made.id); }));
         return made;
     }
     TestWindow CreateActive() {
@@ -167,24 +169,12 @@ public:
         return made;
     }
 
-    test::WindowInfo Describe(const TestWindow& window) const {
-        auto found =
-            fDesk.Windows([&](const test::WindowInfo& info) { return info.title == window.title; });
-        return found.empty() ? test::WindowInfo{} : found[0];
-    }
-    xcb_window_t IdOf(const TestWindow& window) const { return Describe(window).id; }
-
     // Returns when the display thread has handled all events that the server has sent so far.
     void AwaitEvents() {
         TestWindow marker = Create(MenuSpec({}));
-        fDisplay->Sync();
-        const auto message =
-            fDesk.Message(IdOf(marker), "WM_PROTOCOLS", {fDesk.Atom("WM_DELETE_WINDOW")});
-        xcb_send_event(fDesk.Connection(), false, message.window, 0,
-                       reinterpret_cast<const char*>(&message));
-        fDesk.Sync();
-        if (!marker.events->Await<CloseRequested>())
-            throw std::runtime_error("the display thread hangs");
+        Peer sender(fDesk);
+        sender.Send(marker.id, marker.id, "WM_PROTOCOLS", {fDesk.Atom("WM_DELETE_WINDOW")});
+        EXPECT_TRUE(marker.events->Await<CloseRequested>()) << "the display thread hangs";
     }
 
 private:
