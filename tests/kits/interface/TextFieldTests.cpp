@@ -30,18 +30,11 @@ protected:
             field->Select(caret, caret);
         });
     }
-    // Presses a key while others are held.
-    void Key(uint32_t key, std::initializer_list<uint32_t> held = {}) {
-        for (uint32_t one : held)
-            desk.KeyDown(one);
-        desk.Key(key);
-        for (uint32_t one : held)
-            desk.KeyUp(one);
-    }
     void Keys(std::initializer_list<uint32_t> keys) {
         for (uint32_t key : keys)
             desk.Key(key);
     }
+    void Control(uint32_t key) { desk.KeyWith(XK_Control_L, key); }
     void ExpectText(const std::string& text) {
         EXPECT_TRUE(WaitFor(window, [&] { return control->Text() == text; })) << control->Text();
     }
@@ -97,33 +90,35 @@ protected:
 
 TEST_F(TextFieldTest, TypesErasesMovesAndUndoesByCharactersAndWords) {
     desk.Type("one two");
-    Key(XK_Left, {XK_Control_L});
-    Key(XK_BackSpace);
+    Control(XK_Left);
+    desk.Key(XK_BackSpace);
     desk.Type("X");
     ExpectText("oneXtwo");
-    Key(XK_Home, {XK_Shift_L});
+    desk.KeyWith(XK_Shift_L, XK_Home);
     ExpectSelection(0, 4);
     Keys({XK_Right, XK_Delete});
     ExpectText("oneXwo");
-    Key(XK_BackSpace, {XK_Control_L});
+    Control(XK_BackSpace);
     ExpectText("wo");
     // What was typed or erased together is undone together.
-    Key(XK_z, {XK_Control_L});
+    Control(XK_z);
     ExpectText("oneXtwo");
-    Key(XK_y, {XK_Control_L});
+    Control(XK_y);
     ExpectText("wo");
-    Key(XK_End);
+    desk.Key(XK_End);
     desk.Type(" three four");
     Keys({XK_BackSpace, XK_BackSpace});
-    Key(XK_z, {XK_Control_L});
+    Control(XK_z);
     ExpectText("wo three four");
-    Key(XK_z, {XK_Alt_L});
+    desk.KeyWith(XK_Alt_L, XK_z);
     ExpectText("wo three ");
-    Key(XK_z, {XK_Control_L, XK_Shift_L});
+    desk.KeyDown(XK_Shift_L);
+    Control(XK_z);
+    desk.KeyUp(XK_Shift_L);
     ExpectText("wo three four");
-    Key(XK_a, {XK_Control_L});
+    Control(XK_a);
     desk.Type("n");
-    Key(XK_z, {XK_Control_L});
+    Control(XK_z);
     ExpectSelection(0, 13);
 
     // What a person sees as one character is one: a with umlaut; e with a combining acute; a byte
@@ -135,10 +130,10 @@ TEST_F(TextFieldTest, TypesErasesMovesAndUndoesByCharactersAndWords) {
                              "\xf0\x9f\x91\xa7";
     SetText(text);
     for (int32 end : {2, 5, 6, 24}) {
-        Key(XK_Right);
+        desk.Key(XK_Right);
         ExpectSelection(end, end);
     }
-    Key(XK_BackSpace);
+    desk.Key(XK_BackSpace);
     ExpectText(text.substr(0, 6));
     Keys({XK_Left, XK_BackSpace});
     ExpectText("\xc3\xa4\xff");
@@ -161,7 +156,7 @@ TEST_F(TextFieldTest, SelectsWithTheMouseAndScrolls) {
     ExpectSelection(0, 14);
     desk.Release();
     ExpectOffered("PRIMARY", "one two, three");
-    Key(XK_Left, {XK_Shift_L});
+    desk.KeyWith(XK_Shift_L, XK_Left);
     ExpectOffered("PRIMARY", "one two, thre");
 
     const std::string text = "the beginning " + std::string(200, 'm') + " the end";
@@ -169,7 +164,7 @@ TEST_F(TextFieldTest, SelectsWithTheMouseAndScrolls) {
     const float right = field->Bounds().right;
     EXPECT_TRUE(WaitForPixel(field, {kMargin, 8}, 0x000000)) << "the caret";
     EXPECT_TRUE(WaitForPixel(field, {kMargin, 8}, 0xffffff)) << "it blinks";
-    Key(XK_End);
+    desk.Key(XK_End);
     EXPECT_TRUE(WaitForPixel(field, {right - kMargin, 8}, 0x000000)) << "the caret";
     Press({right - Behind("the end").x - 1, 8}, 1);
     ExpectSelection(215, 215);
@@ -182,19 +177,21 @@ TEST_F(TextFieldTest, SelectsWithTheMouseAndScrolls) {
 
 TEST_F(TextFieldTest, CutsCopiesAndPastesWhatOthersOffer) {
     desk.Type("one two");
-    Key(XK_Home, {XK_Shift_L});
-    Key(XK_x, {XK_Alt_L});
+    desk.KeyWith(XK_Shift_L, XK_Home);
+    desk.KeyWith(XK_Alt_L, XK_x);
     ExpectText("");
     ExpectOffered("CLIPBOARD", "one two");
-    Key(XK_v, {XK_Control_L});
+    Control(XK_v);
     ExpectText("one two");
-    Key(XK_Left, {XK_Control_L, XK_Shift_L});
-    Key(XK_c, {XK_Control_L});
-    Key(XK_Home);
-    Key(XK_v, {XK_Alt_L});
+    desk.KeyDown(XK_Shift_L);
+    Control(XK_Left);
+    desk.KeyUp(XK_Shift_L);
+    Control(XK_c);
+    desk.Key(XK_Home);
+    desk.KeyWith(XK_Alt_L, XK_v);
     ExpectText("twoone two");
 
-    const auto paste = [&] { Key(XK_v, {XK_Control_L}); };
+    const auto paste = [&] { Control(XK_v); };
     SetText("");
     Bring("CLIPBOARD", "a\r\nb\tc\x01 d\xff\n", paste);
     ExpectText("a b c d\xef\xbf\xbd");
@@ -210,42 +207,44 @@ TEST_F(TextFieldTest, CutsCopiesAndPastesWhatOthersOffer) {
     ExpectText(text.substr(0, 4095));
     SetText(text);
     desk.Type("x");
-    Key(XK_Delete);
+    desk.Key(XK_Delete);
     ExpectText(text.substr(3));
 }
 
 TEST_F(TextFieldTest, ItsMenuOpensByButtonAndKeysAndOffersWhatCanBeDone) {
-    const auto choose = [&](const std::function<void()>& open,
-                            std::initializer_list<uint32_t> keys) {
-        open();
-        ASSERT_TRUE(WaitForMenus(1));
+    const auto choose = [&](std::initializer_list<uint32_t> keys) {
         Keys(keys);
-        Key(XK_Return);
+        desk.Key(XK_Return);
         ASSERT_TRUE(WaitForMenus(0));
     };
-    const auto click = [&] {
-        const BPoint place = OnScreen(field, {50, 8});
-        desk.Click(static_cast<int>(place.x), static_cast<int>(place.y), 3);
-    };
-    // At the caret.
-    const auto key = [&](const std::function<void()>& press, const std::string& before) {
-        return [=, this] {
-            press();
-            ASSERT_TRUE(WaitForMenus(1));
-            EXPECT_NEAR(desk.Shown("POPUP_MENU")[0].frame.x, OnScreen(field, Behind(before)).x, 3);
-        };
+    const auto expectMenuBehind = [&](const std::string& text) {
+        ASSERT_TRUE(WaitForMenus(1));
+        EXPECT_NEAR(desk.Shown("POPUP_MENU")[0].frame.x, OnScreen(field, Behind(text)).x, 3);
     };
     desk.Type("one two");
     ExpectText("one two");
-    choose(key([&] { Key(XK_Menu); }, "one two"), {XK_Down});
+    desk.Key(XK_Menu);
+    expectMenuBehind("one two");
+    choose({XK_Down});
     ExpectText("one ");
-    choose(key([&] { Key(XK_F10, {XK_Shift_L}); }, "one "), {XK_Down, XK_Down});
+    desk.KeyWith(XK_Shift_L, XK_F10);
+    expectMenuBehind("one ");
+    choose({XK_Down, XK_Down});
     ExpectText("one two");
-    choose(click, {XK_Up});
+    const auto click = [&] {
+        MoveOver(field, {50, 8});
+        desk.Press(3);
+        desk.Release(3);
+        ASSERT_TRUE(WaitForMenus(1));
+    };
+    click();
+    choose({XK_Up});
     ExpectSelection(0, 7);
-    choose(click, {XK_Up, XK_Up, XK_Up, XK_Up, XK_Up});
+    click();
+    choose({XK_Up, XK_Up, XK_Up, XK_Up, XK_Up});
     ExpectText("");
-    choose(click, {XK_Up});
+    click();
+    choose({XK_Up});
     ExpectText("one two");
 }
 
