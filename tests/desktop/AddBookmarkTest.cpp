@@ -12,7 +12,6 @@ protected:
     void SetUp() override {
         DesktopTest::SetUp();
         AddBookmark(2, "1 - Site", "http://site.example/");
-        fProgram.Start();
     }
     void WaitForWindow() { fPlace = WaitForAddWindow(); }
     void OpenWindow() { fPlace = OpenAddWindow(); }
@@ -23,9 +22,6 @@ protected:
     void ClickAt(int x, int y) { fDesk.Click(fPlace.x + x, fPlace.y + y); }
     void ClickBrowse(int digit) { ClickAt(10 + 44 + 20 * digit, 20 + 130 + 42); }
     void Alt(uint32_t key) { fDesk.KeyWith(XK_Alt_L, key); }
-    bool LocationChanges(const std::function<void()>& work) {
-        return LocationChangesIn(fPlace, work);
-    }
     void ChooseByKeys() { ChooseLocation(fPlace, 2, 4); }
     std::string Attribute(const std::string& name, const std::string& attribute) const {
         return GetAttribute(BookmarkPath(2, name), attribute).value_or("none");
@@ -35,6 +31,7 @@ protected:
 };
 
 TEST_F(AddBookmarkTest, KeysMakeABookmark) {
+    fProgram.Start();
     OpenWindow();
     fDesk.Key(XK_Return);
     DismissAlert(); // no slot is chosen
@@ -62,11 +59,20 @@ TEST_F(AddBookmarkTest, KeysMakeABookmark) {
     WaitForWindow();
     Alt(XK_d);
     ASSERT_TRUE(AlertOpens());
-    EXPECT_EQ(fProgram.Stop(), 0);
 }
 
-TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewritten) {
+TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewrittenAndTheBarKeepsItsMenus) {
+    fProgram.Start();
     ChooseSlot(2, 5); // "Add Bookmark Here"
+    WaitForWindow();
+    ClickBrowse(2);
+    ASSERT_TRUE(MenusBecome(1));
+    CloseMenus();
+    ChooseSlot(2, 1);
+    EXPECT_EQ(LastUrl(1), "http://site.example/");
+    ChooseSlot(2, 7); // one window at a time
+    EXPECT_EQ(fProgram.AddWindows().size(), 1u);
+    fDesk.Activate(fProgram.AddWindows()[0].id);
     WaitForWindow();
     ClickBrowse(2);
     const Box item = FolderMenu(fDesk, fProgram).Slot(1);
@@ -80,27 +86,17 @@ TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewritten) {
     EXPECT_EQ(Attribute("1 - Sites", "META:url"), std::string("http://site.example/\0", 21));
     EXPECT_EQ(Attribute("1 - Sites", "META:title"), std::string("Sites\0", 6));
     EXPECT_FALSE(std::filesystem::exists(BookmarkPath(2, "1 - Site")));
-}
 
-TEST_F(AddBookmarkTest, AFolderMenuGivesTheBarItsTargetBack) {
+    // It may end while such a menu is open.
     OpenWindow();
-    ClickBrowse(2);
-    ASSERT_TRUE(MenusBecome(1));
-    CloseMenus();
-    ChooseSlot(2, 1);
-    EXPECT_EQ(LastUrl(1), "http://site.example/");
-    ChooseSlot(2, 7); // one window at a time
-    EXPECT_EQ(fProgram.AddWindows().size(), 1u);
-    fDesk.Activate(fProgram.AddWindows()[0].id);
-    WaitForWindow();
     ClickBrowse(3);
     ASSERT_TRUE(MenusBecome(1));
-    EXPECT_EQ(fProgram.Stop(), 0);
 }
 
 TEST_F(AddBookmarkTest, TheRootIsShownInTheFileManager) {
+    fProgram.Start();
     OpenWindow();
-    EXPECT_TRUE(LocationChanges([&] {
+    EXPECT_TRUE(LocationChangesIn(fPlace, [&] {
         Alt(XK_t); // there is none
         Alt(XK_2);
     }));
@@ -114,32 +110,23 @@ TEST_F(AddBookmarkTest, TheRootIsShownInTheFileManager) {
     EXPECT_TRUE(WindowCloses());
 }
 
-class InputMethodBookmarkTest : public AddBookmarkTest {
-protected:
-    void SetUp() override {
-        setenv("XMODIFIERS", "@im=testim", 1);
-        AddBookmarkTest::SetUp();
-        unsetenv("XMODIFIERS");
-    }
-    bool FieldGetsContext(int count) {
-        return WaitUntil([&] { return fServer->focuses == count; });
-    }
-
-    std::unique_ptr<InputServer> fServer = std::make_unique<InputServer>(fDesk);
-};
-
-TEST_F(InputMethodBookmarkTest, ItsTextIsTypedOnOneLine) {
-    fServer->given = "日\u2028本é\u2028";
+TEST_F(AddBookmarkTest, TheTextOfAnInputMethodIsTypedOnOneLine) {
+    std::optional<InputServer> server(std::in_place, fDesk);
+    const auto fieldGetsContext = [&](int count) {
+        return WaitUntil([&] { return server->focuses == count; });
+    };
+    server->given = "日\u2028本é\u2028";
+    fProgram.Start({{"XMODIFIERS", "@im=testim"}});
     OpenWindow();
-    ASSERT_TRUE(FieldGetsContext(1));
+    ASSERT_TRUE(fieldGetsContext(1));
     ChooseByKeys();
     fDesk.Type("bab");
     fDesk.Key(XK_Tab);
-    ASSERT_TRUE(FieldGetsContext(2));
+    ASSERT_TRUE(fieldGetsContext(2));
     fDesk.Type("http://b/a");
     fDesk.Key(XK_Tab);
-    ASSERT_TRUE(FieldGetsContext(3));
-    fServer.reset();
+    ASSERT_TRUE(fieldGetsContext(3));
+    server.reset();
     fDesk.Type("ka");
     fDesk.Key(XK_Return);
     ASSERT_TRUE(WindowCloses());

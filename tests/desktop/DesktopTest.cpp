@@ -11,15 +11,8 @@ void DesktopTest::SetUp() {
 }
 
 void DesktopTest::TearDown() {
-    if (HasFailure()) {
-        const auto picture = std::filesystem::temp_directory_path() / "screen.png";
-        fDesk.Grab(fDesk.Frame()).SavePng(picture);
-        std::cerr << "screen at the end: " << picture << ", the program "
-                  << (fProgram.IsRunning() ? "runs" : "has ended") << std::hex << ", active is "
-                  << fDesk.ActiveWindow() << ", the keyboard is with " << fDesk.FocusedWindow()
-                  << std::dec << "\n"
-                  << fProgram.Errors();
-    }
+    if (HasFailure())
+        std::cerr << fProgram.Errors();
     if (fProgram.IsRunning()) {
         EXPECT_EQ(fProgram.Stop(), 0) << fProgram.Errors();
     }

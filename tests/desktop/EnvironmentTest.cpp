@@ -6,28 +6,6 @@ using namespace test;
 
 namespace {
 
-class WithoutWindowManagerTest : public OwnDesktopTest {
-protected:
-    WithoutWindowManagerTest()
-        : OwnDesktopTest({.windowManager = false}) {}
-};
-
-TEST_F(WithoutWindowManagerTest, TheBarWorks) {
-    AddBookmark(3, "5 - Site", "http://five.example/");
-    fProgram.Start();
-    EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
-    ChooseSlot(3, 5);
-    EXPECT_EQ(LastUrl(1), "http://five.example/");
-    OpenFolder(3);
-    CloseMenus();
-    fDesk.Drag(45, 40, 345, 240);
-    EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{330, 230, 22, 264}; }));
-    // Nobody could bring it back if it went.
-    fDesk.DoubleClick(345, 242);
-    OpenFolder(3);
-    CloseMenus();
-}
-
 class ScaledDesktopTest : public OwnDesktopTest {
 protected:
     ScaledDesktopTest()
@@ -84,13 +62,11 @@ protected:
     }
 };
 
-TEST_F(TwoMonitorsTest, AMenuStaysOnTheMonitorOfItsButton) {
+TEST_F(TwoMonitorsTest, MenusAndTheBarAreOnAMonitorAlsoWhenOneGoes) {
     StartAt(670, 400);
     EXPECT_TRUE(kLeft.Contains(OpenFolder(9).Frame()));
     CloseMenus();
-}
-
-TEST_F(TwoMonitorsTest, TheBarIsOnAMonitorAlsoWhenOneGoes) {
+    fProgram.Stop();
     StartAt(1000, 850); // below the right one
     EXPECT_TRUE(kRight.Contains(fProgram.Content()));
     fDesk.SetMonitors({kLeft});
@@ -123,8 +99,17 @@ protected:
         : TwoMonitorsTest(false) {}
 };
 
-TEST_F(UnmanagedMonitorsTest, ADragWhoseMonitorGoesEndsOnAnother) {
+TEST_F(UnmanagedMonitorsTest, TheBarWorksAndADragWhoseMonitorGoesEndsOnAnother) {
+    AddBookmark(3, "5 - Site", "http://five.example/");
     StartAt(1000, 300);
+    EXPECT_EQ(fProgram.Content(), (Box{1000, 300, 22, 264}));
+    ChooseSlot(3, 5);
+    EXPECT_EQ(LastUrl(1), "http://five.example/");
+    // Nobody could bring it back if it went.
+    fDesk.DoubleClick(1015, 312);
+    OpenFolder(3);
+    CloseMenus();
+
     fDesk.MoveTo(1015, 307);
     fDesk.Press();
     fDesk.MoveTo(1115, 307);

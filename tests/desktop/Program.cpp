@@ -112,7 +112,7 @@ std::vector<WindowInfo> Program::Titled(const std::string& title) const {
 Box Program::Content() const {
     Box frame = Bar().frame;
     const int border = (std::min(frame.width, frame.height) -
-                        static_cast<int>((IsHorizontal() ? 25 : 22) * Scale())) /
+                        static_cast<int>((IsHorizontal() ? 25 : 22) * fDesk.Scale())) /
                        2;
     return {frame.x + border, frame.y + border, frame.width - 2 * border,
             frame.height - 2 * border};
@@ -123,15 +123,9 @@ bool Program::IsHorizontal() const {
     return frame.width > frame.height;
 }
 
-double Program::Scale() const {
-    const std::string resources = fDesk.Text(fDesk.Root(), "RESOURCE_MANAGER");
-    const size_t at = resources.find("Xft.dpi:");
-    return at == std::string::npos ? 1 : std::stod(resources.substr(at + 8)) / 96;
-}
-
 Box Program::InBar(int x, int y, int width, int height) const {
     const Box content = Content();
-    const double scale = Scale();
+    const double scale = fDesk.Scale();
     return {content.x + static_cast<int>(x * scale), content.y + static_cast<int>(y * scale),
             static_cast<int>(width * scale), static_cast<int>(height * scale)};
 }

@@ -50,7 +50,6 @@ public:
     test::Box Button(int digit) const;
     test::Box DragBar() const;
     test::Box CloseBox() const;
-    double Scale() const;
 
 private:
     test::Box InBar(int x, int y, int width, int height) const;

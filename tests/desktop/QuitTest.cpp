@@ -20,32 +20,27 @@ class QuitTest : public OwnDesktopTest,
 protected:
     QuitTest()
         : OwnDesktopTest({}) {}
-
-    void Reach(Moment moment) {
-        fProgram.Start();
-        ActivateBar();
-        ChooseSetting(setting::kAlwaysOnTop); // so that there is something to save
-        ASSERT_TRUE(
-            WaitUntil([&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
-        if (moment == Moment::FolderMenu)
-            OpenFolder(3);
-        if (moment == Moment::SubMenu) {
-            OpenSettings();
-            for (int i = 0; i < setting::kHotKey; ++i)
-                fDesk.Key(XK_Down);
-            fDesk.Key(XK_Right);
-            ASSERT_TRUE(MenusBecome(2));
-        }
-        if (moment == Moment::Alert) {
-            ChooseSetting(setting::kHotKey, setting::kWindowsKey);
-            ASSERT_TRUE(AlertOpens());
-        }
-    }
 };
 
 TEST_P(QuitTest, SavesAndEndsInTime) {
     const auto [ending, moment] = GetParam();
-    ASSERT_NO_FATAL_FAILURE(Reach(moment));
+    fProgram.Start();
+    ActivateBar();
+    ChooseSetting(setting::kAlwaysOnTop); // so that there is something to save
+    ASSERT_TRUE(
+        WaitUntil([&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); }));
+    if (moment == Moment::FolderMenu) {
+        OpenFolder(3);
+    } else if (moment == Moment::SubMenu) {
+        OpenSettings();
+        for (int i = 0; i < setting::kHotKey; ++i)
+            fDesk.Key(XK_Down);
+        fDesk.Key(XK_Right);
+        ASSERT_TRUE(MenusBecome(2));
+    } else if (moment == Moment::Alert) {
+        ChooseSetting(setting::kHotKey, setting::kWindowsKey);
+        ASSERT_TRUE(AlertOpens());
+    }
     const int signals[] = {SIGTERM, SIGINT, SIGHUP, SIGTERM};
     if (ending == Ending::Signal)
         fProgram.Signal(signals[static_cast<int>(moment)]);

@@ -8,11 +8,6 @@ namespace {
 
 class SettingsMenuTest : public DesktopTest {
 protected:
-    void SetUp() override {
-        DesktopTest::SetUp();
-        fProgram.Start();
-        ActivateBar();
-    }
     Picture MenuPicture() {
         OpenSettings();
         const Picture picture = fDesk.Settled(fProgram.Menus()[0].frame);
@@ -21,7 +16,9 @@ protected:
     }
 };
 
-TEST_F(SettingsMenuTest, AlignmentChangesTheBarAndKeepsItsCorner) {
+TEST_F(SettingsMenuTest, MarksFollowTheLastHotKeyStaysAndQuitEndsTheProgram) {
+    fProgram.Start();
+    ActivateBar();
     const Picture vertical = MenuPicture();
     ChooseSetting(setting::kAlignHorizontally);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{30, 30, 233, 25}; }));
@@ -29,23 +26,7 @@ TEST_F(SettingsMenuTest, AlignmentChangesTheBarAndKeepsItsCorner) {
     ChooseSetting(setting::kAlignVertically);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Content() == Box{30, 30, 22, 264}; }));
     EXPECT_EQ(MenuPicture(), vertical);
-}
 
-TEST_F(SettingsMenuTest, AlwaysOnTopFloatsTheBar) {
-    const auto isAbove = [&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); };
-    ChooseSetting(setting::kAlwaysOnTop);
-    EXPECT_TRUE(WaitUntil(isAbove));
-    PlainWindow other(fDesk, {10, 10, 300, 300});
-    other.Activate();
-    EXPECT_EQ(fDesk.Stacking().back(), fProgram.Bar().id);
-    ActivateBar();
-    ChooseSetting(setting::kAlwaysOnTop);
-    EXPECT_TRUE(WaitUntil([&] { return !isAbove(); }));
-    other.Activate();
-    EXPECT_TRUE(WaitUntil([&] { return fDesk.Stacking().back() == other.Id(); }));
-}
-
-TEST_F(SettingsMenuTest, TheLastHotKeyCannotBeTakenAwayAndQuitEndsTheProgram) {
     ChooseSetting(setting::kHotKey, setting::kWindowsKey);
     DismissAlert();
     ActivateBar();

@@ -18,7 +18,6 @@ protected:
         AddBookmark(2, "3 - Three", "http://three.example/");
         fProgram.Start();
     }
-    fs::path Folder(int digit) const { return BookmarkPath(digit, "x").parent_path(); }
     Picture Label(int folder, int slot) {
         const FolderMenu menu = OpenFolder(folder);
         CloseMenus();
@@ -41,10 +40,10 @@ TEST_F(StoreTest, MenusFollowTheDisk) {
     EXPECT_EQ(LastUrl(1), "http://three.example/");
     RemoveAttribute(BookmarkPath(2, "1 - Uno"), "META:url");
     EXPECT_TRUE(SlotBecomes(2, 1, false));
-    fs::rename(Folder(2), fProgram.Root() / "2 - Renamed folder");
+    fs::rename(fProgram.Root() / "2 - Folder", fProgram.Root() / "2 - Renamed folder");
     MakeBookmark(fProgram.Root() / "2 - Renamed folder/8 - Late", "http://late.example/");
     EXPECT_TRUE(SlotBecomes(2, 8, true));
-    fs::remove_all(Folder(6));
+    fs::remove_all(fProgram.Root() / "6 - Folder");
     EXPECT_TRUE(WaitUntil([&] { return fs::is_directory(fProgram.Root() / "6 -"); }));
 }
 

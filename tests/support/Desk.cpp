@@ -113,6 +113,7 @@ void Desk::StartWindowManager() {
 }
 
 void Desk::SetDpi(int dpi) {
+    fScale = dpi / 96.0;
     const std::string text = "Xft.dpi:\t" + std::to_string(dpi) + "\n";
     xcb_change_property(fConnection, XCB_PROP_MODE_REPLACE, Root(), XCB_ATOM_RESOURCE_MANAGER,
                         XCB_ATOM_STRING, 8, text.size(), text.data());
@@ -178,7 +179,7 @@ void Desk::KillServer() {
     fServer.reset();
 }
 
-PlainWindow::PlainWindow(Desk& desk, const Box& frame, const std::string& title)
+PlainWindow::PlainWindow(Desk& desk, const Box& frame)
     : fDesk(desk)
     , fWindow(xcb_generate_id(desk.Connection())) {
     xcb_connection_t* connection = desk.Connection();
@@ -189,7 +190,7 @@ PlainWindow::PlainWindow(Desk& desk, const Box& frame, const std::string& title)
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL,
                       &white);
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, fWindow, XCB_ATOM_WM_NAME,
-                        XCB_ATOM_STRING, 8, title.size(), title.data());
+                        XCB_ATOM_STRING, 8, 5, "Plain");
     const int32_t userPosition[18] = {1 | 2}; // WM_NORMAL_HINTS: USPosition, USSize
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, fWindow, XCB_ATOM_WM_NORMAL_HINTS,
                         XCB_ATOM_WM_SIZE_HINTS, 32, 18, userPosition);

@@ -43,7 +43,6 @@ struct Picture {
 
     uint32_t At(int x, int y) const { return pixels.at(static_cast<size_t>(y) * width + x); }
     size_t Count(uint32_t color) const;
-    bool SavePng(const std::string& path) const;
     bool operator==(const Picture&) const = default;
 };
 
@@ -51,13 +50,12 @@ struct Picture {
 struct WindowInfo {
     xcb_window_t id = XCB_NONE;
     Box frame; // of its inside, without border or decoration, on the screen
-    int border = 0;
     bool viewable = false;
     bool overrideRedirect = false;
     pid_t pid = 0; // _NET_WM_PID, 0 without it
     std::string title;
-    std::string instance, className; // WM_CLASS
-    std::vector<std::string> types;  // _NET_WM_WINDOW_TYPE
+    std::string className;          // of WM_CLASS
+    std::vector<std::string> types; // _NET_WM_WINDOW_TYPE
 
     bool HasType(const std::string& name) const;
 };
@@ -120,6 +118,7 @@ public:
     // Returns when the server has carried out the requests of this process.
     void Sync() const;
     void SetDpi(int dpi);
+    double Scale() const { return fScale; } // of that resolution
     // Replaces the monitors (virtual ones of the RandR extension).
     void SetMonitors(const std::vector<Box>& monitors);
     // Ends the server under its clients. Only the destructor may follow.
@@ -134,11 +133,11 @@ public:
     void Click(int x, int y, int button = 1);
     // With the pause of a quick hand: of two clicks in no time the window manager, which holds
     // each press back for a moment, swallows the second now and then.
-    void DoubleClick(int x, int y, int button = 1);
+    void DoubleClick(int x, int y);
     // Once more where the pointer is, after the same pause.
-    void PressAgain(int button = 1);
-    // Presses at the first point, moves in `steps` steps to the second, releases.
-    void Drag(int fromX, int fromY, int toX, int toY, int button = 1, int steps = 8);
+    void PressAgain();
+    // Presses at the first point, moves in some steps to the second, releases.
+    void Drag(int fromX, int fromY, int toX, int toY);
     void KeyDown(uint32_t keysym);
     void KeyUp(uint32_t keysym);
     void Key(uint32_t keysym);
@@ -161,28 +160,28 @@ public:
     // Top-level windows of programs that pass the filter, managed ones and override-redirect ones,
     // also those not shown.
     using Filter = std::function<bool(const WindowInfo&)>;
-    std::vector<WindowInfo> Windows(const Filter& filter = {}) const;
+    std::vector<WindowInfo> Windows(const Filter& filter) const;
     // Those that can be seen, of a type without its beginning ("DIALOG"), of a process if given.
     std::vector<WindowInfo> Shown(const std::string& type, pid_t pid = 0) const;
     WindowInfo Describe(xcb_window_t window) const;
     bool IsViewable(xcb_window_t window) const { return Describe(window).viewable; }
 
-    // Properties; empty when the window lacks them.
-    std::string Text(xcb_window_t window, const std::string& property) const;
+    // A property; empty when the window lacks it.
     std::vector<uint32_t> Cardinals(xcb_window_t window, const std::string& property) const;
 
     bool HasState(xcb_window_t window, const std::string& state) const; // _NET_WM_STATE
-    bool IsMinimized(xcb_window_t window) const;                        // WM_STATE
     xcb_window_t ActiveWindow() const;                                  // of the window manager
-    xcb_window_t FocusedWindow() const;                                 // of the server
-    // Active and focused: the window manager may still name a window of the same number, of the
-    // program before.
+    // Active, and focused by the server: the window manager may still name a window of the same
+    // number, of the program before.
     bool HasKeyboard(xcb_window_t window) const;
     std::vector<xcb_window_t> Stacking() const; // managed windows, the lowest first
 
     // As a task bar would.
     void Activate(xcb_window_t window) const;
     void Close(xcb_window_t window) const;
+    // To the window manager.
+    void SendToRoot(xcb_window_t window, const std::string& type,
+                    const std::vector<uint32_t>& data) const;
 
 private:
     void StartServer(const Options& options);
@@ -190,11 +189,10 @@ private:
     void Fake(uint8_t type, uint8_t detail, int x = 0, int y = 0);
     void Collect(xcb_window_t parent, int depth, std::vector<WindowInfo>& found) const;
     auto SendGetProperty(xcb_window_t window, const std::string& name) const;
-    void SendToRoot(xcb_window_t window, const std::string& type,
-                    const std::vector<uint32_t>& data) const;
 
     std::string fName;
     std::string fOldDisplay;
+    double fScale = 1;
     std::unique_ptr<ChildProcess> fServer;
     std::unique_ptr<ChildProcess> fWindowManager;
     xcb_connection_t* fConnection = nullptr;
@@ -208,7 +206,7 @@ private:
 // An ordinary window of another program: something to click on, to give the focus to, to drop on.
 class PlainWindow {
 public:
-    PlainWindow(Desk& desk, const Box& frame, const std::string& title = "Plain");
+    PlainWindow(Desk& desk, const Box& frame);
     ~PlainWindow();
     PlainWindow(const PlainWindow&) = delete;
     PlainWindow& operator=(const PlainWindow&) = delete;

@@ -1,7 +1,6 @@
 // The desk's pixels and windows.
 
 #include <algorithm>
-#include <cairo.h>
 #include <cstring>
 
 #include "tests/support/Desk.h"
@@ -31,16 +30,6 @@ std::vector<uint32_t> Words(const PropertyReply& reply) {
 
 size_t Picture::Count(uint32_t color) const {
     return static_cast<size_t>(std::count(pixels.begin(), pixels.end(), color));
-}
-
-bool Picture::SavePng(const std::string& path) const {
-    auto copy = pixels; // the library takes no constant ones
-    cairo_surface_t* surface =
-        cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(copy.data()),
-                                            CAIRO_FORMAT_RGB24, width, height, width * 4);
-    const cairo_status_t status = cairo_surface_write_to_png(surface, path.c_str());
-    cairo_surface_destroy(surface);
-    return status == CAIRO_STATUS_SUCCESS;
 }
 
 bool WindowInfo::HasType(const std::string& name) const {
@@ -82,8 +71,7 @@ Picture Desk::Settled(const Box& part) const {
 std::vector<WindowInfo> Desk::Windows(const Filter& filter) const {
     std::vector<WindowInfo> found;
     Collect(Root(), 0, found);
-    if (filter)
-        std::erase_if(found, [&](const WindowInfo& window) { return !filter(window); });
+    std::erase_if(found, [&](const WindowInfo& window) { return !filter(window); });
     return found;
 }
 
@@ -137,9 +125,8 @@ WindowInfo Desk::Describe(xcb_window_t window) const {
     const std::string secondTitle = Bytes(oldTitle());
     if (info.title.empty())
         info.title = secondTitle;
-    const std::string both = Bytes(names());
-    info.instance = both.c_str();
-    info.className = both.substr(std::min(both.size(), info.instance.size() + 1)).c_str();
+    const std::string both = Bytes(names()); // the instance's name first
+    info.className = both.substr(both.find('\0') + 1).c_str();
     info.types = AtomNames(Words(types()));
     const auto size = geometry();
     const auto state = attributes();
@@ -147,14 +134,9 @@ WindowInfo Desk::Describe(xcb_window_t window) const {
     if (!size || !state || !corner)
         return info;
     info.frame = {corner->dst_x, corner->dst_y, size->width, size->height};
-    info.border = size->border_width;
     info.viewable = state->map_state == XCB_MAP_STATE_VIEWABLE;
     info.overrideRedirect = state->override_redirect != 0;
     return info;
-}
-
-std::string Desk::Text(xcb_window_t window, const std::string& property) const {
-    return Bytes(SendGetProperty(window, property)());
 }
 
 std::vector<uint32_t> Desk::Cardinals(xcb_window_t window, const std::string& property) const {
@@ -176,24 +158,14 @@ bool Desk::HasState(xcb_window_t window, const std::string& state) const {
     return std::find(states.begin(), states.end(), state) != states.end();
 }
 
-bool Desk::IsMinimized(xcb_window_t window) const {
-    constexpr uint32_t kIconic = 3;
-    const std::vector<uint32_t> state = Cardinals(window, "WM_STATE");
-    return !state.empty() && state[0] == kIconic;
-}
-
 xcb_window_t Desk::ActiveWindow() const {
     const std::vector<uint32_t> window = Cardinals(Root(), "_NET_ACTIVE_WINDOW");
     return window.empty() ? static_cast<xcb_window_t>(XCB_NONE) : window[0];
 }
 
-xcb_window_t Desk::FocusedWindow() const {
-    const auto reply = Ask<xcb_get_input_focus, xcb_get_input_focus_reply>(fConnection);
-    return reply ? reply->focus : static_cast<xcb_window_t>(XCB_NONE);
-}
-
 bool Desk::HasKeyboard(xcb_window_t window) const {
-    return ActiveWindow() == window && FocusedWindow() == window;
+    const auto focus = Ask<xcb_get_input_focus, xcb_get_input_focus_reply>(fConnection);
+    return ActiveWindow() == window && focus && focus->focus == window;
 }
 
 std::vector<xcb_window_t> Desk::Stacking() const {

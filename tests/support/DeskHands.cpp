@@ -54,23 +54,24 @@ void Desk::Click(int x, int y, int button) {
     Release(button);
 }
 
-void Desk::DoubleClick(int x, int y, int button) {
-    Click(x, y, button);
-    PressAgain(button);
-    Release(button);
+void Desk::DoubleClick(int x, int y) {
+    Click(x, y);
+    PressAgain();
+    Release();
 }
 
-void Desk::PressAgain(int button) {
+void Desk::PressAgain() {
     std::this_thread::sleep_for(kPauseOfHand);
-    Press(button);
+    Press();
 }
 
-void Desk::Drag(int fromX, int fromY, int toX, int toY, int button, int steps) {
+void Desk::Drag(int fromX, int fromY, int toX, int toY) {
+    constexpr int kSteps = 8;
     MoveTo(fromX, fromY);
-    Press(button);
-    for (int i = 1; i <= steps; ++i)
-        MoveTo(fromX + (toX - fromX) * i / steps, fromY + (toY - fromY) * i / steps);
-    Release(button);
+    Press();
+    for (int i = 1; i <= kSteps; ++i)
+        MoveTo(fromX + (toX - fromX) * i / kSteps, fromY + (toY - fromY) * i / kSteps);
+    Release();
 }
 
 void Desk::KeyDown(uint32_t keysym) {
