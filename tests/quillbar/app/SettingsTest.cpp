@@ -19,12 +19,10 @@ namespace {
 
 class SettingsTest : public testing::Test {
 protected:
-    void SetUp() override { fs::create_directories(fHome.Config()); }
-
-    fs::path File() const { return fHome.Config() / "Quillbar.settings"; }
-    fs::path Neighbour() const { return fHome.Config() / "Quillbar.settings.new"; }
-    fs::path Bad() const { return fHome.Config() / "Quillbar.settings.bad"; }
-
+    // The settings file, or a neighbour of it.
+    fs::path File(const std::string& tail = "") const {
+        return fHome.Config() / ("Quillbar.settings" + tail);
+    }
     static BPath Path() { return BPath("/boot/home/config/settings/Quillbar.settings"); }
 
     void Write(const std::string& text) {
@@ -34,11 +32,6 @@ protected:
         std::ostringstream text;
         text << std::ifstream(path, std::ios::binary).rdbuf();
         return text.str();
-    }
-    void WriteMessage(const BMessage& message) {
-        std::string text;
-        ASSERT_EQ(message.Flatten(&text), B_OK);
-        Write(text);
     }
     static void Save(int32 hotKey) {
         QBSettings settings(Path());
@@ -79,7 +72,9 @@ TEST_F(SettingsTest, FieldsOfAnotherTypeAreLeftAloneAndMissingOnesCanBeSet) {
     BMessage message;
     for (const char* name : {"browser", "pos", "align", "url", "ontop", "color"})
         message.AddString(name, "text");
-    WriteMessage(message);
+    std::string text;
+    ASSERT_EQ(message.Flatten(&text), B_OK);
+    Write(text);
     QBSettings settings(Path());
     ASSERT_TRUE(settings.Load());
     ExpectDefaults(settings, 255);
@@ -105,14 +100,14 @@ TEST_F(SettingsTest, GarbageIsPutAsideAndDefaultsStay) {
         QBSettings settings(Path());
         EXPECT_FALSE(settings.Load());
         ExpectDefaults(settings, 0);
-        EXPECT_EQ(Read(Bad()), text);
+        EXPECT_EQ(Read(File(".bad")), text);
         settings.Save();
         EXPECT_EQ(LoadedHotKey(), 8);
     }
-    fs::remove(Bad());
+    fs::remove(File(".bad"));
     Write("");
     EXPECT_FALSE(QBSettings(Path()).Load());
-    EXPECT_FALSE(fs::exists(Bad()));
+    EXPECT_FALSE(fs::exists(File(".bad")));
 }
 
 TEST_F(SettingsTest, LinkStaysALink) {
@@ -127,7 +122,7 @@ TEST_F(SettingsTest, LinkStaysALink) {
     EXPECT_TRUE(fs::is_symlink(File()));
     EXPECT_EQ(fs::status(File()).permissions(), fs::perms(0640));
     EXPECT_EQ(LoadedHotKey(), 6);
-    EXPECT_FALSE(fs::exists(Neighbour()));
+    EXPECT_FALSE(fs::exists(File(".new")));
     fs::remove(File());
     fs::create_symlink("Quillbar.settings", File());
     Save(7);
@@ -195,12 +190,12 @@ TEST_F(SettingsTest, FullDiskKeepsTheOldFile) {
     });
     EXPECT_EQ(status, 0);
     EXPECT_EQ(LoadedHotKey(), 5);
-    EXPECT_FALSE(fs::exists(Neighbour()));
+    EXPECT_FALSE(fs::exists(File(".new")));
 }
 
 TEST_F(SettingsTest, NeighbourThatIsALinkIsNotFollowed) {
     std::ofstream(fHome.Path() / "precious") << "precious";
-    fs::create_symlink(fHome.Path() / "precious", Neighbour());
+    fs::create_symlink(fHome.Path() / "precious", File(".new"));
     Save(5);
     EXPECT_EQ(Read(fHome.Path() / "precious"), "precious");
     EXPECT_EQ(LoadedHotKey(), 5);

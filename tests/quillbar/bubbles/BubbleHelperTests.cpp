@@ -49,7 +49,6 @@ protected:
             return info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
         });
     }
-    bool IsShown() const { return !Bubbles().empty() && Bubbles()[0].viewable; }
     // Waits until the bubble appears or disappears; no event is missed on a busy machine.
     template <typename Event>
     bool Await(uint8_t type, std::chrono::milliseconds deadline = test::kDeadline) {
@@ -61,22 +60,19 @@ protected:
     bool Comes() { return Await<xcb_map_notify_event_t>(XCB_MAP_NOTIFY); }
     bool Goes() { return Await<xcb_unmap_notify_event_t>(XCB_UNMAP_NOTIFY); }
     bool StaysAway() { return !Await<xcb_map_notify_event_t>(XCB_MAP_NOTIFY, 20 * kCycleTime); }
-    // The bubble's content.
-    Box Frame() const {
-        const Box outer = Bubbles().at(0).frame;
-        return {outer.x + 1, outer.y + 1, outer.width - 2, outer.height - 2};
-    }
-    // The content of the bubble that is shown for the text with the pointer at that place.
-    Box Displayed(BubbleHelper& helper, const std::string& text, int x, int y) {
+    // The content of a bubble that is shown with the pointer at that place.
+    Box Displayed(BubbleHelper& helper, int x, int y) {
+        std::vector<test::WindowInfo> shown;
         // The bubble's window may not be made yet.
         EXPECT_TRUE(WaitUntil([&] {
-            helper.DisplayHelp(text.c_str(), BPoint(x, y));
-            return IsShown();
+            helper.DisplayHelp("some help", BPoint(x, y));
+            shown = desk.Shown("TOOLTIP");
+            return !shown.empty();
         }));
-        const Box frame = Frame();
+        const Box outer = shown.at(0).frame;
         helper.HideBubble();
-        EXPECT_TRUE(WaitUntil([&] { return !IsShown(); }));
-        return frame;
+        EXPECT_TRUE(WaitUntil([&] { return desk.Shown("TOOLTIP").empty(); }));
+        return {outer.x + 1, outer.y + 1, outer.width - 2, outer.height - 2};
     }
     // From the pointer's coming to the bubble's going: seven cycles and the bubble's own.
     std::chrono::steady_clock::duration TimeAt(int x, int y) {
@@ -150,19 +146,7 @@ TEST_F(BubbleHelperTest, FindsTheViewThatCanBeSeen) {
     EXPECT_EQ(helper.FindView(BPoint(415, 315)), nullptr);
 }
 
-TEST_F(BubbleHelperTest, ComesOnlyWhileHelpIsWantedAndGoesAtAPress) {
-    BubbleHelper helper(kQuickCycle);
-    helper.SetHelp(parent, std::string(1000, 'i').c_str());
-    helper.EnableHelp(false);
-    desk.MoveTo(417, 315);
-    EXPECT_TRUE(StaysAway());
-    helper.EnableHelp(true);
-    EXPECT_TRUE(Comes());
-    desk.Press(2);
-    EXPECT_TRUE(Goes());
-}
-
-TEST_F(BubbleHelperTest, StaysAsLongAsItsTextAndComesOnceForAPlace) {
+TEST_F(BubbleHelperTest, ComesOnceForAPlaceWhileHelpIsWantedAndStaysAsLongAsItsText) {
     BubbleHelper helper(kQuickCycle);
     helper.SetHelp(lower, "short");
     helper.SetHelp(upper, std::string(160, 'i').c_str());
@@ -174,25 +158,31 @@ TEST_F(BubbleHelperTest, StaysAsLongAsItsTextAndComesOnceForAPlace) {
     helper.SetHelp(upper, nullptr);
     desk.MoveTo(436, 315);
     EXPECT_TRUE(StaysAway());
+    helper.SetHelp(lower, std::string(1000, 'i').c_str());
+    helper.EnableHelp(false);
     desk.MoveTo(415, 315);
+    EXPECT_TRUE(StaysAway());
+    helper.EnableHelp(true);
     EXPECT_TRUE(Comes());
+    desk.Press(2);
+    EXPECT_TRUE(Goes());
 }
 
 TEST_F(BubbleHelperTest, StandsInsideThePointersMonitor) {
     BubbleHelper helper(kQuickCycle);
-    const Box plain = Displayed(helper, "some help", 100, 100);
+    const Box plain = Displayed(helper, 100, 100);
     EXPECT_EQ((Box{plain.x, plain.y, 0, 0}), (Box{100, 120, 0, 0}));
     const int w = plain.width - 1, h = plain.height - 1;
-    EXPECT_EQ(Displayed(helper, "some help", 1270, 100), (Box{1279 - w, 120, w + 1, h + 1}));
+    EXPECT_EQ(Displayed(helper, 1270, 100), (Box{1279 - w, 120, w + 1, h + 1}));
     // Three pixels at the bottom are kept free.
-    EXPECT_EQ(Displayed(helper, "some help", 10, 896 - 20 - h).y, 896 - h);
-    EXPECT_EQ(Displayed(helper, "some help", 10, 897 - 20 - h).y, 897 - 20 - h - h - 4);
-    EXPECT_EQ(Displayed(helper, "some help", 1279, 899), (Box{1279 - w, 895 - h, w + 1, h + 1}));
+    EXPECT_EQ(Displayed(helper, 10, 896 - 20 - h).y, 896 - h);
+    EXPECT_EQ(Displayed(helper, 10, 897 - 20 - h).y, 897 - 20 - h - h - 4);
+    EXPECT_EQ(Displayed(helper, 1279, 899), (Box{1279 - w, 895 - h, w + 1, h + 1}));
 
     desk.SetMonitors({{0, 0, 800, 900}, {800, 0, 480, 500}});
-    EXPECT_TRUE(WaitUntil([&] { return Displayed(helper, "some help", 790, 100).x == 799 - w; }));
-    EXPECT_EQ(Displayed(helper, "some help", 1270, 495), (Box{1279 - w, 491 - h, w + 1, h + 1}));
-    EXPECT_EQ(Displayed(helper, "some help", 10, 495).y, 515);
+    EXPECT_TRUE(WaitUntil([&] { return Displayed(helper, 790, 100).x == 799 - w; }));
+    EXPECT_EQ(Displayed(helper, 1270, 495), (Box{1279 - w, 491 - h, w + 1, h + 1}));
+    EXPECT_EQ(Displayed(helper, 10, 495).y, 515);
     desk.SetMonitors({desk.Frame()});
 }
 
