@@ -16,9 +16,7 @@ protected:
     // The layout, as setxkbmap's -layout has it, and more arguments of that program.
     static void SetLayout(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
-        test::ChildProcess::Options options;
-        options.arguments = std::move(arguments);
-        EXPECT_EQ(test::ChildProcess(options).Wait(), 0);
+        EXPECT_EQ(test::ChildProcess({.arguments = arguments}).Wait(), 0);
     }
 
     // What the keys that are pressed and released one after the other type.
@@ -41,29 +39,23 @@ protected:
 TEST(ClickCounter, CountsPressesThatAreSoonNearAndAlike) {
     ClickCounter counter;
     counter.SetLimits(400'000, 5);
-    struct Press {
-        xcb_timestamp_t time;
-        int16 x;
-        uint8 button;
-        xcb_window_t window;
-        int32 count;
-    };
-    const Press presses[] = {{0xffffffc0, 10, 1, 1, 1}, {100, 15, 1, 1, 2}, {100, 15, 1, 1, 3},
-                             {100, 15, 3, 1, 1},        {100, 21, 3, 1, 1}, {100, 21, 3, 1, 2},
-                             {100, 21, 3, 2, 1},        {500, 21, 3, 2, 2}, {901, 21, 3, 2, 1}};
-    for (const Press& press : presses) {
+    // time, place, button, window, count
+    const std::tuple<uint32, int16, uint8, uint32, int32> presses[] = {
+        {0xffffffc0, 10, 1, 1, 1}, {100, 15, 1, 1, 2}, {100, 15, 1, 1, 3},
+        {100, 15, 3, 1, 1},        {100, 21, 3, 1, 1}, {100, 21, 3, 1, 2},
+        {100, 21, 3, 2, 1},        {500, 21, 3, 2, 2}, {901, 21, 3, 2, 1}};
+    for (const auto& [time, x, button, window, count] : presses) {
         xcb_button_press_event_t event{};
-        event.time = press.time;
-        event.root_x = press.x;
-        event.detail = press.button;
-        event.event = press.window;
-        EXPECT_EQ(counter.Count(event), press.count) << &press - presses;
+        event.time = time;
+        event.root_x = x;
+        event.detail = button;
+        event.event = window;
+        EXPECT_EQ(counter.Count(event), count) << time << ", " << x;
     }
 }
 
 TEST_F(InputTest, TypesByTheLayoutAndItsSequences) {
     TestWindow window = display.CreateActive();
-    EXPECT_THAT(TextsOf(window, {XK_a, XK_q}), ElementsAre("a", "q"));
     // Russian in the second group, chosen by Shift with Caps Lock.
     SetLayout({"us,ru", "-option", "grp:shift_caps_toggle"});
     EXPECT_THAT(TextsOf(window, {XK_a, XK_q}), ElementsAre("a", "q"));

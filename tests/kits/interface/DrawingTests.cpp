@@ -75,17 +75,11 @@ TEST(Bitmap, IsDrawnIntoByItsViewsAtHalfOpacity) {
 }
 
 TEST(View, FollowsItsParentsSize) {
-    const std::pair<uint32, BRect> cases[] = {
-        {B_FOLLOW_RIGHT | B_FOLLOW_BOTTOM, {30, 20, 49, 39}},
-        {B_FOLLOW_ALL_SIDES, {10, 10, 49, 39}},
-        {B_FOLLOW_H_CENTER | B_FOLLOW_TOP, {20, 10, 39, 29}},
-    };
-    for (const auto& [mode, frame] : cases) {
-        BView parent(BRect(0, 0, 99, 99), "parent", B_FOLLOW_NONE, 0);
-        parent.AddChild(new BView(BRect(10, 10, 29, 29), "child", mode, 0));
-        parent.ResizeTo(119, 109);
-        EXPECT_EQ(parent.ChildAt(0)->Frame(), frame) << mode;
-    }
+    BView parent(BRect(0, 0, 99, 99), "parent", B_FOLLOW_NONE, 0);
+    parent.AddChild(
+        new BView(BRect(10, 10, 29, 29), "child", B_FOLLOW_RIGHT | B_FOLLOW_V_CENTER, 0));
+    parent.ResizeTo(119, 109);
+    EXPECT_EQ(parent.ChildAt(0)->Frame(), BRect(30, 15, 49, 34));
 }
 
 using ViewTest = InterfaceTest;

@@ -16,11 +16,9 @@ using test::WaitUntil;
 namespace {
 
 TEST(MenuPlacement, ASubmenuIsOnTheLeftWhereTheRightHasNoRoom) {
-    const BRect monitor(1000, 0, 1799, 599);
-    const BRect item(1702, 100, 1797, 119);
-    const BRect submenu = PlaceSubmenu({1700, 50, 1799, 249}, item, 150, 80, monitor);
+    const BRect submenu =
+        PlaceSubmenu({1700, 50, 1799, 249}, {1702, 100, 1797, 119}, 150, 80, {1000, 0, 1799, 599});
     EXPECT_NEAR(submenu.right, 1704, 5);
-    EXPECT_TRUE(HeadsForSubmenu({150, 110}, {125, 180}, {0, 100, 100, 300}));
 }
 
 TEST_F(MenuTest, KeysSelectWhatCanBeChosen) {
