@@ -80,6 +80,24 @@ TEST_F(HostileInputTest, OddFilesAndAttributes) {
     EXPECT_TRUE(SlotBecomes(1, 6, true));
 }
 
+// As a user whom permissions keep out.
+TEST_F(HostileInputTest, RightsThatAreGivenBackBringTheSlotBack) {
+    const fs::path file = BookmarkPath(1, "2 - A");
+    MakeBookmark(file, "http://a.example/");
+    fProgram.Launch(true);
+    ASSERT_TRUE(fProgram.WaitForBar());
+    fs::permissions(file, fs::perms::none);
+    EXPECT_TRUE(SlotBecomes(1, 2, false));
+    fs::permissions(file, fs::perms(0644));
+    EXPECT_TRUE(SlotBecomes(1, 2, true));
+    SetUrl(file, "http://changed.example/");
+    size_t launches = 0;
+    EXPECT_TRUE(WaitUntil([&] {
+        ChooseSlot(1, 2);
+        return LastUrl(++launches) == "http://changed.example/";
+    }));
+}
+
 // The error alert, and the end when it is dismissed: without bookmarks there is no bar.
 TEST_F(HostileInputTest, ARootThatCannotBeRead) {
     fs::create_directories(fProgram.Root());

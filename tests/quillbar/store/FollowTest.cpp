@@ -1,16 +1,13 @@
 // Changes that once were lost, or led the store astray.
 
 #include <chrono>
-#include <fcntl.h>
 #include <fstream>
 #include <sched.h>
-#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
 #include "kits/app/MessageQueue.h"
 #include "tests/quillbar/store/Store.h"
-#include "tests/support/ChildProcess.h"
 
 namespace {
 
@@ -171,36 +168,6 @@ TEST_F(FollowTest, FolderThatIsRenamedAllTheTimeIsFound) {
     fs::rename(Root() / "4 - a", Root() / "4 - end");
     EXPECT_TRUE(TitleBecomes(4, "4 - end"));
     EXPECT_TRUE(Becomes(4, 3, "3 - a"));
-}
-
-// As another user than root, whom no permission keeps out.
-class RightsTest : public FollowTest {
-protected:
-    void Start() {
-        if (geteuid() == 0) {
-            for (const auto& entry : fs::recursive_directory_iterator(fHome.Path()))
-                EXPECT_EQ(chown(entry.path().c_str(), test::ChildProcess::OrdinaryUser(), -1), 0);
-            EXPECT_EQ(chown(fHome.Path().c_str(), test::ChildProcess::OrdinaryUser(), -1), 0);
-            EXPECT_EQ(seteuid(test::ChildProcess::OrdinaryUser()), 0);
-        }
-        FollowTest::Start();
-    }
-    void TearDown() override {
-        FollowTest::TearDown();
-        EXPECT_EQ(seteuid(getuid()), 0);
-    }
-};
-
-TEST_F(RightsTest, GivenBackBringTheSlotBack) {
-    const fs::path file = Root() / "1 - x" / "2 - a";
-    test::MakeBookmark(file, "http://a");
-    Start();
-    ASSERT_EQ(chmod(file.c_str(), 0), 0);
-    EXPECT_TRUE(Becomes(1, 2, kEmptyLabel));
-    ASSERT_EQ(chmod(file.c_str(), 0644), 0);
-    EXPECT_TRUE(Becomes(1, 2, "2 - a"));
-    test::SetUrl(file, "http://changed");
-    EXPECT_TRUE(UrlBecomes(1, 2, "http://changed"));
 }
 
 // Whether all is seen with few watches: what has a watch at once, the rest on Refresh().
