@@ -89,6 +89,11 @@ protected:
         });
         return text;
     }
+    static void SetText(const char* name, const std::string& text) {
+        InIt([&](QBBookmarkWindow& window) {
+            dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), name)).SetText(text.c_str());
+        });
+    }
     static std::string Marked(const char* name) {
         std::string label;
         InIt([&](QBBookmarkWindow& window) {
@@ -127,26 +132,31 @@ void ExpectLabelFits(BView& view, const char* label, float room) {
     EXPECT_GE(font.Size(), 2 * 8) << label << " is hard to read";
 }
 
+// A view's label and the room for it; empty if it has none.
+std::pair<std::string, float> LabelAndRoom(BView& view) {
+    if (auto* text = dynamic_cast<BTextControl*>(&view))
+        return {text->Label(), text->Divider() - 1};
+    if (auto* field = dynamic_cast<BMenuField*>(&view))
+        return {field->Label(), field->Divider() - 1};
+    if (auto* button = dynamic_cast<BButton*>(&view))
+        return {button->Label(), view.Bounds().Width() - 11};
+    if (auto* box = dynamic_cast<BBox*>(&view))
+        return {box->Label(), view.Bounds().Width() - 16};
+    return {};
+}
+
 void ExpectFits(BView& view, std::set<std::string>& labels) {
-    const BRect bounds = view.Bounds();
-    if (auto* text = dynamic_cast<BTextControl*>(&view)) {
-        ExpectLabelFits(view, text->Label(), text->Divider() - 1);
-        labels.insert(text->Label());
-    } else if (auto* field = dynamic_cast<BMenuField*>(&view)) {
-        ExpectLabelFits(view, field->Label(), field->Divider() - 1);
-        ExpectLabelFits(*field->Menu(), field->Menu()->Name(), field->RoomForShownLabel());
-        labels.insert(field->Label());
-    } else if (auto* button = dynamic_cast<BButton*>(&view)) {
-        ExpectLabelFits(view, button->Label(), bounds.Width() - 11);
-        labels.insert(button->Label());
-    } else if (auto* box = dynamic_cast<BBox*>(&view)) {
-        ExpectLabelFits(view, box->Label(), bounds.Width() - 16);
-        labels.insert(box->Label());
+    if (const auto [label, room] = LabelAndRoom(view); !label.empty()) {
+        ExpectLabelFits(view, label.c_str(), room);
+        labels.insert(label);
     }
+    if (auto* field = dynamic_cast<BMenuField*>(&view))
+        ExpectLabelFits(*field->Menu(), field->Menu()->Name(), field->RoomForShownLabel());
     for (int32 i = 0; i < view.CountChildren(); ++i) {
-        EXPECT_EQ(view.ChildAt(i)->Frame(), bounds & view.ChildAt(i)->Frame());
+        BView& child = *view.ChildAt(i);
+        EXPECT_EQ(child.Frame(), view.Bounds() & child.Frame());
         if (dynamic_cast<BTextControl*>(&view) == nullptr)
-            ExpectFits(*view.ChildAt(i), labels);
+            ExpectFits(child, labels);
     }
 }
 
@@ -190,10 +200,7 @@ TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     EXPECT_TRUE(WaitUntil([] { return Marked("qb_location_slot") == "7 - Journal"; }));
     fs::rename(Root() / "2 - News", Root() / "2 - Press");
     EXPECT_TRUE(TextBecomes("qb_location_keyword", "Press"));
-    InIt([](QBBookmarkWindow& window) {
-        dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), "qb_editinfo_url"))
-            .SetText("typed");
-    });
+    SetText("qb_editinfo_url", "typed");
     fs::rename(Root() / "1 - Other", Root() / "1 - Another");
     EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://paper"));
     fs::remove_all(Root() / "2 - Press");
@@ -206,13 +213,9 @@ TEST_F(AddWindowTest, WhatCannotBeSavedIsReportedAndNotLost) {
     for (int digit = 0; digit < 10; ++digit)
         fs::create_directories(Root() / (std::to_string(digit) + " -"));
     Open(Preset(3, 8));
-    InIt([](QBBookmarkWindow& window) {
-        dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), "qb_editinfo_name"))
-            .SetText("Long");
-        dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), "qb_editinfo_url"))
-            .SetText(std::string(100'000, 'u').c_str());
-        window.PostMessage(kQBAddIt);
-    });
+    SetText("qb_editinfo_name", "Long");
+    SetText("qb_editinfo_url", std::string(100'000, 'u'));
+    SendToIt(kQBAddIt);
     const test::Desk& desk = test::Desk::Shared();
     ASSERT_TRUE(WaitUntil([&] { return desk.Shown("DIALOG").size() == 1; }));
     EXPECT_FALSE(test::GetAttribute(Root() / "2 -" / "7 - Long", "META:url"));
