@@ -83,12 +83,10 @@ TEST(Launcher, OnlyAnErrorAtOnceIsAFailure) {
 }
 
 TEST(Launcher, ProgramsAreExecutableFilesOnThePath) {
+    EXPECT_NE("", FindProgram("sh"));
     EXPECT_EQ(FindProgram("sh"), FindProgram(FindProgram("sh")));
-    const fs::path old = fs::current_path();
-    fs::current_path("/bin");
-    for (const char* other : {"./sh", "", "/bin", "/etc/passwd"})
+    for (const char* other : {"./sh", "", "/bin", "/etc/passwd", "no-such-program"})
         EXPECT_EQ("", FindProgram(other)) << other;
-    fs::current_path(old);
 }
 
 } // namespace
