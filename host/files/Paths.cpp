@@ -15,7 +15,7 @@ const std::string kPlatformHome = "/boot/home";
 const std::string kPlatformSettings = "/boot/home/config/settings";
 
 std::string AccountHome() {
-    std::vector<char> buffer(16 * 1024);
+    std::vector<char> buffer(16384);
     passwd account;
     passwd* found = nullptr;
     if (getpwuid_r(getuid(), &account, buffer.data(), buffer.size(), &found) != 0 || !found)

@@ -176,6 +176,7 @@ void BApplication::ReleaseFreeMemory() {
 }
 
 // The signals are blocked before the first other thread, the service thread, is started.
+// NOLINTBEGIN(concurrency-mt-unsafe)
 BApplication::Session::Session(BApplication& application_, const std::string& signature)
     : application(application_) {
     // With an arena for each thread, memory that one thread frees cannot be used by the others.
@@ -209,6 +210,7 @@ void BApplication::Session::Register(const std::string& signature) {
             instance->Directory().c_str(), StatusText(status));
     instance.reset();
 }
+// NOLINTEND(concurrency-mt-unsafe)
 
 void BApplication::Session::Receive(std::string_view bytes) {
     BMessage message;

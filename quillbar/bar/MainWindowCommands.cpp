@@ -217,8 +217,8 @@ void QBMainWindow::PrepareFolderMenu(uint32 code) {
 
 // Of the hot key. An empty slot is passed over in silence.
 void QBMainWindow::HandleLaunch(BMessage* message) {
-    const int folder = message->GetInt8("folder", 0);
-    const int slot = message->GetInt8("slot", 0);
+    const int8 folder = message->GetInt8("folder", 0);
+    const int8 slot = message->GetInt8("slot", 0);
     if (folder < 1 || folder > 10 || slot < 1 || slot > 10)
         return;
     fLocker->Lock();

@@ -68,7 +68,7 @@ void QBSettings::Snapshot::Save() {
         std::fprintf(stderr, "quillbar: the settings cannot be saved: %s\n", StatusText(status));
 }
 
-QBSettings::QBSettings(BPath path)
+QBSettings::QBSettings(const BPath& path)
     : fPath(path)
     , fSnapshot(std::make_shared<Snapshot>(path.Path() ? path.Path() : "")) {
     fSettings.AddInt32(kBrowser, kQBNetPositive);

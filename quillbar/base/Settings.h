@@ -13,7 +13,7 @@
 class QBSettings {
 public:
     // Starts with the defaults and does not look at the disk.
-    explicit QBSettings(BPath path);
+    explicit QBSettings(const BPath& path);
     // Does not save.
     ~QBSettings();
 

@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-constexpr size_t kBufferSize = 64 * 1024;
+constexpr size_t kBufferSize = 65536;
 
 } // namespace
 

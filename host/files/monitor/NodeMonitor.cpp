@@ -17,7 +17,7 @@ namespace {
 
 // More than a queue holds: an overflow, which is its last event, is found before any other event is
 // worked off.
-constexpr size_t kBatchSize = 32 * 1024;
+constexpr size_t kBatchSize = 32768;
 
 // What the system is asked for.
 uint32 MaskOf(uint32 flags, NodeKind kind) {

@@ -47,7 +47,7 @@ Descriptor OpenDirectory(const std::string& path, status_t& status) {
 // A file name that stands for the signature; it holds no slash.
 std::string FileName(const std::string& signature, const char* ending) {
     char* escaped = g_uri_escape_string(signature.c_str(), nullptr, FALSE);
-    const std::string name = std::string(escaped) + ending;
+    std::string name = std::string(escaped) + ending;
     g_free(escaped);
     return name;
 }

@@ -52,14 +52,14 @@ bool Is(mode_t type, const std::string& path) {
 }
 
 std::string FindEntryFileIn(const std::string& directory, const std::string& id) {
-    const std::string path = directory + "/" + id;
+    std::string path = directory + "/" + id;
     if (Is(S_IFREG, path))
         return path;
     for (size_t dash = id.find('-'); dash != std::string::npos; dash = id.find('-', dash + 1)) {
         const std::string folder = directory + "/" + id.substr(0, dash);
         if (dash == 0 || !Is(S_IFDIR, folder))
             continue;
-        const std::string found = FindEntryFileIn(folder, id.substr(dash + 1));
+        std::string found = FindEntryFileIn(folder, id.substr(dash + 1));
         if (!found.empty())
             return found;
     }
@@ -77,7 +77,7 @@ std::string FindEntryFile(const std::string& id) {
     if (!id.ends_with(".desktop") || id.find('/') != std::string::npos || id.size() > 255)
         return {};
     for (const std::string& directory : ApplicationDirectories()) {
-        const std::string path = FindEntryFileIn(directory, id);
+        std::string path = FindEntryFileIn(directory, id);
         if (!path.empty())
             return path;
     }

@@ -233,9 +233,9 @@ void BAlert::LayOut() {
     BRect monitor = BScreen().Frame();
     if (!main.IsEmpty()) {
         double scale = fState->scale;
-        monitor =
-            BScreen::MonitorFrame(BPoint(static_cast<float>((main.left + main.right) / 2 / scale),
-                                         static_cast<float>((main.top + main.bottom) / 2 / scale)));
+        monitor = BScreen::MonitorFrame(
+            BPoint(static_cast<float>((main.left + main.right) / 2.0 / scale),
+                   static_cast<float>((main.top + main.bottom) / 2.0 / scale)));
     }
     const float maxWidth = monitor.Width() - 40;
     const float maxHeight = monitor.Height() - 60;

@@ -20,7 +20,7 @@ char CharacterIn(const KeyRow& row, int32 key) {
     const int32 place = key - row.first;
     return place >= 0 && place < static_cast<int32>(row.characters.size())
                ? row.characters[static_cast<size_t>(place)]
-               : 0;
+               : '\0';
 }
 
 bool IsAscii(std::string_view bytes) {

@@ -92,7 +92,7 @@ status_t BMimeType::GetIcon(BBitmap* icon, icon_size size) const {
         return B_ENTRY_NOT_FOUND;
     const double unit = kUnits / static_cast<int>(size);
     for (int row = 0; row < size; row++) {
-        uint8* pixels = icon->Bits() + row * icon->BytesPerRow();
+        uint8* pixels = icon->Bits() + ptrdiff_t(row) * icon->BytesPerRow();
         for (int column = 0; column < size; column++)
             pixels[column] = PixelAt(layers, (column + 0.5) * unit, (row + 0.5) * unit);
     }
