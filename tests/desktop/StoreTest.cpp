@@ -1,7 +1,9 @@
 // The menus follow the disk while the program runs.
 
-#include "tests/desktop/DesktopTest.h"
+#include <sys/xattr.h>
 #include <thread>
+
+#include "tests/desktop/DesktopTest.h"
 
 using namespace test;
 namespace fs = std::filesystem;
@@ -38,7 +40,7 @@ TEST_F(StoreTest, MenusFollowTheDisk) {
     EXPECT_TRUE(SlotBecomes(5, 4, true));
     ChooseSlot(5, 4);
     EXPECT_EQ(LastUrl(1), "http://three.example/");
-    RemoveAttribute(BookmarkPath(2, "1 - Uno"), "META:url");
+    removexattr(BookmarkPath(2, "1 - Uno").c_str(), "user.META:url");
     EXPECT_TRUE(SlotBecomes(2, 1, false));
     fs::rename(fProgram.Root() / "2 - Folder", fProgram.Root() / "2 - Renamed folder");
     MakeBookmark(fProgram.Root() / "2 - Renamed folder/8 - Late", "http://late.example/");

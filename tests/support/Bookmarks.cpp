@@ -29,10 +29,6 @@ void SetAttribute(const fs::path& path, const std::string& name, const std::stri
         throw std::runtime_error("cannot write an attribute of " + path.string());
 }
 
-void RemoveAttribute(const fs::path& path, const std::string& name) {
-    removexattr(path.c_str(), ("user." + name).c_str());
-}
-
 std::optional<std::string> GetAttribute(const fs::path& path, const std::string& name) {
     char bytes[65536];
     const ssize_t size = getxattr(path.c_str(), ("user." + name).c_str(), bytes, sizeof bytes);

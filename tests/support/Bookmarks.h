@@ -16,7 +16,6 @@ void MakeBookmark(const std::filesystem::path& path, const std::string& url,
 // `name` is an attribute's name without the name space ("META:url"); the value is written as it is.
 void SetAttribute(const std::filesystem::path& path, const std::string& name,
                   const std::string& value);
-void RemoveAttribute(const std::filesystem::path& path, const std::string& name);
 std::optional<std::string> GetAttribute(const std::filesystem::path& path, const std::string& name);
 
 // "META:url" as a string with its NUL.

@@ -20,11 +20,6 @@ protected:
         const char* value = getenv(variable);
         return value ? atoi(value) : otherwise;
     }
-    static void RunWorkers(int seeds);
-    void RunSeed(unsigned seed);
-    void ChangeSomething();
-    void EditEveryBookmark(unsigned seed);
-
     // A place in the tree or outside, whether anything is there or not.
     int Any(int bound) { return static_cast<int>(fRandom() % static_cast<unsigned>(bound)); }
     fs::path AnyFolder() {
@@ -42,92 +37,92 @@ protected:
                (std::to_string(Any(10)) + (Any(4) ? " - " : " ") + std::to_string(Any(2)));
     }
 
-    std::mt19937 fRandom;
-};
-
-void ModelTest::RunWorkers(int seeds) {
-    std::vector<std::unique_ptr<test::ChildProcess>> workers;
-    for (const char* disk : {"/tmp", "/dev/shm"}) {
-        for (int first = 0; first < kWorkers; ++first)
-            workers.push_back(std::make_unique<test::ChildProcess>(test::ChildProcess::Options{
-                .arguments = {"/proc/self/exe", "--gtest_brief=1", "--gtest_filter=ModelTest.*"},
-                .environment = {{"TMPDIR", disk},
-                                {"MODEL_FIRST_SEED", std::to_string(first)},
-                                {"STORE_SEEDS", std::to_string(seeds)}},
-                .output = "",
-                .errors = ""}));
+    static void RunWorkers(int seeds) {
+        std::vector<std::unique_ptr<test::ChildProcess>> workers;
+        for (const char* disk : {"/tmp", "/dev/shm"}) {
+            for (int first = 0; first < kWorkers; ++first)
+                workers.push_back(std::make_unique<test::ChildProcess>(test::ChildProcess::Options{
+                    .arguments = {"/proc/self/exe", "--gtest_brief=1",
+                                  "--gtest_filter=ModelTest.*"},
+                    .environment = {{"TMPDIR", disk},
+                                    {"MODEL_FIRST_SEED", std::to_string(first)},
+                                    {"STORE_SEEDS", std::to_string(seeds)}}}));
+        }
+        for (auto& worker : workers)
+            EXPECT_EQ(worker->Wait(std::chrono::minutes(30)), 0);
     }
-    for (auto& worker : workers)
-        EXPECT_EQ(worker->Wait(std::chrono::minutes(30)), 0);
-}
 
-void ModelTest::ChangeSomething() {
-    std::error_code ignored;
-    const int what = Any(12);
-    if (what < 3) {
-        if (const fs::path file = AnyFile(); fs::exists(file.parent_path()))
-            test::MakeBookmark(file, "http://made");
-    } else if (what < 4) {
-        fs::remove(AnyFile(), ignored);
-    } else if (what < 7) {
-        fs::rename(AnyFile(), AnyFile(), ignored);
-    } else if (what < 8) {
-        renameat2(AT_FDCWD, AnyFile().c_str(), AT_FDCWD, AnyFile().c_str(), RENAME_EXCHANGE);
-    } else if (what < 10) {
-        if (const fs::path file = AnyFile(); fs::exists(file))
-            test::SetUrl(file, "http://changed" + std::to_string(Any(100)));
-    } else if (what < 11) {
-        fs::rename(AnyFolder(), AnyPlaceOfFolder(), ignored);
-    } else if (Any(3) > 0) {
-        renameat2(AT_FDCWD, AnyFolder().c_str(), AT_FDCWD, AnyFolder().c_str(), RENAME_EXCHANGE);
-    } else {
-        fs::remove_all(AnyFolder(), ignored);
+    void ChangeSomething() {
+        std::error_code ignored;
+        const int what = Any(12);
+        if (what < 3) {
+            if (const fs::path file = AnyFile(); fs::exists(file.parent_path()))
+                test::MakeBookmark(file, "http://made");
+        } else if (what < 4) {
+            fs::remove(AnyFile(), ignored);
+        } else if (what < 7) {
+            fs::rename(AnyFile(), AnyFile(), ignored);
+        } else if (what < 8) {
+            renameat2(AT_FDCWD, AnyFile().c_str(), AT_FDCWD, AnyFile().c_str(), RENAME_EXCHANGE);
+        } else if (what < 10) {
+            if (const fs::path file = AnyFile(); fs::exists(file))
+                test::SetUrl(file, "http://changed" + std::to_string(Any(100)));
+        } else if (what < 11) {
+            fs::rename(AnyFolder(), AnyPlaceOfFolder(), ignored);
+        } else if (Any(3) > 0) {
+            renameat2(AT_FDCWD, AnyFolder().c_str(), AT_FDCWD, AnyFolder().c_str(),
+                      RENAME_EXCHANGE);
+        } else {
+            fs::remove_all(AnyFolder(), ignored);
+        }
+        fs::create_directory(fHome.Path() / "outside", ignored);
     }
-    fs::create_directory(fHome.Path() / "outside", ignored);
-}
 
-void ModelTest::EditEveryBookmark(unsigned seed) {
-    const std::string url = "http://edited" + std::to_string(seed);
-    for (int digit = 0; digit < 10; ++digit) {
-        for (int slot = 0; slot < 10; ++slot) {
-            const std::string label = Label(digit, slot);
-            if (label == kEmptyLabel)
-                continue;
-            test::SetUrl(Root() / Title(digit) / label, url);
-            EXPECT_TRUE(UrlBecomes(digit, slot, url)) << "seed " << seed << ": " << label;
+    void EditEveryBookmark(unsigned seed) {
+        const std::string url = "http://edited" + std::to_string(seed);
+        for (int digit = 0; digit < 10; ++digit) {
+            for (int slot = 0; slot < 10; ++slot) {
+                const std::string label = Label(digit, slot);
+                if (label == kEmptyLabel)
+                    continue;
+                test::SetUrl(Root() / Title(digit) / label, url);
+                EXPECT_TRUE(UrlBecomes(digit, slot, url)) << "seed " << seed << ": " << label;
+            }
         }
     }
-}
 
-void ModelTest::RunSeed(unsigned seed) {
-    fRandom.seed(seed);
-    fs::remove_all(Root());
-    fs::remove_all(fHome.Path() / "outside");
-    fs::create_directories(fHome.Path() / "outside");
-    fs::create_directories(Root() / "marker");
-    Start();
-    for (int change = 0; change < kChanges; ++change) {
-        ChangeSomething();
-        if (Any(3) == 0)
-            std::this_thread::sleep_for(std::chrono::microseconds(Any(6'000)));
-    }
-    const int rebuilds = Rebuilds();
-    fs::remove(Root() / "marker");
-    ASSERT_TRUE(test::WaitUntil([&] { return Rebuilds() > rebuilds; })) << "seed " << seed;
-    StoreLooper* const live = fStore;
-    const auto equalsFresh = [&] {
-        fStore = live;
-        const auto shown = Contents();
+    void RunSeed(unsigned seed) {
+        fRandom.seed(seed);
+        fs::remove_all(Root());
+        fs::remove_all(fHome.Path() / "outside");
+        fs::create_directories(fHome.Path() / "outside");
+        fs::create_directories(Root() / "marker");
         Start();
-        const auto fresh = Contents();
+        for (int change = 0; change < kChanges; ++change) {
+            ChangeSomething();
+            if (Any(3) == 0)
+                std::this_thread::sleep_for(std::chrono::microseconds(Any(6'000)));
+        }
+        const int rebuilds = Rebuilds();
+        fs::remove(Root() / "marker");
+        ASSERT_TRUE(test::WaitUntil([&] { return Rebuilds() > rebuilds; })) << "seed " << seed;
+        StoreLooper* const live = fStore;
+        const auto equalsFresh = [&] {
+            fStore = live;
+            const auto shown = Contents();
+            Start();
+            const auto fresh = Contents();
+            Stop();
+            fStore = live;
+            return shown == fresh;
+        };
+        EXPECT_TRUE(test::WaitUntil(equalsFresh)) << "seed " << seed;
+        EditEveryBookmark(seed);
         Stop();
-        fStore = live;
-        return shown == fresh;
-    };
-    EXPECT_TRUE(test::WaitUntil(equalsFresh)) << "seed " << seed;
-    EditEveryBookmark(seed);
-    Stop();
-}
+    }
+
+    std::mt19937 fRandom;
+};
 
 TEST_F(ModelTest, MenusEndEqualToTheDiskAndFollowIt) {
     const int first = Number("MODEL_FIRST_SEED", -1);
