@@ -1,9 +1,7 @@
 #include "tests/support/Peer.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <utility>
 
 namespace test {
 
@@ -32,11 +30,6 @@ Peer::Peer(Desk& desktop, const Box& frame)
     if (frame.width > 0)
         xcb_map_window(fConnection, fWindow);
     Sync();
-}
-
-void Peer::Die() {
-    if (fConnection)
-        xcb_disconnect(std::exchange(fConnection, nullptr));
 }
 
 void Peer::Sync() const {

@@ -19,7 +19,7 @@ class Peer {
 public:
     // The window is above all others and accepts drags. It is shown unless `frame` is empty.
     explicit Peer(Desk& desktop, const Box& frame = {});
-    ~Peer() { Die(); }
+    ~Peer() { xcb_disconnect(fConnection); } // without a word to anybody
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
 
@@ -118,9 +118,6 @@ public:
     // The words of the next client message of that type.
     std::optional<std::vector<uint32_t>> AwaitMessage(const std::string& type);
 
-    // Die: without a word to anybody. Only the destructor may follow.
-    void Die();
-
 private:
     void Handle(const xcb_generic_event_t& event);
     void HandleMessage(const xcb_client_message_event_t& event);
@@ -133,7 +130,7 @@ private:
     std::string Property(xcb_window_t window, const std::string& name, bool remove = false);
 
     Desk& fDesktop;
-    xcb_connection_t* fConnection;
+    xcb_connection_t* const fConnection;
     const xcb_window_t fWindow;
     xcb_window_t fSource = XCB_NONE;
     std::vector<uint32_t> fTypes;

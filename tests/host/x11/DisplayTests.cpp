@@ -72,22 +72,22 @@ TEST(DesktopSettings, AreReadInEitherByteOrderAsFarAsTheyGo) {
 TEST(DisplayTest, FollowsTheSettingsManagerAsItComesChangesAndGoes) {
     Desk desk({.windowManager = false});
     TestDisplay display(desk);
-    Peer manager(desk);
+    auto manager = std::make_unique<Peer>(desk);
     const auto publish = [&](const Bytes& bytes) {
         const xcb_atom_t property = desk.Atom("_XSETTINGS_SETTINGS");
-        xcb_change_property(desk.Connection(), XCB_PROP_MODE_REPLACE, manager.Window(), property,
+        xcb_change_property(desk.Connection(), XCB_PROP_MODE_REPLACE, manager->Window(), property,
                             property, 8, static_cast<uint32>(bytes.size()), bytes.data());
         desk.Sync();
     };
     publish(Published({{"Net/DoubleClickTime", 250}}));
-    manager.Own("_XSETTINGS_S0");
-    manager.Send(desk.Root(), desk.Root(), "MANAGER",
-                 {XCB_CURRENT_TIME, desk.Atom("_XSETTINGS_S0")}, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    manager->Own("_XSETTINGS_S0");
+    manager->Send(desk.Root(), desk.Root(), "MANAGER",
+                  {XCB_CURRENT_TIME, desk.Atom("_XSETTINGS_S0")}, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     EXPECT_TRUE(WaitUntil([&] { return display->DoubleClickTime() == 250'000; }));
     publish(Published({{"Xft/DPI", 192 * 1024}}));
     EXPECT_TRUE(WaitUntil([&] { return display->Scale() == 2; }));
     EXPECT_EQ(display->DoubleClickTime(), 400'000);
-    manager.Die();
+    manager.reset();
     EXPECT_TRUE(WaitUntil([&] { return display->Scale() == 1; }));
 }
 
