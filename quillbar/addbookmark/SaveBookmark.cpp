@@ -140,7 +140,7 @@ QBSaveOutcome SaveBookmark(const QBBookmarkText& bookmark) {
         return {QBSaveResult::NotRenamed, reason};
     }
     if (path.IsEmpty()) {
-        const QBSaveOutcome created = Create(bookmark, path);
+        QBSaveOutcome created = Create(bookmark, path);
         if (created.result != QBSaveResult::Saved)
             return created;
     } else if (GetName(path) != bookmark.name) {

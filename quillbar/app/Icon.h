@@ -101,9 +101,9 @@ template <int Size, int Row>
 inline constexpr auto kRow = DrawRow<Size, Row>();
 
 template <int Size, int... Rows>
-constexpr std::array<uint32, Size * Size> JoinRows(std::integer_sequence<int, Rows...>) {
+constexpr std::array<uint32, size_t{Size} * Size> JoinRows(std::integer_sequence<int, Rows...>) {
     const std::array<uint32, Size> rows[] = {kRow<Size, Rows>...};
-    std::array<uint32, Size * Size> pixels{};
+    std::array<uint32, size_t{Size} * Size> pixels{};
     for (int i = 0; i < Size * Size; ++i)
         pixels[i] = rows[i / Size][i % Size];
     return pixels;
@@ -113,6 +113,6 @@ constexpr std::array<uint32, Size * Size> JoinRows(std::integer_sequence<int, Ro
 
 // `Size` times `Size` words 0xAARRGGBB, not premultiplied.
 template <int Size>
-constexpr std::array<uint32, Size * Size> DrawIcon() {
+constexpr std::array<uint32, size_t{Size} * Size> DrawIcon() {
     return icon::JoinRows<Size>(std::make_integer_sequence<int, Size>());
 }

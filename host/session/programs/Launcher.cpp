@@ -31,6 +31,7 @@ void SetUpChild(gpointer data) {
         signal(number, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the child has one thread
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
@@ -97,7 +98,7 @@ void Watch(pid_t process, std::function<void()> onFailure) {
 
 std::string FindProgram(const std::string& name) {
     char* found = g_find_program_in_path(name.c_str());
-    const std::string path = found && found[0] == '/' ? found : "";
+    std::string path = found && found[0] == '/' ? found : "";
     g_free(found);
     return path;
 }

@@ -177,7 +177,8 @@ std::vector<uint32> IconWords(const Image& icon) {
     for (int y = 0; y < icon.height; y++) {
         for (int x = 0; x < icon.width; x++) {
             uint32 pixel;
-            std::memcpy(&pixel, icon.pixels + std::ptrdiff_t(y) * icon.stride + x * 4,
+            std::memcpy(&pixel,
+                        icon.pixels + std::ptrdiff_t(y) * icon.stride + std::ptrdiff_t(x) * 4,
                         sizeof(pixel));
             words.push_back(pixel);
         }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint8 kSide = 16;
 constexpr size_t kInk = 4;
-constexpr size_t kMask = kInk + 2 * kSide;
+constexpr size_t kMask = kInk + size_t{2} * kSide;
 
 } // namespace
 
