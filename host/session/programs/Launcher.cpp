@@ -97,6 +97,9 @@ void Watch(pid_t process, std::function<void()> onFailure) {
 } // namespace
 
 std::string FindProgram(const std::string& name) {
+    // GLib would look for a relative path from the working directory.
+    if (!name.starts_with('/') && name.find('/') != std::string::npos)
+        return {};
     char* found = g_find_program_in_path(name.c_str());
     std::string path = found && found[0] == '/' ? found : "";
     g_free(found);
