@@ -60,7 +60,10 @@ TEST_F(InputTest, AButtonIsPressedByThePrimaryClickThatEndsOverIt) {
     EXPECT_TRUE(WaitFor(window, [&] { return button->Value() == B_CONTROL_ON; }));
     MoveOver(view, BPoint(20, 20));
     EXPECT_TRUE(WaitFor(window, [&] { return button->Value() == B_CONTROL_OFF; }));
+    // Else the next click would take this release for its own.
+    const int releases = window->releases;
     desk.Release();
+    EXPECT_TRUE(test::WaitUntil([&] { return window->releases > releases; }));
     WithLock(window, [&] { button->SetEnabled(false); });
     ClickAt(button, inside);
     EXPECT_EQ(presses(), 1);
