@@ -18,6 +18,8 @@ TEST_F(ScaledDesktopTest, EverythingIsTwiceAsLargeAndAnotherScaleIsFollowedInPla
     EXPECT_EQ(fProgram.Content(), (Box{60, 60, 44, 528}));
     ActivateBar();
     const Box whole = fProgram.Bar().frame;
+    // It is drawn darker while it is not active.
+    EXPECT_TRUE(WaitUntil([&] { return fDesk.Pixel(whole.x + 16, whole.y + 12) == 0xd8d8d8; }));
     const Picture asStarted = fDesk.Settled(whole);
     const FolderMenu menu = OpenFolder(3);
     const Box button = fProgram.Button(3);
