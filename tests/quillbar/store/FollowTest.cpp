@@ -184,7 +184,12 @@ std::string FollowWithFewWatches(int count) {
         for (int slot = 0; slot < 9; ++slot)
             test::MakeBookmark(root / folder / (std::to_string(slot) + " - a"), "http://a");
     gSettings = new QBSettings(BPath("/boot/home/config/settings/Quillbar.settings"));
-    auto* store = new StoreLooper;
+    // Ends before the home: that one changes the environment, which the store reads.
+    const auto quit = [](StoreLooper* looper) {
+        looper->Lock();
+        looper->Quit();
+    };
+    const std::unique_ptr<StoreLooper, decltype(quit)> store(new StoreLooper, quit);
     store->Run();
     const auto becomes = [&](int slot, const std::string& url) {
         QBItem* const* items = store->fMonitor->fPaths[9]->Items();
