@@ -4,10 +4,27 @@
 
 #include <X11/keysym.h>
 
-#include "tests/desktop/FolderMenu.h"
 #include "tests/desktop/Program.h"
 #include "tests/support/Bookmarks.h"
 #include "tests/support/RecordedApps.h"
+
+// A menu that is open, read from the screen. Nothing but pixels shows what is in it, so the height
+// of an item is that of the mark under the pointer.
+class FolderMenu {
+public:
+    // Waits until the program's newest menu is painted. Moves the pointer.
+    FolderMenu(test::Desk& desk, const Program& program);
+
+    const test::Box& Frame() const { return fFrame; }
+    test::Box Slot(int digit) const; // on the screen
+    test::Picture Label(int digit) const;
+
+private:
+    test::Box fFrame;
+    test::Picture fPicture; // without a mark
+    int fHeight = 0;        // of an item
+    int fBottom = 0;        // of the last item, in the menu
+};
 
 // A home folder with a default browser and Opera in it, and the program, which a test starts
 // itself. What still runs at the end is asked to quit and must end with status 0.

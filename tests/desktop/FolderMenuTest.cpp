@@ -26,9 +26,9 @@ TEST_F(FolderMenuTest, AClickOpensItBesideTheButtonAndAnotherChooses) {
     // The button's right edge; the menu's border may lie around its content.
     EXPECT_NEAR(menu.Frame().x, button.x + 20, 2);
     EXPECT_NEAR(menu.Frame().y, button.y, 2);
-    EXPECT_FALSE(menu.SameLabel(5, 4));
-    EXPECT_FALSE(menu.SameLabel(0, 5));
-    EXPECT_TRUE(menu.SameLabel(4, 9));
+    EXPECT_NE(menu.Label(5), menu.Label(4));
+    EXPECT_NE(menu.Label(0), menu.Label(5));
+    EXPECT_EQ(menu.Label(4), menu.Label(9));
     const Box place = menu.Slot(5);
     fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(fApps.WaitForLaunches(1),

@@ -65,7 +65,7 @@ TEST_F(HostileInputTest, OddFilesAndAttributes) {
     const FolderMenu menu = OpenFolder(1);
     EXPECT_TRUE(fDesk.Frame().Contains(menu.Frame()));
     for (int slot = 0; slot < 9; ++slot)
-        EXPECT_EQ(menu.SameLabel(slot, 9), slot > 3) << slot;
+        EXPECT_EQ(menu.Label(slot) == menu.Label(9), slot > 3) << slot;
     const Box place = menu.Slot(2);
     fDesk.Click(place.CenterX(), place.CenterY());
     EXPECT_EQ(LastUrl(1), "http://odd.example/");

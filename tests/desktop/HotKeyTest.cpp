@@ -9,6 +9,7 @@ namespace {
 using Keys = std::vector<uint32_t>;
 
 constexpr char kStart[] = "http://start.example/";
+constexpr char kThree[] = "http://three.example/";
 constexpr char kFive[] = "http://five.example/";
 constexpr char kNine[] = "http://nine.example/";
 constexpr char kProbe[] = "http://probe.example/";
@@ -17,17 +18,20 @@ class HotKeyTest : public DesktopTest {
 protected:
     ~HotKeyTest() override { SetLayout("us"); }
 
-    void Start() {
+    void Start(const Keys& hotKey = {XK_Super_L}) {
         AddBookmark(7, "7 - Start", kStart);
+        AddBookmark(3, "3 - Three", kThree);
         AddBookmark(3, "5 - Five", kFive);
         AddBookmark(0, "9 - Nine", kNine);
         AddBookmark(8, "8 - Probe", kProbe);
+        fHotKey = hotKey;
         fProgram.Start();
         fOther.Activate();
         // The bar asks for keys only when it has been painted.
+        const size_t before = fApps.Launches().size();
         ASSERT_TRUE(WaitUntil([&] {
             TypeAfterHotKey({XK_KP_7, XK_KP_7});
-            return WaitUntil([&] { return !fApps.Launches().empty(); },
+            return WaitUntil([&] { return fApps.Launches().size() > before; },
                              std::chrono::milliseconds(300));
         }));
     }
@@ -35,10 +39,14 @@ protected:
         for (const uint32_t key : keys)
             fDesk.Key(key);
     }
-    void TypeAfterHotKey(const Keys& keys) {
-        fDesk.Key(XK_Super_L);
+    void TypeAfter(const Keys& held, const Keys& keys) {
+        for (const uint32_t key : held)
+            fDesk.KeyDown(key);
+        for (const uint32_t key : held)
+            fDesk.KeyUp(key);
         Type(keys);
     }
+    void TypeAfterHotKey(const Keys& keys) { TypeAfter(fHotKey, keys); }
     // Whether this was launched since the last call, and nothing else.
     bool IsLaunched(const std::string& url) {
         fExpected.push_back(url);
@@ -62,6 +70,7 @@ protected:
         EXPECT_EQ(ChildProcess({.arguments = {"setxkbmap", "-layout", layout}}).Wait(), 0);
     }
 
+    Keys fHotKey;
     PlainWindow fOther{fDesk, {500, 500, 200, 100}};
     std::vector<std::string> fExpected;
 };
@@ -93,6 +102,44 @@ TEST_F(HotKeyTest, TheWindowsKeyAndTwoKeypadDigitsLaunch) {
     TypeAfterHotKey({XK_3, XK_KP_3, XK_KP_5});
     Type({XK_KP_3, XK_KP_5});
     EXPECT_TRUE(NothingIsLaunched()) << "of the other row, or without the hot key";
+
+    TypeAfterHotKey({XK_KP_3});
+    TypeAfterHotKey({XK_KP_5});
+    EXPECT_TRUE(IsLaunched(kFive)) << "the folder's digit stays";
+    TypeAfterHotKey({});
+    TypeAfter({XK_KP_3, XK_KP_5}, {});
+    EXPECT_TRUE(IsLaunched(kThree)) << "of several digits the lowest";
+}
+
+TEST_F(HotKeyTest, OtherKeysMayBeItAndSeveralAreHeldTogether) {
+    const struct {
+        int32 setting;
+        std::vector<Keys> right, wrong;
+    } cases[] = {
+        {1, {{XK_Alt_L}, {XK_Alt_R}}, {}},
+        {2, {{XK_Shift_L}, {XK_Shift_R}}, {}},
+        {4, {{XK_Control_L}, {XK_Control_R}}, {}},
+        {16, {{XK_Menu}}, {}},
+        {32, {{XK_KP_Delete}}, {{XK_Super_L}}},
+        {1 + 4, {{XK_Alt_L, XK_Control_L}, {XK_Control_R, XK_Super_L, XK_Alt_R}}, {{XK_Alt_L}}},
+        {8 + 32,
+         {{XK_Super_L, XK_KP_Delete}},
+         {{XK_Super_L}, {XK_KP_Delete}, {XK_Super_L, XK_a, XK_KP_Delete}}},
+    };
+    for (const auto& [setting, right, wrong] : cases) {
+        BMessage settings;
+        settings.AddInt32("hotkey", setting);
+        fProgram.WriteSettings(settings);
+        Start(right[0]);
+        for (const Keys& held : right) {
+            TypeAfter(held, {XK_KP_3, XK_KP_5});
+            EXPECT_TRUE(IsLaunched(kFive)) << setting;
+        }
+        for (const Keys& held : wrong)
+            TypeAfter(held, {XK_KP_3, XK_KP_5});
+        EXPECT_TRUE(NothingIsLaunched()) << setting;
+        EXPECT_EQ(fProgram.Stop(), 0);
+    }
 }
 
 TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {

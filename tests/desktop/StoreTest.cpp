@@ -23,7 +23,7 @@ protected:
     Picture Label(int folder, int slot) {
         const FolderMenu menu = OpenFolder(folder);
         CloseMenus();
-        return menu.SlotPicture(slot);
+        return menu.Label(slot);
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include <csignal>
 #include <fcntl.h>
-#include <poll.h>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -49,11 +48,7 @@ ChildProcess::ChildProcess(const Options& options)
     std::vector<std::string> variables = Environment(options.environment);
     const std::vector<char*> argv = Pointers(arguments);
     const std::vector<char*> envp = Pointers(variables);
-    int ends[2] = {-1, -1};
-    if (options.pipe && pipe2(ends, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    fOutput = ends[0];
-    const int output = options.pipe ? ends[1] : OpenForWriting(options.output);
+    const int output = OpenForWriting(options.output);
     const int errors = OpenForWriting(options.errors);
     const pid_t parent = getpid();
 
@@ -91,12 +86,6 @@ uid_t ChildProcess::OrdinaryUser() {
     return geteuid() == 0 ? kNobody : geteuid();
 }
 
-ChildProcess::~ChildProcess() {
-    Kill();
-    if (fOutput >= 0)
-        close(fOutput);
-}
-
 bool ChildProcess::IsRunning() {
     if (fStatus)
         return false;
@@ -127,19 +116,6 @@ void ChildProcess::Kill() {
         return;
     Signal(SIGKILL);
     Wait();
-}
-
-std::string ChildProcess::ReadLine(std::chrono::milliseconds deadline) {
-    std::string line;
-    pollfd ready{fOutput, POLLIN, 0};
-    char byte = 0;
-    while (poll(&ready, 1, static_cast<int>(deadline.count())) == 1 &&
-           read(fOutput, &byte, 1) == 1) {
-        if (byte == '\n')
-            return line;
-        line += byte;
-    }
-    throw std::runtime_error("a program did not write its line");
 }
 
 } // namespace test

@@ -22,12 +22,11 @@ public:
         std::string output{};                             // file for standard output; "" keeps ours
         std::string errors{};                             // file for standard error; "" keeps ours
         bool ordinaryUser = false;                        // without root's rights, if we have them
-        bool pipe = false;                                // standard output is for ReadLine()
         int endsBy = SIGKILL; // the signal of Kill() and of this thread's end
     };
 
     explicit ChildProcess(const Options& options);
-    ~ChildProcess();
+    ~ChildProcess() { Kill(); }
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
@@ -42,14 +41,10 @@ public:
     // The exit status, 128 + N after a death by signal N; nothing if it still runs at the deadline.
     std::optional<int> Wait(std::chrono::milliseconds deadline = kDeadline);
 
-    // From its standard output. Throws at the end of it, or at the deadline.
-    std::string ReadLine(std::chrono::milliseconds deadline = kDeadline);
-
     void Kill();
 
 private:
     const int fEndsBy;
-    int fOutput = -1;
     pid_t fPid = -1;
     std::optional<int> fStatus;
 };

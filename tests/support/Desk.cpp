@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <sys/uio.h>
+#include <unistd.h>
 #include <xcb/randr.h>
 #include <xcb/xcbext.h>
 
@@ -80,13 +83,21 @@ Desk::~Desk() {
 void Desk::StartServer(const Options& options) {
     const std::string screen = std::to_string(options.width) + "x" +
                                std::to_string(options.height) + "x" + std::to_string(options.depth);
+    const auto name =
+        std::filesystem::temp_directory_path() / ("display-" + std::to_string(getpid()));
     fServer = std::make_unique<ChildProcess>(
         ChildProcess::Options{.arguments = {"Xvfb", "-displayfd", "1", "-nolisten", "tcp",
                                             "-noreset", "-screen", "0", screen},
+                              .output = name,
                               .errors = "/dev/null",
-                              .pipe = true,
                               .endsBy = SIGTERM}); // it removes its socket and its lock file
-    fName = ":" + fServer->ReadLine();             // written when clients may connect
+    // It is written, with a new line, when clients may connect.
+    std::string number;
+    const bool isUp = WaitUntil([&] { return !std::getline(std::ifstream(name), number).eof(); });
+    std::filesystem::remove(name);
+    if (!isUp)
+        throw std::runtime_error("the private X server did not start");
+    fName = ":" + number;
 }
 
 // Returns when it answers messages: a window that asks to be shown earlier may lie in its queue
@@ -189,8 +200,6 @@ PlainWindow::PlainWindow(Desk& desk, const Box& frame)
                       static_cast<uint16_t>(frame.width), static_cast<uint16_t>(frame.height), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL,
                       &white);
-    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, fWindow, XCB_ATOM_WM_NAME,
-                        XCB_ATOM_STRING, 8, 5, "Plain");
     const int32_t userPosition[18] = {1 | 2}; // WM_NORMAL_HINTS: USPosition, USSize
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, fWindow, XCB_ATOM_WM_NORMAL_HINTS,
                         XCB_ATOM_WM_SIZE_HINTS, 32, 18, userPosition);

@@ -51,10 +51,8 @@ struct WindowInfo {
     xcb_window_t id = XCB_NONE;
     Box frame; // of its inside, without border or decoration, on the screen
     bool viewable = false;
-    bool overrideRedirect = false;
-    pid_t pid = 0; // _NET_WM_PID, 0 without it
-    std::string title;
-    std::string className;          // of WM_CLASS
+    pid_t pid = 0;                  // _NET_WM_PID, 0 without it
+    std::string title;              // _NET_WM_NAME
     std::vector<std::string> types; // _NET_WM_WINDOW_TYPE
 
     bool HasType(const std::string& name) const;
@@ -147,7 +145,7 @@ public:
     // Releases the keys and buttons that are still down.
     void LetGo();
     // Whether a program could grab pointer and keyboard; waits for it.
-    bool IsInputFree() const;
+    bool IsInputFree();
     // Whether a program has grabbed it; takes nothing from that program.
     bool IsKeyboardGrabbed() const;
 

@@ -90,8 +90,7 @@ void Desk::Collect(xcb_window_t parent, int depth, std::vector<WindowInfo>& foun
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
     for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
         const WindowInfo window = Describe(children[i]);
-        if (window.pid != 0 || !window.className.empty() || !window.title.empty() ||
-            !window.types.empty())
+        if (window.pid != 0 || !window.title.empty() || !window.types.empty())
             found.push_back(window);
         else if (depth < 4)
             Collect(children[i], depth + 1, found);
@@ -113,8 +112,6 @@ WindowInfo Desk::Describe(xcb_window_t window) const {
         fConnection, window, Root(), int16_t{0}, int16_t{0});
     const auto pid = SendGetProperty(window, "_NET_WM_PID");
     const auto title = SendGetProperty(window, "_NET_WM_NAME");
-    const auto oldTitle = SendGetProperty(window, "WM_NAME");
-    const auto names = SendGetProperty(window, "WM_CLASS");
     const auto types = SendGetProperty(window, "_NET_WM_WINDOW_TYPE");
 
     WindowInfo info;
@@ -122,11 +119,6 @@ WindowInfo Desk::Describe(xcb_window_t window) const {
     for (const uint32_t number : Words(pid()))
         info.pid = static_cast<pid_t>(number);
     info.title = Bytes(title());
-    const std::string secondTitle = Bytes(oldTitle());
-    if (info.title.empty())
-        info.title = secondTitle;
-    const std::string both = Bytes(names()); // the instance's name first
-    info.className = both.substr(both.find('\0') + 1).c_str();
     info.types = AtomNames(Words(types()));
     const auto size = geometry();
     const auto state = attributes();
@@ -135,7 +127,6 @@ WindowInfo Desk::Describe(xcb_window_t window) const {
         return info;
     info.frame = {corner->dst_x, corner->dst_y, size->width, size->height};
     info.viewable = state->map_state == XCB_MAP_STATE_VIEWABLE;
-    info.overrideRedirect = state->override_redirect != 0;
     return info;
 }
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <xcb/xtest.h>
 
-#include "tests/support/Desk.h"
+#include "tests/support/Peer.h"
 
 namespace test {
 
@@ -128,20 +128,12 @@ bool Desk::IsKeyboardGrabbed() const {
     return reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
 }
 
-bool Desk::IsInputFree() const {
-    return WaitUntil([this] {
-        const auto pointer = Ask<xcb_grab_pointer, xcb_grab_pointer_reply>(
-            fConnection, uint8_t{0}, Root(), uint16_t{0}, uint8_t{XCB_GRAB_MODE_ASYNC},
-            uint8_t{XCB_GRAB_MODE_ASYNC}, xcb_window_t{XCB_NONE}, xcb_cursor_t{XCB_NONE},
-            xcb_timestamp_t{XCB_CURRENT_TIME});
-        const auto keyboard = Ask<xcb_grab_keyboard, xcb_grab_keyboard_reply>(
-            fConnection, uint8_t{0}, Root(), xcb_timestamp_t{XCB_CURRENT_TIME},
-            uint8_t{XCB_GRAB_MODE_ASYNC}, uint8_t{XCB_GRAB_MODE_ASYNC});
-        xcb_ungrab_pointer(fConnection, XCB_CURRENT_TIME);
-        xcb_ungrab_keyboard(fConnection, XCB_CURRENT_TIME);
-        Sync();
-        return pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
-               keyboard->status == XCB_GRAB_STATUS_SUCCESS;
+bool Desk::IsInputFree() {
+    Peer other(*this);
+    return WaitUntil([&] {
+        const bool isFree = other.GrabPointer() && other.GrabKeyboard();
+        other.Ungrab();
+        return isFree;
     });
 }
 
