@@ -26,22 +26,19 @@ constexpr const char* kSignature = "application/x-vnd.test-program";
 
 using Lines = std::vector<std::string>;
 
-Lines LinesOf(const std::string& path) {
-    std::ifstream file(path);
-    Lines lines;
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(line);
-    return lines;
-}
-
 // A start of the program beside this one.
 struct Program : test::ChildProcess {
     explicit Program(const Options& start)
         : ChildProcess(start)
-        , output(start.output)
-        , errors(start.errors) {}
+        , output(start.output) {}
 
-    Lines Said() const { return LinesOf(output); }
+    Lines Said() const {
+        std::ifstream file(output);
+        Lines lines;
+        for (std::string line; std::getline(file, line);)
+            lines.push_back(line);
+        return lines;
+    }
     // Whether it says this, now or soon.
     bool Says(const std::string& line) const {
         return test::WaitUntil([&] { return testing::Value(Said(), Contains(line)); });
@@ -52,7 +49,6 @@ struct Program : test::ChildProcess {
     }
 
     const std::string output;
-    const std::string errors;
 };
 
 class ApplicationTest : public testing::Test {
@@ -62,9 +58,7 @@ protected:
         command.insert(command.end(), {APP_PROGRAM, kSignature});
         command.insert(command.end(), options.begin(), options.end());
         return fPrograms.emplace_back(
-            test::ChildProcess::Options{.arguments = command,
-                                        .output = stem.string() + ".out",
-                                        .errors = stem.string() + ".err"});
+            test::ChildProcess::Options{.arguments = command, .output = stem});
     }
 
     test::TemporaryHome fHome;
@@ -120,17 +114,6 @@ TEST_F(ApplicationTest, OfManyStartsAtOnceOneRuns) {
     EXPECT_EQ(1, running());
 }
 
-TEST_F(ApplicationTest, AStartBesideOneThatDoesNotAnswerSaysSo) {
-    Program& first = Start({"exclusive"});
-    ASSERT_TRUE(first.Says("ready"));
-    first.Signal(SIGSTOP);
-    Program& second = Start({"exclusive"});
-    EXPECT_EQ(1, second.Wait());
-    EXPECT_EQ(1u, LinesOf(second.errors).size());
-    first.Signal(SIGCONT);
-    EXPECT_EQ(0, first.End());
-}
-
 TEST_F(ApplicationTest, OtherProgramsMayAskAndQuitButNotStartItAgain) {
     Program& program = Start({"exclusive"});
     ASSERT_TRUE(program.Says("ready"));
@@ -142,14 +125,6 @@ TEST_F(ApplicationTest, OtherProgramsMayAskAndQuitButNotStartItAgain) {
     EXPECT_THAT(program.Said(),
                 UnorderedElementsAre("built", "ready", "local test", "dismiss", "about",
                                      "remote quit", "dismiss", "quit windows", "destroyed"));
-}
-
-TEST_F(ApplicationTest, RunsWithAWarningWhereItCannotBeRegistered) {
-    std::ofstream(fHome.Runtime() / "quillbar") << "in the way";
-    Program& program = Start({"exclusive"});
-    ASSERT_TRUE(program.Says("ready"));
-    EXPECT_EQ(1u, LinesOf(program.errors).size());
-    EXPECT_EQ(0, program.End());
 }
 
 } // namespace

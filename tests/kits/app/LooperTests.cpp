@@ -97,17 +97,6 @@ protected:
     BMessenger messenger{looper};
 };
 
-TEST_F(LooperTest, ALooperInTheMiddleOfAMessageIsWaitedFor) {
-    RunBusy([&] {
-        snooze(20'000);
-        log.Add('busy');
-    });
-    ASSERT_TRUE(looper->Lock());
-    looper->Lock();
-    looper->Quit();
-    EXPECT_EQ(Codes({'busy', 'gone'}), log.Seen());
-}
-
 TEST_F(LooperTest, ThreadsThatWaitForItsLockAreRefusedWhenItIsDeleted) {
     BHandler handler;
     looper->AddHandler(&handler);

@@ -74,14 +74,6 @@ TEST(Bitmap, IsDrawnIntoByItsViewsAtHalfOpacity) {
     }
 }
 
-TEST(View, FollowsItsParentsSize) {
-    BView parent(BRect(0, 0, 99, 99), "parent", B_FOLLOW_NONE, 0);
-    parent.AddChild(
-        new BView(BRect(10, 10, 29, 29), "child", B_FOLLOW_RIGHT | B_FOLLOW_V_CENTER, 0));
-    parent.ResizeTo(119, 109);
-    EXPECT_EQ(parent.ChildAt(0)->Frame(), BRect(30, 15, 49, 34));
-}
-
 using ViewTest = InterfaceTest;
 
 TEST_F(ViewTest, IsClippedToItsParentsAndDrawnOnlyWhereThatIsNeeded) {

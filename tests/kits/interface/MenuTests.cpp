@@ -120,32 +120,6 @@ TEST_F(MenuTest, ATallMenuScrollsByTheWheelAtItsEndsAndByKeys) {
     EXPECT_EQ(Answer(), menu.ItemAt(130));
 }
 
-TEST_F(MenuTest, OneThatWasGivenAwayDeletesItself) {
-    static std::atomic<int> deleted = 0;
-    class GivenMenu : public BPopUpMenu {
-    public:
-        GivenMenu()
-            : BPopUpMenu("given", false, false) {
-            AddItem(new BMenuItem("One", new BMessage('one ')));
-            SetAsyncAutoDestruct(true);
-        }
-        ~GivenMenu() override { deleted++; }
-    };
-    auto* window = new RecordingWindow(BRect(50, 50, 149, 149));
-    Show(window);
-    auto* chosen = new GivenMenu;
-    chosen->SetTargetForItems(BMessenger(window));
-    EXPECT_EQ(chosen->Go(BPoint(200, 200), true, true, true), nullptr);
-    ASSERT_TRUE(WaitForMenus(1));
-    // Another one cannot open meanwhile, and is gone at once.
-    (new GivenMenu)->Go(BPoint(300, 300), true, true, true);
-    EXPECT_EQ(deleted, 1);
-    desk.Key(XK_Down);
-    desk.Key(XK_Return);
-    EXPECT_TRUE(WaitUntil([] { return deleted == 2; }));
-    EXPECT_TRUE(WaitUntil([&] { return window->CountReceived('one ') == 1; }));
-}
-
 // Another program that holds the keyboard is a case of the whole program's tests.
 TEST_F(MenuTest, NoneOpensWithoutThePointerAndAChangeOfTheMonitorsClosesIt) {
     AddThree();
@@ -162,25 +136,6 @@ TEST_F(MenuTest, NoneOpensWithoutThePointerAndAChangeOfTheMonitorsClosesIt) {
     EXPECT_TRUE(desk.IsInputFree());
     desk.SetMonitors({desk.Frame()});
     EXPECT_TRUE(WaitUntil([&] { return host::Display::Shared()->Monitors().size() == 1; }));
-}
-
-TEST_F(MenuTest, ItemsMayGetOtherLabelsWhileItIsOpen) {
-    for (int i = 0; i < 20; i++)
-        Add(menu, "Item");
-    Open();
-    const auto width = [&] { return desk.Shown("POPUP_MENU").at(0).frame.width; };
-    const int before = width();
-    for (size_t round = 0; round <= 50; round++) {
-        EXPECT_TRUE(InMenu(&menu, [&] {
-            for (int32 i = 0; i < 20; i++)
-                menu.ItemAt(i)->SetLabel(
-                    std::string(round < 50 ? i * round % 260 : 40 - i, 'x').c_str());
-        }));
-        desk.Key(XK_Down);
-    }
-    EXPECT_TRUE(WaitUntil([&] { return width() > before && width() < 600; }));
-    Click(menu.ItemAt(7));
-    EXPECT_EQ(Answer(), menu.ItemAt(7));
 }
 
 TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {

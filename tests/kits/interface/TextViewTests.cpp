@@ -4,12 +4,10 @@
 
 namespace {
 
-class TextViewTest : public InterfaceTest {
-protected:
-    BTextView text{BRect(0, 0, 199, 299), "text", BRect(0, 0, 199, 0), B_FOLLOW_NONE, B_WILL_DRAW};
-};
+using TextViewTest = InterfaceTest;
 
 TEST_F(TextViewTest, WrapsAnyBytesAtWordsOrAtNewLinesOnly) {
+    BTextView text{BRect(0, 0, 199, 299), "text", BRect(0, 0, 199, 0), B_FOLLOW_NONE, B_WILL_DRAW};
     text.SetText("a line that is wider than two hundred pixels of a text rectangle\nii\n");
     EXPECT_GE(text.CountLines(), 4);
     EXPECT_LE(text.CountLines(), 6);
@@ -26,18 +24,6 @@ TEST_F(TextViewTest, WrapsAnyBytesAtWordsOrAtNewLinesOnly) {
     text.SetTextRect({0, 0, 0, 0});
     text.SetText("narrow\xc3\xa4");
     EXPECT_EQ(text.CountLines(), 7);
-}
-
-TEST_F(TextViewTest, StylesARangeUntilAnotherTextIsSet) {
-    text.SetText("ERROR:\n\nSomething");
-    text.SetStylable(true);
-    const float plain = text.TextHeight();
-    BFont font;
-    font.SetSize(16);
-    text.SetFontAndColor(-5, 6, &font);
-    EXPECT_GT(text.TextHeight(0, 0), text.TextHeight(2, 2));
-    text.SetText("no style is left");
-    EXPECT_EQ(text.TextHeight(), plain / 3);
 }
 
 TEST_F(TextViewTest, HigherThanTheViewItEndsWithAnEllipsis) {

@@ -6,7 +6,6 @@
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "kits/app/Message.h"
@@ -55,18 +54,6 @@ protected:
 
     test::TemporaryHome fHome;
 };
-
-// Runs `work` in a child process and answers its status.
-int InChild(const std::function<void()>& work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        work();
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return status;
-}
 
 TEST_F(SettingsTest, FieldsOfAnotherTypeAreLeftAloneAndMissingOnesCanBeSet) {
     BMessage message;
@@ -136,15 +123,16 @@ TEST_F(SettingsTest, FilesThatMayNotBeReadOrWrittenAreNotReplaced) {
     for (const fs::perms mode : {fs::perms(0000), fs::perms(0444)}) {
         Save(5);
         fs::permissions(File(), mode);
-        EXPECT_EQ(InChild([] {
-                      if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
-                          _exit(1);
-                      QBSettings settings(Path());
-                      settings.Load();
-                      settings.SetHotKey(6);
-                      settings.Save();
-                  }),
-                  0);
+        const auto save = [] {
+            if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
+                _exit(1);
+            QBSettings settings(Path());
+            settings.Load();
+            settings.SetHotKey(6);
+            settings.Save();
+            _exit(0);
+        };
+        EXPECT_EXIT(save(), testing::ExitedWithCode(0), "");
         fs::permissions(File(), fs::perms(0644));
         EXPECT_EQ(LoadedHotKey(), 5);
     }
@@ -182,13 +170,14 @@ TEST_F(SettingsTest, WhatIsNoFileIsNeitherReadNorReplaced) {
 
 TEST_F(SettingsTest, FullDiskKeepsTheOldFile) {
     Save(5);
-    const int status = InChild([] {
+    const auto save = [] {
         signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{100, 100};
         setrlimit(RLIMIT_FSIZE, &limit);
         Save(6);
-    });
-    EXPECT_EQ(status, 0);
+        _exit(0);
+    };
+    EXPECT_EXIT(save(), testing::ExitedWithCode(0), "");
     EXPECT_EQ(LoadedHotKey(), 5);
     EXPECT_FALSE(fs::exists(File(".new")));
 }

@@ -4,16 +4,11 @@
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
-#include <set>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
-#include "kits/interface/controls/Box.h"
-#include "kits/interface/controls/Button.h"
-#include "kits/interface/menus/Menu.h"
 #include "kits/interface/menus/MenuField.h"
 #include "kits/interface/text/TextControl.h"
 #include "quillbar/addbookmark/BookmarkWindow.h"
@@ -122,79 +117,12 @@ TEST_F(AddWindowTest, ASlotThatWasEmptiedUnderItsOpenMenuLaunchesNothing) {
               (std::vector<test::RecordedApps::Launch>{{"browser", {"http://paper"}}}));
 }
 
-// Its label is not cut, also where a logical pixel is two.
-void ExpectLabelFits(BView& view, const char* label, float room) {
-    BFont font;
-    view.GetFont(&font);
-    EXPECT_LE(font.StringWidth(label), room) << label;
-    font.SetSize(2 * font.Size());
-    EXPECT_LE(font.StringWidth(label), 2 * room) << label;
-    EXPECT_GE(font.Size(), 2 * 8) << label << " is hard to read";
-}
-
-// A view's label and the room for it; empty if it has none.
-std::pair<std::string, float> LabelAndRoom(BView& view) {
-    if (auto* text = dynamic_cast<BTextControl*>(&view))
-        return {text->Label(), text->Divider() - 1};
-    if (auto* field = dynamic_cast<BMenuField*>(&view))
-        return {field->Label(), field->Divider() - 1};
-    if (auto* button = dynamic_cast<BButton*>(&view))
-        return {button->Label(), view.Bounds().Width() - 11};
-    if (auto* box = dynamic_cast<BBox*>(&view))
-        return {box->Label(), view.Bounds().Width() - 16};
-    return {};
-}
-
-void ExpectFits(BView& view, std::set<std::string>& labels) {
-    if (const auto [label, room] = LabelAndRoom(view); !label.empty()) {
-        ExpectLabelFits(view, label.c_str(), room);
-        labels.insert(label);
-    }
-    if (auto* field = dynamic_cast<BMenuField*>(&view))
-        ExpectLabelFits(*field->Menu(), field->Menu()->Name(), field->RoomForShownLabel());
-    for (int32 i = 0; i < view.CountChildren(); ++i) {
-        BView& child = *view.ChildAt(i);
-        EXPECT_EQ(child.Frame(), view.Bounds() & child.Frame());
-        if (dynamic_cast<BTextControl*>(&view) == nullptr)
-            ExpectFits(child, labels);
-    }
-}
-
-TEST_F(AddWindowTest, EverythingHasItsPlaceAndRoomForItsLabel) {
-    Open();
-    InIt([](QBBookmarkWindow& window) {
-        EXPECT_EQ(window.Bounds(), BRect(0, 0, 330, 380));
-        EXPECT_EQ(window.Frame().LeftTop(), BPoint(474.5, 259.5));
-        EXPECT_EQ(static_cast<BView*>(window.DefaultButton()),
-                  ViewNamed(*window.ChildAt(0), "qb_abview_add"));
-        std::set<std::string> labels;
-        ExpectFits(*ViewNamed(*window.ChildAt(0), "qb_abview"), labels);
-        EXPECT_EQ(labels.size(), 3 + 10 + 3 + 4 + 2);
-    });
-}
-
-TEST_F(AddWindowTest, WhatIsWrongIsNoChoice) {
-    test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
-    Open(Preset(3, 5));
-    EXPECT_EQ(Marked("qb_location_slot"), "4 - ");
-    EXPECT_EQ(Text("qb_location_keyword"), "News");
-    SendToIt(QBSlot[7]);
-    EXPECT_TRUE(TextBecomes("qb_editinfo_keywords", "daily"));
-    const BMessage wrong = Preset(3, 11);
-    QBBookmarkWindow::fMsgWindow.Get().SendMessage(&wrong);
-    SendToIt(kQBAddBookmarkHere);
-    SendToIt(QBFolder[5]);
-    EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
-    EXPECT_TRUE(TextBecomes("qb_editinfo_url", "")) << "the same slot of the new folder";
-}
-
 TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
     fs::create_directory(Root() / "1 - Other");
-    Open();
-    SendToIt(QBFolder[2]);
-    SendToIt(QBSlot[7]);
+    Open(Preset(3, 8));
     ASSERT_TRUE(TextBecomes("qb_editinfo_name", "Paper"));
+    EXPECT_EQ(Text("qb_editinfo_keywords"), "daily");
     fs::rename(Root() / "2 - News" / "7 - Paper", Root() / "2 - News" / "7 - Journal");
     EXPECT_TRUE(TextBecomes("qb_editinfo_name", "Journal"));
     EXPECT_TRUE(WaitUntil([] { return Marked("qb_location_slot") == "7 - Journal"; }));
@@ -206,6 +134,9 @@ TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     fs::remove_all(Root() / "2 - Press");
     EXPECT_TRUE(TextBecomes("qb_editinfo_url", ""));
     EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
+    test::MakeBookmark(Root() / "1 - Another" / "7 - Other", "http://other");
+    SendToIt(QBFolder[1]);
+    EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://other")) << "the same slot of this folder";
 }
 
 TEST_F(AddWindowTest, WhatCannotBeSavedIsReportedAndNotLost) {

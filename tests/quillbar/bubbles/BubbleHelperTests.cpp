@@ -91,20 +91,6 @@ protected:
     BView* upper;
 };
 
-TEST_F(BubbleHelperTest, ASecondOneHasNoEffect) {
-    BubbleHelper helper;
-    helper.SetHelp(upper, "first");
-    testing::internal::CaptureStderr();
-    {
-        BubbleHelper another;
-        another.SetHelp(upper, "another's");
-        EXPECT_EQ(another.GetHelp(upper), nullptr);
-        another.DisplayHelp("another's", BPoint(0, 0));
-    }
-    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
-    EXPECT_STREQ(helper.GetHelp(upper), "first");
-}
-
 // Its waits for a lock end at once, so the texts are not its to look at.
 TEST_F(BubbleHelperTest, AThreadThatIsAskedToStopLeavesTheTextsAloneWhileTheyChange) {
     struct Reader {
