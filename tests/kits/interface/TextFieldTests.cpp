@@ -230,21 +230,10 @@ TEST_F(TextFieldTest, ItsMenuOpensByButtonAndKeysAndOffersWhatCanBeDone) {
     expectMenuBehind("one ");
     choose({XK_Down, XK_Down});
     ExpectText("one two");
-    const auto click = [&] {
-        MoveOver(field, {50, 8});
-        desk.Press(3);
-        desk.Release(3);
-        ASSERT_TRUE(WaitForMenus(1));
-    };
-    click();
+    ClickAt(field, {50, 8}, 3);
+    ASSERT_TRUE(WaitForMenus(1));
     choose({XK_Up});
     ExpectSelection(0, 7);
-    click();
-    choose({XK_Up, XK_Up, XK_Up, XK_Up, XK_Up});
-    ExpectText("");
-    click();
-    choose({XK_Up});
-    ExpectText("one two");
 }
 
 } // namespace

@@ -62,31 +62,28 @@ protected:
 };
 
 TEST_F(LinkTest, EachKindOpensInItsProgramOrSaysThatThereIsNone) {
+    struct Kind {
+        const char *opener, *warning, *app;
+    };
+    const Kind web = {"Open this link using ", "Web Browser Warning", "browser"};
+    const Kind server = {"Connect to this server using ", "FTP Warning", "fetcher"};
+    const Kind mail = {"Send e-mail to this address using ", "E-mail Warning", "mailer"};
     const struct {
         const char* url;
-        test::RecordedApps::Launch launch;
-        const char* opener;
-        const char* warning;
-    } cases[] = {
-        {kPage, {"browser", {kPage}}, "Open this link using ", "Web Browser Warning"},
-        {"file:///x@y",
-         {"browser", {"file:///x@y"}},
-         "Open this link using ",
-         "Web Browser Warning"},
-        {"ftp://a", {"fetcher", {"ftp://a"}}, "Connect to this server using ", "FTP Warning"},
-        {"a@b", {"mailer", {"mailto:a@b"}}, "Send e-mail to this address using ", "E-mail Warning"},
-        {"mailto:b",
-         {"mailer", {"mailto:b"}},
-         "Send e-mail to this address using ",
-         "E-mail Warning"},
-    };
+        Kind kind;
+        const char* opened;
+    } cases[] = {{kPage, web, kPage},
+                 {"file:///x@y", web, "file:///x@y"},
+                 {"ftp://a", server, "ftp://a"},
+                 {"a@b", mail, "mailto:a@b"},
+                 {"mailto:b", mail, "mailto:b"}};
     for (const auto& one : cases) {
         SetURL(one.url);
         EXPECT_EQ(link->Opener(), "");
         ClickAt(link, OnText());
         ASSERT_TRUE(test::WaitUntil([&] { return desk.Shown("DIALOG").size() == 1; }));
         const test::WindowInfo alert = desk.Shown("DIALOG")[0];
-        EXPECT_EQ(alert.title, one.warning);
+        EXPECT_EQ(alert.title, one.kind.warning);
         ASSERT_TRUE(test::WaitUntil([&] { return desk.HasKeyboard(alert.id); }));
         desk.Key(XK_Return);
         ASSERT_TRUE(test::WaitUntil([&] { return desk.Shown("DIALOG").empty(); }));
@@ -98,10 +95,10 @@ TEST_F(LinkTest, EachKindOpensInItsProgramOrSaysThatThereIsNone) {
     size_t launches = 0;
     for (const auto& one : cases) {
         SetURL(one.url);
-        EXPECT_EQ(link->Opener(), one.opener + one.launch.app);
+        EXPECT_EQ(link->Opener(), one.kind.opener + std::string(one.kind.app));
         ClickAt(link, OnText());
         ASSERT_EQ(apps.WaitForLaunches(++launches).size(), launches) << one.url;
-        EXPECT_EQ(apps.Launches().back(), one.launch);
+        EXPECT_EQ(apps.Launches().back(), (test::RecordedApps::Launch{one.kind.app, {one.opened}}));
     }
     // None of the kinds: the view becomes plain text.
     SetURL("gopher:old");

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
@@ -69,32 +68,29 @@ protected:
         ASSERT_TRUE(WaitUntil(IsOpen));
     }
     static void SendToIt(uint32 what) { QBBookmarkWindow::fMsgWindow.Get().SendMessage(what); }
-    static void InIt(const std::function<void(QBBookmarkWindow&)>& work) {
+    // What `use` answers for its control of that name.
+    template <typename Control, typename Use>
+    static std::string InIt(const char* name, Use use) {
         const BMessenger target = QBBookmarkWindow::fMsgWindow.Get();
-        ASSERT_TRUE(target.LockTarget());
         BLooper* looper = nullptr;
-        target.Target(&looper);
-        work(*static_cast<QBBookmarkWindow*>(looper));
+        if (!target.LockTarget() || !target.Target(&looper))
+            return "the window is gone";
+        BView& top = *static_cast<QBBookmarkWindow*>(looper)->ChildAt(0);
+        const std::string answer = use(dynamic_cast<Control&>(*ViewNamed(top, name)));
         looper->Unlock();
+        return answer;
     }
     static std::string Text(const char* name) {
-        std::string text;
-        InIt([&](QBBookmarkWindow& window) {
-            text = dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), name)).Text();
-        });
-        return text;
+        return InIt<BTextControl>(name, [](auto& control) { return control.Text(); });
     }
     static void SetText(const char* name, const std::string& text) {
-        InIt([&](QBBookmarkWindow& window) {
-            dynamic_cast<BTextControl&>(*ViewNamed(*window.ChildAt(0), name)).SetText(text.c_str());
+        InIt<BTextControl>(name, [&](auto& control) {
+            control.SetText(text.c_str());
+            return text;
         });
     }
     static std::string Marked(const char* name) {
-        std::string label;
-        InIt([&](QBBookmarkWindow& window) {
-            label = dynamic_cast<BMenuField&>(*ViewNamed(*window.ChildAt(0), name)).ShownLabel();
-        });
-        return label;
+        return InIt<BMenuField>(name, [](auto& field) { return field.ShownLabel(); });
     }
     static bool TextBecomes(const char* name, const std::string& text) {
         return WaitUntil([&] { return Text(name) == text; });
@@ -159,7 +155,7 @@ TEST_F(AddWindowTest, WhatCannotBeSavedIsReportedAndNotLost) {
     EXPECT_TRUE(WaitUntil([&] { return fWindow->LockWithTimeout(0) == B_OK; }));
     fWindow->Unlock();
     SendToIt(B_NODE_MONITOR);
-    InIt([](QBBookmarkWindow&) {});
+    EXPECT_EQ(Text("qb_editinfo_name"), "Long");
     EXPECT_TRUE(IsOpen());
     EXPECT_EQ(Text("qb_editinfo_url"), url);
 }
