@@ -30,7 +30,9 @@ TEST_F(FolderMenuTest, AClickOpensItBesideTheButtonAndAnotherChooses) {
     EXPECT_NE(menu.Label(0), menu.Label(5));
     EXPECT_EQ(menu.Label(4), menu.Label(9));
     const Box place = menu.Slot(5);
-    fDesk.Click(place.CenterX(), place.CenterY());
+    fDesk.Click(place.CenterX(), place.CenterY(), 2); // of no meaning
+    fDesk.Click(place.CenterX(), menu.Slot(0).y - 4); // the separator
+    fDesk.Click(place.CenterX(), place.CenterY(), 3);
     EXPECT_EQ(fApps.WaitForLaunches(1),
               (std::vector<RecordedApps::Launch>{{"browser", {"http://five.example/"}}}));
     EXPECT_TRUE(MenusBecome(0));
@@ -80,11 +82,15 @@ TEST_F(FolderMenuTest, LosingTheFocusOrAClickOutsideClosesIt) {
     OpenFolder(3);
     other.Activate();
     EXPECT_TRUE(MenusBecome(0));
+    const Box slot = OpenFolder(3).Slot(5);
+    fDesk.Drag(slot.CenterX(), slot.CenterY(), 700, 700);
+    EXPECT_TRUE(MenusBecome(0));
     OpenFolder(3);
     const Box bar = fProgram.DragBar();
     fDesk.Click(bar.x + 15, bar.y + 11);
     EXPECT_TRUE(MenusBecome(0));
     EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
+    EXPECT_TRUE(fApps.Launches().empty());
 }
 
 TEST_F(FolderMenuTest, AHeldGrabOfAnotherProgramKeepsItShut) {

@@ -11,23 +11,16 @@ namespace test {
 
 namespace {
 
-fs::path MakeFolder(const fs::path& parent) {
-    std::string path = (parent / "home-XXXXXX").string();
-    return mkdtemp(path.data()) != nullptr ? fs::path(path) : fs::path();
-}
-
 // Not every place for temporary files keeps user attributes (an older kernel's tmpfs does not).
 fs::path MakeFolderWithAttributes() {
     for (const fs::path& parent :
          {fs::temp_directory_path(), fs::path("/var/tmp"), fs::current_path()}) {
-        const fs::path folder = MakeFolder(parent);
-        if (folder.empty())
+        std::string folder = (parent / "home-XXXXXX").string();
+        if (mkdtemp(folder.data()) == nullptr)
             continue;
-        if (setxattr(folder.c_str(), "user.probe", "", 0, 0) == 0) {
-            removexattr(folder.c_str(), "user.probe");
+        if (setxattr(folder.c_str(), "user.probe", "", 0, 0) == 0)
             return folder;
-        }
-        fs::remove_all(folder);
+        fs::remove(folder);
     }
     throw std::runtime_error("no folder for temporary files keeps user attributes");
 }

@@ -47,22 +47,6 @@ TEST_F(MenuTest, KeysSelectWhatCanBeChosen) {
     EXPECT_EQ(Answer(), menu.ItemAt(0));
 }
 
-TEST_F(MenuTest, ClicksOnWhatCannotBeChosenLeaveItOpen) {
-    AddThree();
-    menu.AddSeparatorItem();
-    menu.ItemAt(0)->SetEnabled(false);
-    Open();
-    for (const auto& [index, button] : {std::pair{0, 1}, {3, 1}, {1, 2}})
-        Click(menu.ItemAt(index), button);
-    EXPECT_FALSE(IsHighlighted(menu.ItemAt(0)));
-    Click(menu.ItemAt(2), 3);
-    EXPECT_EQ(Answer(), menu.ItemAt(2));
-    Open();
-    const Box place = Place(menu.ItemAt(1));
-    desk.Drag(place.CenterX(), place.CenterY(), 700, 700);
-    EXPECT_EQ(Answer(), nullptr) << "released outside";
-}
-
 TEST_F(MenuTest, ASubmenuStaysWhileThePointerTravelsTowardsIt) {
     BMenu* submenu = AddSubmenu(8);
     AddThree();
@@ -177,42 +161,6 @@ TEST_F(MenuTest, ManyOpeningsLeaveNothingBehind) {
     EXPECT_EQ(windows(), windowsBefore);
     BMenuWindow::DeleteKept();
     EXPECT_EQ(windows(), windowsBefore - 2);
-}
-
-// A window keeps the picture of the last menu.
-TEST_F(MenuTest, ShowsItsStateOfNow) {
-    const auto picture = [&] { return desk.Settled({100, 100, 200, 100}); };
-    const auto close = [&] {
-        desk.Key(XK_Escape);
-        Answer();
-    };
-    AddThree();
-    menu.PrepareLayout();
-    Open();
-    const test::Picture first = picture();
-    PointAt(menu.ItemAt(1));
-    ASSERT_TRUE(WaitForHighlight(menu.ItemAt(1)));
-    close();
-    desk.MoveTo(600, 600);
-    Open();
-    EXPECT_EQ(picture(), first) << "an item is still highlighted";
-    close();
-
-    const std::function<void()> changes[] = {[] {}, [&] { menu.ItemAt(0)->SetLabel("Other"); },
-                                             [&] { menu.ItemAt(1)->SetMarked(true); },
-                                             [&] { delete menu.RemoveItem(int32{2}); }};
-    for (const auto& change : changes) {
-        menu.PrepareLayout();
-        change();
-        Open();
-        const test::Picture shown = picture();
-        EXPECT_TRUE(InMenu(&menu, [&] {
-            menu.Invalidate();
-            menu.Window()->UpdateIfNeeded();
-        }));
-        EXPECT_EQ(picture(), shown);
-        close();
-    }
 }
 
 } // namespace
