@@ -115,7 +115,7 @@ TEST_F(AddWindowTest, ASlotThatWasEmptiedUnderItsOpenMenuLaunchesNothing) {
 
 TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
-    fs::create_directory(Root() / "1 - Other");
+    test::MakeBookmark(Root() / "1 - Other" / "7 - Else", "http://else");
     Open(Preset(3, 8));
     ASSERT_TRUE(TextBecomes("qb_editinfo_name", "Paper"));
     EXPECT_EQ(Text("qb_editinfo_keywords"), "daily");
@@ -130,9 +130,8 @@ TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
     fs::remove_all(Root() / "2 - Press");
     EXPECT_TRUE(TextBecomes("qb_editinfo_url", ""));
     EXPECT_TRUE(TextBecomes("qb_location_keyword", ""));
-    test::MakeBookmark(Root() / "1 - Another" / "7 - Other", "http://other");
     SendToIt(QBFolder[1]);
-    EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://other")) << "the same slot of this folder";
+    EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://else")) << "the same slot of this folder";
 }
 
 TEST_F(AddWindowTest, WhatCannotBeSavedIsReportedAndNotLost) {
