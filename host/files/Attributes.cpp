@@ -29,22 +29,28 @@ status_t AttributeStatus(int error) {
     return StatusFromErrno(error);
 }
 
+ssize_t Get(int descriptor, const std::string& name, char* value, size_t size) {
+    const ssize_t got = fgetxattr(descriptor, name.c_str(), value, size);
+    // It is an O_PATH descriptor.
+    if (got < 0 && errno == EBADF)
+        return getxattr(DescriptorPath(descriptor).c_str(), name.c_str(), value, size);
+    return got;
+}
+
 } // namespace
 
 // Nearly all values fit into the first buffer, so the size need not be asked for. It may change
 // between asking and reading; a few attempts settle it.
 status_t ReadAttribute(int descriptor, const std::string& name, std::string& value) {
-    const std::string path = DescriptorPath(descriptor);
-    const std::string attribute = kPrefix + name;
     value.resize(kUsualSize);
     for (int attempt = 0; attempt < 8; attempt++) {
-        ssize_t size = getxattr(path.c_str(), attribute.c_str(), value.data(), value.size());
+        ssize_t size = Get(descriptor, kPrefix + name, value.data(), value.size());
         if (size >= 0) {
             value.resize(size_t(size));
             return B_OK;
         }
         if (errno == ERANGE)
-            size = getxattr(path.c_str(), attribute.c_str(), nullptr, 0);
+            size = Get(descriptor, kPrefix + name, nullptr, 0);
         if (size < 0)
             return AttributeStatus(errno);
         value.resize(size_t(size));
@@ -53,7 +59,7 @@ status_t ReadAttribute(int descriptor, const std::string& name, std::string& val
 }
 
 status_t AttributeSize(int descriptor, const std::string& name, int64& size) {
-    size = getxattr(DescriptorPath(descriptor).c_str(), (kPrefix + name).c_str(), nullptr, 0);
+    size = Get(descriptor, kPrefix + name, nullptr, 0);
     return size < 0 ? AttributeStatus(errno) : B_OK;
 }
 

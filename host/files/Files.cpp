@@ -29,21 +29,6 @@ status_t CreateDirectory(const std::string& path, mode_t mode) {
     return mkdir(path.c_str(), mode) == 0 ? B_OK : StatusFromErrno(errno);
 }
 
-NodeKind KindOfEntryType(unsigned char type) {
-    switch (type) {
-    case DT_REG:
-        return NodeKind::File;
-    case DT_DIR:
-        return NodeKind::Directory;
-    case DT_LNK:
-        return NodeKind::Link;
-    case DT_UNKNOWN:
-        return NodeKind::Unknown;
-    default:
-        return NodeKind::Other;
-    }
-}
-
 status_t SyncDirectory(const std::string& path) {
     Descriptor directory(open(path.c_str(), kDirectory));
     return directory && fsync(directory.Get()) == 0 ? B_OK : StatusFromErrno(errno);
@@ -63,6 +48,18 @@ status_t OpenPathOnly(const std::string& path, Descriptor& node, bool follow) {
     int flags = O_PATH | O_CLOEXEC | (follow ? 0 : O_NOFOLLOW);
     node = Descriptor(open(path.c_str(), flags));
     return node ? B_OK : StatusFromErrno(errno);
+}
+
+status_t OpenNode(const std::string& path, FoundNode& node, Opening opening) {
+    node.path = path;
+    status_t status = B_NOT_ALLOWED;
+    if (opening == Opening::File) {
+        node.descriptor = Descriptor(open(path.c_str(), O_RDONLY | O_NOFOLLOW | kSafely));
+        status = node.descriptor ? B_OK : StatusFromErrno(errno);
+    }
+    if (status != B_OK)
+        status = OpenPathOnly(path, node.descriptor, opening == Opening::Following);
+    return status == B_OK ? Stat(node.descriptor.Get(), "", node.status) : status;
 }
 
 std::string DescriptorPath(int descriptor) {
@@ -163,21 +160,12 @@ status_t ResolvePath(const std::string& path, std::string& resolved) {
 }
 
 status_t DirectoryScan::Open(const std::string& path) {
-    Descriptor directory(open(path.c_str(), kDirectory));
-    return directory ? Adopt(std::move(directory)) : StatusFromErrno(errno);
+    fStream.reset(opendir(path.c_str()));
+    return fStream ? B_OK : StatusFromErrno(errno);
 }
 
 status_t DirectoryScan::Open(const Descriptor& directory) {
-    Descriptor own(openat(directory.Get(), ".", kDirectory));
-    return own ? Adopt(std::move(own)) : StatusFromErrno(errno);
-}
-
-status_t DirectoryScan::Adopt(Descriptor directory) {
-    fStream.reset(fdopendir(directory.Get()));
-    if (!fStream)
-        return StatusFromErrno(errno);
-    directory.Release();
-    return B_OK;
+    return Open(DescriptorPath(directory.Get()));
 }
 
 status_t DirectoryScan::Next(Entry& entry) {
@@ -189,7 +177,8 @@ status_t DirectoryScan::Next(Entry& entry) {
         if (strcmp(next->d_name, ".") == 0 || strcmp(next->d_name, "..") == 0)
             continue;
         entry.name = next->d_name;
-        entry.kind = KindOfEntryType(next->d_type);
+        const bool isKnown = next->d_type != DT_UNKNOWN;
+        entry.kind = isKnown ? KindOfMode(DTTOIF(next->d_type)) : NodeKind::Unknown;
         return B_OK;
     }
 }

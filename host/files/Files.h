@@ -15,6 +15,21 @@ namespace host {
 // status and attributes can be read. A link at the end is opened itself unless `follow`.
 status_t OpenPathOnly(const std::string& path, Descriptor& node, bool follow = false);
 
+// A node that is held open, and where it was found.
+struct FoundNode {
+    Descriptor descriptor;
+    NodeStatus status;
+    std::string path;
+    // The directory that it was found in.
+    node_ref directory;
+};
+
+// Opens what is at `path` (see OpenPathOnly). What is known to be a regular file is opened for
+// reading where that is allowed, which makes reading its attributes cheap. The directory is left
+// alone.
+enum class Opening : uint8 { NameOnly, Following, File };
+status_t OpenNode(const std::string& path, FoundNode& node, Opening opening);
+
 // A path that leads to the node of the descriptor, for calls that refuse an O_PATH one.
 std::string DescriptorPath(int descriptor);
 
@@ -67,8 +82,6 @@ private:
     struct Closer {
         void operator()(DIR* stream) const { closedir(stream); }
     };
-
-    status_t Adopt(Descriptor directory);
 
     std::unique_ptr<DIR, Closer> fStream;
 };

@@ -1,7 +1,5 @@
 #include "host/files/KnownPaths.h"
 
-#include "host/files/Files.h"
-
 namespace host {
 
 KnownPaths& KnownPaths::Shared() {
@@ -36,25 +34,24 @@ std::string KnownPaths::Lookup(node_ref node) {
 }
 
 status_t KnownPaths::Find(node_ref node, std::string& path) {
-    Descriptor descriptor;
-    NodeStatus status;
+    FoundNode found;
     bool isLink;
-    return Open(node, descriptor, path, status, isLink);
+    status_t status = Open(node, found, isLink);
+    path = found.path;
+    return status;
 }
 
-status_t KnownPaths::Open(node_ref node, Descriptor& descriptor, std::string& path,
-                          NodeStatus& status, bool& isLink) {
-    path = Lookup(node);
+status_t KnownPaths::Open(node_ref node, FoundNode& found, bool& isLink) {
+    std::string path = Lookup(node);
     if (path.empty())
         return B_ENTRY_NOT_FOUND;
     // A directory may be known by a link that leads to it.
     for (bool follow : {false, true}) {
         isLink = follow;
-        if (OpenPathOnly(path, descriptor, follow) == B_OK &&
-            Stat(descriptor.Get(), "", status) == B_OK && status.ref == node)
+        if (OpenNode(path, found, follow ? Opening::Following : Opening::NameOnly) == B_OK &&
+            found.status.ref == node)
             return B_OK;
     }
-    descriptor = Descriptor();
     return B_ENTRY_NOT_FOUND;
 }
 

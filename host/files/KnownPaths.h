@@ -7,8 +7,7 @@
 
 #include "base/EntryRef.h"
 #include "base/Types.h"
-#include "host/files/NodeStatus.h"
-#include "host/loop/Descriptor.h"
+#include "host/files/Files.h"
 
 namespace host {
 
@@ -23,9 +22,8 @@ public:
 
     // A path that leads to the node now. B_ENTRY_NOT_FOUND if none is known.
     status_t Find(node_ref node, std::string& path);
-    // Opens the node itself (see OpenPathOnly). `path` leads to it, by a link if `isLink` is set.
-    status_t Open(node_ref node, Descriptor& descriptor, std::string& path, NodeStatus& status,
-                  bool& isLink);
+    // Opens the node itself. `isLink` is set if the path found leads to it by a link.
+    status_t Open(node_ref node, FoundNode& found, bool& isLink);
 
     // The node went from one path to another and, if it is a directory, took along what is below.
     void Moved(node_ref node, const std::string& from, const std::string& to, bool isDirectory);

@@ -11,19 +11,6 @@ namespace host {
 
 namespace {
 
-NodeKind KindOfMode(uint32 mode) {
-    switch (mode & S_IFMT) {
-    case S_IFREG:
-        return NodeKind::File;
-    case S_IFDIR:
-        return NodeKind::Directory;
-    case S_IFLNK:
-        return NodeKind::Link;
-    default:
-        return NodeKind::Other;
-    }
-}
-
 int64 Nanoseconds(const statx_timestamp& time) {
     return int64(uint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec);
 }
@@ -37,6 +24,19 @@ int64 NumberOf(const struct statx& raw) {
 }
 
 } // namespace
+
+NodeKind KindOfMode(uint32 mode) {
+    switch (mode & S_IFMT) {
+    case S_IFREG:
+        return NodeKind::File;
+    case S_IFDIR:
+        return NodeKind::Directory;
+    case S_IFLNK:
+        return NodeKind::Link;
+    default:
+        return NodeKind::Other;
+    }
+}
 
 status_t Stat(int directory, const std::string& path, NodeStatus& status, bool follow) {
     struct statx raw;

@@ -31,6 +31,9 @@ struct NodeStatus {
     int64 modified = 0;
 };
 
+// From the file type bits of a mode, as st_mode has them.
+NodeKind KindOfMode(uint32 mode);
+
 // Reads the status of `path` (relative to the directory `directory`, a descriptor or AT_FDCWD), or
 // of `directory` itself if `path` is empty. A link at the end is not followed unless `follow`.
 // After a failure the status is that of Nothing. Any thread.

@@ -95,9 +95,9 @@ std::string PlainPath(const std::string& path) {
     std::string plain;
     for (size_t start = 0; start < path.size();) {
         size_t end = std::min(path.find('/', start), path.size());
-        std::string part = path.substr(start, end - start);
+        std::string_view part = std::string_view(path).substr(start, end - start);
         if (!part.empty() && part != ".")
-            plain += "/" + part;
+            (plain += '/') += part;
         start = end + 1;
     }
     return plain.empty() ? "/" : plain;

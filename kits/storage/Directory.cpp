@@ -6,24 +6,16 @@
 #include "kits/storage/Entry.h"
 #include "kits/storage/Path.h"
 
-BDirectory::~BDirectory() = default;
-
-BDirectory::BDirectory(const BEntry* entry) {
-    host::Descriptor node;
-    status_t status = entry ? entry->InitCheck() : B_BAD_VALUE;
-    if (status == B_OK)
-        status = host::OpenPathOnly(entry->fHostPath, node, true);
-    auto scan = std::make_unique<host::DirectoryScan>();
-    if (status == B_OK)
-        status = scan->Open(node);
-    if (status != B_OK) {
-        Fail(status);
+BDirectory::BDirectory(const BEntry* entry)
+    : fScan(std::make_unique<host::DirectoryScan>())
+    , fStatus(entry ? entry->InitCheck() : B_BAD_VALUE) {
+    if (fStatus != B_OK)
         return;
-    }
     fHostPath = entry->fHostPath;
-    fScan = std::move(scan);
-    SetToDescriptor(std::move(node));
+    fStatus = fScan->Open(fHostPath);
 }
+
+BDirectory::~BDirectory() = default;
 
 status_t BDirectory::GetNextEntry(BEntry* entry, bool traverse) {
     if (!entry)

@@ -1,21 +1,28 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <memory>
 #include <string>
 
-#include "kits/storage/Node.h"
+#include "kits/storage/StorageDefs.h"
+
+class BEntry;
 
 namespace host {
 class DirectoryScan;
 }
 
 // An open directory and a walk through its entries. One thread at a time.
-class BDirectory : public BNode {
+class BDirectory {
 public:
     // Opens the directory; a symbolic link to one is followed. B_NOT_A_DIRECTORY,
     // B_ENTRY_NOT_FOUND, B_PERMISSION_DENIED. The walk starts at the first entry.
     explicit BDirectory(const BEntry* entry);
-    ~BDirectory() override;
+    ~BDirectory();
+
+    // B_OK when a directory is open, or why none is.
+    status_t InitCheck() const { return fStatus; }
 
     // Sets `entry` to the next entry, in the order of the disk, without "." and "..".
     // B_ENTRY_NOT_FOUND, with `entry` unset, when there are no more. With `traverse` a symbolic
@@ -27,6 +34,7 @@ public:
 private:
     std::string fHostPath;
     std::unique_ptr<host::DirectoryScan> fScan;
+    status_t fStatus;
 };
 
 // Creates the directory `path` and those on the way to it that are missing, with the permission

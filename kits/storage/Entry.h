@@ -8,6 +8,8 @@
 #include "kits/storage/StorageDefs.h"
 
 class BDirectory;
+class BMessenger;
+class BNode;
 class BPath;
 class BVolume;
 
@@ -64,6 +66,8 @@ public:
 private:
     friend class BDirectory;
     friend class BNode;
+    friend status_t watch_entry(const BEntry& entry, uint32 flags, const BMessenger& target,
+                                BNode* node, entry_ref* ref, node_ref* number);
 
     status_t SetToHostPath(std::string path, bool traverse);
     status_t Fail(status_t status);

@@ -2,11 +2,13 @@
 
 #include <sys/types.h>
 
+#include "base/EntryRef.h"
 #include "base/TypeConstants.h"
 #include "host/loop/Descriptor.h"
 #include "kits/storage/StorageDefs.h"
 
 class BEntry;
+class BMessenger;
 class BPath;
 
 // The type and size of an attribute. The disk keeps no types: `type` is always B_STRING_TYPE.
@@ -64,6 +66,9 @@ protected:
     host::Descriptor fDescriptor;
 
 private:
+    friend status_t watch_entry(const BEntry& entry, uint32 flags, const BMessenger& target,
+                                BNode* node, entry_ref* ref, node_ref* number);
+
     status_t fStatus = B_NO_INIT;
 };
 

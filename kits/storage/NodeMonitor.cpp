@@ -4,10 +4,14 @@
 #include <memory>
 #include <mutex>
 
+#include "host/files/Files.h"
+#include "host/files/Paths.h"
 #include "host/files/monitor/Inotify.h"
 #include "host/files/monitor/NodeMonitor.h"
 #include "kits/app/AppDefs.h"
 #include "kits/app/Message.h"
+#include "kits/storage/Entry.h"
+#include "kits/storage/Node.h"
 
 namespace {
 
@@ -73,6 +77,25 @@ status_t watch_node(const node_ref* node, uint32 flags, BMessenger target) {
     if (flags == B_STOP_WATCHING)
         return monitor.Stop(*node, ListenerOf(target));
     return target.IsValid() ? monitor.Listen(*node, flags, ListenerOf(target)) : B_BAD_HANDLER;
+}
+
+status_t watch_entry(const BEntry& entry, uint32 flags, const BMessenger& target, BNode* node,
+                     entry_ref* ref, node_ref* number) {
+    if (entry.InitCheck() != B_OK)
+        return node->Fail(entry.InitCheck());
+    host::FoundNode found;
+    const bool isHeard = target.IsValid();
+    const bool isFile = entry.fKind == host::NodeKind::File;
+    const status_t status = host::NodeMonitor::Shared().Listen(
+        entry.fHostPath, isFile ? host::Opening::File : host::Opening::NameOnly, flags,
+        isHeard ? ListenerOf(target) : nullptr, found);
+    if (found.status.kind == host::NodeKind::Nothing)
+        return node->Fail(status);
+    *ref = entry_ref(found.directory.device, found.directory.node,
+                     host::LeafOf(entry.fHostPath).c_str());
+    *number = found.status.ref;
+    node->SetToDescriptor(std::move(found.descriptor));
+    return isHeard ? status : B_BAD_HANDLER;
 }
 
 const char* watch_limit_file(status_t status) {

@@ -3,6 +3,9 @@
 #include "base/EntryRef.h"
 #include "kits/app/Messenger.h"
 
+class BEntry;
+class BNode;
+
 // The changes of a node that a watch asks for; 0 ends the watch.
 enum : uint32 {
     B_STOP_WATCHING = 0x0000,
@@ -49,6 +52,13 @@ enum : int32 {
 // that was not watched before, and a later call succeeds when other watches have ended. Any thread;
 // does not wait for the target's lock.
 status_t watch_node(const node_ref* node, uint32 flags, BMessenger target);
+
+// Opens the node at the place of `entry` for reading its attributes, then watches it like
+// watch_node(): what changes behind the call is notified. `ref` and `number` name the place and the
+// node. All three are set whenever the node could be opened, whatever comes of the watch: see
+// node->InitCheck().
+status_t watch_entry(const BEntry& entry, uint32 flags, const BMessenger& target, BNode* node,
+                     entry_ref* ref, node_ref* number);
 
 // The file that holds the limit of the system that made watch_node fail with `status`, to be shown
 // to a person; null if no limit did. Never freed. Any thread.

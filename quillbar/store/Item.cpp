@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr uint32 kFileFlags = B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR;
 constexpr const char* kEmptyLabel = "Add Bookmark Here";
 
 // Nearly all are shorter, which saves asking for the size.
@@ -57,18 +58,14 @@ QBItem::QBItem(const char* path, int number, int folder, BHandler* target)
 }
 
 bool QBItem::SetFile(const char* path) {
-    BEntry entry(path, false);
-    node_ref file;
-    if (entry.InitCheck() != B_OK || entry.GetNodeRef(&file) != B_OK ||
-        entry.GetRef(&fRaw.ref) != B_OK)
-        return false;
-    fRaw.node = file.node;
-    // A change behind this line is notified.
-    if (fMessenger.IsValid())
-        Watch(fMessenger);
-    fName = GetName(path);
+    return SetFile(BEntry(path, false), path);
+}
 
-    BNode node(&entry);
+bool QBItem::SetFile(const BEntry& entry, const char* path) {
+    BNode node;
+    if (fWatch.Start(entry, kFileFlags, fMessenger, node, fRaw) != B_OK)
+        return false;
+    fName = GetName(path);
     if (!HasBookmarkType(node) || !ReadText(node, kUrlAttribute, fUrl) ||
         !ReadText(node, kKeywordsAttribute, fKeywords))
         return false;
@@ -107,7 +104,7 @@ void QBItem::UpdateItem() {
 }
 
 bool QBItem::Watch(BMessenger messenger) {
-    return fWatch.Start(NodeRef(), B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR, messenger) == B_OK;
+    return fWatch.Start(NodeRef(), kFileFlags, messenger) == B_OK;
 }
 
 void QBItem::StopWatching(BMessenger) {

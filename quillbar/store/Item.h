@@ -5,6 +5,7 @@
 #include "kits/support/String.h"
 #include "quillbar/store/NodeWatch.h"
 
+class BEntry;
 class BHandler;
 class BMenuItem;
 class BMessage;
@@ -31,6 +32,8 @@ public:
     // bookmark; what was read before something was found missing stays. The label and what the menu
     // item sends do not change.
     bool SetFile(const char* path);
+    // The same; `entry` is the place that `path` names.
+    bool SetFile(const BEntry& entry, const char* path);
 
     // Fills or empties the slot. Does nothing if it is so already: to relabel a filled slot after
     // SetFile, empty it before.

@@ -13,6 +13,7 @@
 #include "kits/app/MessageQueue.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
+#include "kits/storage/Node.h"
 #include "kits/storage/NodeMonitor.h"
 #include "kits/storage/Path.h"
 #include "quillbar/base/Settings.h"
@@ -53,7 +54,6 @@ QBMonitor::QBMonitor(BHandler* target, BMessenger messenger)
     fRunnerMsg->AddInt32("opcode", kOpcodeRebuild);
     FindRootOrEnd();
     WarnWithoutAttributes();
-    WatchRoot();
     BindFolders(target);
     CheckLimit();
 }
@@ -75,7 +75,7 @@ void QBMonitor::FindRootOrEnd() {
     }
     if (!CanBeRead(root))
         EndWith("QBMonitor failed to initialized because InitCheck() failed.");
-    SetRaw(root);
+    FollowRoot(root);
 }
 
 void QBMonitor::WarnWithoutAttributes() const {
@@ -93,19 +93,20 @@ void QBMonitor::WarnWithoutAttributes() const {
 
 // The directories are watched before any file is: watches may be scarce.
 void QBMonitor::BindFolders(BHandler* target) {
-    BString paths[10];
+    FolderPaths paths;
+    FindFolders(paths);
     NodeWatch early[10];
     for (int digit = 0; digit < 10; ++digit) {
-        paths[digit] = FindFolder(digit + 1);
-        node_ref node;
-        if (BEntry(paths[digit].String(), false).GetNodeRef(&node) == B_OK)
-            early[digit].Start(node, kDirectoryFlags, fMessenger);
-        else
+        const BEntry entry(paths[static_cast<size_t>(digit)].String(), false);
+        BNode node;
+        raw_item raw;
+        if (early[digit].Start(entry, kDirectoryFlags, fMessenger, node, raw) != B_OK)
             fPaths[digit] = new QBPath(digit + 1, target, fMessenger);
     }
     for (int digit = 0; digit < 10; ++digit) {
+        const char* path = paths[static_cast<size_t>(digit)].String();
         if (!fPaths[digit])
-            fPaths[digit] = new QBPath(paths[digit].String(), digit + 1, target, fMessenger);
+            fPaths[digit] = new QBPath(path, digit + 1, target, fMessenger);
     }
 }
 
@@ -140,11 +141,10 @@ void QBMonitor::CheckLimit() {
     AlertWarning(text.String());
 }
 
-void QBMonitor::SetRaw(const BEntry& root) {
-    node_ref node;
-    root.GetRef(&fRaw.ref);
-    root.GetNodeRef(&node);
-    fRaw.node = node.node;
+// Its number is known even if it cannot be watched.
+void QBMonitor::FollowRoot(const BEntry& root) {
+    BNode node;
+    fWatch.Start(root, kDirectoryFlags, fMessenger, node, fRaw);
 }
 
 bool QBMonitor::WatchRoot() {
@@ -313,10 +313,13 @@ void QBMonitor::ReadRoot() {
         return WaitForRoot();
     fRetry = nullptr;
     fParentWatch.Stop();
-    SetRaw(root);
-    WatchRoot();
-    for (QBPath* folder : fPaths)
-        Rebind(folder);
+    FollowRoot(root);
+    FolderPaths found;
+    FindFolders(found);
+    for (size_t digit = 0; digit < found.size(); ++digit) {
+        fPaths[digit]->SetFound(found[digit]);
+        fPaths[digit]->UpdateMenu();
+    }
 }
 
 void QBMonitor::WaitForRoot() {

@@ -70,7 +70,7 @@ private:
     bool Rebind(QBPath* folder);
     void RebindOrEnd(QBPath* folder);
     void ReplacePlaceholder(const BMessage& msg);
-    void SetRaw(const BEntry& root);
+    void FollowRoot(const BEntry& root);
     QBPath* FolderOf(int64 directory);
     QBPath* FirstFolderOf(int64 directory, int64 other);
 

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <utility>
 
+#include "kits/storage/Node.h"
 #include "kits/storage/NodeMonitor.h"
 
 namespace {
@@ -40,21 +41,33 @@ private:
 // The system ends a watch when its node is removed, even if an owner has not heard of that yet, so
 // it is always asked again; that loses no change.
 status_t NodeWatch::Start(const node_ref& node, uint32 flags, const BMessenger& messenger) {
-    const status_t status = watch_node(&node, flags, messenger);
-    if (fIsActive && fNode == node && fMessenger == messenger) {
-        fStatus = status;
-        return status;
-    }
-    if (status == B_OK)
-        Owners::Shared().Add(messenger, node);
-    Stop();
-    fStatus = status;
-    if (status == B_OK) {
+    return Take(node, messenger, watch_node(&node, flags, messenger));
+}
+
+status_t NodeWatch::Start(const BEntry& place, uint32 flags, const BMessenger& messenger,
+                          BNode& node, raw_item& raw) {
+    node_ref number;
+    const status_t status = watch_entry(place, flags, messenger, &node, &raw.ref, &number);
+    if (node.InitCheck() != B_OK)
+        return node.InitCheck();
+    raw.node = number.node;
+    if (messenger.IsValid())
+        Take(number, messenger, status);
+    return B_OK;
+}
+
+// Ends the watch of another node, now that `node` was asked to be watched with this outcome.
+status_t NodeWatch::Take(const node_ref& node, const BMessenger& messenger, status_t status) {
+    const bool isSame = fIsActive && fNode == node && fMessenger == messenger;
+    if (!isSame) {
+        if (status == B_OK)
+            Owners::Shared().Add(messenger, node);
+        Stop();
+        fIsActive = status == B_OK;
         fNode = node;
         fMessenger = messenger;
-        fIsActive = true;
     }
-    return status;
+    return fStatus = status;
 }
 
 void NodeWatch::Stop() {

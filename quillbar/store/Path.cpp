@@ -4,6 +4,7 @@
 #include "kits/interface/menus/MenuItem.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
+#include "kits/storage/Node.h"
 #include "kits/storage/NodeMonitor.h"
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/bar/widgets/TitleItem.h"
@@ -74,48 +75,38 @@ bool QBPath::SetPath(const char* path) {
 }
 
 status_t QBPath::Read(const char* path) {
+    BPath place(path);
     BEntry entry(path, false);
-    entry_ref ref;
-    node_ref node;
-    status_t status = entry.InitCheck();
-    if (status == B_OK)
-        status = BindTo(entry, path);
-    if (status == B_OK)
-        status = entry.GetRef(&ref);
-    if (status == B_OK)
-        status = entry.GetNodeRef(&node);
-    // A directory that is gone again keeps its number: the message of its rename is on the way.
+    status_t status = Follow(entry);
+    if (status == B_ENTRY_NOT_FOUND && (status = FindSuccessor(place)) == B_OK) {
+        entry.SetTo(place.Path(), false);
+        status = Follow(entry);
+    }
     if (status != B_OK)
         return status;
-    fRaw = {ref, node.node};
-    // Before it is read: what changes meanwhile would be missed otherwise.
-    if (fMessenger.IsValid())
-        Watch(true, false);
+    fPath = place;
     fName = GetName(fPath.Path());
     fTitleItem->SetLabel(fPath.Leaf());
     return ReadSlots(entry);
 }
 
-// Sets fPath to `path`. If nothing is there, sets it and `entry` to the directory that has the
-// digit now, in case the folder was renamed and the message of it still waits, or else to a new
-// one.
-status_t QBPath::BindTo(BEntry& entry, const char* path) {
-    if (entry.Exists()) {
-        fPath.SetTo(path);
-        return B_OK;
-    }
+// Watches the directory before it is read: what changes meanwhile would be missed otherwise. One
+// that is gone again keeps its number: the message of its rename is on the way.
+status_t QBPath::Follow(const BEntry& entry) {
+    BNode directory;
+    return fWatch.Start(entry, kDirectoryFlags, fMessenger, directory, fRaw);
+}
+
+// Replaces the path of a missing directory by that of the one that has the digit now, in case the
+// folder was renamed and the message of it still waits, or else by that of a new one.
+status_t QBPath::FindSuccessor(BPath& path) const {
     BPath parent;
-    BPath found(FindFolder(fNumber).String());
-    status_t status = BPath(path).GetParent(&parent);
-    if (status == B_OK && !IsIn(found, parent)) {
-        found.SetTo(parent.Path(), EmptyFolderName(fNumber).String());
-        status = create_directory(found.Path(), kDirectoryMode);
-    }
-    if (status == B_OK)
-        status = entry.SetTo(found.Path(), false);
-    if (status == B_OK)
-        fPath = found;
-    return status;
+    const status_t status = path.GetParent(&parent);
+    path.SetTo(FindFolder(fNumber).String());
+    if (status != B_OK || IsIn(path, parent))
+        return status;
+    path.SetTo(parent.Path(), EmptyFolderName(fNumber).String());
+    return create_directory(path.Path(), kDirectoryMode);
 }
 
 // A file that stays in its slot stays watched throughout.
@@ -129,7 +120,7 @@ status_t QBPath::ReadSlots(const BEntry& directory) {
         if (digit < 0 || found[digit] || !entry.IsFile())
             return true;
         found[digit] = true;
-        fItems[digit]->SetFile(path);
+        fItems[digit]->SetFile(entry, path);
         return ++count < 10;
     });
     for (int digit = 0; digit < 10; ++digit) {
@@ -142,16 +133,18 @@ status_t QBPath::ReadSlots(const BEntry& directory) {
 }
 
 bool QBPath::FindYourSelf() {
-    BString own = FindFolder(fNumber, &fReadStatus);
+    FolderPaths folders;
+    fReadStatus = FindFolders(folders);
+    return fReadStatus == B_OK && SetFound(folders[static_cast<size_t>(fNumber - 1)]);
+}
+
+bool QBPath::SetFound(const BString& path) {
     BEntry root;
-    BPath path;
-    if (fReadStatus != B_OK || FindRoot(root) != B_OK || root.GetPath(&path) != B_OK)
+    BPath own(path.String());
+    if (path.IsEmpty() && (FindRoot(root) != B_OK || root.GetPath(&own) != B_OK ||
+                           own.Append(EmptyFolderName(fNumber).String()) != B_OK))
         return false;
-    if (own.IsEmpty()) {
-        path.Append(EmptyFolderName(fNumber).String());
-        own = path.Path();
-    }
-    return SetPath(own.String());
+    return SetPath(own.Path());
 }
 
 void QBPath::EmptySlots() {
@@ -226,7 +219,7 @@ bool QBPath::ItemMoved(BMessage* msg) {
 bool QBPath::FillSlot(QBItem* slot, int digit) {
     bool filled = false;
     Walk(BEntry(Path(), false), Links::Left, [&](BEntry& entry, const char* path) {
-        filled = GetNumber(path) == digit && entry.IsFile() && slot->SetFile(path);
+        filled = GetNumber(path) == digit && entry.IsFile() && slot->SetFile(entry, path);
         return !filled;
     });
     if (filled)
@@ -249,7 +242,7 @@ bool QBPath::AdoptRenamed(const BMessage* msg) {
     if (digit < 0 || fItems[digit]->IsValid())
         return false;
     QBItem* slot = fItems[digit];
-    slot->SetFile(path.Path());
+    slot->SetFile(entry, path.Path());
     slot->SetValid(true);
     return true;
 }
@@ -263,8 +256,9 @@ bool QBPath::ItemRenamed(BMessage* msg) {
         // The slot's own path is that of the last complete bookmark, not of one that becomes it
         // now.
         const entry_ref ref = slot->Ref();
+        const BEntry entry(&ref);
         BPath path;
-        if (BEntry(&ref).GetPath(&path) == B_OK && slot->SetFile(path.Path()))
+        if (entry.GetPath(&path) == B_OK && slot->SetFile(entry, path.Path()))
             slot->SetValid(true);
         return true;
     }

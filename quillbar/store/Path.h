@@ -37,6 +37,8 @@ public:
 
     // Looks for the directory by its digit and makes it if there is none.
     bool FindYourSelf();
+    // The same with the directory found already; the empty string if there is none.
+    bool SetFound(const BString& path);
 
     // Whether the directory was there no more when it was to be read, as while it is renamed.
     bool HasJustGone() const { return fReadStatus == B_ENTRY_NOT_FOUND; }
@@ -83,8 +85,9 @@ public:
 
 private:
     void CreateMenu();
-    status_t BindTo(BEntry& entry, const char* path);
     status_t Read(const char* path);
+    status_t Follow(const BEntry& entry);
+    status_t FindSuccessor(BPath& path) const;
     status_t ReadSlots(const BEntry& directory);
     void EmptySlot(QBItem* slot);
     bool FillSlot(QBItem* slot, int digit);

@@ -108,22 +108,26 @@ bool IsPlaceholder(const char* path) {
     return isEmpty;
 }
 
-BString FindFolder(int number, status_t* status) {
+status_t FindFolders(FolderPaths& folders) {
     BEntry root;
-    BString found;
-    status_t result = FindRoot(root);
-    if (result == B_OK)
-        result = Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
-            if (GetNumber(path) != number - 1 || !entry.IsDirectory())
-                return true;
-            const bool isLast = IsPlaceholder(path);
-            if (!isLast || found.IsEmpty())
-                found = path;
-            return isLast;
-        });
-    if (status)
-        *status = result;
-    return found;
+    const status_t status = FindRoot(root);
+    if (status != B_OK)
+        return status;
+    return Walk(root, Links::Left, [&](BEntry& entry, const char* path) {
+        const int digit = GetNumber(path);
+        if (digit < 0 || !entry.IsDirectory())
+            return true;
+        BString& found = folders[static_cast<size_t>(digit)];
+        if (found.IsEmpty() || IsPlaceholder(found.String()))
+            found = path;
+        return true;
+    });
+}
+
+BString FindFolder(int number) {
+    FolderPaths folders;
+    FindFolders(folders);
+    return folders[static_cast<size_t>(number - 1)];
 }
 
 BString FindItem(int folder, int slot) {

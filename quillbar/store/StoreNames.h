@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 
 #include "kits/support/String.h"
@@ -53,10 +54,14 @@ status_t Walk(const BEntry& directory, Links links,
 // and empty.
 bool IsPlaceholder(const char* path);
 
-// The full path of the directory that stands for the folder, which counts from one: the first with
-// its digit that is not a placeholder, else the first placeholder. The empty string if there is
-// none. `status`, if not null, says whether the root could be read.
-BString FindFolder(int number, status_t* status = nullptr);
+// The full paths of the directories that stand for the folders, by digit: the first with the digit
+// that is not a placeholder, else the placeholder. The empty string for a folder that has none.
+using FolderPaths = std::array<BString, 10>;
+
+// Reads the root once. The status is that of opening it.
+status_t FindFolders(FolderPaths& folders);
+// Of one folder, which counts from one.
+BString FindFolder(int number);
 
 // Whether the node is marked as a bookmark.
 bool HasBookmarkType(BNode& node);

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <chrono>
 
-#include "host/files/Files.h"
 #include "host/files/KnownPaths.h"
 #include "host/files/Paths.h"
 #include "host/files/monitor/EntryComparison.h"
@@ -46,8 +45,28 @@ NodeMonitor& NodeMonitor::Shared() {
 
 status_t NodeMonitor::Listen(node_ref node, uint32 flags, const Listener& listener) {
     std::lock_guard lock(fMutex);
-    status_t status = Start();
-    return status == B_OK ? AddListener(node, flags, listener) : status;
+    FoundNode found;
+    bool isLink;
+    status_t status = KnownPaths::Shared().Open(node, found, isLink);
+    // It is watched where it is itself, not by a link to it.
+    if (status == B_OK && isLink)
+        status = ResolvePath(found.path, found.path);
+    if (status != B_OK)
+        return status;
+    FindDirectory(found);
+    return AddListener(found, flags, listener);
+}
+
+// Opened with the lock held: a later move is an event that is worked off later.
+status_t NodeMonitor::Listen(const std::string& path, Opening opening, uint32 flags,
+                             const Listener& listener, FoundNode& node) {
+    std::lock_guard lock(fMutex);
+    status_t status = OpenNode(path, node, opening);
+    if (status != B_OK)
+        return status;
+    KnownPaths::Shared().Remember(node.status.ref, path);
+    FindDirectory(node);
+    return listener ? AddListener(node, flags, listener) : B_OK;
 }
 
 status_t NodeMonitor::Stop(node_ref node, const Listener& listener) {
@@ -65,36 +84,34 @@ status_t NodeMonitor::Start() {
     return status;
 }
 
-status_t NodeMonitor::AddListener(node_ref node, uint32 flags, const Listener& listener) {
-    Descriptor descriptor;
-    std::string path;
+void NodeMonitor::FindDirectory(FoundNode& node) {
     NodeStatus there;
-    bool isLink;
-    status_t status = KnownPaths::Shared().Open(node, descriptor, path, there, isLink);
-    if (status == B_OK && (flags & kWatchEntries) && there.kind != NodeKind::Directory)
-        status = B_NOT_A_DIRECTORY;
-    // It is watched where it is itself, not by a link to it.
-    if (status == B_OK && isLink)
-        status = ResolvePath(path, path);
-    if (status != B_OK)
-        return status;
+    std::string path = ParentPath(node.path);
+    if (Stat(path, there, true) == B_OK)
+        KnownPaths::Shared().Remember(there.ref, path);
+    node.directory = there.ref;
+}
 
+status_t NodeMonitor::AddListener(const FoundNode& node, uint32 flags, const Listener& listener) {
+    if ((flags & kWatchEntries) && node.status.kind != NodeKind::Directory)
+        return B_NOT_A_DIRECTORY;
     int number = -1;
-    status = fState.inotify.Add(descriptor, MaskOf(flags, there.kind), number);
+    status_t status = Start();
+    if (status == B_OK)
+        status = fState.inotify.Add(node.descriptor, MaskOf(flags, node.status.kind), number);
     if (status != B_OK)
         return status;
 
     Watch* watch = fState.watches.Find(number);
     if (!watch)
-        watch = &fState.watches.Add(number, there);
-    Stat(ParentPath(path), there, true);
-    watch->path = path;
-    watch->parent = there.ref;
+        watch = &fState.watches.Add(number, node.status);
+    watch->path = node.path;
+    watch->parent = node.directory;
     watch->listeners[listener] |= flags;
     // The watch comes first, then the look: what happens in between is noticed twice rather than
     // not.
     if ((flags & kWatchEntries) && !watch->names)
-        status = watch->FillNames(descriptor);
+        status = watch->FillNames(node.descriptor);
     if (status != B_OK)
         RemoveListener(*watch, listener);
     return status;
