@@ -51,14 +51,6 @@ const Directories& CurrentDirectories() {
     return kept;
 }
 
-const std::string& HostHome() {
-    return CurrentDirectories().home;
-}
-
-const std::string& HostSettings() {
-    return CurrentDirectories().settings;
-}
-
 // Puts `to` in the place of the leading directory `from`; false if `path` is not in it.
 bool Replace(std::string& path, const std::string& from, const std::string& to) {
     size_t length = from == "/" ? 0 : from.size();
@@ -75,18 +67,19 @@ bool Replace(std::string& path, const std::string& from, const std::string& to) 
 
 std::string HostPath(const std::string& platformPath) {
     std::string path = platformPath;
-    if (!Replace(path, kPlatformSettings, HostSettings()))
-        Replace(path, kPlatformHome, HostHome());
+    if (!Replace(path, kPlatformSettings, CurrentDirectories().settings))
+        Replace(path, kPlatformHome, CurrentDirectories().home);
     return path;
 }
 
 std::string PlatformPath(const std::string& hostPath) {
     std::string settings = hostPath;
     // A real ~/config/settings would read as the directory of settings: it keeps its own path.
-    if (Replace(settings, HostSettings(), kPlatformSettings) && HostPath(settings) == hostPath)
+    if (Replace(settings, CurrentDirectories().settings, kPlatformSettings) &&
+        HostPath(settings) == hostPath)
         return settings;
     std::string home = hostPath;
-    if (Replace(home, HostHome(), kPlatformHome) && HostPath(home) == hostPath)
+    if (Replace(home, CurrentDirectories().home, kPlatformHome) && HostPath(home) == hostPath)
         return home;
     return hostPath;
 }

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "host/files/KnownPaths.h"
@@ -101,6 +102,14 @@ protected:
         EXPECT_EQ(TakeLog(changes.size()), changes) << testing::PrintToString(steps);
     }
 
+    // Renames the file to and fro until the thread is stopped.
+    std::jthread KeepRenaming(const std::string& name) const {
+        return std::jthread([this, name](std::stop_token stop) {
+            for (int i = 0; i % 2 || !stop.stop_requested(); i++)
+                Do({i % 2 ? "mv " + name + "2 " + name : "mv " + name + " " + name + "2"});
+        });
+    }
+
     // Waits until all events so far have been worked off, without waiting times.
     void Flush() {
         // Behind an overflow, a folder that is made while everything is read again is not reported.
@@ -141,8 +150,6 @@ private:
             return remove(one);
         if (verb == "mv")
             return rename(one, other);
-        if (verb == "swap")
-            return renameat2(AT_FDCWD, one, AT_FDCWD, other, RENAME_EXCHANGE);
         if (verb == "link")
             return link(one, other);
         if (verb == "edit" || verb == "type")

@@ -15,6 +15,7 @@ TEST_F(MonitorTest, FilesFillTheSlotsOfTheirDigits) {
     const fs::path elsewhere = fHome.Path() / "elsewhere";
     for (const char* name : {"9 - Last", "4 - a", "4 - b", "4 - c", "no number", "12 - two digits"})
         test::MakeBookmark(folder / name, std::string("http://") + name);
+    test::SetAttribute(folder / "9 - Last", "mime_type", "Application/X-VND.Be-Bookmark");
     test::MakeBookmark(folder / "5 - a directory" / "6 - deeper", "http://x");
     test::MakeBookmark(elsewhere / "7 - target", "http://target");
     fs::create_symlink(elsewhere / "7 - target", folder / "2 - link");

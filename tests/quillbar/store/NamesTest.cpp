@@ -26,25 +26,4 @@ TEST(Names, LongUrlIsCutToFiftyBytes) {
     EXPECT_EQ(ParseURL((fifty + "v").c_str()).String(), fifty.substr(4) + "....");
 }
 
-class FindItemTest : public StoreTest {};
-
-TEST_F(FindItemTest, OnlyTypedFilesAnswerForASlot) {
-    EXPECT_STREQ(FindItem(1, 0).String(), "");
-    const fs::path folder = Root() / "0 - x";
-    fs::create_directories(folder / "1 - directory");
-    test::SetAttribute(folder / "1 - directory", "mime_type", test::kBookmarkType);
-    test::MakeBookmark(folder / "2 - plain", "http://x");
-    test::SetAttribute(folder / "2 - plain", "mime_type", "text/plain");
-    test::MakeBookmark(folder / "3 - loud", "http://x");
-    test::SetAttribute(folder / "3 - loud", "mime_type", "Application/X-VND.Be-Bookmark");
-    fs::create_symlink(folder / "3 - loud", folder / "4 - link");
-    const std::string root = kBookmarkRoot;
-    const std::string expected[] = {root + "/0 - x", "", "", "", root + "/0 - x/3 - loud", ""};
-    for (int slot = 0; slot < 6; ++slot)
-        EXPECT_EQ(FindItem(1, slot).String(), expected[slot]);
-    test::MakeBookmark(folder / "2 - real", "http://x");
-    EXPECT_EQ(FindItem(1, 3).String(), root + "/0 - x/2 - real");
-    EXPECT_STREQ(FindItem(2, 0).String(), "");
-}
-
 } // namespace
