@@ -105,8 +105,12 @@ protected:
     // Renames the file to and fro until the thread is stopped.
     std::jthread KeepRenaming(const std::string& name) const {
         return std::jthread([this, name](std::stop_token stop) {
-            for (int i = 0; i % 2 || !stop.stop_requested(); i++)
+            for (int i = 0; i % 2 || !stop.stop_requested(); i++) {
                 Do({i % 2 ? "mv " + name + "2 " + name : "mv " + name + " " + name + "2"});
+                // On a busy machine the queue would overflow, which ends the file's watch.
+                if (i % 1000 == 0)
+                    AtOnce([] {});
+            }
         });
     }
 
