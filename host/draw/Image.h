@@ -1,7 +1,9 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace host {
@@ -32,6 +34,13 @@ inline PixelRect Moved(const PixelRect& rect, int right, int down) {
 // A view of a picture in memory: `height` rows of `stride` bytes, each pixel a native-endian 32-bit
 // word 0xAARRGGBB with premultiplied alpha. The memory is its maker's.
 struct Image {
+    std::uint32_t At(int x, int y) const {
+        std::uint32_t pixel;
+        std::memcpy(&pixel, pixels + std::ptrdiff_t{y} * stride + std::ptrdiff_t{x} * 4,
+                    sizeof(pixel));
+        return pixel;
+    }
+
     const std::uint8_t* pixels = nullptr;
     int width = 0;
     int height = 0;

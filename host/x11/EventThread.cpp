@@ -13,6 +13,10 @@ namespace {
 constexpr uint8 kError = 0;
 constexpr uint8 kEventType = 0x7f;
 
+// While the focus moves from one window to the next, window managers park it with windows of their
+// own for a moment.
+constexpr bigtime_t kFocusSettlingTime = 150'000;
+
 // 0 for another one than the first three, whose bits in a state mask are one behind the other.
 uint32 ButtonOf(xcb_button_t button) {
     return button >= 1 && button <= 3 ? ButtonsOf(XCB_BUTTON_MASK_1 << (button - 1)) : 0;
@@ -47,7 +51,6 @@ EventThread::EventThread(XDisplay& display, DisplaySink* sink)
     , fSink(sink)
     , fKeyboard(fConnection)
     , fRawKeys(fConnection, sink)
-    , fFocus(fConnection, display.Windows(), display.Grab(), sink)
     , fInput(
           fConnection, display.Identity().leader,
           [this](const xcb_key_press_event_t& key) { HandleKey(key); },
@@ -119,70 +122,52 @@ void EventThread::Deliver(const xcb_generic_event_t& event, void (XWindow::*hand
 }
 
 void EventThread::Handle(const xcb_generic_event_t& event) {
+    CheckSettings(event);
+    CheckMonitors(event);
     switch (event.response_type & kEventType) {
     case kError:
-        Report(As<xcb_generic_error_t>(event));
-        break;
+        return Report(As<xcb_generic_error_t>(event));
     case XCB_KEY_PRESS:
     case XCB_KEY_RELEASE:
         fDisplay.NoteInputTime(As<xcb_key_press_event_t>(event).time);
         if (!fInput.TakeKey(As<xcb_key_press_event_t>(event)))
             HandleKey(As<xcb_key_press_event_t>(event));
-        break;
+        return;
     case XCB_BUTTON_PRESS:
-        HandlePress(As<xcb_button_press_event_t>(event));
-        break;
+        return HandlePress(As<xcb_button_press_event_t>(event));
     case XCB_BUTTON_RELEASE:
-        HandleRelease(As<xcb_button_release_event_t>(event));
-        break;
+        return HandleRelease(As<xcb_button_release_event_t>(event));
     case XCB_MOTION_NOTIFY:
-        HandleMotion(As<xcb_motion_notify_event_t>(event));
-        break;
+        return HandleMotion(As<xcb_motion_notify_event_t>(event));
     case XCB_ENTER_NOTIFY:
+        return HandleCrossing(As<xcb_enter_notify_event_t>(event), true);
     case XCB_LEAVE_NOTIFY:
-        HandleCrossing(As<xcb_enter_notify_event_t>(event),
-                       (event.response_type & kEventType) == XCB_ENTER_NOTIFY);
-        break;
+        return HandleCrossing(As<xcb_enter_notify_event_t>(event), false);
     case XCB_FOCUS_IN:
+        return HandleFocus(As<xcb_focus_in_event_t>(event), true);
     case XCB_FOCUS_OUT:
-        HandleFocus(As<xcb_focus_in_event_t>(event),
-                    (event.response_type & kEventType) == XCB_FOCUS_IN);
-        break;
+        return HandleFocus(As<xcb_focus_in_event_t>(event), false);
     case XCB_EXPOSE:
-        Deliver(event, &XWindow::HandleExpose);
-        break;
+        return Deliver(event, &XWindow::HandleExpose);
     case XCB_CONFIGURE_NOTIFY:
-        Deliver(event, &XWindow::HandleConfigure);
-        CheckMonitors(event);
-        break;
+        return Deliver(event, &XWindow::HandleConfigure);
     case XCB_REPARENT_NOTIFY:
-        Deliver(event, &XWindow::HandleReparent);
-        break;
+        return Deliver(event, &XWindow::HandleReparent);
     case XCB_DESTROY_NOTIFY:
         // By another program: ours takes its windows from the registry first.
-        Notify(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
-        CheckSettings(event);
-        break;
+        return Notify(As<xcb_destroy_notify_event_t>(event).window, CloseRequested{});
     case XCB_PROPERTY_NOTIFY:
-        HandleProperty(As<xcb_property_notify_event_t>(event));
-        CheckSettings(event);
-        break;
+        return HandleProperty(As<xcb_property_notify_event_t>(event));
     case XCB_SELECTION_CLEAR:
     case XCB_SELECTION_REQUEST:
     case XCB_SELECTION_NOTIFY:
-        HandleSelection(event);
-        break;
+        return HandleSelection(event);
     case XCB_CLIENT_MESSAGE:
-        HandleMessage(As<xcb_client_message_event_t>(event));
-        CheckSettings(event);
-        break;
+        return HandleMessage(As<xcb_client_message_event_t>(event));
     case XCB_GE_GENERIC:
-        fRawKeys.HandleEvent(As<xcb_ge_generic_event_t>(event));
-        break;
+        return fRawKeys.HandleEvent(As<xcb_ge_generic_event_t>(event));
     default:
-        if (!fKeyboard.HandleNotice(event))
-            CheckMonitors(event);
-        break;
+        fKeyboard.HandleNotice(event);
     }
 }
 
@@ -266,10 +251,40 @@ void EventThread::HandleFocus(const xcb_focus_in_event_t& event, bool active) {
     if (isGrab || isAboutPointer || event.detail == XCB_NOTIFY_DETAIL_INFERIOR)
         return;
     if (!active && event.mode == XCB_NOTIFY_MODE_WHILE_GRABBED && fDisplay.Grab().IsHeld())
-        fFocus.HandleLossInGrab();
+        HandleFocusLossInGrab();
     if (!active)
         fInput.HandleFocusLoss(event.event);
     fDisplay.Windows().Deliver(event.event, [&](XWindow& window) { window.HandleFocus(active); });
+}
+
+void EventThread::HandleActiveWindow() {
+    auto active = fConnection.ReadValues(fConnection.AskForValues(
+        fConnection.Root(), fConnection[kNetActiveWindow], XCB_ATOM_WINDOW));
+    // None, or back to the one that had it before: the focus is on its way, perhaps to a window of
+    // ours that was just clicked.
+    if (active.empty() || active[0] == XCB_WINDOW_NONE || active[0] == fLastActive)
+        return;
+    fLastActive = active[0];
+    if (!fDisplay.Windows().Contains(fLastActive))
+        fSink->FocusLeftProgram();
+}
+
+// The window manager reports no active window while the program has the input grabbed.
+void EventThread::HandleFocusLossInGrab() {
+    fFocusCheck = std::make_unique<Timer>(
+        kFocusSettlingTime, 0, [this, grab = fDisplay.Grab().Count()] { CheckFocus(grab); });
+}
+
+void EventThread::CheckFocus(uint32 grab) const {
+    const auto focus = fConnection.Ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
+    // A later menu opened with the focus where it is now.
+    if (!focus || !fDisplay.Grab().IsHeld() || fDisplay.Grab().Count() != grab)
+        return;
+    bool isWindow = focus->focus != XCB_INPUT_FOCUS_NONE &&
+                    focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT &&
+                    focus->focus != fConnection.Root();
+    if (isWindow && !fDisplay.Windows().Contains(focus->focus))
+        fSink->FocusLeftProgram();
 }
 
 void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
@@ -277,7 +292,7 @@ void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
         return;
     if (event.window == fConnection.Root()) {
         if (event.atom == fConnection[kNetActiveWindow])
-            fFocus.HandleActiveWindow();
+            HandleActiveWindow();
         else if (event.atom == fConnection[kXimServers])
             fInput.HandleServersChanged();
     } else if (event.atom == fConnection[kWmState] || event.atom == fConnection[kNetWmState]) {

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "host/x11/exchange/FileUri.h"
+#include "host/x11/exchange/DragOffer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);

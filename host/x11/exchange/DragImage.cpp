@@ -1,7 +1,6 @@
 #include "host/x11/exchange/DragImage.h"
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 #include <xcb/shape.h>
@@ -13,13 +12,6 @@ namespace {
 constexpr int kMaxWidth = 2048;
 constexpr int kMaxHeight = 1024;
 
-uint32 PixelAt(const Image& image, int x, int y) {
-    uint32 pixel;
-    std::memcpy(&pixel, image.pixels + std::ptrdiff_t(y) * image.stride + std::ptrdiff_t(x) * 4,
-                sizeof(pixel));
-    return pixel;
-}
-
 uint32 Opaque(uint32 pixel) {
     uint32 alpha = pixel >> 24;
     if (alpha == 0)
@@ -28,21 +20,6 @@ uint32 Opaque(uint32 pixel) {
     for (int shift = 0; shift < 24; shift += 8)
         plain |= std::min((pixel >> shift & 0xff) * 255 / alpha, uint32{255}) << shift;
     return plain;
-}
-
-// XCB_NONE if the screen has no such visual.
-xcb_visualid_t VisualWithAlpha(const xcb_screen_t& screen) {
-    auto depths = xcb_screen_allowed_depths_iterator(&screen);
-    for (; depths.rem; xcb_depth_next(&depths)) {
-        auto visuals = xcb_depth_visuals_iterator(depths.data);
-        for (; depths.data->depth == 32 && visuals.rem; xcb_visualtype_next(&visuals)) {
-            const xcb_visualtype_t& visual = *visuals.data;
-            if (visual._class == XCB_VISUAL_CLASS_TRUE_COLOR && visual.red_mask == 0xff0000 &&
-                visual.green_mask == 0xff00 && visual.blue_mask == 0xff)
-                return visual.visual_id;
-        }
-    }
-    return XCB_NONE;
 }
 
 } // namespace
@@ -56,7 +33,7 @@ DragImage::DragImage(const Connection& connection, const Image& image, int hotX,
     if (!image.pixels || fWidth < 1 || fHeight < 1 || !connection.HasShapes())
         return;
     xcb_visualid_t visual = connection.OwnerOf(connection[kCompositor]) != XCB_WINDOW_NONE
-                                ? VisualWithAlpha(connection.Screen())
+                                ? FindVisual(connection.Screen(), 32)
                                 : XCB_NONE;
     if (visual != XCB_NONE) {
         Create(32, visual);
@@ -103,7 +80,7 @@ void DragImage::Paint(const Image& image, uint8 depth, bool isOpaque) {
     std::vector<uint32> row(static_cast<std::size_t>(fWidth));
     for (int y = 0; y < fHeight; y++) {
         for (int x = 0; x < fWidth; x++) {
-            uint32 pixel = PixelAt(image, x, y);
+            uint32 pixel = image.At(x, y);
             row[static_cast<std::size_t>(x)] = isOpaque ? Opaque(pixel) : pixel;
         }
         xcb_put_image(fConnection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, pen,
@@ -121,13 +98,13 @@ void DragImage::Shape(const Image& image) {
     uint32 strongest = 1;
     for (int y = 0; y < fHeight; y++) {
         for (int x = 0; x < fWidth; x++)
-            strongest = std::max(strongest, PixelAt(image, x, y) >> 24);
+            strongest = std::max(strongest, image.At(x, y) >> 24);
     }
     std::vector<xcb_rectangle_t> runs;
     for (int y = 0; y < fHeight; y++) {
         for (int x = 0; x < fWidth; x++) {
             int start = x;
-            while (x < fWidth && (PixelAt(image, x, y) >> 24) * 3 >= strongest)
+            while (x < fWidth && (image.At(x, y) >> 24) * 3 >= strongest)
                 x++;
             if (x > start) {
                 runs.push_back({static_cast<int16>(start), static_cast<int16>(y),

@@ -1,10 +1,8 @@
 #include "host/x11/exchange/DragOffer.h"
 
-#include <unistd.h>
+#include <glib.h>
 
-#include "host/x11/exchange/FileUri.h"
-#include "host/x11/exchange/Selections.h"
-#include "host/x11/server/Connection.h"
+#include "base/Utf8.h"
 
 namespace host {
 
@@ -12,11 +10,18 @@ namespace {
 
 constexpr bigtime_t kSavePatience = 5'000'000;
 constexpr uint32 kMaxUriWords = 4096;
+constexpr std::size_t kMaxUri = 16384;
+constexpr std::size_t kMaxName = 200;
 
-std::string MachineName() {
-    char name[256] = {};
-    gethostname(name, sizeof(name) - 1);
-    return name;
+constexpr std::string_view kScheme = "file:";
+
+struct FreeText {
+    void operator()(char* text) const { g_free(text); }
+};
+using Text = std::unique_ptr<char, FreeText>;
+
+bool IsControlByte(char byte) {
+    return static_cast<uint8>(byte) < 0x20 || byte == 0x7f;
 }
 
 // The protocol's letter for how a saving ended.
@@ -36,9 +41,47 @@ char LetterOf(status_t status) {
 
 } // namespace
 
+status_t PathOfFileUri(std::string_view uri, const std::string& machine, std::string* path) {
+    // Some end it like a line, or like a string.
+    while (!uri.empty() && (IsControlByte(uri.back()) || uri.back() == ' '))
+        uri.remove_suffix(1);
+    if (uri.size() > kMaxUri || uri.find(':') == std::string_view::npos ||
+        uri.find('\0') != std::string_view::npos)
+        return B_BAD_VALUE;
+    const std::string text(uri);
+    if (g_ascii_strncasecmp(text.c_str(), kScheme.data(), kScheme.size()) != 0)
+        return B_UNSUPPORTED;
+    char* host = nullptr;
+    const Text decoded(g_filename_from_uri(text.c_str(), &host, nullptr));
+    const Text ownHost(host);
+    if (!decoded)
+        return B_BAD_VALUE;
+    if (host && g_ascii_strcasecmp(host, "localhost") != 0 &&
+        g_ascii_strcasecmp(host, machine.c_str()) != 0)
+        return B_UNSUPPORTED;
+    const std::string_view whole = decoded.get();
+    const std::string_view name = whole.substr(whole.rfind('/') + 1);
+    if (name.empty() || name == "." || name == "..")
+        return B_BAD_VALUE;
+    *path = whole;
+    return B_OK;
+}
+
+std::string FileNameFor(std::string_view text) {
+    std::string name;
+    for (char byte : text) {
+        if (IsControlByte(byte))
+            continue;
+        if (!(name.empty() && (byte == '.' || byte == ' ')))
+            name += byte == '/' ? '-' : byte;
+    }
+    name.resize(CutUtf8(name, kMaxName).size());
+    return name;
+}
+
 // A request for saving that waits for its answer. It may outlive the drag.
 struct DragOffer::Saving {
-    Saving(const Connection& to, const xcb_selection_request_event_t& what)
+    Saving(const Connection& to, const SelectionRequest& what)
         : connection(&to)
         , request(what) {}
 
@@ -47,14 +90,14 @@ struct DragOffer::Saving {
         if (!connection)
             return;
         char letter = LetterOf(status);
-        PutAnswer(*connection, request.requestor, request.property, request.target, 8, &letter, 1);
-        AnswerRequest(*connection, request, request.property);
+        request.Put(*connection, request.target, 8, &letter, 1);
+        request.Finish(*connection, true);
         connection = nullptr;
     }
 
     std::mutex lock;
     const Connection* connection; // null when it has been answered
-    const xcb_selection_request_event_t request;
+    const SelectionRequest request;
     const bigtime_t start = Now();
 };
 
@@ -86,57 +129,41 @@ DragOffer::~DragOffer() {
     fConnection.Flush();
 }
 
-void DragOffer::Refuse(const Connection& connection, const xcb_selection_request_event_t& request) {
-    AnswerRequest(connection, request, XCB_ATOM_NONE);
+void DragOffer::HandleRequest(const SelectionRequest& request, bool isDropped) {
+    bool isForSaving = fIsSavable && request.target == fConnection[kXdndDirectSave];
+    if (isForSaving && isDropped && !fSaving)
+        Save(request);
+    else
+        request.Finish(fConnection, !isForSaving && Give(request));
 }
 
-void DragOffer::HandleRequest(const xcb_selection_request_event_t& asked, bool isDropped) {
-    xcb_selection_request_event_t request = asked;
-    // Old programs leave the choice of the property to the owner.
-    if (request.property == XCB_ATOM_NONE)
-        request.property = request.target;
-    if (fIsSavable && request.target == fConnection[kXdndDirectSave]) {
-        if (isDropped && !fSaving)
-            Save(request);
-        else
-            Refuse(fConnection, request);
-        return;
-    }
+bool DragOffer::Give(const SelectionRequest& request) const {
     if (request.target == fConnection[kTargets]) {
         std::vector<xcb_atom_t> targets = fTypes;
         targets.push_back(request.target);
-        Give(request, XCB_ATOM_ATOM, 32, targets.data(), targets.size());
-        return;
+        request.Put(fConnection, XCB_ATOM_ATOM, 32, targets.data(), targets.size());
+        return true;
     }
     for (std::size_t i = 0; i < fData.size(); i++) {
         if (request.target != fTypes[i + fIsSavable])
             continue;
-        Give(request, request.target, 8, fData[i].bytes.data(), fData[i].bytes.size());
-        return;
+        request.Put(fConnection, request.target, 8, fData[i].bytes.data(), fData[i].bytes.size());
+        return true;
     }
-    Refuse(fConnection, request);
-}
-
-void DragOffer::Give(const xcb_selection_request_event_t& request, xcb_atom_t type, uint8 format,
-                     const void* data, std::size_t count) const {
-    PutAnswer(fConnection, request.requestor, request.property, type, format, data, count);
-    AnswerRequest(fConnection, request, request.property);
+    return false;
 }
 
 // The other program has put the place for the file on the drag's window.
 std::string DragOffer::SaveUri() const {
     const auto reply = fConnection.Ask<xcb_get_property, xcb_get_property_reply>(
         false, fWindow, fConnection[kXdndDirectSave], XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxUriWords);
-    if (!reply || reply->format != 8 || reply->bytes_after > 0)
-        return {};
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+    return std::string(reply && reply->bytes_after == 0 ? BytesOf(reply) : std::string_view());
 }
 
-void DragOffer::Save(const xcb_selection_request_event_t& request) {
+void DragOffer::Save(const SelectionRequest& request) {
     fSaving = std::make_shared<Saving>(fConnection, request);
     std::string path;
-    status_t status = PathOfFileUri(SaveUri(), MachineName(), &path);
+    status_t status = PathOfFileUri(SaveUri(), HostName(), &path);
     if (status != B_OK)
         fSaving->Answer(status);
     else

@@ -6,9 +6,19 @@
 #include <vector>
 
 #include "host/x11/Display.h"
+#include "host/x11/exchange/Selections.h"
 #include "host/x11/server/Connection.h"
 
 namespace host {
+
+// The path in a "file:" URI of this machine, which is called `machine`: absolute, and with a name
+// behind its last slash. B_UNSUPPORTED for any other scheme or machine, B_BAD_VALUE for a malformed
+// URI or one that names no file. `path` is changed only with B_OK.
+status_t PathOfFileUri(std::string_view uri, const std::string& machine, std::string* path);
+
+// `text` as a file name: no slashes or control characters, no dot first, at most 200 bytes. Empty
+// if nothing is left.
+std::string FileNameFor(std::string_view text);
 
 // The data of one drag: it owns the protocol's selection by a window of its own and answers the
 // requests for it. One thread at a time, except for the answer to a request for saving.
@@ -24,19 +34,15 @@ public:
     const std::vector<xcb_atom_t>& Types() const { return fTypes; }
 
     // Nothing is saved before the drop, and only once after it.
-    void HandleRequest(const xcb_selection_request_event_t& request, bool isDropped);
+    void HandleRequest(const SelectionRequest& request, bool isDropped);
     // Gives up a saving that takes too long.
     void CheckSaving();
-
-    // The answer when there is no drag.
-    static void Refuse(const Connection& connection, const xcb_selection_request_event_t& request);
 
 private:
     struct Saving;
 
-    void Give(const xcb_selection_request_event_t& request, xcb_atom_t type, uint8 format,
-              const void* data, std::size_t count) const;
-    void Save(const xcb_selection_request_event_t& request);
+    bool Give(const SelectionRequest& request) const;
+    void Save(const SelectionRequest& request);
     std::string SaveUri() const;
 
     const Connection& fConnection;

@@ -16,11 +16,7 @@ constexpr bigtime_t kCheckInterval = 250'000;
 
 constexpr uint32 kEscapeKey = 0x01;
 
-// In XdndEnter's second word.
-constexpr uint32 kHasTypeList = 1;
 constexpr std::size_t kTypesInMessage = 3;
-// In XdndStatus' second word.
-constexpr uint32 kAccepted = 1;
 
 constexpr uint16 kAnyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
 
@@ -272,11 +268,11 @@ void DragSource::HandleStatus(Lock& lock, bool isAccepted) {
 void DragSource::HandleRequest(const xcb_selection_request_event_t& request) {
     Lock lock(fLock);
     if (!fDrag || request.owner != fDrag->offer.Window()) {
-        DragOffer::Refuse(fConnection, request);
+        SelectionRequest(request).Finish(fConnection, false);
         return;
     }
     fDrag->lastProgress = Now();
-    fDrag->offer.HandleRequest(request, fDrag->phase == Phase::Dropped);
+    fDrag->offer.HandleRequest(SelectionRequest(request), fDrag->phase == Phase::Dropped);
 }
 
 void DragSource::CheckProgress() {

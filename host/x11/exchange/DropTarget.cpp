@@ -12,11 +12,6 @@ namespace {
 
 constexpr std::size_t kMaxBytes = 4096; // of a colour
 
-// In XdndEnter's second word.
-constexpr uint32 kHasTypeList = 1;
-// In XdndStatus' and XdndFinished's second word.
-constexpr uint32 kAccepted = 1;
-
 constexpr std::string_view kBlanks(" \t\r\n\0", 5);
 
 } // namespace

@@ -20,26 +20,24 @@ bool IsBefore(xcb_timestamp_t time, xcb_timestamp_t since) {
 
 } // namespace
 
-void PutAnswer(const Connection& connection, xcb_window_t requestor, xcb_atom_t property,
-               xcb_atom_t type, uint8 format, const void* data, std::size_t count) {
+void SelectionRequest::Put(const Connection& connection, xcb_atom_t type, uint8 format,
+                           const void* data, std::size_t count) const {
     auto cookie =
         xcb_change_property_checked(connection, XCB_PROP_MODE_REPLACE, requestor, property, type,
                                     format, static_cast<uint32>(count), data);
     xcb_discard_reply(connection, cookie.sequence);
 }
 
-void AnswerRequest(const Connection& connection, const xcb_selection_request_event_t& request,
-                   xcb_atom_t property) {
+void SelectionRequest::Finish(const Connection& connection, bool isAnswered) const {
     xcb_selection_notify_event_t answer{};
     answer.response_type = XCB_SELECTION_NOTIFY;
-    answer.time = request.time;
-    answer.requestor = request.requestor;
-    answer.selection = request.selection;
-    answer.target = request.target;
-    answer.property = property;
-    auto cookie =
-        xcb_send_event_checked(connection, false, request.requestor, XCB_EVENT_MASK_NO_EVENT,
-                               reinterpret_cast<const char*>(&answer));
+    answer.time = time;
+    answer.requestor = requestor;
+    answer.selection = selection;
+    answer.target = target;
+    answer.property = isAnswered ? property : xcb_atom_t{XCB_ATOM_NONE};
+    auto cookie = xcb_send_event_checked(connection, false, requestor, XCB_EVENT_MASK_NO_EVENT,
+                                         reinterpret_cast<const char*>(&answer));
     xcb_discard_reply(connection, cookie.sequence);
     connection.Flush();
 }
@@ -123,15 +121,13 @@ bool Selections::MayHave(const xcb_selection_request_event_t& event) const {
 }
 
 void Selections::HandleRequest(const xcb_selection_request_event_t& event) {
-    // Old programs leave the choice of the property to the owner.
-    xcb_atom_t property = event.property != XCB_ATOM_NONE ? event.property : event.target;
+    const SelectionRequest request(event);
     std::lock_guard lock(fLock);
-    bool isAnswered = MayHave(event) && Answer(fOffers.at(event.selection),
-                                               {event.requestor, property}, event.target);
-    AnswerRequest(fConnection, event, isAnswered ? property : xcb_atom_t{XCB_ATOM_NONE});
+    request.Finish(fConnection, MayHave(event) && Answer(fOffers.at(event.selection), request));
 }
 
-bool Selections::Answer(const Offer& offer, Place place, xcb_atom_t target) const {
+bool Selections::Answer(const Offer& offer, const SelectionRequest& request) const {
+    const xcb_atom_t target = request.target;
     if (target == fConnection[kTargets]) {
         const xcb_atom_t targets[] = {target,
                                       fConnection[kMultiple],
@@ -140,42 +136,45 @@ bool Selections::Answer(const Offer& offer, Place place, xcb_atom_t target) cons
                                       fConnection[kTextPlainUtf8],
                                       fConnection[kText],
                                       XCB_ATOM_STRING};
-        Put(place, XCB_ATOM_ATOM, 32, targets, std::size(targets));
+        request.Put(fConnection, XCB_ATOM_ATOM, 32, targets, std::size(targets));
         return true;
     }
     if (target == fConnection[kTimestamp]) {
-        Put(place, XCB_ATOM_INTEGER, 32, &offer.since, 1);
+        request.Put(fConnection, XCB_ATOM_INTEGER, 32, &offer.since, 1);
         return true;
     }
     if (target == fConnection[kMultiple])
-        return AnswerAll(offer, place);
+        return AnswerAll(offer, request);
     if (target == fConnection[kUtf8String] || target == fConnection[kText])
-        return AnswerText(place, fConnection[kUtf8String], offer.text);
+        return AnswerText(request, fConnection[kUtf8String], offer.text);
     if (target == fConnection[kTextPlainUtf8])
-        return AnswerText(place, target, offer.text);
-    return target == XCB_ATOM_STRING && AnswerText(place, target, Latin1FromUtf8(offer.text));
+        return AnswerText(request, target, offer.text);
+    return target == XCB_ATOM_STRING && AnswerText(request, target, Latin1FromUtf8(offer.text));
 }
 
 // The property holds pairs of a target and the property for it; a refused one gets None there.
-bool Selections::AnswerAll(const Offer& offer, Place place) const {
+bool Selections::AnswerAll(const Offer& offer, const SelectionRequest& request) const {
     auto pairs = fConnection.ReadValues(
-        fConnection.AskForValues(place.first, place.second, fConnection[kAtomPair]));
+        fConnection.AskForValues(request.requestor, request.property, fConnection[kAtomPair]));
     if (pairs.empty() || pairs.size() > 2 * kMaxTargets)
         return false;
+    SelectionRequest part = request;
     for (std::size_t i = 0; i + 1 < pairs.size(); i += 2) {
-        bool isNested = pairs[i] == fConnection[kMultiple];
-        if (isNested || pairs[i + 1] == XCB_ATOM_NONE ||
-            !Answer(offer, {place.first, pairs[i + 1]}, pairs[i]))
+        part.target = pairs[i];
+        part.property = pairs[i + 1];
+        bool isNested = part.target == fConnection[kMultiple];
+        if (isNested || part.property == XCB_ATOM_NONE || !Answer(offer, part))
             pairs[i + 1] = XCB_ATOM_NONE;
     }
-    Put(place, fConnection[kAtomPair], 32, pairs.data(), pairs.size());
+    request.Put(fConnection, fConnection[kAtomPair], 32, pairs.data(), pairs.size());
     return true;
 }
 
-bool Selections::AnswerText(Place place, xcb_atom_t type, const std::string& text) const {
+bool Selections::AnswerText(const SelectionRequest& request, xcb_atom_t type,
+                            const std::string& text) const {
     if (text.size() > fConnection.MaxRequestBytes() - sizeof(xcb_change_property_request_t))
         return false;
-    Put(place, type, 8, text.data(), text.size());
+    request.Put(fConnection, type, 8, text.data(), text.size());
     return true;
 }
 

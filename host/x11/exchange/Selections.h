@@ -12,15 +12,21 @@
 
 namespace host {
 
-// Writes the answer to a request for a selection into a property of the other program's window,
-// which may be gone.
-void PutAnswer(const Connection& connection, xcb_window_t requestor, xcb_atom_t property,
-               xcb_atom_t type, uint8 format, const void* data, std::size_t count);
+// A request of another program, whose window may be gone, for a selection of this one.
+struct SelectionRequest : xcb_selection_request_event_t {
+    explicit SelectionRequest(const xcb_selection_request_event_t& event)
+        : xcb_selection_request_event_t(event) {
+        // Old programs leave the choice of the property to the owner.
+        if (property == XCB_ATOM_NONE)
+            property = target;
+    }
 
-// Notifies the program that asked for a selection: the answer is in `property` of its window, or
-// the request is refused (XCB_ATOM_NONE).
-void AnswerRequest(const Connection& connection, const xcb_selection_request_event_t& request,
-                   xcb_atom_t property);
+    // Writes the answer into the property.
+    void Put(const Connection& connection, xcb_atom_t type, uint8 format, const void* data,
+             std::size_t count) const;
+    // Notifies the program that the answer is there, or that there is none.
+    void Finish(const Connection& connection, bool isAnswered) const;
+};
 
 // The texts that this program and others exchange: those it holds and those it asks for. A text
 // that does not fit into one request, a quarter of a megabyte, is refused to others. Any thread;
@@ -45,21 +51,16 @@ private:
         std::string text;
         xcb_timestamp_t since;
     };
-    // The other program's window, and the property there.
-    using Place = std::pair<xcb_window_t, xcb_atom_t>;
 
     xcb_atom_t AtomOf(SelectionKind selection) const;
     bool Holds(xcb_atom_t selection) const;
     void HandleClear(const xcb_selection_clear_event_t& event);
     void HandleRequest(const xcb_selection_request_event_t& event);
     bool MayHave(const xcb_selection_request_event_t& event) const;
-    bool Answer(const Offer& offer, Place place, xcb_atom_t target) const;
-    bool AnswerAll(const Offer& offer, Place place) const;
-    bool AnswerText(Place place, xcb_atom_t type, const std::string& text) const;
-    void Put(Place place, xcb_atom_t type, uint8 format, const void* data,
-             std::size_t count) const {
-        PutAnswer(fConnection, place.first, place.second, type, format, data, count);
-    }
+    bool Answer(const Offer& offer, const SelectionRequest& request) const;
+    bool AnswerAll(const Offer& offer, const SelectionRequest& request) const;
+    bool AnswerText(const SelectionRequest& request, xcb_atom_t type,
+                    const std::string& text) const;
 
     const Connection& fConnection;
     const xcb_window_t fOwner;

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "host/x11/keys/KeyCodes.h"
+#include "host/x11/keys/Keyboard.h"
 #include "host/x11/server/Connection.h"
 
 namespace host {

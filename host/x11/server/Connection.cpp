@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include <unistd.h>
+
 #include <xcb/randr.h>
 #include <xcb/shape.h>
 // The extension's header has a member of this name, a keyword here.
@@ -46,18 +48,6 @@ xcb_screen_t* FindScreen(xcb_connection_t* connection, int number) {
     return screens.data;
 }
 
-const xcb_visualtype_t* FindVisual(const xcb_screen_t& screen) {
-    auto depths = xcb_screen_allowed_depths_iterator(&screen);
-    for (; depths.rem; xcb_depth_next(&depths)) {
-        auto visuals = xcb_depth_visuals_iterator(depths.data);
-        for (; visuals.rem; xcb_visualtype_next(&visuals)) {
-            if (visuals.data->visual_id == screen.root_visual)
-                return visuals.data;
-        }
-    }
-    return nullptr;
-}
-
 bool HasWholeWords(const xcb_setup_t& setup, uint8 depth) {
     const xcb_format_t* formats = xcb_setup_pixmap_formats(&setup);
     int count = xcb_setup_pixmap_formats_length(&setup);
@@ -78,6 +68,34 @@ bigtime_t TimeOf(uint32 serverTime) {
     const bigtime_t now = Now();
     const uint32 age = static_cast<uint32>(now / 1000) - serverTime;
     return age < kPlausibleAge ? (now / 1000 - age) * 1000 : now;
+}
+
+std::string HostName() {
+    char name[256] = {};
+    gethostname(name, sizeof(name) - 1);
+    return name;
+}
+
+std::string_view BytesOf(const Reply<xcb_get_property_reply_t>& reply) {
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+xcb_visualid_t FindVisual(const xcb_screen_t& screen, uint8 depth, xcb_visualid_t id) {
+    auto depths = xcb_screen_allowed_depths_iterator(&screen);
+    for (; depths.rem; xcb_depth_next(&depths)) {
+        auto visuals = xcb_depth_visuals_iterator(depths.data);
+        for (; depths.data->depth == depth && visuals.rem; xcb_visualtype_next(&visuals)) {
+            const xcb_visualtype_t& visual = *visuals.data;
+            if ((id == XCB_NONE || visual.visual_id == id) &&
+                visual._class == XCB_VISUAL_CLASS_TRUE_COLOR && visual.red_mask == 0xff0000 &&
+                visual.green_mask == 0xff00 && visual.blue_mask == 0xff)
+                return visual.visual_id;
+        }
+    }
+    return XCB_NONE;
 }
 
 std::unique_ptr<Connection> Connection::Open(const char* name, std::string& problem) {
@@ -120,9 +138,7 @@ std::string Connection::CheckScreen() const {
     uint8 depth = fScreen->root_depth;
     if (depth != 24 && depth != 32)
         return "its screen has " + std::to_string(depth) + " bits a pixel, 24 are needed";
-    const xcb_visualtype_t* visual = FindVisual(*fScreen);
-    if (!visual || visual->_class != XCB_VISUAL_CLASS_TRUE_COLOR || visual->red_mask != 0xff0000 ||
-        visual->green_mask != 0xff00 || visual->blue_mask != 0xff)
+    if (FindVisual(*fScreen, depth, fScreen->root_visual) == XCB_NONE)
         return "its screen does not take colours as red, green and blue bytes";
     bool isLittleEndian = std::endian::native == std::endian::little;
     if (!HasWholeWords(setup, depth) ||

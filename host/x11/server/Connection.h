@@ -84,6 +84,9 @@ enum AtomIndex : std::size_t {
 // The drag protocol's version that windows announce, and the lowest that another program may speak.
 inline constexpr uint32 kXdndVersion = 5;
 inline constexpr uint32 kLowestXdndVersion = 3;
+// In the second word of XdndEnter, and of XdndStatus and XdndFinished.
+inline constexpr uint32 kHasTypeList = 1;
+inline constexpr uint32 kAccepted = 1;
 
 struct FreeMemory {
     void operator()(void* memory) const { std::free(memory); }
@@ -100,6 +103,16 @@ bigtime_t Now();
 // When a server's event happened, at the earliest: its milliseconds are of the same clock where the
 // server runs on this machine. Where it does not, now.
 bigtime_t TimeOf(uint32 serverTime);
+
+// The name of this machine.
+std::string HostName();
+
+// The bytes of a property; nothing if there is none of that format. Valid as long as the reply.
+std::string_view BytesOf(const Reply<xcb_get_property_reply_t>& reply);
+
+// The visual of that depth, and with that `id` unless it is None, whose pixels are 0xRRGGBB words;
+// None if the screen has none.
+xcb_visualid_t FindVisual(const xcb_screen_t& screen, uint8 depth, xcb_visualid_t id = XCB_NONE);
 
 // The connection to the X server and what stays the same as long as it lasts. Any thread.
 class Connection {

@@ -135,13 +135,6 @@ void ApplyResources(DesktopSettings& settings, std::string_view resources) {
     }
 }
 
-std::string_view BytesOf(const Reply<xcb_get_property_reply_t>& reply) {
-    if (!reply || reply->format != 8)
-        return {};
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-}
-
 } // namespace
 
 int DesktopSettings::PointerSize() const {

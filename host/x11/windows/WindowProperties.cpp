@@ -1,7 +1,6 @@
 #include "host/x11/windows/WindowProperties.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include <unistd.h>
 
@@ -55,12 +54,6 @@ AtomIndex TypeOf(WindowKind kind) {
         break;
     }
     return kNetWmWindowTypeNormal;
-}
-
-std::string HostName() {
-    char name[256] = {};
-    gethostname(name, sizeof(name) - 1);
-    return name;
 }
 
 // Some window managers show a button for what a window cannot do, unless the hints exclude it.
@@ -175,13 +168,8 @@ std::vector<uint32> IconWords(const Image& icon) {
         return {};
     std::vector<uint32> words{static_cast<uint32>(icon.width), static_cast<uint32>(icon.height)};
     for (int y = 0; y < icon.height; y++) {
-        for (int x = 0; x < icon.width; x++) {
-            uint32 pixel;
-            std::memcpy(&pixel,
-                        icon.pixels + std::ptrdiff_t(y) * icon.stride + std::ptrdiff_t(x) * 4,
-                        sizeof(pixel));
-            words.push_back(pixel);
-        }
+        for (int x = 0; x < icon.width; x++)
+            words.push_back(icon.At(x, y));
     }
     return words;
 }

@@ -4,7 +4,7 @@
 #include <random>
 
 #include "base/Errors.h"
-#include "host/x11/exchange/FileUri.h"
+#include "host/x11/exchange/DragOffer.h"
 #include "tests/host/x11/X11Test.h"
 
 namespace host {
