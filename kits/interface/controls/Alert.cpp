@@ -217,8 +217,7 @@ bool BAlert::QuitRequested() {
 // The thread that waited may open a menu or the next alert at once: this one goes first.
 void BAlert::Close(int32 which) {
     WindowRoster::Shared().RemoveAlert(this);
-    if (fState->host)
-        fState->host->Hide();
+    fState->host->Hide();
     if (fAnswer->Give(which) && which >= 0 && fInvoker != nullptr &&
         fInvoker->Message() != nullptr) {
         BMessage message(*fInvoker->Message());

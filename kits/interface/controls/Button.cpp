@@ -9,7 +9,6 @@
 namespace {
 
 constexpr rgb_color kWhite{255, 255, 255, 255};
-constexpr rgb_color kFocusColor{0, 0, 229, 255};
 constexpr float kRing = 3; // around the face, for the frame of a default button
 
 // Without its four corner pixels.
@@ -72,11 +71,7 @@ void BButton::DrawLabel(BRect face) {
     GetFont(&font);
     font.TruncateString(&label, B_TRUNCATE_END, face.Width() - 5);
     float width = StringWidth(label.c_str());
-    font_height height;
-    GetFontHeight(&height);
-    BPoint baseline(
-        std::floor(face.left + (face.Width() + 1 - width) / 2),
-        std::floor(face.top + (face.Height() + 1 + height.ascent - height.descent) / 2));
+    BPoint baseline(std::floor(face.left + (face.Width() + 1 - width) / 2), BaselineIn(face, font));
     bool isPressed = Value() == B_CONTROL_ON;
     SetHighColor(!IsEnabled() ? tint_color(ViewColor(), B_DARKEN_3_TINT)
                  : isPressed  ? kWhite

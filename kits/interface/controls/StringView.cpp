@@ -18,10 +18,9 @@ void BStringView::AttachedToWindow() {
 }
 
 void BStringView::Draw(BRect) {
-    font_height height;
-    GetFontHeight(&height);
+    BFont font;
+    GetFont(&font);
     float room = Bounds().Width() + 1 - StringWidth(Text());
     float x = fAlignment == B_ALIGN_LEFT ? 0 : fAlignment == B_ALIGN_RIGHT ? room : room / 2;
-    float y = (Bounds().Height() + 1 + height.ascent - height.descent) / 2;
-    DrawString(Text(), BPoint(std::floor(x), std::floor(y)));
+    DrawString(Text(), BPoint(std::floor(x), BaselineIn(Bounds(), font)));
 }

@@ -75,6 +75,12 @@ BFont LabelFont(const BFont& font, const char* label, float width) {
     return smaller;
 }
 
+float BaselineIn(BRect frame, const BFont& font) {
+    font_height height;
+    font.GetHeight(&height);
+    return std::floor(frame.top + (frame.Height() + 1 + height.ascent - height.descent) / 2);
+}
+
 host::FontSpec SpecOf(const BFont& font) {
     return {font.Size(), (font.Face() & B_BOLD_FACE) != 0};
 }

@@ -111,6 +111,9 @@ std::future<void> prepare_font(const BFont& font);
 // below seven tenths of the size: a longer label is to be cut.
 BFont LabelFont(const BFont& font, const char* label, float width);
 
+// The baseline, on a whole logical pixel, of a line of `font` in the middle of `frame`.
+float BaselineIn(BRect frame, const BFont& font);
+
 // For the kit's own drawing: the font, and the device pixels of a logical pixel (1 without a
 // display).
 host::FontSpec SpecOf(const BFont& font);

@@ -103,7 +103,7 @@ private:
     // The item that the key of this character with these modifiers invokes, here or below; or null.
     BMenuItem* ItemOfShortcut(char character, uint32 modifiers) const;
 
-    // Layout and scrolling (MenuLayout.cpp). Lengths count pixels, as a rectangle's do not.
+    // Layout and scrolling. Lengths count pixels, as a rectangle's do not.
     void Layout();
     float ContentWidth() const { return fContentWidth; }
     float ContentHeight() const { return fContentHeight; }

@@ -8,21 +8,14 @@
 #include "kits/interface/menus/Menu.h"
 #include "kits/interface/menus/MenuPlacement.h"
 #include "kits/interface/menus/MenuTracker.h"
+#include "kits/interface/window/Control.h"
 #include "kits/interface/window/Window.h"
 
 namespace {
 
-constexpr rgb_color kFocusColor{0, 0, 229, 255};
 constexpr float kTextLeft = 4;   // of the box's text, in the box
 constexpr float kArrowRoom = 11; // on the right of the box
 constexpr float kArrowWidth = 6;
-
-// So that a line of this font is in the middle of `frame`.
-float BaselineIn(BRect frame, const BFont& font) {
-    font_height height;
-    font.GetHeight(&height);
-    return std::floor(frame.top + (frame.Height() + 1 + height.ascent - height.descent) / 2);
-}
 
 } // namespace
 
@@ -74,12 +67,8 @@ void BMenuField::Draw(BRect) {
     BFont own;
     GetFont(&own);
     SetHighColor(0, 0, 0);
-    BFont font = LabelFont(own, fLabel.c_str(), fDivider);
-    std::string label = fLabel;
-    font.TruncateString(&label, B_TRUNCATE_END, fDivider);
-    BView::SetFont(&font);
-    DrawString(label.c_str(), BPoint(0, BaselineIn(Bounds(), own)));
-    BView::SetFont(&own);
+    DrawLabel(*this, LabelFont(own, fLabel.c_str(), fDivider), fLabel, fDivider,
+              BPoint(0, BaselineIn(Bounds(), own)));
     DrawBox(BoxFrame());
 }
 
@@ -102,16 +91,12 @@ void BMenuField::DrawBox(BRect box) {
                             {right - kArrowWidth / 2, middle + 2}};
     FillPolygon(arrow, 3);
 
-    BFont own;
-    GetFont(&own);
     BFont font;
     fMenu->GetFont(&font);
-    std::string shown = ShownLabel();
+    const std::string shown = ShownLabel();
     font = LabelFont(font, shown.c_str(), RoomForShownLabel());
-    font.TruncateString(&shown, B_TRUNCATE_END, RoomForShownLabel());
-    SetFont(&font);
-    DrawString(shown.c_str(), BPoint(box.left + kTextLeft, BaselineIn(box, font)));
-    SetFont(&own);
+    DrawLabel(*this, font, shown, RoomForShownLabel(),
+              BPoint(box.left + kTextLeft, BaselineIn(box, font)));
 }
 
 void BMenuField::MouseDown(BPoint where) {

@@ -57,9 +57,8 @@ bool MenuTracker::Register(const std::shared_ptr<MenuTracker>& tracker) {
 
 bool MenuTracker::Begin(bool openAnyway) {
     fWindow->SetTracker(shared_from_this());
-    host::Display* display = host::Display::Shared();
     // The server holds the buttons' state, so a press of the moment before counts.
-    if (!fCancelled && display && (openAnyway || display->GetPointer().buttons != 0) &&
+    if (!fCancelled && (openAnyway || host::Display::Shared()->GetPointer().buttons != 0) &&
         fWindow->GrabInput(kGrabTimeout) == B_OK)
         return true;
     Finish(nullptr);

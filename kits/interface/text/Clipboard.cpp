@@ -45,7 +45,7 @@ bool BClipboard::Lock() {
     if (!fState->locker.Lock())
         return false;
     if (fState->locker.CountLocks() == 1)
-        fState->isCurrent = host::Display::Shared() == nullptr;
+        fState->isCurrent = false;
     return true;
 }
 
@@ -84,7 +84,6 @@ status_t BClipboard::Clear() {
 status_t BClipboard::Commit() {
     if (!IsLocked())
         return B_NOT_ALLOWED;
-    if (host::Display* display = host::Display::Shared())
-        display->OwnSelection(host::SelectionKind::Clipboard, PlainTextOf(*Data()));
+    host::Display::Shared()->OwnSelection(host::SelectionKind::Clipboard, PlainTextOf(*Data()));
     return B_OK;
 }

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr rgb_color kFocusColor{0, 0, 229, 255};
 constexpr float kFrame = 2; // around the field
 
 float FirstDivider(BRect frame, const char* label) {
@@ -115,17 +114,10 @@ void BTextControl::Draw(BRect) {
         StrokeBevel(*this, frame, tint_color(base, IsEnabled() ? B_DARKEN_4_TINT : B_DARKEN_2_TINT),
                     base);
     }
-    DrawLabel();
-}
-
-void BTextControl::DrawLabel() {
     BFont own;
     GetFont(&own);
-    BFont font = LabelFont(own, Label(), fDivider - 1);
-    std::string label = Label();
-    font.TruncateString(&label, B_TRUNCATE_END, fDivider - 1);
-    SetHighColor(IsEnabled() ? rgb_color{0, 0, 0, 255} : tint_color(ViewColor(), B_DARKEN_3_TINT));
-    BControl::SetFont(&font);
-    DrawString(label.c_str(), BPoint(0, fField->Frame().top + fField->Baseline()));
-    BControl::SetFont(&own);
+    SetHighColor(IsEnabled() ? rgb_color{0, 0, 0, 255} : tint_color(base, B_DARKEN_3_TINT));
+    const float room = fDivider - 1;
+    DrawLabel(*this, LabelFont(own, Label(), room), Label(), room,
+              BPoint(0, fField->Frame().top + fField->Baseline()));
 }

@@ -55,7 +55,6 @@ private:
 
     BRect FieldFrame() const;
     void PlaceField();
-    void DrawLabel();
 
     TextField* const fField;
     float fDivider;

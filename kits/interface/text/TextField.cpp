@@ -22,11 +22,6 @@ constexpr rgb_color kInk{0, 0, 0, 255};
 constexpr rgb_color kSelectionColor{172, 200, 255, 255};
 constexpr rgb_color kPassiveSelectionColor{216, 216, 216, 255};
 
-void Beep() {
-    if (host::Display* display = host::Display::Shared())
-        display->Beep();
-}
-
 } // namespace
 
 TextField::TextField(BTextControl& control)
@@ -92,7 +87,7 @@ void TextField::Change(TextLine::Range range, std::string_view text, UndoHistory
     size_t kept = std::min(fLine.Text().size() - length, kMaxBytes);
     std::string_view added = CutUtf8(text, kMaxBytes - kept);
     if (added.size() < text.size())
-        Beep();
+        host::Display::Shared()->Beep();
     fHistory.Add({range.first, fLine.Text().substr(start, length), std::string(added), Selection()},
                  kind);
     fLine.Replace(range, added);
@@ -140,9 +135,9 @@ bool TextField::ShowsFocus() const {
 }
 
 float TextField::Baseline() const {
-    font_height height;
-    GetFontHeight(&height);
-    return std::floor((Bounds().Height() + 1 + height.ascent - height.descent) / 2);
+    BFont font;
+    GetFont(&font);
+    return BaselineIn(Bounds(), font);
 }
 
 float TextField::TextRoom() const {

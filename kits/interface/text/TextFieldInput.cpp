@@ -254,23 +254,20 @@ void TextField::Paste() {
 
 // The middle button brings it into other fields and programs.
 void TextField::OfferSelected() {
-    host::Display* display = host::Display::Shared();
-    if (display != nullptr && fAnchor != fCaret)
-        display->OwnSelection(host::SelectionKind::Primary, SelectedText());
+    if (fAnchor != fCaret)
+        host::Display::Shared()->OwnSelection(host::SelectionKind::Primary, SelectedText());
 }
 
 // The program that holds the text may be slow: the window must not wait for it.
 void TextField::AskFor(host::SelectionKind selection) {
-    host::Display* display = host::Display::Shared();
-    if (display == nullptr)
-        return;
-    display->AskSelection(selection, [target = BMessenger(this)](status_t, std::string text) {
+    const auto send = [target = BMessenger(this)](status_t, std::string text) {
         BMessage message(kTextCame);
         text.resize(std::min(text.size(), kMaxTaken));
         std::erase(text, '\0');
         message.AddString("text", text.c_str());
         target.SendMessage(&message);
-    });
+    };
+    host::Display::Shared()->AskSelection(selection, send);
 }
 
 bool TextField::Offers(EditAction action) const {

@@ -80,6 +80,16 @@ status_t BControl::Invoke(BMessage* message) {
     return BInvoker::Invoke(&sent);
 }
 
+void DrawLabel(BView& view, const BFont& font, std::string label, float room, BPoint baseline) {
+    BFont own;
+    view.GetFont(&own);
+    font.TruncateString(&label, B_TRUNCATE_END, room);
+    // A control may pass its font on to the views in it.
+    view.BView::SetFont(&font);
+    view.DrawString(label.c_str(), baseline);
+    view.BView::SetFont(&own);
+}
+
 void StrokeBevel(BView& view, BRect rect, rgb_color leftTop, rgb_color rightBottom) {
     view.SetHighColor(rightBottom);
     view.StrokeLine(rect.RightTop(), rect.RightBottom());

@@ -10,6 +10,9 @@ enum : int32 {
     B_CONTROL_ON = 1,
 };
 
+// Of the frame or the line that shows the focus.
+inline constexpr rgb_color kFocusColor{0, 0, 229, 255};
+
 // A view with a label and a value that sends a message when it is used. Its target is its window
 // unless another one was set.
 class BControl : public BView, public BInvoker {
@@ -51,6 +54,9 @@ private:
     bool fEnabled = true;
     bool fTracking = false;
 };
+
+// Draws `label`, cut to `room`, in `font` instead of the view's own. Window's thread.
+void DrawLabel(BView& view, const BFont& font, std::string label, float room, BPoint baseline);
 
 // One pixel along the edges of `rect`, in the view's coordinates: the right and lower ones in one
 // colour, the others, with the left-bottom and right-top corners left out, in the other. The view's

@@ -129,7 +129,7 @@ status_t BView::DragMessage(const BMessage* message, BBitmap* image, drawing_mod
     const std::unique_ptr<BBitmap> owned(image);
     if (message == nullptr)
         return B_BAD_VALUE;
-    if (fWindow == nullptr || !fWindow->fState->host)
+    if (fWindow == nullptr)
         return B_NO_INIT;
     BWindow::State& state = *fWindow->fState;
     const BMessenger sender(replyTo != nullptr ? replyTo : this);

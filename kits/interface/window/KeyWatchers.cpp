@@ -4,15 +4,6 @@
 
 #include "kits/interface/window/EventTranslator.h"
 
-namespace {
-
-void Watch(bool watch) {
-    if (host::Display* display = host::Display::Shared())
-        display->WatchSessionKeys(watch);
-}
-
-} // namespace
-
 // Never deleted: the display thread may call until the process ends.
 KeyWatchers& KeyWatchers::Shared() {
     static auto* watchers = new KeyWatchers;
@@ -24,7 +15,7 @@ void KeyWatchers::Add(const BMessenger& view) {
     if (std::ranges::find(fWatchers, view, &Watcher::view) != fWatchers.end())
         return;
     fWatchers.push_back({view, find_thread(nullptr)});
-    Watch(true);
+    host::Display::Shared()->WatchSessionKeys(true);
 }
 
 void KeyWatchers::Remove(const BMessenger& view) {
@@ -32,7 +23,7 @@ void KeyWatchers::Remove(const BMessenger& view) {
     bool isRemoved =
         std::erase_if(fWatchers, [&](const Watcher& one) { return one.view == view; }) != 0;
     if (isRemoved && fWatchers.empty())
-        Watch(false);
+        host::Display::Shared()->WatchSessionKeys(false);
 }
 
 void KeyWatchers::SetWaiting(bool isWaiting) {

@@ -67,8 +67,7 @@ void BWindow::Show() {
         if (!std::exchange(fState->hasShown, true))
             fState->BringInside();
         UpdateIfNeeded();
-        if (fState->host)
-            fState->host->Show();
+        fState->host->Show();
         if (!fState->hasRun)
             Run();
     }
@@ -78,7 +77,7 @@ void BWindow::Show() {
 void BWindow::Hide() {
     if (!Lock())
         return;
-    if (fState->hideCount++ == 0 && fState->host)
+    if (fState->hideCount++ == 0)
         fState->host->Hide();
     PostMessage(kPressTaken);
     Unlock();
@@ -94,8 +93,7 @@ thread_id BWindow::Run() {
 }
 
 void BWindow::Minimize(bool minimize) {
-    if (fState->host)
-        fState->host->SetMinimized(minimize);
+    fState->host->SetMinimized(minimize);
 }
 
 bool BWindow::IsMinimized() const {
@@ -103,7 +101,7 @@ bool BWindow::IsMinimized() const {
 }
 
 void BWindow::Activate(bool active) {
-    if (active && fState->host && (fState->flags & B_AVOID_FOCUS) == 0)
+    if (active && (fState->flags & B_AVOID_FOCUS) == 0)
         fState->host->Activate();
 }
 
@@ -147,8 +145,7 @@ status_t BWindow::SetFeel(window_feel feel) {
     if (feel != B_NORMAL_WINDOW_FEEL && feel != B_FLOATING_ALL_WINDOW_FEEL)
         return B_BAD_VALUE;
     fState->feel = feel;
-    if (fState->host)
-        fState->host->SetFloating(feel == B_FLOATING_ALL_WINDOW_FEEL);
+    fState->host->SetFloating(feel == B_FLOATING_ALL_WINDOW_FEEL);
     return B_OK;
 }
 
@@ -156,8 +153,7 @@ void BWindow::SetWorkspaces(uint32 workspaces) {
     if (workspaces == fState->workspaces)
         return;
     fState->workspaces = workspaces;
-    if (fState->host)
-        fState->host->SetAllDesktops(workspaces == B_ALL_WORKSPACES);
+    fState->host->SetAllDesktops(workspaces == B_ALL_WORKSPACES);
 }
 
 void BWindow::SetDefaultButton(BControl* button) {
@@ -195,8 +191,7 @@ void BWindow::Flush() const {
 
 void BWindow::Sync() const {
     fState->Present();
-    if (host::Display* display = host::Display::Shared())
-        display->Sync();
+    host::Display::Shared()->Sync();
 }
 
 void BWindow::Quit() {
@@ -229,7 +224,7 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
         fState->EndPress();
         break;
     case kPointerLeft:
-        fState->PointerLeft();
+        fState->MoveOver(nullptr, fState->lastWhere);
         break;
     case kColorDropped:
         fState->ColorDropped(*message);
@@ -276,13 +271,12 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
 }
 
 status_t BWindow::GrabInput(bigtime_t timeout) {
-    const status_t status = fState->host ? fState->host->GrabInput(timeout) : B_NO_INIT;
+    const status_t status = fState->host->GrabInput(timeout);
     if (status == B_OK)
         WindowRoster::Shared().PointerTaken();
     return status;
 }
 
 void BWindow::ReleaseInput() {
-    if (fState->host)
-        fState->host->ReleaseInput();
+    fState->host->ReleaseInput();
 }

@@ -46,7 +46,8 @@ inline constexpr uint32 B_ALL_WORKSPACES = 0xffffffff;
 // main(), before the first window.
 status_t connect_display();
 
-// A window on the screen with a looper of its own. Built with new; deleted by Quit().
+// A window on the screen with a looper of its own. Built with new; deleted by Quit(). Without a
+// display it can be built and quit, and an alert does not open.
 //
 // One with a border that floats above all, cannot be moved and avoids the focus is a help bubble:
 // the window manager leaves it alone, and clicks go through to what is under it.

@@ -57,7 +57,7 @@ void BWindow::State::Present() {
     for (const BRect& rect : region.Rects())
         shown.push_back({static_cast<int>(rect.left), static_cast<int>(rect.top),
                          static_cast<int>(rect.right) + 1, static_cast<int>(rect.bottom) + 1});
-    if (host && !shown.empty())
+    if (!shown.empty())
         host->Present(canvas->Picture(), shown);
 }
 

@@ -127,10 +127,6 @@ void BWindow::State::MouseMoved(BMessage& message) {
         tracking->MouseMoved(where - tracking->OriginInWindow(), B_OUTSIDE_VIEW, nullptr);
 }
 
-void BWindow::State::PointerLeft() {
-    MoveOver(nullptr, lastWhere);
-}
-
 void BWindow::State::ColorDropped(const BMessage& message) {
     const void* color = nullptr;
     ssize_t size = 0;
@@ -140,10 +136,7 @@ void BWindow::State::ColorDropped(const BMessage& message) {
     paste.AddData("RGBColor", B_RGB_COLOR_TYPE, color, size);
     paste.SetWasDropped(true);
     BView* view = ViewAt(message.GetPoint("where", B_ORIGIN));
-    if (view != nullptr)
-        window->PostMessage(&paste, view);
-    else
-        window->PostMessage(&paste, window);
+    window->PostMessage(&paste, view != nullptr ? static_cast<BHandler*>(view) : window);
 }
 
 void BWindow::State::MoveOver(BView* view, BPoint where) {
@@ -161,7 +154,7 @@ void BWindow::State::MoveOver(BView* view, BPoint where) {
 void BWindow::State::ShowCursor() {
     const BView* view = isMasked ? tracking : over;
     BCursor wanted = view != nullptr ? view->fCursor : BCursor();
-    if (std::exchange(cursor, wanted) == wanted || !host)
+    if (std::exchange(cursor, wanted) == wanted)
         return;
     if (wanted.IsOwn())
         host->SetPointer(wanted.Picture());
@@ -172,8 +165,6 @@ void BWindow::State::ShowCursor() {
 }
 
 void BWindow::State::ShowTextCaret(const BView& field, BRect caret) {
-    if (!host)
-        return;
     caret.OffsetBy(field.OriginInWindow());
     auto pixel = [this](float at) { return static_cast<int>(std::lround(at * scale)); };
     host->SetTextCaret(host::PixelRect{pixel(caret.left), pixel(caret.top), pixel(caret.right + 1),
@@ -181,8 +172,7 @@ void BWindow::State::ShowTextCaret(const BView& field, BRect caret) {
 }
 
 void BWindow::State::HideTextCaret() {
-    if (host)
-        host->SetTextCaret(std::nullopt);
+    host->SetTextCaret(std::nullopt);
 }
 
 void BWindow::State::WheelTurned(BMessage& message) {
@@ -289,8 +279,7 @@ void BWindow::State::GetMouse(const BView& poller, BPoint* where, uint32* down, 
     Present();
     if (checkQueue && TakeMouseMessage(poller, where, down))
         return;
-    host::Display* display = host::Display::Shared();
-    host::Pointer pointer = display ? display->GetPointer() : host::Pointer{};
+    const host::Pointer pointer = host::Display::Shared()->GetPointer();
     if (checkQueue && pointer.buttons == 0 && buttons != 0) {
         // The release has happened; its message is on its way and would come as a surprise later.
         bigtime_t end = system_time() + kReleaseDeadline;

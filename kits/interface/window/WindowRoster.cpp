@@ -132,10 +132,9 @@ void WindowRoster::PointerTaken() {
 }
 
 void WindowRoster::PointAtAlert() {
-    if (host::Display* display = host::Display::Shared())
-        display->Beep();
+    host::Display::Shared()->Beep();
     std::lock_guard lock(fMutex);
-    if (!fAlerts.empty() && fAlerts.back()->fState->host)
+    if (!fAlerts.empty())
         fAlerts.back()->fState->host->Activate();
 }
 
@@ -198,7 +197,7 @@ bool WindowRoster::QuitWindows() {
 void WindowRoster::Wake() {
     std::lock_guard lock(fMutex);
     BWindow* window = MainWindow();
-    if (window == nullptr || !window->fState->host)
+    if (window == nullptr)
         return;
     window->fState->host->SetMinimized(false);
     window->fState->host->Activate();

@@ -105,8 +105,7 @@ void BWindow::State::SetFrame(BPoint newPlace, float newWidth, float newHeight) 
     host::PixelRect asked = DeviceFrame();
     if (asked != device) {
         device = asked;
-        if (host)
-            host->SetFrame(device);
+        host->SetFrame(device);
         WindowRoster::Shared().FrameChanged(window, device);
     }
     if (Bounds() != oldBounds)
@@ -154,13 +153,12 @@ host::PixelRect BWindow::State::GripOnScreen() const {
 }
 
 void BWindow::State::BringInside() {
-    host::Display* display = host::Display::Shared();
-    if (display == nullptr || IsMenu() || IsBubble())
+    if (IsMenu() || IsBubble())
         return;
     int border = Spec().border;
     host::PixelRect whole{device.left - border, device.top - border, device.right + border,
                           device.bottom + border};
-    const std::vector<host::PixelRect> monitors = display->Monitors();
+    const std::vector<host::PixelRect> monitors = host::Display::Shared()->Monitors();
     if (IsInReach(monitors, GripOnScreen(), DeviceLength(kEnoughGrip - 1, scale)))
         return;
     const host::PixelRect inside = MovedInside(monitors, whole);
@@ -179,15 +177,12 @@ void BWindow::State::FollowSettings() {
         ClipChanged();
         device = DeviceFrame();
         WindowRoster::Shared().FrameChanged(window, device);
-        if (host) {
-            host->SetBorder(Spec().border);
-            host->SetFrame(device);
-        }
+        host->SetBorder(Spec().border);
+        host->SetFrame(device);
         BringInside();
     }
     cursor = BCursor();
-    if (host)
-        host->SetPointer(host::PointerShape::Arrow);
+    host->SetPointer(host::PointerShape::Arrow);
     ShowCursor();
     Invalidate(Bounds());
 }

@@ -63,7 +63,6 @@ struct BWindow::State {
     // The one end of a press, whatever ended it: the view that was pressed gets MouseUp(), unless
     // it is `poller`, which has seen the end itself. At kNowhere nothing is released over it.
     void EndPress(BPoint where = kNowhere, const BView* poller = nullptr);
-    void PointerLeft();
     void ColorDropped(const BMessage& message);
     void MoveOver(BView* view, BPoint where);
     void ShowCursor();
