@@ -39,13 +39,9 @@ TEST(DesktopSettings, PublishedOnesGoBeforeResources) {
     for (const auto& [dpi, scale] : scales)
         EXPECT_EQ(ReadDesktopSettings(Published({{"Xft/DPI", dpi * 1024}}), "Xft.dpi: 192\n").scale,
                   scale);
-    EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: lots\n").scale, 1);
-    EXPECT_EQ(ReadDesktopSettings({}, "Xft.dpi: 192\n").PointerSize(), 48);
-    const std::string resources = "Xcursor.size:\t32\nXft.dpi: 192";
-    EXPECT_EQ(ReadDesktopSettings({}, resources).PointerSize(), 32);
-    EXPECT_EQ(ReadDesktopSettings({}, resources).scale, 2);
     const Bytes published = Published({{"Gtk/CursorThemeSize", 64}});
-    EXPECT_EQ(ReadDesktopSettings(published, resources).PointerSize(), 64);
+    EXPECT_EQ(ReadDesktopSettings(published, "Xcursor.size:\t32").PointerSize(), 64);
+    EXPECT_EQ(ReadDesktopSettings({}, "Xcursor.size:\t32\nXft.dpi: lots").PointerSize(), 32);
 }
 
 TEST(DesktopSettings, AreReadInEitherByteOrderAsFarAsTheyGo) {
@@ -89,14 +85,6 @@ TEST(DisplayTest, FollowsTheSettingsManagerAsItComesChangesAndGoes) {
     EXPECT_EQ(display->DoubleClickTime(), 400'000);
     manager.reset();
     EXPECT_TRUE(WaitUntil([&] { return display->Scale() == 1; }));
-}
-
-TEST(DisplayTest, SaysWhyAServerCannotBeUsed) {
-    Desk shallow({.depth = 16, .windowManager = false});
-    DisplayLog sink;
-    std::string problem;
-    EXPECT_EQ(XDisplay::Connect(shallow.Name().c_str(), &sink, "bar", "Bar", problem), nullptr);
-    EXPECT_THAT(problem, testing::HasSubstr("16 bits a pixel"));
 }
 
 } // namespace

@@ -1,38 +1,14 @@
 #include <X11/keysym.h>
 #include <future>
-#include <thread>
 
 #include "host/x11/keys/ClickCounter.h"
 #include "tests/host/x11/X11Test.h"
-#include "tests/support/ChildProcess.h"
 
 namespace host {
 namespace {
 
 class InputTest : public X11Test {
 protected:
-    ~InputTest() override { SetLayout({"us"}); }
-
-    // The layout, as setxkbmap's -layout has it, and more arguments of that program.
-    static void SetLayout(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
-        EXPECT_EQ(test::ChildProcess({.arguments = arguments}).Wait(), 0);
-    }
-
-    // What the keys that are pressed and released one after the other type.
-    std::vector<std::string> TextsOf(const TestWindow& window, std::vector<uint32_t> keys) {
-        window.events->Forget();
-        for (uint32_t key : keys)
-            desk.Key(key);
-        EXPECT_TRUE(window.events->Await<KeyChanged>(2 * keys.size()));
-        std::vector<std::string> texts;
-        for (const KeyChanged& change : window.events->All<KeyChanged>()) {
-            if (change.down)
-                texts.push_back(change.text);
-        }
-        return texts;
-    }
-
     const WindowSpec menuSpec = MenuSpec({150, 150, 250, 350});
 };
 
@@ -52,26 +28,6 @@ TEST(ClickCounter, CountsPressesThatAreSoonNearAndAlike) {
         event.event = window;
         EXPECT_EQ(counter.Count(event), count) << time << ", " << x;
     }
-}
-
-TEST_F(InputTest, TypesByTheLayoutAndItsSequences) {
-    TestWindow window = display.CreateActive();
-    // Russian in the second group, chosen by Shift with Caps Lock.
-    SetLayout({"us,ru", "-option", "grp:shift_caps_toggle"});
-    EXPECT_THAT(TextsOf(window, {XK_a, XK_q}), ElementsAre("a", "q"));
-    desk.KeyWith(XK_Shift_L, XK_Caps_Lock);
-    EXPECT_TRUE(WaitUntil([&] {
-        return TextsOf(window, {XK_a, XK_q}) == std::vector<std::string>{"ф", "й"};
-    }));
-    EXPECT_EQ(window.events->Last<KeyChanged>().key, 0x27u);
-    EXPECT_THAT(TextsOf(window, {XK_Left}), ElementsAre("\x1c"));
-
-    SetLayout({"us", "-variant", "intl", "-option", "compose:menu"});
-    EXPECT_THAT(TextsOf(window, {XK_dead_acute, 'e', 'e'}), ElementsAre("", "é", "e"));
-    EXPECT_THAT(TextsOf(window, {XK_Multi_key, 's', 's'}), ElementsAre("", "", "ß"));
-    // What goes into no sequence ends the one that was begun.
-    EXPECT_THAT(TextsOf(window, {XK_dead_acute, 'q', XK_dead_acute, XK_BackSpace, 'e'}),
-                ElementsAre("", "q", "", "", "e"));
 }
 
 TEST_F(InputTest, AKeyThatWasReleasedElsewhereDoesNotRepeat) {
@@ -136,31 +92,6 @@ TEST_F(InputTest, ARefusedGrabLeavesThePressItsRelease) {
     EXPECT_TRUE(menu.events->Await<ButtonReleased>());
     peer.Ungrab();
     EXPECT_EQ(menu->GrabInput(0), B_OK);
-}
-
-TEST_F(InputTest, AClickThatActivatesAndOpensAMenuIsNoLossOfTheFocus) {
-    TestWindow bar = display.CreateShown(BarSpec({100, 80, 340, 112}));
-    PlainWindow elsewhere(desk, {600, 300, 200, 100});
-    TestWindow menu = display.Create(menuSpec);
-    for (int x : {110, 130, 150}) {
-        elsewhere.Activate();
-        display.AwaitEvents();
-        const int before = display.Sink().focusLosses;
-        bar.events->Forget();
-        desk.MoveTo(x, 90);
-        desk.Press();
-        ASSERT_TRUE(bar.events->Await<ButtonPressed>());
-        ASSERT_EQ(menu->GrabInput(300'000), B_OK) << "not shown before it has the input";
-        menu->Show();
-        desk.Release();
-        ASSERT_TRUE(bar.BecomesActive());
-        // Longer than a loss is doubted.
-        std::this_thread::sleep_for(std::chrono::milliseconds(250));
-        display.AwaitEvents();
-        EXPECT_EQ(display.Sink().focusLosses, before);
-        menu->ReleaseInput();
-        menu->Hide();
-    }
 }
 
 TEST_F(InputTest, AScreenLockerThatTakesTheFocusClosesMenus) {

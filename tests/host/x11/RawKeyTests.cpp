@@ -87,22 +87,5 @@ TEST_F(RawKeyTest, AReleaseThatNeverCameIsMadeUpForWhenKeyboardsChange) {
     EXPECT_EQ(sink.TakeKeys().back().states, kNothing);
 }
 
-TEST_F(RawKeyTest, AnOldServerIsReportedInOneLine) {
-    TestDisplay old(desk);
-    // The server keeps to the version that a program named first.
-    Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
-        old->Server(), xcb_input_xi_query_version(old->Server(), 2, 0), nullptr));
-    ASSERT_TRUE(version);
-    testing::internal::CaptureStderr();
-    for (bool watch : {true, false, true})
-        old->WatchSessionKeys(watch);
-    const std::string line = testing::internal::GetCapturedStderr();
-    EXPECT_THAT(line, testing::HasSubstr("the hot key will not work"));
-    EXPECT_EQ(std::ranges::count(line, '\n'), 1);
-    desk.Key(XK_KP_3);
-    old.AwaitEvents();
-    EXPECT_TRUE(old.Sink().TakeKeys().empty());
-}
-
 } // namespace
 } // namespace host

@@ -4,6 +4,7 @@
 #include "kits/interface/text/TextControl.h"
 #include "kits/interface/text/TextField.h"
 #include "tests/kits/interface/InterfaceTest.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Peer.h"
 
 namespace {
@@ -137,6 +138,27 @@ TEST_F(TextFieldTest, TypesErasesMovesAndUndoesByCharactersAndWords) {
     ExpectText(text.substr(0, 6));
     Keys({XK_Left, XK_BackSpace});
     ExpectText("\xc3\xa4\xff");
+}
+
+TEST_F(TextFieldTest, TypesByTheLayoutAndItsSequences) {
+    const auto setLayout = [](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"setxkbmap", "-option", "", "-layout"});
+        EXPECT_EQ(test::ChildProcess({.arguments = arguments}).Wait(), 0);
+    };
+    // Russian in the second group, chosen by Shift with Caps Lock.
+    setLayout({"us,ru", "-option", "grp:shift_caps_toggle"});
+    Keys({XK_a, XK_q});
+    desk.KeyWith(XK_Shift_L, XK_Caps_Lock);
+    Keys({XK_a, XK_q});
+    ExpectText("aqфй");
+    setLayout({"us", "-variant", "intl", "-option", "compose:rctrl"});
+    SetText("");
+    Keys({XK_dead_acute, XK_e, XK_e, XK_Multi_key, XK_s, XK_s});
+    ExpectText("éeß");
+    // What goes into no sequence ends the one that was begun.
+    Keys({XK_dead_acute, XK_q, XK_dead_acute, XK_BackSpace, XK_e});
+    ExpectText("éeßqe");
+    setLayout({"us"});
 }
 
 TEST_F(TextFieldTest, SelectsWithTheMouseAndScrolls) {
