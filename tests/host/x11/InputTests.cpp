@@ -1,5 +1,6 @@
 #include <X11/keysym.h>
 #include <future>
+#include <thread>
 
 #include "host/x11/keys/ClickCounter.h"
 #include "tests/host/x11/X11Test.h"
@@ -92,6 +93,31 @@ TEST_F(InputTest, ARefusedGrabLeavesThePressItsRelease) {
     EXPECT_TRUE(menu.events->Await<ButtonReleased>());
     peer.Ungrab();
     EXPECT_EQ(menu->GrabInput(0), B_OK);
+}
+
+TEST_F(InputTest, AClickThatActivatesAndOpensAMenuIsNoLossOfTheFocus) {
+    TestWindow bar = display.CreateShown(BarSpec({100, 80, 340, 112}));
+    PlainWindow elsewhere(desk, {600, 300, 200, 100});
+    TestWindow menu = display.Create(menuSpec);
+    for (int x : {110, 130, 150}) {
+        elsewhere.Activate();
+        display.AwaitEvents();
+        const int before = display.Sink().focusLosses;
+        bar.events->Forget();
+        desk.MoveTo(x, 90);
+        desk.Press();
+        ASSERT_TRUE(bar.events->Await<ButtonPressed>());
+        ASSERT_EQ(menu->GrabInput(300'000), B_OK) << "not shown before it has the input";
+        menu->Show();
+        desk.Release();
+        ASSERT_TRUE(bar.BecomesActive());
+        // Longer than a loss is doubted.
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        display.AwaitEvents();
+        EXPECT_EQ(display.Sink().focusLosses, before);
+        menu->ReleaseInput();
+        menu->Hide();
+    }
 }
 
 TEST_F(InputTest, AScreenLockerThatTakesTheFocusClosesMenus) {
