@@ -1,6 +1,7 @@
 #include "host/x11/XDisplay.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "host/x11/XWindow.h"
 
@@ -10,13 +11,25 @@ namespace {
 
 std::atomic<Display*> sShared = nullptr;
 
+void Report(const char* program, const std::string& problem) {
+    const char* display = std::getenv("DISPLAY"); // NOLINT(concurrency-mt-unsafe): nobody sets it
+    if (display && *display)
+        std::fprintf(stderr, "%s: cannot use the display %s: %s\n", program, display,
+                     problem.c_str());
+    else
+        std::fprintf(stderr,
+                     "%s: there is no display: DISPLAY is not set.\n"
+                     "Start it within a desktop of X11, or of Wayland with XWayland.\n",
+                     program);
+}
+
 } // namespace
 
 status_t Display::Open(DisplaySink* sink, const char* instanceName, const char* className) {
     std::string problem;
     auto display = XDisplay::Connect(nullptr, sink, instanceName, className, problem);
     if (!display) {
-        std::fprintf(stderr, "%s: cannot use the display: %s\n", instanceName, problem.c_str());
+        Report(instanceName, problem);
         return B_ERROR;
     }
     // As long as the process: windows of any thread may still use it while the process ends.

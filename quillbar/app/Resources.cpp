@@ -14,7 +14,7 @@ const app_resources kAppResources = {
     .signature = kAppSig,
     .file_type = "application/x-vnd.Be-elfexecutable",
     .launch_flags = B_EXCLUSIVE_LAUNCH,
-    .version = {1, 5, 0, B_BETA_VERSION, 1},
+    .version = {QUILLBAR_VERSION},
     .short_description = "Quillbar",
     .long_description =
         "A nice application to organize up to 100 bookmarks in 10 different categories.",

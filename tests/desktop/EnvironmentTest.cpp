@@ -124,14 +124,4 @@ TEST_F(UnmanagedMonitorsTest, TheBarWorksAndADragWhoseMonitorGoesEndsOnAnother) 
     EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
 }
 
-TEST(NoDisplayTest, TheProgramSaysSoAndEndsWithOne) {
-    const TemporaryHome home;
-    ChildProcess program({.arguments = {QUILLBAR_BINARY},
-                          .environment = {{"DISPLAY", ":987654"}},
-                          .output = "/dev/null",
-                          .errors = home.Path() / "errors"});
-    EXPECT_EQ(program.Wait().value_or(-1), 1);
-    EXPECT_GT(std::filesystem::file_size(home.Path() / "errors"), 0u);
-}
-
 } // namespace
