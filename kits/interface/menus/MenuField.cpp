@@ -14,7 +14,7 @@
 namespace {
 
 constexpr float kTextLeft = 4;   // of the box's text, in the box
-constexpr float kArrowRoom = 11; // on the right of the box
+constexpr float kArrowRoom = 13; // on the right of the box, the gap before it included
 constexpr float kArrowWidth = 6;
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "tests/kits/interface/MenuTest.h"
 
 using test::Box;
+using test::Picture;
 using test::WaitUntil;
 
 namespace {
@@ -115,6 +116,31 @@ TEST_F(WindowMenuTest, AFieldShowsItsMarkedItemAndOpensItOverTheBox) {
     EXPECT_TRUE(WaitFor(window, [&] { return button->IsFocus(); }));
     desk.KeyWith(XK_Control_L, XK_Tab);
     EXPECT_TRUE(WaitFor(window, [&] { return field->IsFocus(); }));
+}
+
+TEST_F(WindowMenuTest, AFieldsLongLabelStaysClearOfItsArrow) {
+    BRect box;
+    WithLock(window, [&] {
+        digits->ItemAt(0)->SetMarked(true);
+        box = field->ConvertToScreen(field->Bounds());
+    });
+    // The right end of the box: the gap is left of its arrow.
+    const int width = 40;
+    const Box end = {static_cast<int>(box.right) - width + 1, static_cast<int>(box.top) + 4, width,
+                     12};
+    constexpr int kArrow = width - 1 - 9;
+    for (size_t length = 30; length < 45; length++) {
+        WithLock(window, [&] {
+            digits->ItemAt(0)->SetLabel(std::string(length, 'l').c_str());
+            field->Invalidate();
+        });
+        window->Settle();
+        const Picture seen = desk.Settled(end);
+        for (int x = kArrow - 3; x < kArrow; x++) {
+            for (int y = 1; y < end.height; y++)
+                EXPECT_EQ(seen.At(x, y), seen.At(x, 0)) << length;
+        }
+    }
 }
 
 TEST(MenuShortcut, KeysStandForDigitsByPlaceAndForLettersByWhatTheyType) {
