@@ -4,8 +4,7 @@
 #include <gmock/gmock.h>
 #include <sstream>
 
-#include "tests/support/ChildProcess.h"
-#include "tests/support/TemporaryHome.h"
+#include "tests/desktop/Program.h"
 
 using namespace test;
 using testing::HasSubstr;
@@ -20,7 +19,7 @@ protected:
 
     // Runs it on that display to its end, and returns its status.
     int Run(std::vector<std::string> arguments, const std::string& display = "") {
-        arguments.insert(arguments.begin(), QUILLBAR_BINARY);
+        arguments.insert(arguments.begin(), Program::Path());
         ChildProcess program(
             {.arguments = arguments,
              .environment = {{"DISPLAY", display}, {"XDG_RUNTIME_DIR", fHome.Path() / "runtime"}},

@@ -29,6 +29,11 @@ Program::Program(Desk& desk, const TemporaryHome& home)
     : fHome(home)
     , fDesk(desk) {}
 
+std::string Program::Path() {
+    const char* other = getenv("QUILLBAR");
+    return other != nullptr ? other : QUILLBAR_BINARY;
+}
+
 BMessage Program::Settings() const {
     const std::string text = ReadFile(SettingsFile());
     BMessage settings;
@@ -49,7 +54,7 @@ void Program::Launch(bool asOrdinaryUser, const Variables& environment) {
             GiveAway(entry.path());
     }
     fProcess =
-        std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {QUILLBAR_BINARY},
+        std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {Path()},
                                                              .environment = environment,
                                                              .output = "/dev/null",
                                                              .errors = fHome.Path() / "errors",
@@ -88,7 +93,7 @@ int Program::Stop() {
 }
 
 int Program::StartAgain() {
-    return ChildProcess({.arguments = {QUILLBAR_BINARY}}).Wait().value_or(-1);
+    return ChildProcess({.arguments = {Path()}}).Wait().value_or(-1);
 }
 
 std::string Program::Errors() const {

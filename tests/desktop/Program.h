@@ -14,6 +14,9 @@ class Program {
 public:
     Program(test::Desk& desk, const test::TemporaryHome& home);
 
+    // The program that is started: what QUILLBAR in the environment names, or the one built here.
+    static std::string Path();
+
     // Where it keeps its things in the home folder.
     std::filesystem::path Root() const { return fHome.Config() / "Quillbar"; }
     std::filesystem::path SettingsFile() const { return fHome.Config() / "Quillbar.settings"; }

@@ -58,7 +58,7 @@ TEST_F(LongTest, OfFiftyStartsAtOnceOneStays) {
         std::vector<std::unique_ptr<ChildProcess>> all;
         for (int i = 0; i < 50; ++i)
             all.push_back(
-                std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {QUILLBAR_BINARY},
+                std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {Program::Path()},
                                                                      .environment = {},
                                                                      .output = "/dev/null",
                                                                      .errors = "/dev/null"}));
