@@ -151,6 +151,8 @@ void EventThread::Handle(const xcb_generic_event_t& event) {
         return Deliver(event, &XWindow::HandleExpose);
     case XCB_CONFIGURE_NOTIFY:
         return Deliver(event, &XWindow::HandleConfigure);
+    case XCB_MAP_NOTIFY:
+        return Deliver(event, &XWindow::HandleMap);
     case XCB_REPARENT_NOTIFY:
         return Deliver(event, &XWindow::HandleReparent);
     case XCB_DESTROY_NOTIFY:
@@ -204,7 +206,7 @@ void EventThread::HandlePress(const xcb_button_press_event_t& event) {
         at.buttons |= button;
         window.Notify(ButtonPressed{at, clicks, TimeOf(event.time)});
     });
-    fDisplay.Windows().Deliver(target, [](XWindow& window) { window.TakeFocusIfUnmanaged(); });
+    fDisplay.Windows().Deliver(target, [&](XWindow& window) { window.HandlePress(event.time); });
 }
 
 void EventThread::HandleRelease(const xcb_button_release_event_t& event) {

@@ -24,6 +24,11 @@ constexpr uint32 kIconicState = 3;
 // The second word of a _NET_ACTIVE_WINDOW message: what a person asked for.
 constexpr uint32 kDirectUserAction = 2;
 
+// Window managers need some time to take a window into a frame and to place that.
+constexpr bigtime_t kPlacingTime = 150'000;
+// Within it they give the focus to a window that was clicked.
+constexpr bigtime_t kFocusTime = 100'000;
+
 // Limits of the protocol's 16-bit numbers.
 PixelRect Bounded(const PixelRect& frame) {
     int left = std::clamp(frame.left, -kFarthest, kFarthest);
@@ -105,9 +110,14 @@ void XWindow::NoteVisible(bool visible) {
 void XWindow::Show() {
     std::lock_guard lock(fLock);
     fIsShown = true;
+    fAskedPlace = fFrame;
     NoteVisible(!fState.minimized);
     if (IsManaged(fKind)) {
         fState.alertParent = fDisplay.AlertParent();
+        // A manager that does not look at the time of the last input gives each new window the
+        // focus, unless the window does not want it from the manager.
+        fState.takesFocus =
+            fKind != WindowKind::Bar || fConnection.IsSupportedByManager(kNetWmUserTime);
         SetInitialState(fConnection, fId, fKind, fState, fDisplay.Identity());
         // Zero would mean that the window wants no focus.
         uint32 userTime = fDisplay.LastInputTime();
@@ -140,13 +150,25 @@ void XWindow::Hide() {
 }
 
 void XWindow::SetFrame(const PixelRect& content) {
-    std::lock_guard lock(fLock);
-    fFrame = Bounded(content);
-    fPicture.Resize(fId, fFrame.Width(), fFrame.Height(), fBorder);
-    PixelRect outer = Outer(fFrame);
-    if (IsManaged(fKind))
-        SetFrameHints(fConnection, fId, outer, fIsResizable);
-    const uint32 values[] = {static_cast<uint32>(outer.left), static_cast<uint32>(outer.top),
+    bool isPlaced;
+    {
+        std::lock_guard lock(fLock);
+        ++fMoves;
+        fFrame = Bounded(content);
+        fPicture.Resize(fId, fFrame.Width(), fFrame.Height(), fBorder);
+        PixelRect outer = Outer(fFrame);
+        if (IsManaged(fKind))
+            SetFrameHints(fConnection, fId, outer, fIsResizable);
+        Configure(outer);
+        isPlaced = IsManaged(fKind) && fIsShown && !fAskedPlace;
+    }
+    if (isPlaced)
+        CheckPlace(Bounded(content));
+}
+
+void XWindow::Configure(const PixelRect& outer) {
+    const uint32 values[] = {static_cast<uint32>(outer.left - fShift.first),
+                             static_cast<uint32>(outer.top - fShift.second),
                              static_cast<uint32>(outer.Width()),
                              static_cast<uint32>(outer.Height())};
     auto cookie = xcb_configure_window(fConnection, fId,
@@ -177,6 +199,7 @@ void XWindow::Activate() {
     bool isManaged = IsManaged(fKind) && HasWindowManager();
     std::lock_guard lock(fLock);
     fState.minimized = false;
+    AcceptFocus();
     if (!fIsShown)
         return;
     xcb_map_window(fConnection, fId);
@@ -198,13 +221,21 @@ void XWindow::SetMinimized(bool minimized) {
         return;
     }
     // Nobody else could bring the window back.
-    if (!HasWindowManager())
+    if (!HasWindowManager() || !CanBeMinimized())
         return;
     std::lock_guard lock(fLock);
     fState.minimized = true;
     if (fIsShown)
         fConnection.SendToRoot(fId, fConnection[kWmChangeState], {kIconicState});
     fConnection.Flush();
+}
+
+// Some managers do not minimise, or not this window.
+bool XWindow::CanBeMinimized() const {
+    const auto actions = fConnection.ReadValues(
+        fConnection.AskForValues(fId, fConnection[kNetWmAllowedActions], XCB_ATOM_ATOM));
+    return actions.empty() ||
+           std::ranges::find(actions, fConnection[kNetWmActionMinimize]) != actions.end();
 }
 
 void XWindow::ChangeState(bool add, AtomIndex state) {
@@ -303,8 +334,8 @@ bool XWindow::IsStale(const xcb_configure_notify_event_t& event) const {
 bool XWindow::FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const {
     bool isFromManager = event.response_type & 0x80;
     if (isFromManager || fParent == fConnection.Root()) {
-        left = event.x;
-        top = event.y;
+        left = event.x + event.border_width;
+        top = event.y + event.border_width;
         return true;
     }
     const auto reply = fConnection.Ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
@@ -314,6 +345,57 @@ bool XWindow::FindPlace(const xcb_configure_notify_event_t& event, int& left, in
     left = reply->dst_x;
     top = reply->dst_y;
     return true;
+}
+
+void XWindow::HandleMap(const xcb_map_notify_event_t& /*event*/) {
+    std::optional<PixelRect> asked;
+    {
+        std::lock_guard lock(fLock);
+        asked = std::exchange(fAskedPlace, std::nullopt);
+    }
+    if (asked && IsManaged(fKind))
+        CheckPlace(*asked);
+}
+
+// The window manager may be replaced: the new one finds the window where the old one has left it.
+void XWindow::HandleReparent(const xcb_reparent_notify_event_t& event) {
+    if (event.parent == fConnection.Root()) {
+        fKeptPlace = fReported;
+        std::lock_guard lock(fLock);
+        fShift = {};
+    } else if (auto kept = std::exchange(fKeptPlace, std::nullopt))
+        CheckPlace(*kept);
+    fParent = event.parent;
+}
+
+// Some managers put their frame, or a border, where the content shall be.
+void XWindow::CheckPlace(const PixelRect& place) {
+    uint32 moves;
+    {
+        std::lock_guard lock(fLock);
+        moves = fMoves;
+    }
+    std::lock_guard lock(fCheckLock);
+    for (int i = 0; i < kPlaceChecks; i++) {
+        fPlaceChecks[i] = std::make_unique<Timer>((i + 1) * kPlacingTime, 0,
+                                                  [=, this] { KeepPlace(place, moves, i); });
+    }
+}
+
+// Asks for the place once more; then for one that is as far off on the other side; and for the
+// place again where the manager has its reasons.
+void XWindow::KeepPlace(const PixelRect& place, uint32 moves, int check) {
+    const auto now = fConnection.Ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
+        fId, fConnection.Root(), 0, 0);
+    std::lock_guard lock(fLock);
+    if (!now || !fIsShown || moves != fMoves)
+        return;
+    const PixelRect outer = Outer(Moved(fFrame, place.left - fFrame.left, place.top - fFrame.top));
+    const std::pair wrong(now->dst_x - outer.left, now->dst_y - outer.top);
+    if (wrong == std::pair(0, 0))
+        return;
+    fShift = check == 1 ? wrong : std::pair(0, 0);
+    Configure(outer);
 }
 
 void XWindow::HandleConfigure(const xcb_configure_notify_event_t& event) {
@@ -369,11 +451,28 @@ void XWindow::HandleFocus(bool active) {
     Notify(FocusChanged{active});
 }
 
-void XWindow::TakeFocusIfUnmanaged() {
-    if (fReportedActive || !IsManaged(fKind) || HasWindowManager())
-        return;
-    xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, XCB_CURRENT_TIME);
+void XWindow::TakeFocus(xcb_timestamp_t time) {
+    std::lock_guard lock(fLock);
+    AcceptFocus();
+    xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, time);
     fConnection.Flush();
+}
+
+void XWindow::AcceptFocus() {
+    if (!std::exchange(fState.takesFocus, true))
+        SetManagerHints(fConnection, fId, fState, fDisplay.Identity());
+}
+
+// Some window managers give the focus to nobody while no other window is there.
+void XWindow::HandlePress(xcb_timestamp_t time) {
+    if (fReportedActive || !IsManaged(fKind))
+        return;
+    if (!HasWindowManager())
+        return TakeFocus(XCB_CURRENT_TIME);
+    fFocusCheck = std::make_unique<Timer>(kFocusTime, 0, [this, time] {
+        if (!fReportedActive)
+            TakeFocus(time);
+    });
 }
 
 } // namespace host

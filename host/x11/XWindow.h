@@ -1,9 +1,12 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
 
+#include "host/loop/ServiceLoop.h"
 #include "host/x11/Display.h"
 #include "host/x11/windows/BackingPixmap.h"
 #include "host/x11/windows/WindowProperties.h"
@@ -40,11 +43,13 @@ public:
     void Notify(const WindowEvent& event) { fSink->HandleEvent(event); }
     void HandleExpose(const xcb_expose_event_t& event);
     void HandleConfigure(const xcb_configure_notify_event_t& event);
-    void HandleReparent(const xcb_reparent_notify_event_t& event) { fParent = event.parent; }
+    void HandleMap(const xcb_map_notify_event_t& event);
+    void HandleReparent(const xcb_reparent_notify_event_t& event);
     void HandleStateChange();
     void HandleFocus(bool active);
-    // After a press: without a window manager nobody else gives the window the focus.
-    void TakeFocusIfUnmanaged();
+    // After a press: takes the focus where the window manager was asked not to give it, or where
+    // there is none.
+    void HandlePress(xcb_timestamp_t time);
 
     // The place in the content, of one in the window or, for any other `window`, on the screen.
     std::pair<int, int> ContentPlace(xcb_window_t window, int x, int y);
@@ -58,6 +63,12 @@ private:
     bool HasWindowManager() const;
     void ShowCursor(xcb_cursor_t cursor);
     void ChangeState(bool add, AtomIndex state);
+    void Configure(const PixelRect& outer);
+    bool CanBeMinimized() const;
+    void TakeFocus(xcb_timestamp_t time);
+    void AcceptFocus();
+    void CheckPlace(const PixelRect& place);
+    void KeepPlace(const PixelRect& place, uint32 moves, int check);
     bool IsStale(const xcb_configure_notify_event_t& event) const;
     bool FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const;
 
@@ -72,13 +83,21 @@ private:
     std::atomic<xcb_window_t> fParent; // written by the display thread
 
     // The display thread's.
-    PixelRect fReported; // the frame that the sink knows
-    bool fReportedActive = false;
+    PixelRect fReported;                       // the frame that the sink knows
+    std::atomic<bool> fReportedActive = false; // also read by the service thread
     bool fReportedMinimized = false;
+    std::optional<PixelRect> fKeptPlace; // where it was when a window manager let go of it
+    static constexpr int kPlaceChecks = 3;
+    std::mutex fCheckLock; // before fLock
+    std::unique_ptr<Timer> fPlaceChecks[kPlaceChecks];
+    std::unique_ptr<Timer> fFocusCheck;
 
     std::mutex fLock; // for what follows; not held while the sink or the server is waited for
     BackingPixmap fPicture;
     PixelRect fFrame; // of the content, as last asked for or as the server reports it
+    std::optional<PixelRect> fAskedPlace; // until it is mapped there
+    uint32 fMoves = 0;                    // asked for by the program
+    std::pair<int, int> fShift;           // of the window manager: how far off it places the window
     InitialState fState;
     bool fIsShown = false;
     uint32 fConfigureSequence = 0;

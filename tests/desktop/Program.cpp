@@ -102,7 +102,7 @@ std::string Program::Errors() const {
 
 WindowInfo Program::Bar() const {
     const auto bars = fDesk.Windows([this](const WindowInfo& window) {
-        return window.pid == Pid() && window.HasType("_NET_WM_WINDOW_TYPE_UTILITY");
+        return window.pid == Pid() && window.title == "Quillbar";
     });
     return bars.empty() ? WindowInfo{} : bars[0];
 }
@@ -113,14 +113,16 @@ std::vector<WindowInfo> Program::Titled(const std::string& title) const {
     });
 }
 
-// The window is its content of 22 by 264 or 233 by 25 units, and the border around it.
+// The window is its content of 22 by 264 or 233 by 25 units and the border around it. Some window
+// managers make it thicker.
 Box Program::Content() const {
-    Box frame = Bar().frame;
-    const int border = (std::min(frame.width, frame.height) -
-                        static_cast<int>((IsHorizontal() ? 25 : 22) * fDesk.Scale())) /
-                       2;
-    return {frame.x + border, frame.y + border, frame.width - 2 * border,
-            frame.height - 2 * border};
+    const Box frame = Bar().frame;
+    const bool horizontal = IsHorizontal();
+    const auto units = [this](int count) { return static_cast<int>(count * fDesk.Scale()); };
+    const int width = units(horizontal ? 233 : 22);
+    const int height = units(horizontal ? 25 : 264);
+    const int border = (horizontal ? frame.width - width : frame.height - height) / 2;
+    return {frame.x + border, frame.y + border, width, height};
 }
 
 bool Program::IsHorizontal() const {

@@ -69,7 +69,7 @@ TEST_F(LongTest, OfFiftyStartsAtOnceOneStays) {
         EXPECT_TRUE(WaitUntil([&] { return running() == 1; }, std::chrono::seconds(60)));
         Rest(500);
         EXPECT_EQ(running(), 1);
-        EXPECT_EQ(fDesk.Shown("UTILITY").size(), 1u);
+        EXPECT_EQ(fDesk.Shown("NORMAL").size(), 1u);
         for (auto& one : all) {
             one->Signal(SIGTERM);
             EXPECT_EQ(one->Wait(), 0);

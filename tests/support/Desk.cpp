@@ -200,7 +200,10 @@ PlainWindow::PlainWindow(Desk& desk, const Box& frame)
                       static_cast<uint16_t>(frame.width), static_cast<uint16_t>(frame.height), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL,
                       &white);
-    const int32_t userPosition[18] = {1 | 2}; // WM_NORMAL_HINTS: USPosition, USSize
+    // WM_NORMAL_HINTS: USPosition, USSize, PMinSize and PMaxSize, which tiling managers do not
+    // tile.
+    const int32_t userPosition[18] = {1 | 2 | 16 | 32, 0,           0,           0, 0, frame.width,
+                                      frame.height,    frame.width, frame.height};
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, fWindow, XCB_ATOM_WM_NORMAL_HINTS,
                         XCB_ATOM_WM_SIZE_HINTS, 32, 18, userPosition);
     xcb_map_window(connection, fWindow);

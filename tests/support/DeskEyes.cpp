@@ -92,7 +92,7 @@ void Desk::Collect(xcb_window_t parent, int depth, std::vector<WindowInfo>& foun
         const WindowInfo window = Describe(children[i]);
         if (window.pid != 0 || !window.title.empty() || !window.types.empty())
             found.push_back(window);
-        else if (depth < 4)
+        if (window.pid == 0 && depth < 4)
             Collect(children[i], depth + 1, found);
     }
 }

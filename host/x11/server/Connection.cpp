@@ -237,4 +237,9 @@ bool Connection::HasWindowManager() const {
     return !named.empty() && ReadValues(AskForValues(named[0], check, XCB_ATOM_WINDOW)) == named;
 }
 
+bool Connection::IsSupportedByManager(AtomIndex hint) const {
+    const auto known = ReadValues(AskForValues(Root(), fAtoms[kNetSupported], XCB_ATOM_ATOM));
+    return std::ranges::find(known, fAtoms[hint]) != known.end();
+}
+
 } // namespace host

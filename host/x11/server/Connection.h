@@ -26,6 +26,9 @@
     ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                                                   \
     ATOM(kNetCurrentDesktop, "_NET_CURRENT_DESKTOP")                                               \
     ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")                                        \
+    ATOM(kNetSupported, "_NET_SUPPORTED")                                                          \
+    ATOM(kNetWmActionMinimize, "_NET_WM_ACTION_MINIMIZE")                                          \
+    ATOM(kNetWmAllowedActions, "_NET_WM_ALLOWED_ACTIONS")                                          \
     ATOM(kNetWmDesktop, "_NET_WM_DESKTOP")                                                         \
     ATOM(kNetWmIcon, "_NET_WM_ICON")                                                               \
     ATOM(kNetWmName, "_NET_WM_NAME")                                                               \
@@ -35,6 +38,7 @@
     ATOM(kNetWmStateAbove, "_NET_WM_STATE_ABOVE")                                                  \
     ATOM(kNetWmStateHidden, "_NET_WM_STATE_HIDDEN")                                                \
     ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                                                  \
+    ATOM(kNetWmStateSticky, "_NET_WM_STATE_STICKY")                                                \
     ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                                                      \
     ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                                                  \
     ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")                                     \
@@ -42,7 +46,6 @@
     ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                                     \
     ATOM(kNetWmWindowTypePopupMenu, "_NET_WM_WINDOW_TYPE_POPUP_MENU")                              \
     ATOM(kNetWmWindowTypeTooltip, "_NET_WM_WINDOW_TYPE_TOOLTIP")                                   \
-    ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")                                   \
     ATOM(kSaveTargets, "SAVE_TARGETS")                                                             \
     ATOM(kSelectionData, "SELECTION_DATA")                                                         \
     ATOM(kTargets, "TARGETS")                                                                      \
@@ -174,6 +177,8 @@ public:
 
     // Asks the server: a window manager may come and go.
     bool HasWindowManager() const;
+    // Whether it says that it knows a hint (_NET_SUPPORTED); asks the server.
+    bool IsSupportedByManager(AtomIndex hint) const;
 
 private:
     Connection() = default;

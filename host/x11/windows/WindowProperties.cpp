@@ -42,14 +42,13 @@ constexpr uint32 kIconicState = 3;
 
 AtomIndex TypeOf(WindowKind kind) {
     switch (kind) {
-    case WindowKind::Bar:
-        return kNetWmWindowTypeUtility;
     case WindowKind::Alert:
         return kNetWmWindowTypeDialog;
     case WindowKind::Menu:
         return kNetWmWindowTypePopupMenu;
     case WindowKind::Bubble:
         return kNetWmWindowTypeTooltip;
+    case WindowKind::Bar: // of a utility's window many managers keep the task bar's button away
     case WindowKind::Normal:
         break;
     }
@@ -129,17 +128,25 @@ void SetFrameHints(const Connection& connection, xcb_window_t window, const Pixe
     connection.SetValues(window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints);
 }
 
-void SetInitialState(const Connection& connection, xcb_window_t window, WindowKind kind,
-                     const InitialState& state, const ProgramIdentity& identity) {
+void SetManagerHints(const Connection& connection, xcb_window_t window, const InitialState& state,
+                     const ProgramIdentity& identity) {
     connection.SetValues(window, XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS,
-                         {kHasInput | kHasState | kHasGroup, 1,
+                         {kHasInput | kHasState | kHasGroup, state.takesFocus,
                           state.minimized ? kIconicState : kNormalState, 0, 0, 0, 0, 0,
                           identity.leader});
+}
+
+void SetInitialState(const Connection& connection, xcb_window_t window, WindowKind kind,
+                     const InitialState& state, const ProgramIdentity& identity) {
+    SetManagerHints(connection, window, state, identity);
     std::vector<uint32> states;
     if (state.floating || kind == WindowKind::Alert)
         states.push_back(connection[kNetWmStateAbove]);
     if (kind == WindowKind::Alert)
         states.push_back(connection[kNetWmStateModal]);
+    // Some managers take the desktop's number below for that of one desktop.
+    if (state.allDesktops)
+        states.push_back(connection[kNetWmStateSticky]);
     connection.SetValues(window, connection[kNetWmState], XCB_ATOM_ATOM, states);
     if (kind == WindowKind::Alert) {
         // The root stands for all windows of the group.

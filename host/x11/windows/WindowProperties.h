@@ -32,8 +32,12 @@ struct InitialState {
     bool minimized = false;
     bool floating = false;
     bool allDesktops = false;
+    bool takesFocus = true;                     // the manager may give it the focus
     xcb_window_t alertParent = XCB_WINDOW_NONE; // above which an alert stays
 };
+// WM_HINTS alone, which it reads whenever they change.
+void SetManagerHints(const Connection& connection, xcb_window_t window, const InitialState& state,
+                     const ProgramIdentity& identity);
 void SetInitialState(const Connection& connection, xcb_window_t window, WindowKind kind,
                      const InitialState& state, const ProgramIdentity& identity);
 

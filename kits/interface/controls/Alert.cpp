@@ -141,7 +141,7 @@ struct BAlert::Answer {
 BAlert::BAlert(const char* title, const char* text, const char* button1, const char* button2,
                const char* button3, button_width, alert_type type)
     : BWindow(BRect(0, 0, kUsualWidth, 100), title, B_MODAL_WINDOW_LOOK, B_MODAL_APP_WINDOW_FEEL,
-              B_NOT_RESIZABLE | B_NOT_ZOOMABLE | B_NOT_MINIMIZABLE, B_ALL_WORKSPACES)
+              B_NOT_RESIZABLE | B_NOT_ZOOMABLE | B_NOT_MINIMIZABLE)
     , fAnswer(std::make_shared<Answer>()) {
     auto* background = new AlertIcon(Bounds(), type);
     AddChild(background);

@@ -209,9 +209,13 @@ void BMenu::GiveDefaultTarget(const BMessenger& target) {
 
 bool BMenu::InvokeShortcut(const BMessage& keyDown, const BMessenger& window) {
     constexpr uint32 kModifiers = B_COMMAND_KEY | B_SHIFT_KEY | B_CONTROL_KEY | B_OPTION_KEY;
-    const uint32 held = static_cast<uint32>(keyDown.GetInt32("modifiers", 0)) & kModifiers;
+    uint32 held = static_cast<uint32>(keyDown.GetInt32("modifiers", 0)) & kModifiers;
     const char character =
         ShortcutCharacter(keyDown.GetInt32("key", 0), keyDown.GetString("bytes", ""));
+    // Some window managers keep Alt with a digit to themselves.
+    if ((held & (B_COMMAND_KEY | B_CONTROL_KEY)) == B_CONTROL_KEY && character >= '0' &&
+        character <= '9')
+        held ^= B_COMMAND_KEY | B_CONTROL_KEY;
     if ((held & B_COMMAND_KEY) == 0 || character == 0)
         return false;
     BMenuItem* item = ItemOfShortcut(character, held);
