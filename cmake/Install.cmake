@@ -10,7 +10,7 @@ set(filled_in ${PROJECT_BINARY_DIR}/packaging)
 if(INSTALL_STRIPPED)
     install(CODE "set(CMAKE_INSTALL_DO_STRIP TRUE)")
 endif()
-install(TARGETS quillbar)
+install(TARGETS quillbar quillbarctl)
 install(FILES ${packaging}/quillbar.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 
 configure_file(${packaging}/quillbar.metainfo.xml.in

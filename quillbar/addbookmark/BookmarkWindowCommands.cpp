@@ -12,10 +12,10 @@
 #include "quillbar/addbookmark/SaveBookmark.h"
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/base/Commands.h"
+#include "quillbar/bookmarks/StoreNames.h"
 #include "quillbar/store/Alerts.h"
 #include "quillbar/store/Monitor.h"
 #include "quillbar/store/Path.h"
-#include "quillbar/store/StoreNames.h"
 
 namespace {
 

@@ -5,16 +5,10 @@
 #include "kits/storage/Node.h"
 #include "kits/storage/Path.h"
 #include "quillbar/base/Trace.h"
-#include "quillbar/store/StoreNames.h"
+#include "quillbar/bookmarks/BookmarkFile.h"
+#include "quillbar/bookmarks/StoreNames.h"
 
 namespace {
-
-// The name of the entry with this number, which counts from one.
-BString LeafOf(int number, const BString& name) {
-    BString leaf;
-    leaf << static_cast<int32>(number - 1) << " - " << name;
-    return leaf;
-}
 
 bool IsLeaf(const BString& name) {
     return name.FindFirst('/') < 0;
@@ -59,7 +53,7 @@ status_t CreateFile(const char* path) {
 
 QBSaveOutcome Create(const QBBookmarkText& bookmark, BString& path) {
     BPath file(FindItem(bookmark.folder, 0).String());
-    const BString leaf = LeafOf(bookmark.slot, bookmark.name);
+    const BString leaf = EntryName(bookmark.slot, bookmark.name);
     status_t status = file.InitCheck();
     if (status == B_OK)
         status = IsLeaf(leaf) ? file.Append(leaf.String()) : B_BAD_VALUE;
@@ -96,19 +90,15 @@ QBSaveOutcome Write(const QBBookmarkText& bookmark, const BString& path) {
         return Failure(QBSaveResult::NotTyped, node.InitCheck());
 
     BString unsaved;
-    const auto note = [&](const char* text, ssize_t status) {
-        if (status < B_OK)
-            unsaved << "\n" << text << ": " << ReasonOf(static_cast<status_t>(status));
+    const auto note = [&](const char* text, status_t status) {
+        if (status != B_OK)
+            unsaved << "\n" << text << ": " << ReasonOf(status);
     };
     if (!HasBookmarkType(node))
         note("Type", info.SetType(kBookmarkType));
-    const auto write = [&](const char* label, const char* attribute, const BString& text) {
-        note(label, node.WriteAttr(attribute, B_STRING_TYPE, 0, text.String(),
-                                   static_cast<size_t>(text.Length()) + 1));
-    };
-    write("URL", kUrlAttribute, bookmark.url);
-    write("Keywords", kKeywordsAttribute, bookmark.keywords);
-    write("Name", kTitleAttribute, bookmark.name);
+    note("URL", WriteText(node, kUrlAttribute, bookmark.url));
+    note("Keywords", WriteText(node, kKeywordsAttribute, bookmark.keywords));
+    note("Name", WriteText(node, kTitleAttribute, bookmark.name));
     if (unsaved.IsEmpty())
         return {QBSaveResult::Saved, ""};
     BString warning;
@@ -127,7 +117,7 @@ QBSaveOutcome SaveBookmark(const QBBookmarkText& bookmark) {
         return {QBSaveResult::NoFolder, ""};
     if (GetName(folder) != bookmark.folderName) {
         Trace(__PRETTY_FUNCTION__, "Item needs rename");
-        Rename(folder, LeafOf(bookmark.folder, bookmark.folderName));
+        Rename(folder, EntryName(bookmark.folder, bookmark.folderName));
     }
 
     BString path = FindItem(bookmark.folder, bookmark.slot);
@@ -144,7 +134,7 @@ QBSaveOutcome SaveBookmark(const QBBookmarkText& bookmark) {
         if (created.result != QBSaveResult::Saved)
             return created;
     } else if (GetName(path) != bookmark.name) {
-        const status_t status = Rename(path, LeafOf(bookmark.slot, bookmark.name));
+        const status_t status = Rename(path, EntryName(bookmark.slot, bookmark.name));
         if (status != B_OK)
             return Failure(QBSaveResult::NotRenamed, status);
     }

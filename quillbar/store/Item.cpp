@@ -1,7 +1,5 @@
 #include "quillbar/store/Item.h"
 
-#include <vector>
-
 #include "kits/app/Message.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
@@ -10,32 +8,13 @@
 #include "quillbar/base/Commands.h"
 #include "quillbar/base/Settings.h"
 #include "quillbar/base/Trace.h"
-#include "quillbar/store/StoreNames.h"
+#include "quillbar/bookmarks/BookmarkFile.h"
+#include "quillbar/bookmarks/StoreNames.h"
 
 namespace {
 
 constexpr uint32 kFileFlags = B_WATCH_NAME | B_WATCH_STAT | B_WATCH_ATTR;
 constexpr const char* kEmptyLabel = "Add Bookmark Here";
-
-// Nearly all are shorter, which saves asking for the size.
-constexpr size_t kUsualSize = 512;
-
-// False if the node has no such attribute. One that cannot be read is the empty string.
-bool ReadText(BNode& node, const char* name, BString& text) {
-    std::vector<char> buffer(kUsualSize);
-    ssize_t read = node.ReadAttr(name, B_STRING_TYPE, 0, buffer.data(), buffer.size());
-    attr_info info;
-    if (read == static_cast<ssize_t>(buffer.size()) && node.GetAttrInfo(name, &info) == B_OK) {
-        buffer.resize(static_cast<size_t>(info.size));
-        read = node.ReadAttr(name, B_STRING_TYPE, 0, buffer.data(), buffer.size());
-    }
-    if (read < 0 && node.GetAttrInfo(name, &info) != B_OK)
-        return false;
-    buffer.resize(read > 0 ? static_cast<size_t>(read) : 0);
-    buffer.push_back('\0');
-    text = buffer.data();
-    return true;
-}
 
 } // namespace
 
@@ -66,8 +45,7 @@ bool QBItem::SetFile(const BEntry& entry, const char* path) {
     if (fWatch.Start(entry, kFileFlags, fMessenger, node, fRaw) != B_OK)
         return false;
     fName = GetName(path);
-    if (!HasBookmarkType(node) || !ReadText(node, kUrlAttribute, fUrl) ||
-        !ReadText(node, kKeywordsAttribute, fKeywords))
+    if (!ReadBookmark(node, fUrl, fKeywords))
         return false;
     fPath.SetTo(path);
     return true;

@@ -18,10 +18,10 @@
 #include "kits/storage/Path.h"
 #include "quillbar/base/Settings.h"
 #include "quillbar/base/Trace.h"
+#include "quillbar/bookmarks/StoreNames.h"
 #include "quillbar/store/Alerts.h"
 #include "quillbar/store/Item.h"
 #include "quillbar/store/Path.h"
-#include "quillbar/store/StoreNames.h"
 
 namespace {
 

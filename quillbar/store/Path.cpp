@@ -9,7 +9,8 @@
 #include "quillbar/bar/widgets/Menu.h"
 #include "quillbar/bar/widgets/TitleItem.h"
 #include "quillbar/base/Trace.h"
-#include "quillbar/store/StoreNames.h"
+#include "quillbar/bookmarks/BookmarkFile.h"
+#include "quillbar/bookmarks/StoreNames.h"
 
 namespace {
 
@@ -112,17 +113,13 @@ status_t QBPath::FindSuccessor(BPath& path) const {
 // A file that stays in its slot stays watched throughout.
 status_t QBPath::ReadSlots(const BEntry& directory) {
     bool found[10] = {};
-    int count = 0;
     for (QBItem* slot : fItems)
         slot->SetValid(false);
-    const status_t status = Walk(directory, Links::Followed, [&](BEntry& entry, const char* path) {
-        const int digit = GetNumber(path);
-        if (digit < 0 || found[digit] || !entry.IsFile())
-            return true;
+    const auto fill = [&](int digit, const BEntry& file, const char* path) {
         found[digit] = true;
-        fItems[digit]->SetFile(entry, path);
-        return ++count < 10;
-    });
+        fItems[digit]->SetFile(file, path);
+    };
+    const status_t status = FindSlotFiles(directory, fill);
     for (int digit = 0; digit < 10; ++digit) {
         if (found[digit])
             fItems[digit]->SetValid(true);

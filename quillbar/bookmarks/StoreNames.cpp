@@ -1,4 +1,4 @@
-#include "quillbar/store/StoreNames.h"
+#include "quillbar/bookmarks/StoreNames.h"
 
 #include <cstring>
 
