@@ -40,8 +40,9 @@ Box FolderMenu::Slot(int digit) const {
 
 Picture FolderMenu::Label(int digit) const {
     const Box slot = Slot(digit);
-    const auto first = fPicture.pixels.begin() + (slot.y - fFrame.y) * slot.width;
-    return {slot.width, slot.height, {first, first + slot.height * slot.width}};
+    const std::ptrdiff_t width = slot.width;
+    const auto first = fPicture.pixels.begin() + (slot.y - fFrame.y) * width;
+    return {slot.width, slot.height, {first, first + slot.height * width}};
 }
 
 void DesktopTest::SetUp() {

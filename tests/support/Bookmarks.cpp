@@ -18,7 +18,7 @@ std::string WithNul(const std::string& text) {
 
 void MakeBookmark(const fs::path& path, const std::string& url, const std::string& keywords) {
     fs::create_directories(path.parent_path());
-    std::ofstream{path};
+    std::ofstream(path).flush();
     SetAttribute(path, "mime_type", kBookmarkType);
     SetUrl(path, url);
     SetAttribute(path, "META:keyw", WithNul(keywords));

@@ -63,8 +63,9 @@ TEST_P(AtScale, ShapesMeetWithoutHoleOverlapOrShade) {
     const PixelRect all = canvas.Snap({0, 0, kTiles * kTile - 1, kTiles * kTile - 1});
     int covered = 0;
     for (int i = 0; i < kTiles * kTiles; i++) {
+        const int row = i / kTiles;
         const BRect tile =
-            BRect(0, 0, kTile - 1, kTile - 1).OffsetByCopy(i % kTiles * kTile, i / kTiles * kTile);
+            BRect(0, 0, kTile - 1, kTile - 1).OffsetByCopy(i % kTiles * kTile, row * kTile);
         canvas.FillRect(tile.InsetByCopy(1, 1), kBlue);
         canvas.StrokeRect(tile, kRed);
         const PixelRect snapped = canvas.Snap(tile);

@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "host/files/KnownPaths.h"
 #include "host/files/monitor/NodeMonitor.h"
 #include "tests/support/TemporaryHome.h"

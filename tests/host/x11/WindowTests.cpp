@@ -47,7 +47,7 @@ TEST_F(WindowTest, ItsPictureTakesAnyDamageAndOutlivesGrowthAndCover) {
     EXPECT_TRUE(WaitUntil([&] {
         const test::Picture seen = desk.Grab({0, 0, 1220, 700});
         return seen.Count(0x00ff00) == damaged - 1 && seen.At(1000, 499) == 0xff0000 &&
-               seen.Count(0x336699) == 1200 * 600 - damaged &&
+               seen.Count(0x336699) == 1200ul * 600 - damaged &&
                seen.Count(0xffffff) == 1220 * 700 - 1200 * 600;
     }));
 }

@@ -17,7 +17,6 @@
 namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 using testing::UnorderedElementsAre;
 
 namespace {

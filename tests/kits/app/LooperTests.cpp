@@ -203,7 +203,7 @@ TEST_F(LooperTest, RunnersStopAfterTheirCountWithTheirDestructorOrWithTheirTarge
     for (int i = 0; i < 50; ++i) {
         {
             const BMessageRunner runner(messenger, &tick, 100);
-            snooze(i * 20);
+            snooze(i * 20L);
         }
         const size_t count = Settled();
         EXPECT_EQ(count + 1, Settled());

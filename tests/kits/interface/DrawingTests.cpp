@@ -37,9 +37,9 @@ TEST(ClipRegion, ExcludesIncludesWithoutOverlapIntersectsAndStaysSmall) {
     expectPixels(region, [](float x, float y) {
         return x >= 4 && ((x <= 5 && y <= 5) || (x <= 9 && y >= 3 && y <= 9));
     });
-    for (int i = 0; i < 1000; i++)
-        region.Include(
-            BRect(0, 0, 1, 1).OffsetByCopy(static_cast<float>(i % 100) * 3, i / 100 * 3));
+    for (float x = 0; x < 300; x += 3)
+        for (float y = 0; y < 30; y += 3)
+            region.Include(BRect(0, 0, 1, 1).OffsetByCopy(x, y));
     EXPECT_LE(region.Rects().size(), 40u);
     EXPECT_EQ(region.Frame(), BRect(0, 0, 298, 28));
 }
@@ -68,7 +68,7 @@ TEST(Bitmap, IsDrawnIntoByItsViewsAtHalfOpacity) {
         {1, 1, 0}, {2, 1, 0x80000080}, {4, 1, 0x80800000}, {5, 1, 0},
         {3, 2, 0}, {3, 3, 0xff000000}, {7, 3, 0xff000080}};
     for (const auto& [x, y, color] : samples) {
-        const uint8* pixel = picture.pixels + y * picture.stride + x * 4;
+        const uint8* pixel = picture.pixels + std::ptrdiff_t(y) * picture.stride + x * 4;
         for (int i = 0; i < 4; i++)
             EXPECT_NEAR(pixel[i], color >> 8 * i & 0xff, 2) << x << ", " << y;
     }

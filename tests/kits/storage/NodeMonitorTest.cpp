@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <mutex>
 
+#include <gtest/gtest.h>
+
 #include "kits/app/AppDefs.h"
 #include "kits/app/Looper.h"
 #include "kits/app/Message.h"

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <set>
 
+#include <gtest/gtest.h>
+
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/File.h"

@@ -71,8 +71,9 @@ TEST_F(SettingsTest, FieldsOfAnotherTypeAreLeftAloneAndMissingOnesCanBeSet) {
 TEST_F(SettingsTest, GarbageIsPutAsideAndDefaultsStay) {
     QBSettings(Path()).Save();
     const std::string whole = Read(File());
-    const std::string cases[] = {"{", "\xff\xfe\0garbage", whole.substr(0, whole.size() / 2),
-                                 whole + whole, std::string(2 << 20, ' ')};
+    const std::string cases[] = {"{", std::string("\xff\xfe\0garbage", 10),
+                                 whole.substr(0, whole.size() / 2), whole + whole,
+                                 std::string(2 << 20, ' ')};
     for (const std::string& text : cases) {
         Write(text);
         QBSettings settings(Path());

@@ -76,7 +76,7 @@ protected:
         if (!target.LockTarget() || !target.Target(&looper))
             return "the window is gone";
         BView& top = *static_cast<QBBookmarkWindow*>(looper)->ChildAt(0);
-        const std::string answer = use(dynamic_cast<Control&>(*ViewNamed(top, name)));
+        std::string answer = use(dynamic_cast<Control&>(*ViewNamed(top, name)));
         looper->Unlock();
         return answer;
     }

@@ -56,7 +56,7 @@ TEST_F(MonitorTest, BookmarkMadeStepByStepEndsComplete) {
         {"mime_type", test::kBookmarkType}, {"META:url", "http://made"}, {"META:keyw", ""}};
     Start();
     int slot = 0;
-    for (std::vector<int> order : {std::vector{0, 1, 2}, {1, 2, 0}, {2, 0, 1}}) {
+    for (const std::vector<int>& order : {std::vector{0, 1, 2}, {1, 2, 0}, {2, 0, 1}}) {
         const std::string name = std::to_string(slot) + " - made";
         const fs::path file = Folder(7) / name;
         std::ofstream(file).flush();
