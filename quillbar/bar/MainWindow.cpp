@@ -91,11 +91,15 @@ void QBMainWindow::AddViews() {
     const QBAlign align = gSettings->GetAlign();
     const Layout& layout = LayoutOf(align);
 
+    fBar = new QBBar();
+    fSpareRoom = new QBSpareRoom(Bounds(), *fBar);
+    AddChild(fSpareRoom);
+    fSpareRoom->SetViewColor(color);
+
     fMainView = new BView(Bounds(), "qb_main_view", B_FOLLOW_NONE, B_WILL_DRAW);
     AddChild(fMainView);
     fMainView->SetViewColor(color);
 
-    fBar = new QBBar();
     fMainView->AddChild(fBar);
     fBar->SetAlign(align);
 

@@ -83,6 +83,7 @@ private:
     void HandleUnmappedKeyDown(BMessage* message);
 
     bool fKeyDown = false;
+    BView* fSpareRoom = nullptr;
     BView* fMainView = nullptr;
     QBButton* fButtons[10] = {};
     BPopUpMenu* fSettingsMenu = nullptr;

@@ -245,6 +245,7 @@ void QBMainWindow::HandlePaste(BMessage* message) {
     const rgb_color color = *static_cast<const rgb_color*>(data);
     for (BView* button : fButtons)
         Colour(button, color);
+    Colour(fSpareRoom, color);
     Colour(fMainView, color);
     Colour(fBar, color);
     gSettings->SetColor(color);

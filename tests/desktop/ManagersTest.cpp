@@ -149,8 +149,14 @@ TEST_P(ManagersTest, TheBarStandsWhereItWasAndTakesNoFocus) {
         EXPECT_TRUE(fProgram.Bar().viewable) << "on every desktop";
     }
 
-    const Box strip = fProgram.DragBar();
-    fDesk.Drag(strip.x + 15, strip.y + 10, strip.x + 15 + 417, strip.y + 10 + 123);
+    // Some make it wider than it asked to be: it is the bar's there, too.
+    const Box bar = fProgram.Bar().frame;
+    const bool hasSpareRoom = bar.x + bar.width > kPlace.x + 60;
+    const int grip = kPlace.x + (hasSpareRoom ? 50 : 15);
+    if (hasSpareRoom) {
+        EXPECT_EQ(fDesk.Pixel(grip, kPlace.y + 200), 0xd8d8d8u);
+    }
+    fDesk.Drag(grip, kPlace.y + 10, grip + 417, kPlace.y + 10 + 123);
     const Box moved = {447, 153, 22, 264};
     EXPECT_TRUE(ContentBecomes(moved)) << "dragged";
     EXPECT_EQ(fProgram.Stop(), 0);

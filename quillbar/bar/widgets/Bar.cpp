@@ -98,3 +98,21 @@ void QBBar::SetAlign(QBAlign align) {
 void QBBar::DblClicked(BPoint) {
     Window()->Minimize(true);
 }
+
+QBSpareRoom::QBSpareRoom(BRect frame, QBBar& bar)
+    : BView(frame, "qb_spare_room", B_FOLLOW_ALL_SIDES, B_WILL_DRAW)
+    , fBar(bar) {}
+
+// Both begin at the window's left top, so places are the same in both.
+void QBSpareRoom::MouseDown(BPoint where) {
+    fBar.MouseDown(where);
+    SetMouseEventMask(B_POINTER_EVENTS, B_NO_POINTER_HISTORY);
+}
+
+void QBSpareRoom::MouseUp(BPoint where) {
+    fBar.MouseUp(where);
+}
+
+void QBSpareRoom::MouseMoved(BPoint where, uint32 transit, const BMessage* message) {
+    fBar.MouseMoved(where, transit, message);
+}

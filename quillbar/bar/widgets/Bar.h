@@ -34,3 +34,17 @@ private:
     bool fDragging = false;
     int32 fButtons = 0;
 };
+
+// Fills the window behind everything else. It is seen where a window manager gives the window more
+// room than the bar asked for, and handles like the strip there. The window deletes it and `bar`.
+class QBSpareRoom : public BView {
+public:
+    QBSpareRoom(BRect frame, QBBar& bar);
+
+    void MouseDown(BPoint where) override;
+    void MouseUp(BPoint where) override;
+    void MouseMoved(BPoint where, uint32 transit, const BMessage* message) override;
+
+private:
+    QBBar& fBar;
+};
