@@ -39,6 +39,6 @@ layer(quillbar_about quillbar/about LINKS quillbar_base kits_interface)
 layer(quillbar_addbookmark quillbar/addbookmark LINKS quillbar_store)
 layer(quillbar_bar quillbar/bar LINKS quillbar_addbookmark quillbar_hotkey quillbar_bubbles)
 layer(quillbar_app quillbar/app LINKS quillbar_bar quillbar_about EXCLUDE main.cpp)
-layer(quillbarctl_commands quillbarctl RECURSE LINKS quillbar_base quillbar_bookmarks PkgConfig::XML
-    EXCLUDE main.cpp)
+layer(quillbarctl_commands quillbarctl RECURSE LINKS quillbar_base quillbar_bookmarks
+    PkgConfig::GIO PkgConfig::XML nlohmann_json::nlohmann_json EXCLUDE main.cpp)
 target_precompile_headers(quillbarctl_commands PRIVATE <CLI/CLI.hpp>)

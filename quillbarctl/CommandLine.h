@@ -14,6 +14,11 @@ struct CommandLine {
 };
 
 void AddListCommand(CommandLine& line);
+void AddOpenCommand(CommandLine& line);
+void AddAddCommand(CommandLine& line);
+void AddImportCommand(CommandLine& line);
+void AddExportCommand(CommandLine& line);
+void AddAutostartCommand(CommandLine& line);
 
 // Prints "quillbarctl: TEXT" on standard error. Fail() returns kFailed.
 [[gnu::format(printf, 1, 2)]] void Warn(const char* format, ...);

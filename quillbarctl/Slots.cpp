@@ -10,7 +10,7 @@
 
 namespace {
 
-std::string TextOf(const BString& text) {
+std::string StdOf(const BString& text) {
     return {text.String(), static_cast<size_t>(text.Length())};
 }
 
@@ -21,15 +21,15 @@ Slot ReadSlot(const BEntry& file, const char* path) {
     slot.isFilled = true;
     slot.isBookmark = ReadBookmark(node, url, keywords);
     slot.path = path;
-    slot.name = TextOf(GetName(path));
-    slot.url = TextOf(url);
-    slot.keywords = TextOf(keywords);
+    slot.name = StdOf(GetName(path));
+    slot.url = StdOf(url);
+    slot.keywords = StdOf(keywords);
     return slot;
 }
 
 status_t ReadFolder(const char* path, Folder& folder) {
     folder.path = path;
-    folder.name = TextOf(GetName(path));
+    folder.name = StdOf(GetName(path));
     return FindSlotFiles(BEntry(path), [&](int digit, const BEntry& file, const char* place) {
         folder.slots[static_cast<size_t>(digit)] = ReadSlot(file, place);
     });
@@ -58,4 +58,12 @@ status_t ReadFolders(Folders& folders) {
             return Report(status, paths[digit].String());
     }
     return B_OK;
+}
+
+std::optional<size_t> FirstEmptySlot(const Folder& folder) {
+    for (size_t digit = 0; digit < folder.slots.size(); ++digit) {
+        if (!folder.slots[digit].isFilled)
+            return digit;
+    }
+    return std::nullopt;
 }

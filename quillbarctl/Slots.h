@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 
 #include "base/Types.h"
@@ -25,6 +26,9 @@ struct Folder {
 
 using Folders = std::array<Folder, 10>;
 
-// Reads all folders, or one. A root that is missing has no bookmarks and is no failure; nothing is
+// Reads all folders. A root that is missing has no bookmarks and is no failure; nothing is
 // made. On failure the reason is on standard error.
 status_t ReadFolders(Folders& folders);
+
+// Its digit; nothing if the folder is full.
+std::optional<size_t> FirstEmptySlot(const Folder& folder);

@@ -23,6 +23,11 @@ int main(int count, char** arguments) {
     line.app.require_subcommand(1);
     line.app.footer(kFooter);
     AddListCommand(line);
+    AddOpenCommand(line);
+    AddAddCommand(line);
+    AddImportCommand(line);
+    AddExportCommand(line);
+    AddAutostartCommand(line);
     try {
         line.app.parse(count, arguments);
     } catch (const CLI::Success& answer) {

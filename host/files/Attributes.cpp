@@ -2,7 +2,10 @@
 
 #include <sys/xattr.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
+#include <string_view>
 
 #include "host/files/Files.h"
 
@@ -67,6 +70,29 @@ status_t WriteAttribute(int descriptor, const std::string& name, const std::stri
     std::string path = DescriptorPath(descriptor);
     int result = setxattr(path.c_str(), (kPrefix + name).c_str(), value.data(), value.size(), 0);
     return result == 0 ? B_OK : AttributeStatus(errno);
+}
+
+// The list may grow between asking for its size and reading it.
+status_t ListAttributes(int descriptor, std::vector<std::string>& names) {
+    const std::string path = DescriptorPath(descriptor);
+    std::string list;
+    ssize_t size = 0;
+    do {
+        size = listxattr(path.c_str(), nullptr, 0);
+        list.resize(size_t(std::max<ssize_t>(size, 0)));
+        if (size > 0)
+            size = listxattr(path.c_str(), list.data(), list.size());
+    } while (size < 0 && errno == ERANGE);
+    if (size < 0)
+        return AttributeStatus(errno);
+    list.resize(size_t(size));
+    names.clear();
+    for (size_t start = 0; start < list.size(); start += strlen(&list[start]) + 1) {
+        if (std::string_view(&list[start]).starts_with(kPrefix))
+            names.emplace_back(&list[start + kPrefix.size()]);
+    }
+    std::sort(names.begin(), names.end());
+    return B_OK;
 }
 
 bool KeepsAttributes(const std::string& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "base/Types.h"
 
@@ -11,6 +12,7 @@ namespace host {
 status_t ReadAttribute(int descriptor, const std::string& name, std::string& value);
 status_t AttributeSize(int descriptor, const std::string& name, int64& size);
 status_t WriteAttribute(int descriptor, const std::string& name, const std::string& value);
+status_t ListAttributes(int descriptor, std::vector<std::string>& names);
 
 // The attribute that desktops share for a file's MIME type.
 extern const char* const kTypeAttribute;

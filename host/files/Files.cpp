@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -98,6 +99,20 @@ status_t SyncNode(int descriptor) {
         return result;
     Descriptor opened(open(DescriptorPath(descriptor).c_str(), O_RDONLY | kSafely));
     return opened && fsync(opened.Get()) == 0 ? B_OK : StatusFromErrno(errno);
+}
+
+status_t LockNode(int descriptor, Descriptor& lock) {
+    Descriptor opened(open(DescriptorPath(descriptor).c_str(), O_RDONLY | kSafely));
+    int result = opened ? 0 : -1;
+    if (opened) {
+        do
+            result = flock(opened.Get(), LOCK_EX);
+        while (result != 0 && errno == EINTR);
+    }
+    if (result != 0)
+        return StatusFromErrno(errno);
+    lock = std::move(opened);
+    return B_OK;
 }
 
 status_t CreateDirectories(const std::string& path, mode_t mode) {

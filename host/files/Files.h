@@ -40,6 +40,10 @@ status_t OpenFile(const std::string& path, int flags, Descriptor& file);
 // Waits until the node is on the disk. Does nothing for nodes other than files and directories.
 status_t SyncNode(int descriptor);
 
+// Waits for the lock of the node, which may be of any kind that can be opened for reading, and
+// takes it until `lock` is closed or the process ends. It holds off only those who call this.
+status_t LockNode(int descriptor, Descriptor& lock);
+
 // Creates a directory and those on the way; fine if it is there.
 status_t CreateDirectories(const std::string& path, mode_t mode);
 

@@ -80,6 +80,30 @@ status_t BNode::GetAttrInfo(const char* name, attr_info* info) const {
     return status;
 }
 
+status_t BNode::GetNextAttrName(char* name) {
+    if (fStatus != B_OK)
+        return fStatus;
+    if (!fAttributes) {
+        std::vector<std::string> names;
+        const status_t status = host::ListAttributes(fDescriptor.Get(), names);
+        if (status != B_OK)
+            return status;
+        fAttributes.emplace(names.rbegin(), names.rend());
+    }
+    if (fAttributes->empty()) {
+        fAttributes.reset();
+        return B_ENTRY_NOT_FOUND;
+    }
+    const std::string& next = fAttributes->back();
+    name[next.copy(name, B_ATTR_NAME_LENGTH - 1)] = '\0';
+    fAttributes->pop_back();
+    return B_OK;
+}
+
+status_t BNode::Lock() {
+    return fStatus == B_OK ? host::LockNode(fDescriptor.Get(), fLock) : fStatus;
+}
+
 status_t BNode::GetPermissions(mode_t* permissions) const {
     if (fStatus != B_OK)
         return fStatus;

@@ -2,6 +2,10 @@
 
 #include <sys/types.h>
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "base/EntryRef.h"
 #include "base/TypeConstants.h"
 #include "host/loop/Descriptor.h"
@@ -49,6 +53,14 @@ public:
                       size_t length);
     status_t GetAttrInfo(const char* name, attr_info* info) const;
 
+    // Copies the name of the next attribute, at most B_ATTR_NAME_LENGTH bytes with its NUL, in the
+    // order of the names; B_ENTRY_NOT_FOUND when there are no more, and the next call starts over.
+    status_t GetNextAttrName(char* name);
+
+    // Waits until no other program holds the node by this function, and holds it until the object
+    // goes. Nobody else is kept from anything. The node has to be readable.
+    status_t Lock();
+
     // The permission bits, as chmod() takes them.
     status_t GetPermissions(mode_t* permissions) const;
     status_t SetPermissions(mode_t permissions);
@@ -66,6 +78,9 @@ protected:
     host::Descriptor fDescriptor;
 
 private:
+    host::Descriptor fLock;
+    std::optional<std::vector<std::string>> fAttributes; // that are still to be named
+
     friend status_t watch_entry(const BEntry& entry, uint32 flags, const BMessenger& target,
                                 BNode* node, entry_ref* ref, node_ref* number);
 

@@ -15,3 +15,6 @@ enum : uint32 {
 
 // The size of a buffer that holds any MIME type that BNodeInfo hands out, with its NUL.
 inline constexpr int32 B_MIME_TYPE_LENGTH = 240;
+
+// The size of a buffer that holds the name of any attribute, with its NUL.
+inline constexpr int32 B_ATTR_NAME_LENGTH = 256;

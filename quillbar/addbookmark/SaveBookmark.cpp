@@ -14,18 +14,8 @@ bool IsLeaf(const BString& name) {
     return name.FindFirst('/') < 0;
 }
 
-BString ReasonOf(status_t status) {
-    if (status == B_DEVICE_FULL || status == B_BAD_DATA)
-        return "It is longer than the disk keeps with a file, or the disk is full.";
-    if (status == B_UNSUPPORTED)
-        return "The disk does not keep attributes.";
-    if (status == B_BAD_VALUE)
-        return "A name cannot have a \"/\".";
-    return StatusText(status);
-}
-
 QBSaveOutcome Failure(QBSaveResult result, status_t status) {
-    return {result, ReasonOf(status)};
+    return {result, SaveReason(status)};
 }
 
 // In its directory, over nothing. `path` follows.
@@ -92,7 +82,7 @@ QBSaveOutcome Write(const QBBookmarkText& bookmark, const BString& path) {
     BString unsaved;
     const auto note = [&](const char* text, status_t status) {
         if (status != B_OK)
-            unsaved << "\n" << text << ": " << ReasonOf(status);
+            unsaved << "\n" << text << ": " << SaveReason(status);
     };
     if (!HasBookmarkType(node))
         note("Type", info.SetType(kBookmarkType));

@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr const char* kSettingsPath = "/boot/home/config/settings/Quillbar.settings";
-
 // No screen reaches further; what lies beyond is not a place that a window was moved to.
 constexpr float kFarthest = 32'000;
 

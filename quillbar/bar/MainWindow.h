@@ -58,8 +58,7 @@ private:
     void AddViews();
     void SetFolderHelp();
     void BuildSettingsMenu();
-    void AddBrowserItem(const char* label, uint32 command, QBBrowser browser, bool isInstalled,
-                        bool isOnly);
+    void AddBrowserItem(const char* label, uint32 command, bool isInstalled, bool isChosen);
     void WarnWithoutBrowser();
     void PrepareMenus();
     void LayOutMenus();

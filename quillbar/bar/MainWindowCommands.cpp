@@ -15,6 +15,7 @@
 #include "quillbar/bar/widgets/Bar.h"
 #include "quillbar/bar/widgets/Button.h"
 #include "quillbar/bar/widgets/Menu.h"
+#include "quillbar/base/Browser.h"
 #include "quillbar/base/Keypad.h"
 #include "quillbar/base/Settings.h"
 #include "quillbar/base/Trace.h"
@@ -27,15 +28,6 @@ namespace {
 
 constexpr float kAddWindowAbove = 190; // above the bar's lower edge
 constexpr bigtime_t kMappingTime = 100'000;
-
-// The browsers that bookmarks can be launched in, by their QBBrowser.
-constexpr struct {
-    const char* signature;
-    const char* label;
-} kBrowsers[] = {
-    {"application/x-vnd.operasoftware-opera", "Opera"},
-    {"application/x-vnd.Be-NPOS", "NetPositive"},
-};
 
 // The platform's raw key codes.
 constexpr int32 kSettingsKey = 0x50; // "B"
@@ -289,11 +281,11 @@ void QBMainWindow::HandleUnmappedKeyDown(BMessage* message) {
 }
 
 bool QBMainWindow::ExistOpera() const {
-    return be_roster->FindApp(kBrowsers[kQBOpera].signature) == B_OK;
+    return HasBrowser(kQBOpera);
 }
 
 bool QBMainWindow::ExistNetPos() const {
-    return be_roster->FindApp(kBrowsers[kQBNetPositive].signature) == B_OK;
+    return HasBrowser(kQBNetPositive);
 }
 
 void QBMainWindow::Launch(int folder, int slot) {
@@ -305,16 +297,8 @@ void QBMainWindow::Launch(int folder, int slot) {
         return;
 
     const QBBrowser chosen = gSettings->GetBrowser();
-    if (chosen != kQBOpera && chosen != kQBNetPositive)
-        return;
-    const auto [signature, label] = kBrowsers[chosen];
-    const char* const arguments[] = {url.String()};
-    const status_t status = be_roster->Launch(signature, 1, arguments, BMessenger(this));
+    const status_t status = OpenInBrowser(chosen, url.String(), BMessenger(this));
     // An address that could be read as an option is passed over in silence.
-    if (status == B_OK || status == B_BAD_VALUE)
-        return;
-    const BString name = be_roster->NameOf(signature);
-    WarnOfLaunch(name.IsEmpty() ? label : name, status == B_LAUNCH_FAILED_APP_NOT_FOUND
-                                                    ? "it is not installed."
-                                                    : StatusText(status));
+    if (status != B_OK && status != B_BAD_VALUE)
+        WarnOfLaunch(BrowserName(chosen), LaunchReason(status));
 }

@@ -7,6 +7,7 @@
 #include "kits/kernel/Locker.h"
 #include "kits/support/String.h"
 #include "quillbar/bar/MainWindow.h"
+#include "quillbar/base/Browser.h"
 #include "quillbar/base/Settings.h"
 #include "quillbar/store/Alerts.h"
 #include "quillbar/store/Monitor.h"
@@ -46,8 +47,11 @@ void QBMainWindow::BuildSettingsMenu() {
     const QBAlign align = gSettings->GetAlign();
     const bool showURL = gSettings->GetShowURL();
     const int32 hotKey = gSettings->GetHotKey();
+    // A browser that is the only one becomes the setting, even if the other was stored.
     const bool hasOpera = ExistOpera();
     const bool hasNetPositive = ExistNetPos();
+    const QBBrowser browser = UsableBrowser(gSettings->GetBrowser(), hasOpera, hasNetPositive);
+    gSettings->SetBrowser(browser);
 
     fSettingsMenu = new BPopUpMenu("Settings", false, false, B_ITEMS_IN_COLUMN);
     fAlignHItem = AddItem(fSettingsMenu, "Align Horizontally", kQBAlignHorizontally,
@@ -55,8 +59,8 @@ void QBMainWindow::BuildSettingsMenu() {
     fAlignVItem = AddItem(fSettingsMenu, "Align Vertically", kQBAlignVertically,
                           align == kQBAlignVertical, window);
     fSettingsMenu->AddSeparatorItem();
-    AddBrowserItem("Use Opera", kQBUseOpera, kQBOpera, hasOpera, !hasNetPositive);
-    AddBrowserItem("Use NetPositive", kQBUseNetPositive, kQBNetPositive, hasNetPositive, !hasOpera);
+    AddBrowserItem("Use Opera", kQBUseOpera, hasOpera, browser == kQBOpera);
+    AddBrowserItem("Use NetPositive", kQBUseNetPositive, hasNetPositive, browser == kQBNetPositive);
     fSettingsMenu->AddSeparatorItem();
     AddItem(fSettingsMenu, "Add Bookmark", kQBAddBookmark, false, window);
 
@@ -80,15 +84,13 @@ void QBMainWindow::BuildSettingsMenu() {
     AddItem(fSettingsMenu, "Quit", B_QUIT_REQUESTED, false, be_app_messenger);
 }
 
-// A browser that is the only one becomes the setting, even if the other was stored.
-void QBMainWindow::AddBrowserItem(const char* label, uint32 command, QBBrowser browser,
-                                  bool isInstalled, bool isOnly) {
+void QBMainWindow::AddBrowserItem(const char* label, uint32 command, bool isInstalled,
+                                  bool isChosen) {
     BMenuItem* item = AddItem(fSettingsMenu, label, command, false, BMessenger(this));
     if (!isInstalled) {
         item->SetEnabled(false);
-    } else if (isOnly || gSettings->GetBrowser() == browser) {
+    } else if (isChosen) {
         item->SetMarked(true);
-        gSettings->SetBrowser(browser);
         fBrowserItem = item;
     }
 }

@@ -100,6 +100,12 @@ bool QBSettings::Load() {
     return isWhole;
 }
 
+bool QBSettings::Peek() {
+    std::string text;
+    return SettingsFile::Read(fPath.Path(), text) == B_OK &&
+           fSettings.Unflatten(text.data(), text.size()) == B_OK;
+}
+
 void QBSettings::Save() {
     fSnapshot->Save();
 }

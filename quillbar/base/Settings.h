@@ -8,6 +8,8 @@
 #include "kits/storage/Path.h"
 #include "quillbar/base/Commands.h"
 
+inline constexpr const char* kSettingsPath = "/boot/home/config/settings/Quillbar.settings";
+
 // The user's choices, one message that is read from and written to the settings file. One thread at
 // a time: the application's before the bar is shown and after it has quit, the bar's in between.
 class QBSettings {
@@ -25,6 +27,9 @@ public:
     // A file that holds something else is renamed "NAME.bad", one that exists but could not be read
     // is never written over; a line on standard error reports it.
     bool Load();
+
+    // The same for a program that is not the bar: nothing is reported, the file stays as it is.
+    bool Peek();
 
     // Writes the file, so that at any moment the old one or the new one is there, whole; where no
     // file can be made beside it or take its name, the file itself is written. A failure is

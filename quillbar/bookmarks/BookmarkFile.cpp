@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "base/Errors.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
 #include "quillbar/bookmarks/StoreNames.h"
@@ -60,4 +61,14 @@ status_t WriteText(BNode& node, const char* attribute, const BString& text) {
     const ssize_t written = node.WriteAttr(attribute, B_STRING_TYPE, 0, text.String(),
                                            static_cast<size_t>(text.Length()) + 1);
     return written < 0 ? static_cast<status_t>(written) : B_OK;
+}
+
+BString SaveReason(status_t status) {
+    if (status == B_DEVICE_FULL || status == B_BAD_DATA)
+        return "It is longer than the disk keeps with a file, or the disk is full.";
+    if (status == B_UNSUPPORTED)
+        return "The disk does not keep attributes.";
+    if (status == B_BAD_VALUE)
+        return "A name cannot have a \"/\".";
+    return StatusText(status);
 }

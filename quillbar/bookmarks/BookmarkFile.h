@@ -22,3 +22,6 @@ bool ReadBookmark(BNode& node, BString& url, BString& keywords);
 
 // Writes text as an attribute, with its NUL.
 status_t WriteText(BNode& node, const char* attribute, const BString& text);
+
+// Why a bookmark or a text of it could not be saved, for the user.
+BString SaveReason(status_t status);

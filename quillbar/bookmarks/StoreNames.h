@@ -15,6 +15,8 @@ inline constexpr const char* kBookmarkRoot = "/boot/home/config/settings/Quillba
 inline constexpr uint32 kDirectoryMode = 0777;
 
 inline constexpr const char* kBookmarkType = "application/x-vnd.Be-bookmark";
+// The names of the attributes; the first is where BNodeInfo keeps the type.
+inline constexpr const char* kTypeAttribute = "mime_type";
 inline constexpr const char* kUrlAttribute = "META:url";
 inline constexpr const char* kKeywordsAttribute = "META:keyw";
 inline constexpr const char* kTitleAttribute = "META:title";

@@ -1,6 +1,7 @@
 #include "quillbarctl/formats/LineText.h"
 
 #include "base/Utf8.h"
+#include "quillbar/bookmarks/StoreNames.h"
 
 std::string EscapeLine(std::string_view text) {
     constexpr std::string_view kDigits = "0123456789abcdef";
@@ -22,4 +23,17 @@ std::string EscapeLine(std::string_view text) {
                 escaped.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
     }
     return escaped;
+}
+
+std::string Shown(std::string_view text) {
+    constexpr size_t kLongest = 160;
+    if (text.size() <= kLongest)
+        return EscapeLine(text);
+    return EscapeLine(CutUtf8(text, kLongest)) + "...";
+}
+
+std::string LineOf(size_t folder, size_t slot, const Bookmark& bookmark) {
+    return std::to_string(folder) + '\t' + std::to_string(slot) + '\t' + EscapeLine(bookmark.name) +
+           '\t' + EscapeLine(TextOf(bookmark, kUrlAttribute)) + '\t' +
+           EscapeLine(TextOf(bookmark, kKeywordsAttribute)) + '\n';
 }
