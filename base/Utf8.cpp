@@ -10,11 +10,6 @@ bool EndsLine(char32_t code) {
     return code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
 
-void Append(std::string& text, char32_t code) {
-    char bytes[6];
-    text.append(bytes, static_cast<size_t>(g_unichar_to_utf8(code, bytes)));
-}
-
 template <typename Visit>
 void ForEachCharacter(std::string_view text, Visit visit) {
     while (!text.empty()) {
@@ -90,10 +85,37 @@ std::string Utf16Of(std::string_view text) {
     return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t)};
 }
 
+void AppendUtf8(std::string& text, char32_t code) {
+    char bytes[6];
+    if (g_unichar_validate(code))
+        text.append(bytes, static_cast<size_t>(g_unichar_to_utf8(code, bytes)));
+    else
+        text += kReplacementMark;
+}
+
+std::string Utf8FromUtf16(std::string_view bytes, bool isBigEndian) {
+    std::string text;
+    const auto unitAt = [&](size_t at) -> char32_t {
+        const auto first = static_cast<uint8>(bytes[at]),
+                   second = static_cast<uint8>(bytes[at + 1]);
+        return isBigEndian ? first << 8 | second : second << 8 | first;
+    };
+    for (size_t at = 0; at + 1 < bytes.size(); at += 2) {
+        char32_t code = unitAt(at);
+        const char32_t low = at + 3 < bytes.size() ? unitAt(at + 2) : 0;
+        if (code >> 10 == 0xd800 >> 10 && low >> 10 == 0xdc00 >> 10) {
+            code = 0x10000 + ((code & 0x3ff) << 10 | (low & 0x3ff));
+            at += 2;
+        }
+        AppendUtf8(text, code);
+    }
+    return text;
+}
+
 std::string Utf8FromLatin1(std::string_view text) {
     std::string result;
     for (const char byte : text)
-        Append(result, static_cast<uint8>(byte));
+        AppendUtf8(result, static_cast<uint8>(byte));
     return result;
 }
 

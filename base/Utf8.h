@@ -31,6 +31,12 @@ std::string OneLineOf(std::string_view text);
 // In this computer's byte order, two or four bytes for a character. What is not UTF-8 is left out.
 std::string Utf16Of(std::string_view text);
 
+// What is no character becomes a replacement mark, half a unit at the end is left out.
+std::string Utf8FromUtf16(std::string_view bytes, bool isBigEndian);
+
+// A replacement mark if it is no character's code.
+void AppendUtf8(std::string& text, char32_t code);
+
 // Between UTF-8 and ISO 8859-1, one byte a character. What the latter lacks becomes a question
 // mark.
 std::string Utf8FromLatin1(std::string_view text);

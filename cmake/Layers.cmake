@@ -16,7 +16,7 @@ function(layer name directory)
     target_link_libraries(${name} PUBLIC ${LAYER_LINKS})
 endfunction()
 
-layer(base base LINKS PkgConfig::GLIB)
+layer(base base RECURSE LINKS PkgConfig::GLIB)
 layer(host_loop host/loop LINKS base PkgConfig::GLIB Threads::Threads)
 layer(host_files host/files RECURSE LINKS host_loop)
 layer(host_session host/session RECURSE LINKS host_loop)
