@@ -11,6 +11,7 @@
 #include "base/Color.h"
 #include "base/Errors.h"
 #include "base/Types.h"
+#include "base/links/Link.h"
 #include "host/draw/Image.h"
 
 // The floor's only header for what stands above it: windows and input in plain types. Everything is
@@ -127,6 +128,16 @@ struct ColorDropped {
     int x, y; // in the window's content
     rgb_color color;
 };
+// A link that the user drags over a window that takes links (see AcceptLinks), or drops there.
+struct LinkDragged {
+    int x, y;  // in the window's content
+    bool over; // false: it has left, or was dropped; or the other program is gone
+};
+struct LinkDropped {
+    int x, y;
+    Link link;
+    std::string file; // that the link names and may itself keep the link that is meant; or empty
+};
 struct FocusChanged {
     bool active; // changes by a grab are left out
 };
@@ -140,8 +151,8 @@ struct CloseRequested {}; // by the window manager, or another program destroyed
 
 using WindowEvent =
     std::variant<PointerMoved, PointerLeft, PointerOver, ButtonPressed, ButtonReleased, WheelTurned,
-                 KeyChanged, TextCommitted, ColorDropped, FocusChanged, FrameChanged,
-                 MinimizedChanged, CloseRequested>;
+                 KeyChanged, TextCommitted, ColorDropped, LinkDragged, LinkDropped, FocusChanged,
+                 FrameChanged, MinimizedChanged, CloseRequested>;
 
 // Receives the events of one window. Called by the display thread; it must be quick and must
 // not wait for a looper: it posts messages.
@@ -234,6 +245,10 @@ public:
     // has it any more. Its keys go to the desktop's input method first, if there is one, and come
     // back in their order if that does not want them.
     virtual void SetTextCaret(std::optional<PixelRect> caret) = 0;
+
+    // From now on other programs can drop links here. Colours can be dropped on every managed
+    // window.
+    virtual void AcceptLinks() = 0;
 
     // Directs all pointer and keyboard input of the session to this window until ReleaseInput;
     // pointer places are then still given in this window's coordinates. Tries for `timeout`

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <tuple>
 
 #include "host/x11/XWindow.h"
 
@@ -64,8 +65,8 @@ XDisplay::XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink,
     , fSelections(*fConnection, fIdentity.leader, fWindows)
     , fDrags(*fConnection, fGrab)
     , fDrops(*fConnection, fWindows,
-             [this](xcb_window_t window, int screenX, int screenY, rgb_color color) {
-                 DeliverColor(window, screenX, screenY, color);
+             [this](xcb_window_t window, xcb_timestamp_t time, const DropEvent& drop) {
+                 Deliver(drop, window, time);
              })
     , fSettingsReader(*fConnection)
     , fThread(*this, sink) {
@@ -142,10 +143,18 @@ xcb_timestamp_t XDisplay::LastKnownPressTime() const {
     return own == 0 || (any != 0 && static_cast<int32>(any - own) > 0) ? any : own;
 }
 
-void XDisplay::DeliverColor(xcb_window_t id, int screenX, int screenY, rgb_color color) {
+// Its place is on the screen still. A drop is the user's doing, as a press is: what the program
+// shows for it may have the focus.
+void XDisplay::Deliver(const DropEvent& drop, xcb_window_t id, xcb_timestamp_t time) {
+    if (time != XCB_CURRENT_TIME)
+        NoteInputTime(time);
     fWindows.Deliver(id, [&](XWindow& window) {
-        auto [x, y] = window.ContentPlace(XCB_WINDOW_NONE, screenX, screenY);
-        window.Notify(ColorDropped{x, y, color});
+        std::visit(
+            [&](auto event) {
+                std::tie(event.x, event.y) = window.ContentPlace(XCB_WINDOW_NONE, event.x, event.y);
+                window.Notify(event);
+            },
+            drop);
     });
 }
 

@@ -82,7 +82,7 @@ public:
 private:
     XDisplay(std::unique_ptr<Connection> connection, DisplaySink* sink, ProgramIdentity identity);
     void MakeLeader();
-    void DeliverColor(xcb_window_t id, int screenX, int screenY, rgb_color color);
+    void Deliver(const DropEvent& drop, xcb_window_t id, xcb_timestamp_t time);
 
     const std::unique_ptr<Connection> fConnection;
     const Pens fPens;

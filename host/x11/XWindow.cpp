@@ -64,6 +64,7 @@ XWindow::~XWindow() {
     fDisplay.Windows().Remove(fId);
     NoteVisible(false);
     fDisplay.Drags().Forget(fId);
+    fDisplay.Drops().Forget(fId);
     ReleaseInput();
     SetTextCaret(std::nullopt);
     xcb_destroy_window(fConnection, fId);
@@ -292,6 +293,10 @@ void XWindow::SetTextCaret(std::optional<PixelRect> caret) {
         spot = {static_cast<int16>(caret->left + fBorder),
                 static_cast<int16>(caret->bottom + fBorder)};
     fDisplay.TextInput().SetCaret(fId, spot);
+}
+
+void XWindow::AcceptLinks() {
+    fDisplay.Drops().AcceptLinks(fId);
 }
 
 status_t XWindow::GrabInput(bigtime_t timeout) {

@@ -35,6 +35,7 @@ public:
     void SetPointer(const PointerImage& image) override;
     void Present(const Image& picture, const std::vector<PixelRect>& damage) override;
     void SetTextCaret(std::optional<PixelRect> caret) override;
+    void AcceptLinks() override;
     status_t GrabInput(bigtime_t timeout) override;
     void ReleaseInput() override;
     status_t Drag(const DragSpec& spec, std::shared_ptr<DragSink> sink) override;

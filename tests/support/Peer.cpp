@@ -168,7 +168,7 @@ std::optional<bool> Peer::Drop(xcb_window_t target, int x, int y,
     Move(target, x, y);
     const std::optional<bool> status = AwaitStatus();
     if (!status.value_or(false)) {
-        Send(target, target, "XdndLeave", {fWindow});
+        Leave(target);
         return status;
     }
     LetGo(target);
@@ -186,12 +186,15 @@ void Peer::Enter(xcb_window_t target, const std::vector<std::string>& types) {
 void Peer::Move(xcb_window_t target, int x, int y) {
     Send(target, target, "XdndPosition",
          {fWindow, 0, static_cast<uint32_t>(x << 16 | y), XCB_CURRENT_TIME,
-          fDesktop.Atom("XdndActionCopy")});
+          fDesktop.Atom(proposed)});
 }
 
-std::optional<bool> Peer::AwaitVerdict(const std::string& type) {
+std::optional<bool> Peer::AwaitVerdict(const std::string& type, size_t action) {
     const auto answer = AwaitMessage(type);
-    return answer ? std::optional((answer->at(1) & 1) != 0) : std::nullopt;
+    if (!answer)
+        return std::nullopt;
+    agreed = answer->at(action) == XCB_NONE ? "" : fDesktop.AtomNames({answer->at(action)})[0];
+    return (answer->at(1) & 1) != 0;
 }
 
 // Events that need an answer, whatever the peer waits for.

@@ -74,8 +74,11 @@ public:
     void LetGo(xcb_window_t target) {
         Send(target, target, "XdndDrop", {fWindow, 0, XCB_CURRENT_TIME});
     }
-    std::optional<bool> AwaitStatus() { return AwaitVerdict("XdndStatus"); }
-    std::optional<bool> AwaitFinish() { return AwaitVerdict("XdndFinished"); }
+    void Leave(xcb_window_t target) { Send(target, target, "XdndLeave", {fWindow}); }
+    std::optional<bool> AwaitStatus() { return AwaitVerdict("XdndStatus", 4); }
+    std::optional<bool> AwaitFinish() { return AwaitVerdict("XdndFinished", 2); }
+    std::string proposed = "XdndActionCopy";
+    std::string agreed; // in the last status or finish
 
     // Drop, on this peer's window.
     bool answers = true; // positions
@@ -123,7 +126,8 @@ private:
     void HandleMessage(const xcb_client_message_event_t& event);
     void HandleRequest(const xcb_selection_request_event_t& request);
     bool AwaitRemoval();
-    std::optional<bool> AwaitVerdict(const std::string& type); // on a position or a drop
+    // On a position or a drop; the action's word is given.
+    std::optional<bool> AwaitVerdict(const std::string& type, size_t action);
     void Sync() const;
     void Put(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const std::string& bytes,
              uint8_t format = 8);

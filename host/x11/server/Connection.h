@@ -50,8 +50,11 @@
     ATOM(kSelectionData, "SELECTION_DATA")                                                         \
     ATOM(kTargets, "TARGETS")                                                                      \
     ATOM(kText, "TEXT")                                                                            \
+    ATOM(kTextHtml, "text/html")                                                                   \
+    ATOM(kTextMozUrl, "text/x-moz-url")                                                            \
     ATOM(kTextPlain, "text/plain")                                                                 \
     ATOM(kTextPlainUtf8, "text/plain;charset=utf-8")                                               \
+    ATOM(kTextUriList, "text/uri-list")                                                            \
     ATOM(kTimestamp, "TIMESTAMP")                                                                  \
     ATOM(kUtf8String, "UTF8_STRING")                                                               \
     ATOM(kWmChangeState, "WM_CHANGE_STATE")                                                        \
@@ -60,6 +63,7 @@
     ATOM(kWmProtocols, "WM_PROTOCOLS")                                                             \
     ATOM(kWmState, "WM_STATE")                                                                     \
     ATOM(kXdndActionCopy, "XdndActionCopy")                                                        \
+    ATOM(kXdndActionLink, "XdndActionLink")                                                        \
     ATOM(kXdndAware, "XdndAware")                                                                  \
     ATOM(kXdndDirectSave, "XdndDirectSave0")                                                       \
     ATOM(kXdndDrop, "XdndDrop")                                                                    \

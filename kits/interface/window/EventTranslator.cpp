@@ -244,6 +244,26 @@ void EventTranslator::Handle(const host::ColorDropped& event) {
     fTarget.SendMessage(&message);
 }
 
+void EventTranslator::Handle(const host::LinkDragged& event) {
+    BMessage message(kLinkDragged);
+    if (event.over && !IsBlocked())
+        message.AddPoint("where", WholePlace(event.x, event.y));
+    fTarget.SendMessage(&message);
+}
+
+void EventTranslator::Handle(const host::LinkDropped& event) {
+    if (IsBlocked()) {
+        WindowRoster::Shared().PointAtAlert();
+        return;
+    }
+    BMessage message(kLinkDropped);
+    message.AddPoint("where", WholePlace(event.x, event.y));
+    message.AddString("url", event.link.url.c_str());
+    message.AddString("title", event.link.title.c_str());
+    message.AddString("file", event.file.c_str());
+    fTarget.SendMessage(&message);
+}
+
 void EventTranslator::Handle(const host::FocusChanged& event) {
     if (!event.active)
         LetKeysGo();

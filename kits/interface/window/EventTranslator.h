@@ -12,6 +12,8 @@ enum : uint32 {
     kFrameChanged = '_kfc', // "left", "top", "right", "bottom" int32, device pixels
     kPointerLeft = '_kpl',
     kColorDropped = '_kcd', // "where" point, "color" B_RGB_COLOR_TYPE
+    kLinkDragged = '_kld',  // "where" point while it is over the window
+    kLinkDropped = '_klp',  // "where" point, "url", "title" and "file" strings
     kSaveDragged = '_ksd',
     kBringInside = '_kbi',
     kSettingsChanged = '_ksc',
@@ -52,6 +54,8 @@ private:
     void Handle(const host::KeyChanged& event);
     void Handle(const host::TextCommitted& event);
     void Handle(const host::ColorDropped& event);
+    void Handle(const host::LinkDragged& event);
+    void Handle(const host::LinkDropped& event);
     void Handle(const host::FocusChanged& event);
     void Handle(const host::FrameChanged& event);
     void Handle(const host::MinimizedChanged& event);

@@ -88,6 +88,7 @@ public:
     // drag takes the pointer or the window leaves the screen. Also called for each earlier release
     // of several buttons.
     virtual void MouseUp(BPoint /*where*/) {}
+    // `dragged` is null unless a link is dragged over the view (see BWindow::AcceptLinks()).
     virtual void MouseMoved(BPoint /*where*/, uint32 /*transit*/, const BMessage* /*dragged*/) {}
     // For the focus view. `bytes` is what the key types. Tab moves the focus to the next view that
     // is B_NAVIGABLE, Enter presses the default button; every other key is handed to the window's

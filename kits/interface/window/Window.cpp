@@ -129,6 +129,11 @@ void BWindow::SetGrip(BRect grip) {
     fState->grip = grip;
 }
 
+void BWindow::AcceptLinks() {
+    if (fState->host)
+        fState->host->AcceptLinks();
+}
+
 BPoint BWindow::ConvertToScreen(BPoint point) const {
     return point + fState->place;
 }
@@ -228,6 +233,12 @@ void BWindow::DispatchMessage(BMessage* message, BHandler* handler) {
         break;
     case kColorDropped:
         fState->ColorDropped(*message);
+        break;
+    case kLinkDragged:
+        fState->LinkDragged(*message);
+        break;
+    case kLinkDropped:
+        fState->LinkDropped(*message);
         break;
     case kSaveDragged:
         if (const std::shared_ptr<DraggedFile> file = fState->draggedFile)

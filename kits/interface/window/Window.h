@@ -98,6 +98,13 @@ public:
     // grip, or 20 by 20 pixels of it, must be on one. An addition to the platform.
     void SetGrip(BRect grip);
 
+    // From now on links can be dropped here. While one is dragged over the window, the view under
+    // it gets MouseMoved() with B_MIME_DATA; a drop brings that view B_MIME_DATA with the strings
+    // "be:url" and "be:clip_name", one line of title. The link in a .desktop or .url file is read
+    // on the window's thread; without one there is no "be:url", and the name is the file's. An
+    // addition to the platform.
+    void AcceptLinks();
+
     BPoint ConvertToScreen(BPoint point) const;
     BPoint ConvertFromScreen(BPoint point) const;
     BRect ConvertToScreen(BRect rect) const;

@@ -8,6 +8,7 @@
 #include "kits/app/Message.h"
 #include "kits/app/MessageQueue.h"
 #include "kits/interface/window/Control.h"
+#include "kits/interface/window/DroppedLink.h"
 #include "kits/interface/window/KeyWatchers.h"
 #include "kits/interface/window/WindowState.h"
 #include "kits/kernel/OS.h"
@@ -134,9 +135,34 @@ void BWindow::State::ColorDropped(const BMessage& message) {
         return;
     BMessage paste(B_PASTE);
     paste.AddData("RGBColor", B_RGB_COLOR_TYPE, color, size);
-    paste.SetWasDropped(true);
-    BView* view = ViewAt(message.GetPoint("where", B_ORIGIN));
-    window->PostMessage(&paste, view != nullptr ? static_cast<BHandler*>(view) : window);
+    PostDropped(paste, message.GetPoint("where", B_ORIGIN));
+}
+
+void BWindow::State::LinkDragged(const BMessage& message) {
+    const BMessage link(B_MIME_DATA);
+    BPoint where = kNowhere;
+    const bool isOver = message.FindPoint("where", &where) == B_OK;
+    BView* before = std::exchange(dragOver, isOver ? ViewAt(where) : nullptr);
+    const bool isSame = before == dragOver;
+    // A hook may delete views: Forget() then clears `dragOver`.
+    if (before != nullptr && !isSame)
+        before->MouseMoved(where - before->OriginInWindow(), B_EXITED_VIEW, &link);
+    if (dragOver != nullptr) {
+        dragOver->MouseMoved(where - dragOver->OriginInWindow(),
+                             isSame ? B_INSIDE_VIEW : B_ENTERED_VIEW, &link);
+    }
+}
+
+void BWindow::State::LinkDropped(const BMessage& message) {
+    BMessage link = LinkMessageOf(message.GetString("url", ""), message.GetString("title", ""),
+                                  message.GetString("file", ""));
+    PostDropped(link, message.GetPoint("where", B_ORIGIN));
+}
+
+void BWindow::State::PostDropped(BMessage& dropped, BPoint where) {
+    dropped.SetWasDropped(true);
+    BView* view = ViewAt(where);
+    window->PostMessage(&dropped, view != nullptr ? static_cast<BHandler*>(view) : window);
 }
 
 void BWindow::State::MoveOver(BView* view, BPoint where) {
@@ -327,6 +353,8 @@ void BWindow::State::Forget(BView& view) {
     ClipChanged();
     if (over == &view)
         over = nullptr;
+    if (dragOver == &view)
+        dragOver = nullptr;
     if (tracking == &view) {
         tracking = nullptr;
         isMasked = false;

@@ -64,6 +64,9 @@ struct BWindow::State {
     // it is `poller`, which has seen the end itself. At kNowhere nothing is released over it.
     void EndPress(BPoint where = kNowhere, const BView* poller = nullptr);
     void ColorDropped(const BMessage& message);
+    void LinkDragged(const BMessage& message);
+    void LinkDropped(const BMessage& message);
+    void PostDropped(BMessage& dropped, BPoint where);
     void MoveOver(BView* view, BPoint where);
     void ShowCursor();
     // The text field that gets the keys has its caret there, in its own coordinates; or none gets
@@ -115,6 +118,7 @@ struct BWindow::State {
     BView* focus = nullptr;
     BView* watching = nullptr; // is handling a key that it got by its event mask
     BView* over = nullptr;     // the pointer is over it
+    BView* dragOver = nullptr; // a link is dragged over it
     BView* tracking = nullptr; // was pressed, and gets the release
     bool isMasked = false;     // it also gets all moves until then
     BPoint pressPlace;         // of the window when it was pressed

@@ -85,6 +85,133 @@ TEST_F(DropInTest, OutlivesSourcesThatStopOrDie) {
     EXPECT_EQ(Drop(kColorType), true);
 }
 
+class LinkTest : public DragTest {
+protected:
+    LinkTest() { window->AcceptLinks(); }
+
+    void Offer(const std::map<std::string, Peer::Data>& forms) {
+        partner.offered = forms;
+        types.clear();
+        for (const auto& [type, data] : forms)
+            types.push_back(type);
+    }
+    std::optional<bool> DropAll() { return partner.Drop(id, 110, 130, types); }
+    std::string Dropped() const {
+        const Link link = window.events->Last<LinkDropped>().link;
+        return link.url + " " + link.title;
+    }
+    bool IsOver() const { return window.events->Last<LinkDragged>().over; }
+
+    std::vector<std::string> types;
+};
+
+TEST_F(LinkTest, IsTakenInTheMostTellingForm) {
+    // What the one before says is of no use each time.
+    const std::map<std::string, Peer::Data> forms = {
+        {"text/uri-list", {"https://list/\r\n"}},
+        {"text/html", {"<a href='https://html/'>t</a>"}},
+        {"UTF8_STRING", {"https://text/"}}};
+    std::map<std::string, Peer::Data> offers = forms;
+    offers["text/x-moz-url"] = {std::string("\xff\xfeh\0t\0t\0p\0:\0/\0/\0m\0\n\0t\0", 22)};
+    Offer(offers);
+    EXPECT_EQ(DropAll(), true);
+    EXPECT_EQ(Dropped(), "http://m t");
+    EXPECT_EQ(partner.requests, 1u);
+    const std::pair<const char*, const char*> useless[] = {{"text/x-moz-url", "https://list/ list"},
+                                                           {"text/uri-list", "https://html/ t"},
+                                                           {"text/html", "https://text/ text"}};
+    for (const auto& [type, expected] : useless) {
+        offers[type] = {"javascript:alert(1)"};
+        Offer(offers);
+        EXPECT_EQ(DropAll(), true);
+        EXPECT_EQ(Dropped(), expected);
+    }
+    offers["UTF8_STRING"] = {"data:,a"};
+    Offer(offers);
+    EXPECT_EQ(DropAll(), false);
+    EXPECT_EQ(window.events->All<LinkDropped>().size(), 4u);
+    offers["UTF8_STRING"] = {"#a0b0c0"};
+    Offer(offers);
+    EXPECT_EQ(DropAll(), true);
+    EXPECT_EQ(window.events->All<ColorDropped>().size(), 1u);
+    // Windows that do not ask for links.
+    TestWindow other = display.CreateShown({.frame = {300, 400, 380, 500}});
+    Offer(forms);
+    EXPECT_EQ(partner.Drop(other.id, 310, 410, types), false);
+}
+
+TEST_F(LinkTest, IsShownWhereItIsUntilItGoes) {
+    Offer({{"text/uri-list", {"file:///a/My%20page.url#x\n"}}});
+    for (const char* action : {"XdndActionLink", "XdndActionCopy"}) {
+        partner.proposed = action;
+        partner.Own("XdndSelection");
+        partner.Enter(id, types);
+        partner.Move(id, 110, 130);
+        EXPECT_EQ(partner.AwaitStatus(), true);
+        EXPECT_EQ(partner.agreed, action);
+        EXPECT_TRUE(window.events->Await<LinkDragged>());
+        EXPECT_EQ(window.events->Last<LinkDragged>().y, 30);
+        EXPECT_TRUE(IsOver());
+        partner.Leave(id);
+        EXPECT_TRUE(WaitUntil([&] { return !IsOver(); }));
+    }
+    partner.proposed = "XdndActionMove";
+    EXPECT_EQ(DropAll(), true);
+    EXPECT_EQ(partner.agreed, "XdndActionCopy"); // nothing is taken from the other program
+    EXPECT_FALSE(IsOver());
+    EXPECT_EQ(window.events->Last<LinkDropped>().file, "/a/My page.url");
+    Offer({{"text/uri-list", {"file://elsewhere/a.html"}}});
+    EXPECT_EQ(DropAll(), false);
+    Offer({{"text/uri-list", {"file:///a/b.html"}}});
+    EXPECT_EQ(DropAll(), true);
+    EXPECT_EQ(window.events->Last<LinkDropped>().file, "");
+    {
+        Peer dying(desk);
+        dying.offered = partner.offered;
+        dying.Own("XdndSelection");
+        dying.Enter(id, types);
+        dying.Move(id, 110, 130);
+        EXPECT_EQ(dying.AwaitStatus(), true);
+        EXPECT_TRUE(IsOver());
+    }
+    EXPECT_TRUE(WaitUntil([&] { return !IsOver(); })) << "it said nothing";
+}
+
+TEST_F(LinkTest, IsNotLookedForInWhatIsEndless) {
+    const uint32 huge = 100u << 20;
+    const Peer::Data endless[] = {
+        {"http://a/" + std::string(3'000'000, 'a')},
+        {std::string(reinterpret_cast<const char*>(&huge), 4), 32, "INCR"},
+        {"http://" + std::string(5000, 'a')},
+        {std::string(65536, '\0')},
+        {std::string(65536, '\n')},
+        {std::string(65536, '\xff')},
+    };
+    for (const Peer::Data& data : endless) {
+        Offer({{"text/x-moz-url", data}, {"text/html", data}, {"UTF8_STRING", data}});
+        EXPECT_EQ(DropAll(), false) << data.bytes.size();
+        partner.offered["UTF8_STRING"] = {"http://a/"};
+        EXPECT_EQ(DropAll(), true);
+    }
+    // The parts of a long one that come without an end.
+    Offer({});
+    partner.Own("XdndSelection");
+    partner.Enter(id, {"UTF8_STRING"});
+    partner.Move(id, 110, 130);
+    auto request = partner.AwaitRequest();
+    ASSERT_TRUE(request);
+    partner.BeginParts(*request);
+    int parts = 0;
+    while (parts < 1000 && partner.AnswerPart(*request, std::string(10'000, 'a')))
+        parts++;
+    EXPECT_LT(parts, 10);
+    partner.LetGo(id);
+    EXPECT_EQ(partner.AwaitFinish(), false);
+    // One that never answers is not asked for the next form.
+    Offer({{"text/x-moz-url", {"", 0}}, {"UTF8_STRING", {"http://a/"}}});
+    EXPECT_EQ(DropAll(), false);
+}
+
 TEST_F(DropInTest, SurvivesAnyMessages) {
     std::minstd_rand random(20);
     const std::vector<const char*> types = {"XdndEnter",    "XdndPosition",  "XdndLeave",
