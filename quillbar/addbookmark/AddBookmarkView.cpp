@@ -2,6 +2,7 @@
 
 #include "kits/app/Message.h"
 #include "kits/interface/controls/Button.h"
+#include "kits/interface/controls/StringView.h"
 #include "kits/interface/menus/MenuField.h"
 #include "kits/interface/menus/MenuItem.h"
 #include "kits/interface/menus/PopUpMenu.h"
@@ -89,6 +90,8 @@ void QBLocationView::InitView() {
                                 nullptr, kLeftTop, kControlFlags);
     AddChild(fKeyword);
     fKeyword->SetDivider(80);
+    fNote = new BStringView(BRect(10, 72, 300, 86), "qb_location_note", "", kLeftTop);
+    AddChild(fNote);
 }
 
 BMenuField* QBLocationView::AddField(BRect frame, const char* name, const char* label,

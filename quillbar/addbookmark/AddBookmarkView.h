@@ -5,6 +5,7 @@
 class BButton;
 class BMenuField;
 class BPopUpMenu;
+class BStringView;
 class BTextControl;
 
 // The box with the texts of a bookmark.
@@ -49,6 +50,7 @@ public:
     BMenuField* fFolderField = nullptr;
     BMenuField* fSlotField = nullptr;
     BTextControl* fKeyword = nullptr;
+    BStringView* fNote = nullptr; // about a link that was dropped; mostly empty
 
 private:
     BMenuField* AddField(BRect frame, const char* name, const char* label, BPopUpMenu* menu);

@@ -1,8 +1,13 @@
 #include "quillbar/addbookmark/BookmarkWindow.h"
 
+#include <algorithm>
+#include <functional>
+
 #include "kits/app/AppDefs.h"
 #include "kits/app/Application.h"
 #include "kits/app/Message.h"
+#include "kits/app/MessageQueue.h"
+#include "kits/interface/controls/StringView.h"
 #include "kits/interface/menus/MenuBar.h"
 #include "kits/interface/menus/MenuField.h"
 #include "kits/interface/text/TextControl.h"
@@ -57,6 +62,12 @@ QBBookmarkWindow::QBBookmarkWindow(BRect frame, long folder, long slot, const QB
 QBBookmarkWindow::~QBBookmarkWindow() {
     fMsgWindow.Clear();
     fBar.bar.Send(kQBAddBookmarkGone);
+    // A link that was dropped too late is for the next window.
+    while (BMessage* link = MessageQueue()->FindMessage(kQBTakeLink)) {
+        fBar.bar.Send(*link);
+        MessageQueue()->RemoveMessage(link);
+        delete link;
+    }
 }
 
 void QBBookmarkWindow::InitWindow() {
@@ -116,6 +127,21 @@ void QBBookmarkWindow::UpdateSlotStrings() {
     fBar.lock.Unlock();
     if (fSlot > 0)
         SlotItem(fSlot - 1)->SetMarked(true);
+    UpdateNote();
+}
+
+// About a dropped link.
+void QBBookmarkWindow::UpdateNote() {
+    const char* note = "";
+    fBar.lock.Lock();
+    QBItem** slots = fBar.store.fPaths[fFolder - 1]->Items();
+    if (fHoldsLink && fSlot > 0 && slots[fSlot - 1]->IsValid())
+        note = "What is in this slot will be replaced.";
+    else if (fHoldsLink && fSlot <= 0 &&
+             std::all_of(slots, slots + 10, std::mem_fn(&QBItem::IsValid)))
+        note = "This folder is full. Choose a slot to replace.";
+    fBar.lock.Unlock();
+    fAddView->fLocation->fNote->SetText(note);
 }
 
 void QBBookmarkWindow::UpdateScreen() {
@@ -134,11 +160,26 @@ void QBBookmarkWindow::UpdateScreen() {
     fBar.lock.Unlock();
 
     fAddView->fLocation->fKeyword->SetText(folderName.String());
-    if (fSlot <= 0)
-        return;
-    fAddView->fEditInfo->fNameText->SetText(name.String());
-    fAddView->fEditInfo->fUrlText->SetText(url.String());
-    fAddView->fEditInfo->fKeywordsText->SetText(keywords.String());
+    fFilledIn.folderName = Texts().folderName;
+    if (fSlot > 0 && !fHoldsLink)
+        FillIn(name.String(), url.String(), keywords.String());
+}
+
+void QBBookmarkWindow::FillIn(const char* name, const char* url, const char* keywords) {
+    fAddView->fEditInfo->fNameText->SetText(name);
+    fAddView->fEditInfo->fUrlText->SetText(url);
+    fAddView->fEditInfo->fKeywordsText->SetText(keywords);
+    fFilledIn = Texts();
+}
+
+QBBookmarkText QBBookmarkWindow::Texts() const {
+    const QBEditInfoView& texts = *fAddView->fEditInfo;
+    return {fFolder,
+            fSlot,
+            fAddView->fLocation->fKeyword->Text(),
+            texts.fNameText->Text(),
+            texts.fUrlText->Text(),
+            texts.fKeywordsText->Text()};
 }
 
 void QBBookmarkWindow::UpdateAll() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kits/interface/window/Window.h"
+#include "quillbar/addbookmark/SaveBookmark.h"
 #include "quillbar/base/SharedMessenger.h"
 
 class BLocker;
@@ -21,6 +22,10 @@ struct QBBarAccess {
 // reads the store with the store locked and changes nothing but files; the store follows them. It
 // closes itself when the bookmark was added; when it could not be, it says why and stays as it is.
 // There is one at most.
+//
+// A link that was dropped on the bar fills in name and URL, which then stay whatever slot is
+// chosen; a note says when that slot, or the whole folder, is full. Typed texts are not lost to a
+// link: the window asks.
 class QBBookmarkWindow : public BWindow {
 public:
     // Only the left-top corner of `frame` is used, and the window is then placed in the middle of
@@ -58,6 +63,11 @@ private:
     bool HandleCode(BMessage* message);
     void HandleFolderCode(int32 digit, BMessage* message);
     void Choose(int32 folder, int32 slot);
+    void TakeLink(const BMessage& message);
+    QBBookmarkText Texts() const;
+    void FillIn(const char* name, const char* url, const char* keywords);
+    bool MayLoseTexts() const;
+    void UpdateNote();
     void BrowseFolder(int32 digit);
     void StoreChanged();
     void ShowInTracker();
@@ -71,4 +81,8 @@ private:
     int32 fSlot;
     // The texts could not be saved: no change on disk takes them away.
     bool fKeepsTexts = false;
+    // They are a dropped link's: neither does another slot.
+    bool fHoldsLink = false;
+    // As the window itself filled them in.
+    QBBookmarkText fFilledIn{};
 };

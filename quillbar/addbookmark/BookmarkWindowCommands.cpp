@@ -60,6 +60,9 @@ void QBBookmarkWindow::MessageReceived(BMessage* message) {
     case kQBAddBookmarkHere:
         Choose(message->GetInt32("folder", 0), message->GetInt32("slot", 0));
         break;
+    case kQBTakeLink:
+        TakeLink(*message);
+        break;
     case kQBAddIt:
         AddBookmark();
         break;
@@ -115,6 +118,39 @@ void QBBookmarkWindow::Choose(int32 folder, int32 slot) {
     UpdateAll();
 }
 
+// Without a folder what is chosen stays chosen.
+void QBBookmarkWindow::TakeLink(const BMessage& message) {
+    Activate();
+    if (!MayLoseTexts())
+        return;
+    if (const int32 folder = message.GetInt32("folder", 0); folder > 0) {
+        if (fSlot > 0)
+            SlotItem(fSlot - 1)->SetMarked(false);
+        fFolder = folder;
+        fSlot = message.GetInt32("slot", 0);
+        FolderItem(fFolder - 1)->SetMarked(true);
+    }
+    fHoldsLink = true;
+    FillIn(NameOfTitle(message.GetString("name", "")).String(), message.GetString("url", ""), "");
+    if (fFolder > 0)
+        UpdateAll();
+    fAddView->fEditInfo->fNameText->MakeFocus(true);
+}
+
+// Asks if anything was typed.
+bool QBBookmarkWindow::MayLoseTexts() const {
+    QBBookmarkText now = Texts();
+    now.folder = fFilledIn.folder;
+    now.slot = fFilledIn.slot;
+    if (now == fFilledIn)
+        return true;
+    auto* alert = new BAlert("",
+                             "What you have typed has not been added yet. Shall the dropped link "
+                             "replace it?",
+                             "Replace", "Keep", nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
+    return alert->Go() == 0;
+}
+
 // What is chosen comes here and not to the bar, which cannot see that: the store stays locked.
 void QBBookmarkWindow::BrowseFolder(int32 digit) {
     fBar.lock.Lock();
@@ -162,14 +198,7 @@ void QBBookmarkWindow::AddBookmark() {
         Say("Please select a slot to add to first!", "OK");
         return;
     }
-    const QBEditInfoView& texts = *fAddView->fEditInfo;
-    const QBBookmarkText bookmark{fFolder,
-                                  fSlot,
-                                  fAddView->fLocation->fKeyword->Text(),
-                                  texts.fNameText->Text(),
-                                  texts.fUrlText->Text(),
-                                  texts.fKeywordsText->Text()};
-    const QBSaveOutcome outcome = SaveBookmark(bookmark);
+    const QBSaveOutcome outcome = SaveBookmark(Texts());
     // A folder that is not watched is read again.
     fBar.bar.Send(B_NODE_MONITOR);
     if (outcome.result == QBSaveResult::Saved)

@@ -10,6 +10,8 @@ struct QBBookmarkText {
     BString name;
     BString url;
     BString keywords;
+
+    bool operator==(const QBBookmarkText&) const = default;
 };
 
 enum class QBSaveResult {

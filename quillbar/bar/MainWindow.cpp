@@ -76,6 +76,7 @@ void QBMainWindow::InitWindow() {
     fMsgWindow.Set(BMessenger(this));
     fLocker = new BLocker("store");
     AddViews();
+    AcceptLinks();
     fBubbles = new BubbleHelper();
     SetFolderHelp();
     // The first message, handled when the window has been painted.

@@ -76,6 +76,9 @@ private:
     void HandleLaunch(BMessage* message);
     void HandleNodeMonitor(BMessage* message);
     void HandlePaste(BMessage* message);
+    void HandleDroppedLink(BMessage* message);
+    void TakeLink(BMessage* message);
+    int32 FirstEmptySlot(int32 folder) const;
     void OpenAddWindow(int32 folder, int32 slot);
     void CloseAddWindow();
     void HandleKeyDown(BMessage* message);

@@ -97,6 +97,9 @@ void QBMainWindow::MessageReceived(BMessage* message) {
     case kQBAddBookmarkHere:
         OpenAddWindow(message->GetInt32("folder", 0), message->GetInt32("slot", 0));
         break;
+    case kQBTakeLink:
+        TakeLink(message);
+        break;
     case kQBAddBookmarkGone:
         fAddWindowOpen = false;
         break;
@@ -123,6 +126,9 @@ void QBMainWindow::MessageReceived(BMessage* message) {
         break;
     case B_PASTE:
         HandlePaste(message);
+        break;
+    case B_MIME_DATA:
+        HandleDroppedLink(message);
         break;
     case B_KEY_DOWN:
         HandleKeyDown(message);
@@ -242,6 +248,44 @@ void QBMainWindow::HandlePaste(BMessage* message) {
     Colour(fBar, color);
     gSettings->SetColor(color);
     WarnUnlessSavable();
+}
+
+void QBMainWindow::HandleDroppedLink(BMessage* message) {
+    const char* url = nullptr;
+    const char* name = message->GetString("be:clip_name", "");
+    if (!message->WasDropped())
+        return;
+    if (message->FindString("be:url", &url) != B_OK) {
+        BString text("There is no web address in ");
+        text << name << ".";
+        AlertWarning(text.String());
+        return;
+    }
+    const uint32 code = static_cast<uint32>(message->GetInt32("code", 0));
+    const int32 folder = DigitOf(QBFolder, code) + 1;
+    BMessage link(kQBTakeLink);
+    link.AddInt32("folder", folder);
+    link.AddInt32("slot", folder > 0 ? FirstEmptySlot(folder) : 0);
+    link.AddString("url", url);
+    link.AddString("name", name);
+    TakeLink(&link);
+}
+
+// A window that is just closing refuses it, or sends it back: then the next one gets it.
+void QBMainWindow::TakeLink(BMessage* message) {
+    OpenAddWindow(message->GetInt32("folder", 0), message->GetInt32("slot", 0));
+    if (QBBookmarkWindow::fMsgWindow.Send(*message) != B_OK)
+        PostMessage(message);
+}
+
+// 0 if there is none.
+int32 QBMainWindow::FirstEmptySlot(int32 folder) const {
+    fLocker->Lock();
+    QBItem** slots = fMonitor->fPaths[folder - 1]->Items();
+    const auto found =
+        std::find_if(slots, slots + 10, [](QBItem* slot) { return !slot->IsValid(); });
+    fLocker->Unlock();
+    return found == slots + 10 ? 0 : static_cast<int32>(found - slots) + 1;
 }
 
 void QBMainWindow::OpenAddWindow(int32 folder, int32 slot) {

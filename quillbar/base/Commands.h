@@ -7,6 +7,8 @@
 enum : uint32 {
     kQBAddBookmark = 'qbAs',       // open the Add Bookmark window
     kQBAddBookmarkHere = 'qbAh',   // the same, preset to "folder" and "slot"
+    kQBTakeLink = 'qbTl',          // open it, or bring it to the front, with "url" and "name"; with
+                                   // "folder", 0 for none, and "slot", 0 in a full folder
     kQBAddBookmarkGone = 'qbAg',   // the Add Bookmark window has closed
     kQBAlignHorizontally = 'qbHa', // lay the bar out in a row
     kQBAlignVertically = 'qbVa',   // lay the bar out in a column

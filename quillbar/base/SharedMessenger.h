@@ -19,10 +19,14 @@ public:
         const std::lock_guard lock(fMutex);
         return fMessenger;
     }
-    // Does nothing while there is no window.
+    // Do nothing while there is no window.
     void Send(uint32 what) const {
         const std::lock_guard lock(fMutex);
         fMessenger.SendMessage(what);
+    }
+    status_t Send(const BMessage& message) const {
+        const std::lock_guard lock(fMutex);
+        return fMessenger.SendMessage(&message);
     }
 
 private:

@@ -1,7 +1,10 @@
 #include "quillbar/bookmarks/StoreNames.h"
 
+#include <algorithm>
 #include <cstring>
+#include <string>
 
+#include "base/Utf8.h"
 #include "kits/storage/Directory.h"
 #include "kits/storage/Entry.h"
 #include "kits/storage/Node.h"
@@ -10,6 +13,7 @@
 namespace {
 
 constexpr int32 kLongestShownUrl = 50;
+constexpr size_t kLongestName = 255 - 4; // of what disks keep, less "N - "
 constexpr const char* kEllipsis = "....";
 
 bool IsDigit(char character) {
@@ -44,6 +48,12 @@ BString GetName(const char* path) {
 
 BString GetName(BString& path) {
     return GetName(path.String());
+}
+
+BString NameOfTitle(const char* title) {
+    std::string name = OneLineOf(title);
+    std::replace(name.begin(), name.end(), '/', '-');
+    return BString(std::string(CutUtf8(name, kLongestName)).c_str());
 }
 
 BString ParseURL(const char* url) {

@@ -31,6 +31,10 @@ int GetNumber(BString& path);
 BString GetName(const char* path);
 BString GetName(BString& path);
 
+// What a bookmark with this title can be called on disk: without slashes and control characters,
+// and no longer than names are.
+BString NameOfTitle(const char* title);
+
 // The URL as a menu label shows it: at most 50 bytes.
 BString ParseURL(const char* url);
 BString ParseURL(BString& url);

@@ -7,6 +7,13 @@ BStringView::BStringView(BRect frame, const char* name, const char* text, uint32
     : BView(frame, name, resizingMode, flags | B_FULL_UPDATE_ON_RESIZE)
     , fText(text ? text : "") {}
 
+void BStringView::SetText(const char* text) {
+    if (fText == text)
+        return;
+    fText = text;
+    Invalidate();
+}
+
 void BStringView::SetAlignment(alignment flag) {
     fAlignment = flag;
     Invalidate();

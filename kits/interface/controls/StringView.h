@@ -11,6 +11,7 @@ public:
                 uint32 resizingMode = B_FOLLOW_LEFT | B_FOLLOW_TOP, uint32 flags = B_WILL_DRAW);
 
     const char* Text() const { return fText.c_str(); }
+    void SetText(const char* text);
     void SetAlignment(alignment flag);
     alignment Alignment() const { return fAlignment; }
 

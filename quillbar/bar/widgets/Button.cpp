@@ -9,22 +9,27 @@
 #include "quillbar/base/Commands.h"
 
 void QBButton::MessageReceived(BMessage* message) {
-    if (message->what != B_PASTE) {
-        BButton::MessageReceived(message);
-        return;
-    }
+    if (message->what == B_MIME_DATA && message->WasDropped())
+        message->AddInt32("code", static_cast<int32>(Message()->what));
+    else if (message->what != B_PASTE)
+        return BButton::MessageReceived(message);
     BMessenger(Window()).SendMessage(message);
 }
 
 void QBButton::Draw(BRect) {
     const BRect bounds = Bounds();
-    const float tint = fPressed                ? B_DARKEN_2_TINT
+    const float tint = fLit                    ? B_LIGHTEN_2_TINT
+                       : fPressed              ? B_DARKEN_2_TINT
                        : !Window()->IsActive() ? B_DARKEN_1_TINT
                                                : B_NO_TINT;
     const auto [fill, light, dark] = BevelOf(ViewColor(), tint);
     StrokeLeftTop(this, bounds, light);
     StrokeRightBottom(this, bounds, dark);
     FillWith(this, bounds.InsetByCopy(1, 1), fill);
+    if (fLit) {
+        SetHighColor(ui_color(B_MENU_SELECTION_BACKGROUND_COLOR));
+        StrokeRect(bounds.InsetByCopy(1, 1));
+    }
 
     font_height metrics;
     GetFontHeight(&metrics);
@@ -53,9 +58,14 @@ void QBButton::MouseUp(BPoint where) {
     Invalidate();
 }
 
-void QBButton::MouseMoved(BPoint, uint32 transit, const BMessage*) {
+void QBButton::MouseMoved(BPoint, uint32 transit, const BMessage* dragged) {
     if (transit != B_EXITED_VIEW && transit != B_ENTERED_VIEW)
         return;
+    if (dragged) {
+        fLit = transit == B_ENTERED_VIEW;
+        Invalidate();
+        return;
+    }
     if (!fTracking) {
         if (transit == B_ENTERED_VIEW) {
             BMessage message(kQBPointAt);

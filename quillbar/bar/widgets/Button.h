@@ -7,7 +7,7 @@ class QBButton : public BButton {
 public:
     using BButton::BButton;
 
-    // A dropped colour goes on to the window.
+    // A dropped colour goes on to the window, and a dropped link with the "code" of the folder.
     void MessageReceived(BMessage* message) override;
     void Draw(BRect updateRect) override;
     void MouseDown(BPoint where) override;
@@ -19,4 +19,5 @@ public:
 private:
     bool fPressed = false;
     bool fTracking = false;
+    bool fLit = false; // a link is dragged over it
 };

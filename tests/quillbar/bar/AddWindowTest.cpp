@@ -193,4 +193,19 @@ TEST_F(AddWindowTest, OpensAndClosesHundredsOfTimesInAStorm) {
     EXPECT_TRUE(WaitUntil(IsOpen));
 }
 
+// The window may be closing when it is sent there.
+TEST_F(AddWindowTest, ADroppedLinkFindsAWindow) {
+    Show();
+    for (int i = 0; i < 200; ++i) {
+        const std::string url = "http://" + std::to_string(i) + "/";
+        BMessage link(B_MIME_DATA);
+        link.AddString("be:url", url.c_str());
+        link.AddString("be:clip_name", "Name");
+        link.SetWasDropped(true);
+        fWindow->PostMessage(&link);
+        ASSERT_TRUE(WaitUntil([&] { return Text("qb_editinfo_url") == url; })) << url;
+        SendToIt(B_QUIT_REQUESTED);
+    }
+}
+
 } // namespace
