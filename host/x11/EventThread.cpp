@@ -13,10 +13,6 @@ namespace {
 constexpr uint8 kError = 0;
 constexpr uint8 kEventType = 0x7f;
 
-// While the focus moves from one window to the next, window managers park it with windows of their
-// own for a moment.
-constexpr bigtime_t kFocusSettlingTime = 150'000;
-
 // 0 for another one than the first three, whose bits in a state mask are one behind the other.
 uint32 ButtonOf(xcb_button_t button) {
     return button >= 1 && button <= 3 ? ButtonsOf(XCB_BUTTON_MASK_1 << (button - 1)) : 0;
@@ -56,7 +52,8 @@ EventThread::EventThread(XDisplay& display, DisplaySink* sink)
           [this](const xcb_key_press_event_t& key) { HandleKey(key); },
           [this](xcb_window_t window, const std::string& text) {
               Notify(window, TextCommitted{text});
-          }) {}
+          })
+    , fGrabWatch(display, sink) {}
 
 void EventThread::Start() {
     SetClickLimits();
@@ -230,6 +227,8 @@ void EventThread::HandleMotion(const xcb_motion_notify_event_t& event) {
 }
 
 void EventThread::HandleCrossing(const xcb_enter_notify_event_t& event, bool entered) {
+    if (event.event == fConnection.Root())
+        return fGrabWatch.HandleRootCrossing(event, entered);
     bool isGrab = event.mode == XCB_NOTIFY_MODE_GRAB;
     Notify(event.event, PointerOver{entered && !isGrab});
     // The pointer has not left when another program takes hold of it for a moment, as window
@@ -253,40 +252,10 @@ void EventThread::HandleFocus(const xcb_focus_in_event_t& event, bool active) {
     if (isGrab || isAboutPointer || event.detail == XCB_NOTIFY_DETAIL_INFERIOR)
         return;
     if (!active && event.mode == XCB_NOTIFY_MODE_WHILE_GRABBED && fDisplay.Grab().IsHeld())
-        HandleFocusLossInGrab();
+        fGrabWatch.HandleFocusLoss();
     if (!active)
         fInput.HandleFocusLoss(event.event);
     fDisplay.Windows().Deliver(event.event, [&](XWindow& window) { window.HandleFocus(active); });
-}
-
-void EventThread::HandleActiveWindow() {
-    auto active = fConnection.ReadValues(fConnection.AskForValues(
-        fConnection.Root(), fConnection[kNetActiveWindow], XCB_ATOM_WINDOW));
-    // None, or back to the one that had it before: the focus is on its way, perhaps to a window of
-    // ours that was just clicked.
-    if (active.empty() || active[0] == XCB_WINDOW_NONE || active[0] == fLastActive)
-        return;
-    fLastActive = active[0];
-    if (!fDisplay.Windows().Contains(fLastActive))
-        fSink->FocusLeftProgram();
-}
-
-// The window manager reports no active window while the program has the input grabbed.
-void EventThread::HandleFocusLossInGrab() {
-    fFocusCheck = std::make_unique<Timer>(
-        kFocusSettlingTime, 0, [this, grab = fDisplay.Grab().Count()] { CheckFocus(grab); });
-}
-
-void EventThread::CheckFocus(uint32 grab) const {
-    const auto focus = fConnection.Ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
-    // A later menu opened with the focus where it is now.
-    if (!focus || !fDisplay.Grab().IsHeld() || fDisplay.Grab().Count() != grab)
-        return;
-    bool isWindow = focus->focus != XCB_INPUT_FOCUS_NONE &&
-                    focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT &&
-                    focus->focus != fConnection.Root();
-    if (isWindow && !fDisplay.Windows().Contains(focus->focus))
-        fSink->FocusLeftProgram();
 }
 
 void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
@@ -294,7 +263,7 @@ void EventThread::HandleProperty(const xcb_property_notify_event_t& event) {
         return;
     if (event.window == fConnection.Root()) {
         if (event.atom == fConnection[kNetActiveWindow])
-            HandleActiveWindow();
+            fGrabWatch.HandleActiveWindow();
         else if (event.atom == fConnection[kXimServers])
             fInput.HandleServersChanged();
     } else if (event.atom == fConnection[kWmState] || event.atom == fConnection[kNetWmState]) {

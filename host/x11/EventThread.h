@@ -5,8 +5,8 @@
 #include <thread>
 #include <utility>
 
-#include "host/loop/ServiceLoop.h"
 #include "host/x11/Display.h"
+#include "host/x11/GrabWatch.h"
 #include "host/x11/keys/ClickCounter.h"
 #include "host/x11/keys/InputMethod.h"
 #include "host/x11/keys/Keyboard.h"
@@ -48,9 +48,6 @@ private:
     void HandleMotion(const xcb_motion_notify_event_t& event);
     void HandleCrossing(const xcb_enter_notify_event_t& event, bool entered);
     void HandleFocus(const xcb_focus_in_event_t& event, bool active);
-    void HandleActiveWindow();
-    void HandleFocusLossInGrab();
-    void CheckFocus(uint32 grab) const;
     void HandleProperty(const xcb_property_notify_event_t& event);
     void HandleSelection(const xcb_generic_event_t& event);
     void HandleMessage(const xcb_client_message_event_t& event);
@@ -69,8 +66,7 @@ private:
     InputMethod fInput;
     Event fWaiting;                              // taken from the queue, not handled yet
     std::set<std::pair<uint8, uint8>> fReported; // errors: the request, the code
-    xcb_window_t fLastActive = XCB_WINDOW_NONE;  // the window manager's active window
-    std::unique_ptr<Timer> fFocusCheck;
+    GrabWatch fGrabWatch;
     uint32 fKeyGrab = 0; // in which of the program's grabs the last key was; 0 in none
     std::atomic<bool> fIsEnding = false;
     std::thread fThread;

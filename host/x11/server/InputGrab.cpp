@@ -10,8 +10,9 @@ namespace host {
 namespace {
 
 constexpr auto kRetryInterval = std::chrono::milliseconds(10);
-constexpr uint16 kPointerEvents =
-    XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
+constexpr uint16 kPointerEvents = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
+                                  XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
+                                  XCB_EVENT_MASK_LEAVE_WINDOW;
 
 template <typename T>
 bool IsGranted(const Reply<T>& reply) {
