@@ -13,6 +13,7 @@ struct CommandLine {
     int status = 0;
 };
 
+void AddActivateCommands(CommandLine& line);
 void AddListCommand(CommandLine& line);
 void AddOpenCommand(CommandLine& line);
 void AddAddCommand(CommandLine& line);

@@ -22,6 +22,7 @@ int main(int count, char** arguments) {
     line.app.set_help_flag("--help", "print a summary and exit");
     line.app.require_subcommand(1);
     line.app.footer(kFooter);
+    AddActivateCommands(line);
     AddListCommand(line);
     AddOpenCommand(line);
     AddAddCommand(line);

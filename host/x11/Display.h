@@ -228,6 +228,10 @@ public:
     virtual void Raise() = 0;
     // Asks for the focus, and for the window to be shown if it is minimised.
     virtual void Activate() = 0;
+    // The same for a person who asked for it outside the program: by the click or key for which the
+    // desktop has the name `startupId`. The desktop is told that this one has done its work. It may
+    // be empty, and come from anybody. Service thread.
+    virtual void BringUp(const std::string& startupId) = 0;
     virtual void SetMinimized(bool minimized) = 0;
     virtual void SetFloating(bool floating) = 0;
     // On every virtual desktop, or on the current one only.

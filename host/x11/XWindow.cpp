@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/x11/XDisplay.h"
+#include "host/x11/windows/StartupNotice.h"
 
 namespace host {
 
@@ -28,6 +29,8 @@ constexpr uint32 kDirectUserAction = 2;
 constexpr bigtime_t kPlacingTime = 150'000;
 // Within it they give the focus to a window that was clicked.
 constexpr bigtime_t kFocusTime = 100'000;
+// Within it they bring a window up that asks for it.
+constexpr bigtime_t kBringUpTime = 300'000;
 
 // Limits of the protocol's 16-bit numbers.
 PixelRect Bounded(const PixelRect& frame) {
@@ -108,17 +111,20 @@ void XWindow::NoteVisible(bool visible) {
         fDisplay.ClearAlertParent(fId);
 }
 
+// A manager that does not look at the time of the last input gives each new window the focus,
+// unless the window does not want it from the manager.
 void XWindow::Show() {
+    Map(fKind != WindowKind::Bar || fConnection.IsSupportedByManager(kNetWmUserTime));
+}
+
+void XWindow::Map(bool takesFocus) {
     std::lock_guard lock(fLock);
     fIsShown = true;
     fAskedPlace = fFrame;
     NoteVisible(!fState.minimized);
     if (IsManaged(fKind)) {
         fState.alertParent = fDisplay.AlertParent();
-        // A manager that does not look at the time of the last input gives each new window the
-        // focus, unless the window does not want it from the manager.
-        fState.takesFocus =
-            fKind != WindowKind::Bar || fConnection.IsSupportedByManager(kNetWmUserTime);
+        fState.takesFocus = takesFocus;
         SetInitialState(fConnection, fId, fKind, fState, fDisplay.Identity());
         // Zero would mean that the window wants no focus.
         uint32 userTime = fDisplay.LastInputTime();
@@ -197,6 +203,36 @@ bool XWindow::HasWindowManager() const {
 }
 
 void XWindow::Activate() {
+    ActivateAt(fDisplay.LastKnownPressTime());
+}
+
+// Without a time of its own the request is as new as the server can know.
+void XWindow::BringUp(const std::string& startupId) {
+    ActivateAt(StartupTime(startupId));
+    EndStartup(fConnection, fId, startupId);
+    if (!IsManaged(fKind) || !HasWindowManager())
+        return;
+    fBringUpChecks[0] = std::make_unique<Timer>(kBringUpTime, 0, [this] { MapUnlessActive(); });
+}
+
+// Some Wayland compositors give the focus to no X window that asks for it, but to a new one. They
+// take time to let go of the window, and some put it elsewhere then.
+void XWindow::MapUnlessActive() {
+    PixelRect place;
+    {
+        std::lock_guard lock(fLock);
+        if (fReportedActive || !fIsShown)
+            return;
+        place = fFrame;
+    }
+    Hide();
+    fBringUpChecks[1] = std::make_unique<Timer>(kPlacingTime, 0, [this, place] {
+        SetFrame(place);
+        Map(true);
+    });
+}
+
+void XWindow::ActivateAt(xcb_timestamp_t time) {
     bool isManaged = IsManaged(fKind) && HasWindowManager();
     std::lock_guard lock(fLock);
     fState.minimized = false;
@@ -205,8 +241,7 @@ void XWindow::Activate() {
         return;
     xcb_map_window(fConnection, fId);
     if (isManaged) {
-        fConnection.SendToRoot(fId, fConnection[kNetActiveWindow],
-                               {kDirectUserAction, fDisplay.LastKnownPressTime()});
+        fConnection.SendToRoot(fId, fConnection[kNetActiveWindow], {kDirectUserAction, time});
     } else {
         StackOnTop();
         xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, XCB_CURRENT_TIME);

@@ -28,6 +28,7 @@ public:
     void SetBorder(int border) override { fBorder = BoundedBorder(border); }
     void Raise() override;
     void Activate() override;
+    void BringUp(const std::string& startupId) override;
     void SetMinimized(bool minimized) override;
     void SetFloating(bool floating) override;
     void SetAllDesktops(bool allDesktops) override;
@@ -58,11 +59,14 @@ public:
 private:
     static int BoundedBorder(int border);
     void Create(const WindowSpec& spec);
+    void Map(bool takesFocus);
+    void MapUnlessActive();
     void StackOnTop() const;
     PixelRect Outer(const PixelRect& content) const;
     void NoteVisible(bool visible);
     bool HasWindowManager() const;
     void ShowCursor(xcb_cursor_t cursor);
+    void ActivateAt(xcb_timestamp_t time);
     void ChangeState(bool add, AtomIndex state);
     void Configure(const PixelRect& outer);
     bool CanBeMinimized() const;
@@ -92,6 +96,7 @@ private:
     std::mutex fCheckLock; // before fLock
     std::unique_ptr<Timer> fPlaceChecks[kPlaceChecks];
     std::unique_ptr<Timer> fFocusCheck;
+    std::unique_ptr<Timer> fBringUpChecks[2]; // the service thread's
 
     std::mutex fLock; // for what follows; not held while the sink or the server is waited for
     BackingPixmap fPicture;

@@ -120,7 +120,7 @@ void QuitWatchdog::RunAction() {
 // a race come here, and a start while the other is about to end.
 status_t TakeOrHandOver(host::InstanceSocket& instance, const std::string& signature) {
     std::string relaunch;
-    BMessage(B_SILENT_RELAUNCH).Flatten(&relaunch);
+    BApplication::Relaunch().Flatten(&relaunch);
     const bigtime_t deadline = system_time() + kLongestRegistration;
     for (;;) {
         const status_t status = instance.Acquire();
@@ -170,6 +170,17 @@ private:
 
     std::optional<host::SignalWatch> fSignals;
 };
+
+// The first is the one for programs of this display server.
+BMessage BApplication::Relaunch() {
+    BMessage message(B_SILENT_RELAUNCH);
+    for (const char* variable : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"}) {
+        const char* id = getenv(variable); // NOLINT(concurrency-mt-unsafe): nobody sets it
+        if (id && *id && !message.HasData("startup_id", B_STRING_TYPE))
+            message.AddString("startup_id", id);
+    }
+    return message;
+}
 
 void BApplication::ReleaseFreeMemory() {
     malloc_trim(0);
@@ -221,8 +232,9 @@ void BApplication::Session::Receive(std::string_view bytes) {
         QuitFromOutside(false);
         return;
     }
-    if (message.what == B_SILENT_RELAUNCH)
-        get_session_hooks().wake();
+    if (message.what == B_SILENT_RELAUNCH &&
+        !get_session_hooks().wake(message.GetString("startup_id", "")))
+        return;
     message.SetSourceRemote(true);
     application.PostMessage(&message);
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "kits/app/Looper.h"
+#include "kits/app/Message.h"
 #include "kits/app/Messenger.h"
 
 // The application object: the program's first looper, whose loop runs on the thread that calls
@@ -64,6 +65,12 @@ public:
     // request waits, further calls only remember a lost display. Does nothing before the object is
     // built and from its destruction on. Any thread, at any time; waits for no looper.
     static void QuitFromOutside(bool displayLost);
+
+    // The message that a second start sends to the running program, which brings its main window up
+    // and then gets it. "startup_id", if it is there, is the desktop's name for the click or key
+    // that started this process. An addition to the platform, for programs that do the same; before
+    // another thread is started.
+    static BMessage Relaunch();
 
     // Gives memory that has been freed back to the system: for a moment when the program has done
     // much and waits for its user. An addition to the platform. Any thread.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "kits/app/Messenger.h"
 
@@ -18,9 +19,13 @@ struct session_hooks {
     // if one refuses. The application's thread.
     std::function<bool()> quit_windows = [] { return true; };
 
-    // Brings the program's main window back: unminimised, active. Any thread; must not wait for a
-    // looper.
-    std::function<void()> wake = [] {};
+    // Brings the program's main window back: unminimised, active, with no menu open. `startupId`
+    // names the click or key behind that to the desktop; it may be empty, or anything. False if an
+    // alert waits for its answer: then that one is brought up. Service thread; must not wait for
+    // a looper.
+    std::function<bool(const std::string& startupId)> wake = [](const std::string&) {
+        return true;
+    };
 
     // The program's windows in the order of their construction; no target behind the last. Any
     // thread; must not wait for a looper.

@@ -64,6 +64,12 @@ bool QBApp::QuitRequested() {
     return BApplication::QuitRequested();
 }
 
+// The bar has been brought up. Another number, or none, asks for nothing else.
+void QBApp::OpenFolder(int32 folder) {
+    if (folder >= 1 && folder <= 10)
+        QBMainWindow::fMsgWindow.Send(QBFolder[folder - 1]);
+}
+
 void QBApp::MessageReceived(BMessage* message) {
     switch (message->what) {
     case kQBWindowActive:
@@ -71,6 +77,9 @@ void QBApp::MessageReceived(BMessage* message) {
         break;
     case kQBWindowInactive:
         fMainWindowActive = false;
+        break;
+    case B_SILENT_RELAUNCH:
+        OpenFolder(message->GetInt32("folder", 0));
         break;
     case B_NODE_MONITOR:
         // The window refreshes; it does not get the fields of the message.

@@ -20,5 +20,7 @@ public:
     bool IsMainWindowActive() const { return fMainWindowActive; }
 
 private:
+    static void OpenFolder(int32 folder);
+
     bool fMainWindowActive;
 };

@@ -25,6 +25,8 @@
     ATOM(kMultiple, "MULTIPLE")                                                                    \
     ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                                                   \
     ATOM(kNetCurrentDesktop, "_NET_CURRENT_DESKTOP")                                               \
+    ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                                                     \
+    ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")                                          \
     ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")                                        \
     ATOM(kNetSupported, "_NET_SUPPORTED")                                                          \
     ATOM(kNetWmActionMinimize, "_NET_WM_ACTION_MINIMIZE")                                          \

@@ -27,6 +27,7 @@ BWindow* LockWindow(const BMessenger& messenger) {
 }
 
 constexpr bigtime_t kClipboardPatience = 1'000'000;
+constexpr std::chrono::seconds kLongestClosing(1); // of alerts and menus
 
 // "Name" of the signature "application/x-Vendor.Name".
 std::string ProgramName() {
@@ -88,8 +89,7 @@ bool WindowRoster::AddAlert(BWindow* alert) {
         return false;
     fAlerts.push_back(alert);
     fHasAlert = true;
-    if (fCancelMenu)
-        fCancelMenu();
+    CancelOpenMenu();
     return true;
 }
 
@@ -101,9 +101,12 @@ void WindowRoster::RemoveAlert(BWindow* alert) {
 }
 
 bool WindowRoster::AddMenu(std::function<void()> cancel) {
-    std::lock_guard lock(fMutex);
+    std::unique_lock lock(fMutex);
+    if (fIsMenuCancelled) // it is about to be gone
+        fClosed.wait_for(lock, kLongestClosing, [this] { return !fCancelMenu; });
     if (fCancelMenu || !fAlerts.empty() || fIsDismissed)
         return false;
+    fIsMenuCancelled = false;
     fCancelMenu = std::move(cancel);
     return true;
 }
@@ -117,8 +120,14 @@ void WindowRoster::RemoveMenu() {
 
 void WindowRoster::CancelMenu() {
     std::lock_guard lock(fMutex);
-    if (fCancelMenu)
-        fCancelMenu();
+    CancelOpenMenu();
+}
+
+void WindowRoster::CancelOpenMenu() {
+    if (!fCancelMenu)
+        return;
+    fIsMenuCancelled = true;
+    fCancelMenu();
 }
 
 void WindowRoster::SetMenuCleaner(void (*deleteWindows)()) {
@@ -141,8 +150,7 @@ void WindowRoster::PointAtAlert() {
 void WindowRoster::Dismiss() {
     std::lock_guard lock(fMutex);
     fIsDismissed = true;
-    if (fCancelMenu)
-        fCancelMenu();
+    CancelOpenMenu();
     for (BWindow* alert : fAlerts)
         alert->PostMessage(B_QUIT_REQUESTED);
 }
@@ -187,20 +195,20 @@ bool WindowRoster::QuitWindows() {
         deleteMenuWindows();
     lock.lock();
     // Alerts were dismissed and are about to be gone.
-    fClosed.wait_for(lock, std::chrono::seconds(1), [this] { return fAlerts.empty(); });
+    fClosed.wait_for(lock, kLongestClosing, [this] { return fAlerts.empty(); });
     lock.unlock();
     // After the last window nothing is copied any more.
     host::Display::Shared()->SaveClipboard(kClipboardPatience);
     return true;
 }
 
-void WindowRoster::Wake() {
+bool WindowRoster::Wake(const std::string& startupId) {
     std::lock_guard lock(fMutex);
-    BWindow* window = MainWindow();
-    if (window == nullptr)
-        return;
-    window->fState->host->SetMinimized(false);
-    window->fState->host->Activate();
+    CancelOpenMenu();
+    BWindow* window = fAlerts.empty() ? MainWindow() : fAlerts.back();
+    if (window != nullptr)
+        window->fState->host->BringUp(startupId);
+    return fAlerts.empty();
 }
 
 BMessenger WindowRoster::WindowAt(int32 index) const {
@@ -264,7 +272,7 @@ status_t connect_display() {
     set_session_hooks({.dismiss = [&roster] { roster.Dismiss(); },
                        .allow = [&roster] { roster.Allow(); },
                        .quit_windows = [&roster] { return roster.QuitWindows(); },
-                       .wake = [&roster] { roster.Wake(); },
+                       .wake = [&roster](const std::string& id) { return roster.Wake(id); },
                        .window_at = [&roster](int32 index) { return roster.WindowAt(index); }});
     return B_OK;
 }

@@ -27,7 +27,8 @@ public:
     void RemoveAlert(BWindow* alert);
     bool HasAlert() const { return fHasAlert; }
     // A menu opens. `cancel` closes it as if the user had; it is called by any thread and must
-    // return at once. False if another menu is open, an alert is, or all are dismissed.
+    // return at once. False if another menu is open, an alert is, or all are dismissed. A menu that
+    // was cancelled is waited for.
     bool AddMenu(std::function<void()> cancel);
     // It is closed: `cancel` is not called any more.
     void RemoveMenu();
@@ -43,7 +44,7 @@ public:
     void Dismiss();
     void Allow();
     bool QuitWindows();
-    void Wake();
+    bool Wake(const std::string& startupId);
     BMessenger WindowAt(int32 index) const;
 
     // Where the main window is, for what belongs to it, in device pixels; empty without one.
@@ -64,6 +65,7 @@ private:
     WindowRoster() = default;
 
     BWindow* MainWindow() const;
+    void CancelOpenMenu();
     std::vector<BMessenger> Running() const;
 
     std::atomic<bool> fHasAlert = false;
@@ -74,6 +76,7 @@ private:
     std::vector<BWindow*> fWindows;
     std::vector<BWindow*> fAlerts;
     std::function<void()> fCancelMenu; // of the open menu
+    bool fIsMenuCancelled = false;
     void (*fDeleteMenuWindows)() = nullptr;
     host::PixelRect fMainFrame;
     bool fIsDismissed = false;

@@ -70,7 +70,10 @@ void SetHooks() {
         sDismissed.release();
     };
     hooks.allow = [] { Say("allow"); };
-    hooks.wake = [] { Say("wake"); };
+    hooks.wake = [](const std::string&) {
+        Say("wake");
+        return true;
+    };
     hooks.quit_windows = [] {
         Say("quit windows");
         return sOptions.erase("refuse") == 0;
