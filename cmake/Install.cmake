@@ -1,4 +1,4 @@
-# Where a program's parts go on a desktop. What names the version is filled in here.
+# Where the programs' parts go on a desktop. What names the version is filled in here.
 include(GNUInstallDirs)
 
 option(INSTALL_STRIPPED "Install the program without debugging information" ON)
@@ -18,17 +18,19 @@ configure_file(${packaging}/quillbar.metainfo.xml.in
 install(FILES ${filled_in}/example.quillbar.quillbar.metainfo.xml
     DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 
-foreach(section 1 5)
-    configure_file(${packaging}/man/quillbar.${section}.in ${filled_in}/quillbar.${section} @ONLY)
-    install(FILES ${filled_in}/quillbar.${section}
-        DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+foreach(page quillbar.1 quillbarctl.1 quillbar.5)
+    configure_file(${packaging}/man/${page}.in ${filled_in}/${page} @ONLY)
+    string(REGEX REPLACE ".*\\." "" section ${page})
+    install(FILES ${filled_in}/${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
 endforeach()
 
-install(FILES ${packaging}/completions/quillbar.bash RENAME quillbar
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-install(FILES ${packaging}/completions/_quillbar DESTINATION ${ZSH_COMPLETIONS_DIR})
-install(FILES ${packaging}/completions/quillbar.fish
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+foreach(program quillbar quillbarctl)
+    install(FILES ${packaging}/completions/${program}.bash RENAME ${program}
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${packaging}/completions/_${program} DESTINATION ${ZSH_COMPLETIONS_DIR})
+    install(FILES ${packaging}/completions/${program}.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endforeach()
 
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
 set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)

@@ -57,7 +57,11 @@ std::string BytesOf(const std::string& text) {
 std::string UsableName(const std::string& name) {
     std::string usable = OneLineOf(name);
     std::replace(usable.begin(), usable.end(), '/', '-');
-    usable = CutUtf8(usable, kLongestName);
+    return std::string(CutUtf8(usable, kLongestName));
+}
+
+std::string TakenName(const std::string& name) {
+    std::string usable = UsableName(name);
     if (usable != name)
         Warn("the name \"%s\" becomes \"%s\"", Shown(name).c_str(), usable.c_str());
     return usable;

@@ -19,8 +19,10 @@ std::string TextOf(const Bookmark& bookmark, const char* attribute);
 std::string BytesOf(const std::string& text);
 
 // What a file may be called behind "N - ": the name without control characters and "/", in UTF-8,
-// and no longer than names are. A name that had to change is reported on standard error.
+// and no longer than names are.
 std::string UsableName(const std::string& name);
+// The same; a name that has to change is reported on standard error.
+std::string TakenName(const std::string& name);
 
 // What stands for a page without a name: its address without what comes before the host.
 std::string NameForUrl(const std::string& url);

@@ -88,7 +88,8 @@ void Placer::Fill(size_t folder, const Group& group, const CollectedBookmark& co
 void Placer::Add(const Group& group) {
     Waiting waiting = WithoutThoseThere(group);
     // Those that get the slot that they ask for do not lose it to one that does not.
-    std::ranges::stable_partition(waiting, [](const auto* one) { return one->slot.has_value(); });
+    std::stable_partition(waiting.begin(), waiting.end(),
+                          [](const auto* one) { return one->slot.has_value(); });
     if (group.folder && MayUse(*group.folder) && fFolders[*group.folder].name.empty())
         fFolders[*group.folder].name = group.name;
     size_t done = 0;

@@ -33,7 +33,7 @@ bool FindPlace(const Folders& folders, Options& options) {
 }
 
 int AddInto(Folder& folder, const Options& options) {
-    const std::string name = UsableName(options.name.value_or(NameForUrl(options.url)));
+    const std::string name = TakenName(options.name.value_or(NameForUrl(options.url)));
     const Bookmark bookmark = MakeBookmark(name, options.url, options.keywords);
     if (MakeFolder(folder, *options.folder, "") != B_OK)
         return kFailed;

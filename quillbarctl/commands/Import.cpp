@@ -79,7 +79,7 @@ bool Parse(const std::string& name, const std::string& text, Collection& collect
 
 // The name and the title as they can be.
 void Clean(Bookmark& bookmark) {
-    const std::string name = UsableName(bookmark.name);
+    const std::string name = TakenName(bookmark.name);
     if (name == bookmark.name)
         return;
     const auto title = bookmark.attributes.find(kTitleAttribute);
@@ -102,7 +102,7 @@ void MakeSafe(Collection& collection, Counts& counts) {
         });
         for (CollectedBookmark& collected : group.bookmarks)
             Clean(collected.bookmark);
-        group.name = UsableName(group.name);
+        group.name = TakenName(group.name);
     }
 }
 
