@@ -153,4 +153,5 @@ void QBAddBookmarkView::FitLabels() {
         field->SetFont(&font);
     for (BButton* button : buttons)
         button->SetFont(&font);
+    fLocation->fNote->SetFont(&font);
 }
