@@ -1,9 +1,5 @@
 #include "host/x11/GrabWatch.h"
 
-#include <string_view>
-
-#include <xcb/xinput.h>
-
 #include "host/x11/XDisplay.h"
 
 namespace host {
@@ -16,9 +12,6 @@ constexpr bigtime_t kFocusSettlingTime = 150'000;
 
 // As long a pointer may stray from the program before that counts as leaving it.
 constexpr bigtime_t kStrayTime = 1'000'000;
-
-// Of the devices of an X server that is a Wayland compositor's client.
-constexpr std::string_view kXWaylandPointer = "xwayland-";
 
 } // namespace
 
@@ -58,7 +51,7 @@ void GrabWatch::CheckFocus(uint32 grab) const {
 // Under Wayland the server says that the pointer is over the root while it is over the desktop or
 // windows that are no X windows, and hears nothing of it until it comes back.
 void GrabWatch::HandleRootCrossing(const xcb_enter_notify_event_t& event, bool entered) {
-    if (event.mode != XCB_NOTIFY_MODE_NORMAL || !IsXWayland())
+    if (event.mode != XCB_NOTIFY_MODE_NORMAL || !fConnection.IsXWayland())
         return;
     fAway = nullptr;
     if (!entered || !fDisplay.Grab().IsHeld())
@@ -67,24 +60,6 @@ void GrabWatch::HandleRootCrossing(const xcb_enter_notify_event_t& event, bool e
         if (fDisplay.Grab().IsHeld() && fDisplay.Grab().Count() == grab)
             fSink->FocusLeftProgram();
     });
-}
-
-bool GrabWatch::IsXWayland() {
-    if (fIsXWayland)
-        return *fIsXWayland;
-    fIsXWayland = false;
-    const auto devices =
-        fConnection.Ask<xcb_input_xi_query_device, xcb_input_xi_query_device_reply>(
-            xcb_input_device_id_t{XCB_INPUT_DEVICE_ALL});
-    if (!devices)
-        return false;
-    for (auto it = xcb_input_xi_query_device_infos_iterator(devices.get()); it.rem > 0;
-         xcb_input_xi_device_info_next(&it)) {
-        const std::string_view name(xcb_input_xi_device_info_name(it.data), it.data->name_len);
-        if (name.starts_with(kXWaylandPointer))
-            fIsXWayland = true;
-    }
-    return *fIsXWayland;
 }
 
 } // namespace host

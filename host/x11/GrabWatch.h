@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 
 #include <xcb/xcb.h>
 
@@ -29,13 +28,11 @@ public:
 
 private:
     void CheckFocus(uint32 grab) const;
-    bool IsXWayland();
 
     XDisplay& fDisplay;
     const Connection& fConnection;
     DisplaySink* const fSink;
     xcb_window_t fLastActive = XCB_WINDOW_NONE; // the window manager's
-    std::optional<bool> fIsXWayland;
     std::unique_ptr<Timer> fFocusCheck;
     std::unique_ptr<Timer> fAway;
 };

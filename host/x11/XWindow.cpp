@@ -25,8 +25,8 @@ constexpr uint32 kIconicState = 3;
 // The second word of a _NET_ACTIVE_WINDOW message: what a person asked for.
 constexpr uint32 kDirectUserAction = 2;
 
-// Window managers need some time to take a window into a frame and to place that.
-constexpr bigtime_t kPlacingTime = 150'000;
+// They need some time to let go of a window that is hidden.
+constexpr bigtime_t kLettingGoTime = 150'000;
 // Within it they give the focus to a window that was clicked.
 constexpr bigtime_t kFocusTime = 100'000;
 // Within it they bring a window up that asks for it.
@@ -58,7 +58,8 @@ XWindow::XWindow(XDisplay& display, const WindowSpec& spec, WindowSink* sink)
     , fReported(Bounded(spec.frame))
     , fPicture(fConnection, display.DrawingPens())
     , fFrame(fReported)
-    , fState{.floating = spec.floating, .allDesktops = spec.allDesktops} {
+    , fState{.floating = spec.floating, .allDesktops = spec.allDesktops}
+    , fPlace(fConnection, fId, fLock, [this](std::pair<int, int> corner) { AskForPlace(corner); }) {
     Create(spec);
     fDisplay.Windows().Add(fId, this);
 }
@@ -160,7 +161,7 @@ void XWindow::SetFrame(const PixelRect& content) {
     bool isPlaced;
     {
         std::lock_guard lock(fLock);
-        ++fMoves;
+        fPlace.NoteMove();
         fFrame = Bounded(content);
         fPicture.Resize(fId, fFrame.Width(), fFrame.Height(), fBorder);
         PixelRect outer = Outer(fFrame);
@@ -170,14 +171,25 @@ void XWindow::SetFrame(const PixelRect& content) {
         isPlaced = IsManaged(fKind) && fIsShown && !fAskedPlace;
     }
     if (isPlaced)
-        CheckPlace(Bounded(content));
+        KeepPlace(Bounded(content));
+}
+
+void XWindow::KeepPlace(const PixelRect& content) {
+    const PixelRect outer = Outer(content);
+    fPlace.Keep({outer.left, outer.top});
+}
+
+void XWindow::AskForPlace(std::pair<int, int> corner) {
+    const PixelRect outer = Outer(fFrame);
+    if (fIsShown)
+        Configure(Moved(outer, corner.first - outer.left, corner.second - outer.top));
 }
 
 void XWindow::Configure(const PixelRect& outer) {
-    const uint32 values[] = {static_cast<uint32>(outer.left - fShift.first),
-                             static_cast<uint32>(outer.top - fShift.second),
-                             static_cast<uint32>(outer.Width()),
-                             static_cast<uint32>(outer.Height())};
+    const auto [shiftX, shiftY] = fPlace.Shift();
+    const uint32 values[] = {
+        static_cast<uint32>(outer.left - shiftX), static_cast<uint32>(outer.top - shiftY),
+        static_cast<uint32>(outer.Width()), static_cast<uint32>(outer.Height())};
     auto cookie = xcb_configure_window(fConnection, fId,
                                        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
                                            XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
@@ -226,7 +238,7 @@ void XWindow::MapUnlessActive() {
         place = fFrame;
     }
     Hide();
-    fBringUpChecks[1] = std::make_unique<Timer>(kPlacingTime, 0, [this, place] {
+    fBringUpChecks[1] = std::make_unique<Timer>(kLettingGoTime, 0, [this, place] {
         SetFrame(place);
         Map(true);
     });
@@ -394,7 +406,7 @@ void XWindow::HandleMap(const xcb_map_notify_event_t& /*event*/) {
         asked = std::exchange(fAskedPlace, std::nullopt);
     }
     if (asked && IsManaged(fKind))
-        CheckPlace(*asked);
+        KeepPlace(*asked);
 }
 
 // The window manager may be replaced: the new one finds the window where the old one has left it.
@@ -402,40 +414,11 @@ void XWindow::HandleReparent(const xcb_reparent_notify_event_t& event) {
     if (event.parent == fConnection.Root()) {
         fKeptPlace = fReported;
         std::lock_guard lock(fLock);
-        fShift = {};
-    } else if (auto kept = std::exchange(fKeptPlace, std::nullopt))
-        CheckPlace(*kept);
+        fPlace.ForgetShift();
+    } else if (auto kept = std::exchange(fKeptPlace, std::nullopt)) {
+        KeepPlace(*kept);
+    }
     fParent = event.parent;
-}
-
-// Some managers put their frame, or a border, where the content shall be.
-void XWindow::CheckPlace(const PixelRect& place) {
-    uint32 moves;
-    {
-        std::lock_guard lock(fLock);
-        moves = fMoves;
-    }
-    std::lock_guard lock(fCheckLock);
-    for (int i = 0; i < kPlaceChecks; i++) {
-        fPlaceChecks[i] = std::make_unique<Timer>((i + 1) * kPlacingTime, 0,
-                                                  [=, this] { KeepPlace(place, moves, i); });
-    }
-}
-
-// Asks for the place once more; then for one that is as far off on the other side; and for the
-// place again where the manager has its reasons.
-void XWindow::KeepPlace(const PixelRect& place, uint32 moves, int check) {
-    const auto now = fConnection.Ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
-        fId, fConnection.Root(), 0, 0);
-    std::lock_guard lock(fLock);
-    if (!now || !fIsShown || moves != fMoves)
-        return;
-    const PixelRect outer = Outer(Moved(fFrame, place.left - fFrame.left, place.top - fFrame.top));
-    const std::pair wrong(now->dst_x - outer.left, now->dst_y - outer.top);
-    if (wrong == std::pair(0, 0))
-        return;
-    fShift = check == 1 ? wrong : std::pair(0, 0);
-    Configure(outer);
 }
 
 void XWindow::HandleConfigure(const xcb_configure_notify_event_t& event) {

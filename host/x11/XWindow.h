@@ -9,6 +9,7 @@
 #include "host/loop/ServiceLoop.h"
 #include "host/x11/Display.h"
 #include "host/x11/windows/BackingPixmap.h"
+#include "host/x11/windows/PlaceKeeper.h"
 #include "host/x11/windows/WindowProperties.h"
 
 namespace host {
@@ -72,8 +73,8 @@ private:
     bool CanBeMinimized() const;
     void TakeFocus(xcb_timestamp_t time);
     void AcceptFocus();
-    void CheckPlace(const PixelRect& place);
-    void KeepPlace(const PixelRect& place, uint32 moves, int check);
+    void KeepPlace(const PixelRect& content);
+    void AskForPlace(std::pair<int, int> corner);
     bool IsStale(const xcb_configure_notify_event_t& event) const;
     bool FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const;
 
@@ -92,9 +93,6 @@ private:
     std::atomic<bool> fReportedActive = false; // also read by the service thread
     bool fReportedMinimized = false;
     std::optional<PixelRect> fKeptPlace; // where it was when a window manager let go of it
-    static constexpr int kPlaceChecks = 3;
-    std::mutex fCheckLock; // before fLock
-    std::unique_ptr<Timer> fPlaceChecks[kPlaceChecks];
     std::unique_ptr<Timer> fFocusCheck;
     std::unique_ptr<Timer> fBringUpChecks[2]; // the service thread's
 
@@ -102,11 +100,10 @@ private:
     BackingPixmap fPicture;
     PixelRect fFrame; // of the content, as last asked for or as the server reports it
     std::optional<PixelRect> fAskedPlace; // until it is mapped there
-    uint32 fMoves = 0;                    // asked for by the program
-    std::pair<int, int> fShift;           // of the window manager: how far off it places the window
     InitialState fState;
     bool fIsShown = false;
     uint32 fConfigureSequence = 0;
+    PlaceKeeper fPlace;
 };
 
 } // namespace host

@@ -10,6 +10,7 @@
 
 #include <xcb/randr.h>
 #include <xcb/shape.h>
+#include <xcb/xinput.h>
 // The extension's header has a member of this name, a keyword here.
 #define explicit explicit_
 #include <xcb/xkb.h>
@@ -217,6 +218,29 @@ xcb_atom_t Connection::Intern(std::string_view name) const {
 xcb_window_t Connection::OwnerOf(xcb_atom_t selection) const {
     const auto reply = Ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(selection);
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+// Of old versions only the devices' names tell.
+bool Connection::IsXWayland() const {
+    std::call_once(fDevicesRead, [this] { fIsXWayland = HasDeviceNamed("xwayland-"); });
+    return fIsXWayland;
+}
+
+bool Connection::HasDeviceNamed(std::string_view start) const {
+    const auto* extension = xcb_get_extension_data(fConnection, &xcb_input_id);
+    if (!extension || !extension->present)
+        return false;
+    const auto devices = Ask<xcb_input_xi_query_device, xcb_input_xi_query_device_reply>(
+        xcb_input_device_id_t{XCB_INPUT_DEVICE_ALL});
+    if (!devices)
+        return false;
+    for (auto it = xcb_input_xi_query_device_infos_iterator(devices.get()); it.rem > 0;
+         xcb_input_xi_device_info_next(&it)) {
+        const std::string_view name(xcb_input_xi_device_info_name(it.data), it.data->name_len);
+        if (name.starts_with(start))
+            return true;
+    }
+    return false;
 }
 
 bool Connection::HasShapes() const {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -176,6 +177,9 @@ public:
     // An empty message to a window of the program: it wakes the display thread.
     void SendMessageTo(xcb_window_t window) const;
 
+    // Whether the server is the client of a Wayland compositor. Waits for it the first time.
+    bool IsXWayland() const;
+
     // Whether windows can have other shapes than rectangles.
     bool HasShapes() const;
     // Has the pointer and its buttons go through the window, if that can be.
@@ -190,12 +194,15 @@ private:
     Connection() = default;
     std::string CheckScreen() const;
     void ReadAtoms();
+    bool HasDeviceNamed(std::string_view start) const;
     void Send(xcb_window_t receiver, xcb_window_t window, xcb_atom_t type,
               const std::vector<uint32>& data, uint32 mask) const;
 
     xcb_connection_t* fConnection = nullptr;
     xcb_screen_t* fScreen = nullptr;
     std::array<xcb_atom_t, kAtomCount> fAtoms{};
+    mutable std::once_flag fDevicesRead;
+    mutable bool fIsXWayland = false; // once they are
 };
 
 } // namespace host
