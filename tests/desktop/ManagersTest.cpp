@@ -234,8 +234,11 @@ TEST_P(ManagersTest, DialogsAreSeenTypedIntoAndClosed) {
 
     fManager.reset();
     StartManager();
-    Settle();
-    EXPECT_EQ(fProgram.AddWindows().at(0).frame, window.frame) << "manager replaced";
+    const auto isBack = [&] {
+        const auto windows = fProgram.AddWindows();
+        return windows.size() == 1 && windows[0].frame == window.frame;
+    };
+    EXPECT_TRUE(WaitUntil(isBack)) << "manager replaced";
     fDesk.Close(window.id);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.AddWindows().empty(); }));
 }
