@@ -55,9 +55,7 @@ std::string BytesOf(const std::string& text) {
 }
 
 std::string UsableName(const std::string& name) {
-    std::string usable = OneLineOf(name);
-    std::replace(usable.begin(), usable.end(), '/', '-');
-    return std::string(CutUtf8(usable, kLongestName));
+    return NameOfTitle(name.c_str()).String();
 }
 
 std::string TakenName(const std::string& name) {

@@ -21,7 +21,7 @@ namespace {
 // Ten thousand bookmarks with their icons are about half of that.
 constexpr size_t kLongestHtml = 64 << 20;
 // Takes many times its size while it is read.
-constexpr size_t kLongestJson = 16 << 20;
+constexpr size_t kLongestJson = 8 << 20;
 
 struct Options {
     std::string file;
@@ -63,7 +63,7 @@ bool Parse(const std::string& name, const std::string& text, Collection& collect
     if (text.size() > (kind == '{' ? kLongestJson : kLongestHtml))
         error = "it is too long for a file of bookmarks";
     else if (kind == '<')
-        collection = ReadHtml(text);
+        ReadHtml(text, collection, error);
     else if (kind == '{')
         ReadJson(text.substr(first), collection, error);
     else

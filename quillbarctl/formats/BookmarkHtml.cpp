@@ -24,6 +24,7 @@ public:
     void End(std::string_view element);
     void Characters(std::string_view text);
     Collection Take();
+    bool HasTooMany() const { return fCount > kMostBookmarks; }
 
 private:
     enum class Collected { Nothing, FolderName, LinkName };
@@ -34,6 +35,7 @@ private:
 
     Collection fGroups{Group()};
     std::vector<size_t> fOpen{0}; // indices of the groups around this place
+    size_t fCount = 0;            // of links and lists
     Collected fCollected = Collected::Nothing;
     std::string fText;
     std::string fFolderName; // of the list that comes next
@@ -55,6 +57,8 @@ std::string Trimmed(std::string_view text) {
 }
 
 void Reader::Start(std::string_view element, const xmlChar** attributes) {
+    if (HasTooMany())
+        return;
     if (element == "dl") {
         StartFolder();
     } else if (element == "h3") {
@@ -87,6 +91,7 @@ void Reader::Characters(std::string_view text) {
 // A list without a name of its own belongs to what is around it.
 void Reader::StartFolder() {
     EndLink();
+    ++fCount;
     size_t group = fOpen.back();
     if (!fFolderName.empty()) {
         group = fGroups.size();
@@ -121,7 +126,7 @@ void Reader::EndLink() {
     if (fCollected != Collected::LinkName)
         return;
     fCollected = Collected::Nothing;
-    if (fUrl.empty())
+    if (fUrl.empty() || ++fCount > kMostBookmarks)
         return;
     const std::string title = Trimmed(fText);
     const std::string name = title.empty() ? NameForUrl(fUrl) : title;
@@ -196,23 +201,23 @@ std::string LinkOf(const Bookmark& bookmark) {
 
 } // namespace
 
-Collection ReadHtml(const std::string& text) {
+void ReadHtml(const std::string& text, Collection& collection, std::string& error) {
     const std::string bytes = AsUtf8(text);
     xmlSAXHandler events = Events();
     Reader reader;
     const std::unique_ptr<htmlParserCtxt, ParserDeleter> parser(
         htmlCreatePushParserCtxt(&events, &reader, nullptr, 0, nullptr, XML_CHAR_ENCODING_UTF8));
-    if (!parser)
-        return {};
     // What the text says of its encoding is no longer true.
     htmlCtxtUseOptions(parser.get(), HTML_PARSE_RECOVER | HTML_PARSE_NOERROR |
                                          HTML_PARSE_NOWARNING | HTML_PARSE_NONET |
                                          HTML_PARSE_IGNORE_ENC);
-    for (size_t start = 0; start < bytes.size(); start += kPart)
+    for (size_t start = 0; start < bytes.size() && !reader.HasTooMany(); start += kPart)
         htmlParseChunk(parser.get(), &bytes[start],
                        static_cast<int>(std::min(kPart, bytes.size() - start)), 0);
-    htmlParseChunk(parser.get(), nullptr, 0, 1);
-    return reader.Take();
+    if (!reader.HasTooMany())
+        htmlParseChunk(parser.get(), nullptr, 0, 1);
+    collection = reader.Take();
+    error = reader.HasTooMany() ? kTooMany : "";
 }
 
 std::string WriteHtml(const Collection& collection) {

@@ -145,13 +145,28 @@ bool ReadBookmark(const Json& json, CollectedBookmark& collected) {
 bool ReadFolder(const Json& json, Group& group) {
     if (!json.is_object() || !ReadText(json, "name", group.name) ||
         !ReadDigit(json, "folder", group.folder) || !json.contains("bookmarks") ||
-        !json["bookmarks"].is_array())
+        !json["bookmarks"].is_array() || json["bookmarks"].size() > kMostBookmarks)
         return false;
     for (const Json& bookmark : json["bookmarks"]) {
         if (!ReadBookmark(bookmark, group.bookmarks.emplace_back()))
             return false;
     }
     return true;
+}
+
+void ReadFolders(const Json& folders, Collection& collection, std::string& error) {
+    size_t count = folders.size();
+    for (const Json& folder : folders) {
+        if (count > kMostBookmarks) {
+            error = kTooMany;
+        } else if (!ReadFolder(folder, collection.emplace_back())) {
+            error = "the folder in place " + std::to_string(collection.size()) +
+                    " is not as \"quillbarctl export --json\" writes it";
+        }
+        if (!error.empty())
+            return;
+        count += collection.back().bookmarks.size();
+    }
 }
 
 // Null unless the text is JSON and is not nested deeper than ours is.
@@ -177,11 +192,7 @@ void ReadJson(const std::string& text, Collection& collection, std::string& erro
     else if (json["quillbar"] != kVersion)
         error = "it has another version than this program can read";
     else
-        for (const Json& folder : json["folders"]) {
-            if (!ReadFolder(folder, collection.emplace_back()))
-                error = "the folder in place " + std::to_string(collection.size()) +
-                        " is not as \"quillbarctl export --json\" writes it";
-        }
+        ReadFolders(json["folders"], collection, error);
 }
 
 std::string WriteJson(const Collection& collection) {

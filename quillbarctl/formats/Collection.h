@@ -21,3 +21,7 @@ struct Group {
 };
 
 using Collection = std::vector<Group>;
+
+// A text with more bookmarks or folders is not taken: each takes many times its text's memory.
+inline constexpr size_t kMostBookmarks = 100'000;
+inline constexpr const char* kTooMany = "it has more than 100,000 bookmarks or folders";

@@ -36,14 +36,16 @@ std::vector<std::string> UrlsOf(Collection& collection) {
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    Collection collection = ReadHtml(text);
+    Collection collection, again;
+    std::string error;
+    ReadHtml(text, collection, error);
+    Check(error.empty());
     const std::vector<std::string> urls = UrlsOf(collection);
-    Collection again = ReadHtml(WriteHtml(collection));
+    ReadHtml(WriteHtml(collection), again, error);
     Check(UrlsOf(again) == urls);
     Folders folders;
     Check(PlaceAll(collection, std::nullopt, folders).size() == urls.size());
 
-    std::string error;
     ReadJson(text, collection, error);
     if (!error.empty())
         return 0;
