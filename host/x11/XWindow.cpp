@@ -382,10 +382,11 @@ bool XWindow::IsStale(const xcb_configure_notify_event_t& event) const {
 }
 
 // The place on the screen: a window manager sends it, the server sends it only for windows that
-// have not been put into another.
+// have not been put into another. Managers that give the window a border do not agree on whether
+// the place that they send is inside of it.
 bool XWindow::FindPlace(const xcb_configure_notify_event_t& event, int& left, int& top) const {
     bool isFromManager = event.response_type & 0x80;
-    if (isFromManager || fParent == fConnection.Root()) {
+    if ((isFromManager && event.border_width == 0) || fParent == fConnection.Root()) {
         left = event.x + event.border_width;
         top = event.y + event.border_width;
         return true;
@@ -477,7 +478,10 @@ void XWindow::HandleFocus(bool active) {
 void XWindow::TakeFocus(xcb_timestamp_t time) {
     std::lock_guard lock(fLock);
     AcceptFocus();
-    xcb_set_input_focus(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, time);
+    // An error is no fault: the window may just have been minimised.
+    const auto cookie =
+        xcb_set_input_focus_checked(fConnection, XCB_INPUT_FOCUS_POINTER_ROOT, fId, time);
+    xcb_discard_reply(fConnection, cookie.sequence);
     fConnection.Flush();
 }
 
