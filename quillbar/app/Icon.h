@@ -68,8 +68,10 @@ constexpr uint32 PixelAt(int column, int row, double unit) {
     constexpr int kGrid = 4;
     uint32 red = 0, green = 0, blue = 0, covered = 0;
     for (int i = 0; i < kGrid * kGrid; ++i) {
-        const double x = (column + (i % kGrid + 0.5) / kGrid) * unit;
-        const double y = (row + (i / kGrid + 0.5) / kGrid) * unit;
+        const int down = i / kGrid;
+        const int across = i % kGrid;
+        const double x = (column + (across + 0.5) / kGrid) * unit;
+        const double y = (row + (down + 0.5) / kGrid) * unit;
         const Layer* top = nullptr;
         for (const Layer& layer : kLayers) {
             if (layer.covers(x, y))
