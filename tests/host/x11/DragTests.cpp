@@ -217,11 +217,19 @@ TEST_F(DropInTest, SurvivesAnyMessages) {
     const std::vector<const char*> types = {"XdndEnter",    "XdndPosition",  "XdndLeave",
                                             "XdndDrop",     "XdndStatus",    "XdndFinished",
                                             "WM_PROTOCOLS", "_NET_WM_STATE", "XdndSelection"};
-    const std::vector<uint32> words = {
-        0,           1,          partner.Window(),      id,
-        desk.Root(), 0xffffffff, desk.Atom(kColorType), desk.Atom("text/plain"),
-        5u << 24};
+    const std::vector<uint32> words = {0,
+                                       1,
+                                       partner.Window(),
+                                       id,
+                                       desk.Root(),
+                                       0xffffffff,
+                                       desk.Atom(kColorType),
+                                       desk.Atom("text/plain"),
+                                       5u << 24,
+                                       desk.Atom("text/x-moz-url")};
+    window->AcceptLinks();
     partner.offered[kColorType] = {white, 16};
+    partner.offered["text/x-moz-url"] = {"http://a/"};
     partner.Own("XdndSelection");
     for (int i = 0; i < 10'000; i++) {
         std::vector<uint32> data(5);
