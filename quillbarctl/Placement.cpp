@@ -1,7 +1,7 @@
 #include "quillbarctl/Placement.h"
 
 #include <algorithm>
-#include <set>
+#include <map>
 
 #include "quillbar/bookmarks/StoreNames.h"
 
@@ -11,6 +11,8 @@ bool IsFresh(const Folder& folder) {
     return folder.name.empty() && RoomIn(folder) == folder.slots.size();
 }
 
+using Waiting = std::vector<const CollectedBookmark*>;
+
 class Placer {
 public:
     Placer(std::optional<size_t> only, Folders& folders)
@@ -18,35 +20,49 @@ public:
         , fFolders(folders) {
         for (const Folder& folder : folders) {
             for (const Slot& slot : folder.slots)
-                fThere.emplace(slot.name, slot.url);
+                fThere[{slot.name, slot.url}] += slot.isFilled ? 1 : 0;
         }
     }
 
-    void Add(const Group& group);
+    // Those that are there, and those that get the slot that they ask for; returns the others.
+    Waiting Start(const Group& group);
+    void Finish(const Group& group, const Waiting& waiting);
     std::vector<Placed> Take() { return std::move(fPlaced); }
 
 private:
-    using Waiting = std::vector<const CollectedBookmark*>;
-
-    Waiting WithoutThoseThere(const Group& group);
+    bool IsThere(const Bookmark& bookmark);
     std::optional<size_t> FolderFor(const Group& group, size_t count) const;
     bool MayUse(size_t folder) const { return fOnly.value_or(folder) == folder; }
-    void Fill(size_t folder, const Group& group, const CollectedBookmark& collected);
+    void Fill(size_t folder, size_t slot, const CollectedBookmark& collected);
 
     const std::optional<size_t> fOnly;
     Folders& fFolders;
-    std::set<std::pair<std::string, std::string>> fThere; // names and addresses
+    std::map<std::pair<std::string, std::string>, size_t> fThere; // names and addresses
     std::vector<Placed> fPlaced;
 };
 
-Placer::Waiting Placer::WithoutThoseThere(const Group& group) {
+// Each on the disk stands for one: who has a bookmark twice gets it back twice.
+bool Placer::IsThere(const Bookmark& bookmark) {
+    const auto found = fThere.find({bookmark.name, TextOf(bookmark, kUrlAttribute)});
+    if (found == fThere.end() || found->second == 0)
+        return false;
+    --found->second;
+    return true;
+}
+
+Waiting Placer::Start(const Group& group) {
+    const bool isOurs = group.folder && MayUse(*group.folder);
+    if (isOurs && fFolders[*group.folder].name.empty())
+        fFolders[*group.folder].name = group.name;
     Waiting waiting;
     for (const CollectedBookmark& collected : group.bookmarks) {
-        const Bookmark& bookmark = collected.bookmark;
-        if (fThere.emplace(bookmark.name, TextOf(bookmark, kUrlAttribute)).second)
-            waiting.push_back(&collected);
+        if (IsThere(collected.bookmark))
+            fPlaced.push_back({&collected.bookmark, Fate::IsThere, 0, 0});
+        else if (isOurs && collected.slot &&
+                 !fFolders[*group.folder].slots[*collected.slot].isFilled)
+            Fill(*group.folder, *collected.slot, collected);
         else
-            fPlaced.push_back({&bookmark, Fate::IsThere, 0, 0});
+            waiting.push_back(&collected);
     }
     return waiting;
 }
@@ -76,22 +92,12 @@ std::optional<size_t> Placer::FolderFor(const Group& group, size_t count) const 
     return best;
 }
 
-void Placer::Fill(size_t folder, const Group& group, const CollectedBookmark& collected) {
-    Folder& target = fFolders[folder];
-    const bool isWished =
-        group.folder == folder && collected.slot && !target.slots[*collected.slot].isFilled;
-    const size_t slot = isWished ? *collected.slot : *FirstEmptySlot(target);
-    target.slots[slot].isFilled = true;
+void Placer::Fill(size_t folder, size_t slot, const CollectedBookmark& collected) {
+    fFolders[folder].slots[slot].isFilled = true;
     fPlaced.push_back({&collected.bookmark, Fate::Placed, folder, slot});
 }
 
-void Placer::Add(const Group& group) {
-    Waiting waiting = WithoutThoseThere(group);
-    // Those that get the slot that they ask for do not lose it to one that does not.
-    std::stable_partition(waiting.begin(), waiting.end(),
-                          [](const auto* one) { return one->slot.has_value(); });
-    if (group.folder && MayUse(*group.folder) && fFolders[*group.folder].name.empty())
-        fFolders[*group.folder].name = group.name;
+void Placer::Finish(const Group& group, const Waiting& waiting) {
     size_t done = 0;
     while (done < waiting.size()) {
         const std::optional<size_t> folder = FolderFor(group, waiting.size() - done);
@@ -101,7 +107,7 @@ void Placer::Add(const Group& group) {
         if (IsFresh(target))
             target.name = group.name;
         for (; done < waiting.size() && RoomIn(target) > 0; ++done)
-            Fill(*folder, group, *waiting[done]);
+            Fill(*folder, *FirstEmptySlot(target), *waiting[done]);
     }
     for (; done < waiting.size(); ++done)
         fPlaced.push_back({&waiting[done]->bookmark, Fate::NoRoom, 0, 0});
@@ -117,7 +123,10 @@ size_t RoomIn(const Folder& folder) {
 std::vector<Placed> PlaceAll(const Collection& collection, std::optional<size_t> only,
                              Folders& folders) {
     Placer placer(only, folders);
+    std::vector<Waiting> waiting;
     for (const Group& group : collection)
-        placer.Add(group);
+        waiting.push_back(placer.Start(group));
+    for (size_t i = 0; i < collection.size(); ++i)
+        placer.Finish(collection[i], waiting[i]);
     return placer.Take();
 }

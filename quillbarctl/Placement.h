@@ -19,7 +19,7 @@ struct Placed {
 
 size_t RoomIn(const Folder& folder);
 
-// Finds empty slots for all, in their order; the disk is not used. `folders` is then as if
+// Finds empty slots for all; the disk is not used. `folders` is then as if
 // they were there, names included. Each group is kept together, in a folder of its name, else in
 // one without a name or bookmarks, which gets the group's, else in the first with room for all of
 // it; only where none has that it is divided, beginning with the emptiest. A group that asks for a

@@ -136,6 +136,28 @@ TEST_F(ImportTest, JsonComesBackEqual) {
     EXPECT_THAT(Errors(), HasSubstr("0 came in, 3 were there already"));
 }
 
+TEST_F(ImportTest, JsonTakesItsOwnSlotsWhereTheyAreFree) {
+    for (const char* name : {"0 - A/1 - twice", "4 - B/0 - twice", "0 - A/2 - a2", "4 - B/3 - b3"})
+        MakeBookmark(Root() / name, "http://same/");
+    const std::string json = Exported({"--json"});
+    fs::rename(Root(), At("old"));
+    EXPECT_EQ(Import(json), 0);
+    EXPECT_EQ(Exported({"--json"}), json);
+
+    fs::rename(Root(), At("again"));
+    for (int slot : {0, 1, 3, 4, 5, 6, 7, 8, 9})
+        MakeBookmark(Root() / ("0 - Mine/" + std::to_string(slot) + " - mine"), "http://mine/");
+    EXPECT_EQ(Import(json), 0) << Errors();
+    // The last free one goes to the bookmark that had it, not to that before it, which lost its
+    // own.
+    EXPECT_EQ(Run({"list", "4"}), 0);
+    EXPECT_EQ(Output(), "4\t0\ttwice\thttp://same/\t\n4\t3\tb3\thttp://same/\t\n");
+    EXPECT_EQ(Run({"list", "0"}), 0);
+    EXPECT_THAT(Output(), HasSubstr("0\t2\ta2\t"));
+    EXPECT_EQ(Lines().size(), 13u);
+    EXPECT_THAT(FolderNames(), testing::Contains("0 - Mine"));
+}
+
 TEST_F(ImportTest, HtmlComesBackWithNamesAddressesAndKeywords) {
     MakeBookmark(Root() / "0 - A & <B>/0 - \"x\" > y & Größe", "http://a/?x=1&y=\"2\"&lt;", "k, 1");
     MakeBookmark(Root() / "0 - A & <B>/1 - z", "http://z/");
