@@ -115,7 +115,9 @@ void XWindow::NoteVisible(bool visible) {
 // A manager that does not look at the time of the last input gives each new window the focus,
 // unless the window does not want it from the manager.
 void XWindow::Show() {
-    Map(fKind != WindowKind::Bar || fConnection.IsSupportedByManager(kNetWmUserTime));
+    fTakesFocusItself =
+        fKind == WindowKind::Bar && !fConnection.IsSupportedByManager(kNetWmUserTime);
+    Map(!fTakesFocusItself);
 }
 
 void XWindow::Map(bool takesFocus) {
@@ -496,6 +498,9 @@ void XWindow::HandlePress(xcb_timestamp_t time) {
         return;
     if (!HasWindowManager())
         return TakeFocus(XCB_CURRENT_TIME);
+    // Some managers remember for good that it wanted none.
+    if (fTakesFocusItself)
+        return TakeFocus(time);
     fFocusCheck = std::make_unique<Timer>(kFocusTime, 0, [this, time] {
         if (!fReportedActive)
             TakeFocus(time);

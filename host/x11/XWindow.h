@@ -86,7 +86,8 @@ private:
     const bool fIsResizable;
     const xcb_window_t fId;
 
-    std::atomic<xcb_window_t> fParent; // written by the display thread
+    std::atomic<bool> fTakesFocusItself = false; // its manager was asked not to give it
+    std::atomic<xcb_window_t> fParent;           // written by the display thread
 
     // The display thread's.
     PixelRect fReported;                       // the frame that the sink knows
