@@ -220,11 +220,12 @@ void XWindow::Activate() {
     ActivateAt(fDisplay.LastKnownPressTime());
 }
 
-// Without a time of its own the request is as new as the server can know.
+// Without a time of its own the request is as new as the server can know. A manager that looks at
+// such times does what it is asked, and would give a window that is mapped anew no focus.
 void XWindow::BringUp(const std::string& startupId) {
     ActivateAt(StartupTime(startupId));
     EndStartup(fConnection, fId, startupId);
-    if (!IsManaged(fKind) || !HasWindowManager())
+    if (!fTakesFocusItself || !HasWindowManager())
         return;
     fBringUpChecks[0] = std::make_unique<Timer>(kBringUpTime, 0, [this] { MapUnlessActive(); });
 }
