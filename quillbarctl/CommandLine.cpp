@@ -3,7 +3,8 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
+
+#include "base/Errors.h"
 
 namespace {
 
@@ -33,5 +34,5 @@ int Fail(const char* format, ...) {
 int Print(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
         return 0;
-    return Fail("standard output cannot be written: %s", std::strerror(errno));
+    return Fail("standard output cannot be written: %s", StatusText(StatusFromErrno(errno)));
 }

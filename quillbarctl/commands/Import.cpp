@@ -1,10 +1,10 @@
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "base/Errors.h"
 #include "base/Utf8.h"
 #include "quillbar/bookmarks/StoreNames.h"
 #include "quillbarctl/Bookmark.h"
@@ -50,7 +50,7 @@ bool ReadFile(const std::string& name, std::string& text) {
         text.append(part, count);
     }
     if (!file || std::ferror(file.get())) {
-        Fail("%s cannot be read: %s", name.c_str(), std::strerror(errno));
+        Fail("%s cannot be read: %s", name.c_str(), StatusText(StatusFromErrno(errno)));
         return false;
     }
     return true;
