@@ -1,5 +1,6 @@
 #include "kits/app/Application.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -202,7 +203,7 @@ BApplication::Session::Session(BApplication& application_, const std::string& si
         return;
     const status_t status = instance->Listen([this](std::string_view bytes) { Receive(bytes); });
     if (status != B_OK)
-        fprintf(stderr, "%s: other programs cannot reach it: %s\n", signature.c_str(),
+        fprintf(stderr, "%s: other programs cannot reach it: %s\n", program_invocation_short_name,
                 StatusText(status));
 }
 
@@ -214,11 +215,12 @@ void BApplication::Session::Register(const std::string& signature) {
     if (status == B_ALREADY_RUNNING)
         exit(0);
     if (status == B_TIMED_OUT) {
-        fprintf(stderr, "%s: already running, but it does not answer\n", signature.c_str());
+        fprintf(stderr, "%s: already running, but it does not answer\n",
+                program_invocation_short_name);
         exit(1);
     }
-    fprintf(stderr, "%s: cannot tell whether it is already running: %s: %s\n", signature.c_str(),
-            instance->Directory().c_str(), StatusText(status));
+    fprintf(stderr, "%s: cannot tell whether it is already running: %s: %s\n",
+            program_invocation_short_name, instance->Directory().c_str(), StatusText(status));
     instance.reset();
 }
 // NOLINTEND(concurrency-mt-unsafe)
