@@ -104,6 +104,7 @@ void QBMainWindow::ChooseAlign(QBAlign align) {
 
 void QBMainWindow::ChooseBrowser(QBBrowser browser, BMessage* message) {
     gSettings->SetBrowser(browser);
+    gSettings->Save(); // quillbarctl opens bookmarks in it, too
     WarnUnlessSavable();
     void* source = nullptr;
     if (message->FindPointer("source", &source) != B_OK)

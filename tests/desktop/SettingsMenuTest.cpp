@@ -59,6 +59,15 @@ TEST_F(BrowserTest, TheOnlyInstalledBrowserIsUsed) {
     EXPECT_EQ(fProgram.Settings().GetInt32("browser", -1), 0);
 }
 
+TEST_F(BrowserTest, TheChosenOneIsSavedAtOnce) {
+    fProgram.Start();
+    ActivateBar();
+    ChooseSetting(setting::kUseOpera);
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Settings().GetInt32("browser", -1) == 0; }));
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
+}
+
 TEST_F(BrowserTest, WithoutABrowserAnAlertSaysSoBeforeTheBarComes) {
     fApps.Uninstall("browser");
     fApps.Uninstall("opera");
