@@ -3,10 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <list>
-#include <sys/stat.h>
 
 #include "host/session/instance/InstanceSocket.h"
 #include "kits/app/AppDefs.h"
@@ -14,7 +12,6 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
@@ -42,22 +39,17 @@ struct Program : test::ChildProcess {
     bool Says(const std::string& line) const {
         return test::WaitUntil([&] { return testing::Value(Said(), Contains(line)); });
     }
-    std::optional<int> End() {
-        Signal(SIGTERM);
-        return Wait();
-    }
 
     const std::string output;
 };
 
 class ApplicationTest : public testing::Test {
 protected:
-    Program& Start(const Lines& options, Lines command = {}) {
-        const fs::path stem = fHome.Path() / std::to_string(fPrograms.size());
-        command.insert(command.end(), {APP_PROGRAM, kSignature});
+    Program& Start(const Lines& options) {
+        Lines command = {APP_PROGRAM, kSignature};
         command.insert(command.end(), options.begin(), options.end());
-        return fPrograms.emplace_back(
-            test::ChildProcess::Options{.arguments = command, .output = stem});
+        return fPrograms.emplace_back(test::ChildProcess::Options{
+            .arguments = command, .output = fHome.Path() / std::to_string(fPrograms.size())});
     }
 
     test::TemporaryHome fHome;
@@ -65,17 +57,10 @@ protected:
 };
 
 TEST_F(ApplicationTest, ASignalBeforeRunIsKept) {
-    const fs::path fifo = fHome.Path() / "go";
-    ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
-    Program& program =
-        Start({"wait", "block"}, {"/bin/sh", "-c", "exec \"$@\" <" + fifo.string(), "sh"});
-    std::ofstream go(fifo);
-    ASSERT_TRUE(program.Says("built"));
-    program.Signal(SIGTERM);
-    go << "x" << std::flush;
+    Program& program = Start({"early"});
     EXPECT_EQ(0, program.Wait());
-    EXPECT_THAT(program.Said(), Contains("remote quit"));
-    EXPECT_EQ("destroyed", program.Said().back());
+    EXPECT_THAT(program.Said(), ElementsAre("built", "dismiss", "ready", "local test",
+                                            "remote quit", "dismiss", "quit windows", "destroyed"));
 }
 
 TEST_F(ApplicationTest, TheWatchdogEndsWhatHangsAndNotWhatRefuses) {
@@ -93,24 +78,12 @@ TEST_F(ApplicationTest, TheWatchdogEndsWhatHangsAndNotWhatRefuses) {
     for (const Program* program : {&hanging, &savingForEver})
         EXPECT_THAT(program->Said(), ElementsAre("built", "ready", "dismiss", "saved"));
     EXPECT_TRUE(refusing.Says("allow"));
-    EXPECT_EQ(0, refusing.End());
+    refusing.Signal(SIGTERM);
+    EXPECT_EQ(0, refusing.Wait());
     EXPECT_THAT(refusing.Said(),
                 ElementsAre("built", "ready", "local test", "dismiss", "remote quit", "dismiss",
                             "quit windows", "allow", "dismiss", "remote quit", "dismiss",
                             "quit windows", "destroyed"));
-}
-
-TEST_F(ApplicationTest, OfManyStartsAtOnceOneRuns) {
-    for (int i = 0; i < 8; i++)
-        Start({"exclusive"});
-    const auto running = [&] {
-        return std::count_if(fPrograms.begin(), fPrograms.end(),
-                             [](Program& program) { return program.IsRunning(); });
-    };
-    EXPECT_TRUE(test::WaitUntil([&] { return running() == 1; }));
-    for (Program& program : fPrograms)
-        EXPECT_TRUE(program.IsRunning() || program.Wait() == 0);
-    EXPECT_EQ(1, running());
 }
 
 TEST_F(ApplicationTest, OtherProgramsMayAskAndQuitButNotStartItAgain) {

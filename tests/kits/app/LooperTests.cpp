@@ -155,34 +155,6 @@ TEST(LooperRaces, ManyThreadsPostAndLockUntilItIsGone) {
     }
 }
 
-class CountingHandler : public BHandler {
-public:
-    explicit CountingHandler(std::atomic<int>& count)
-        : fCount(count) {}
-    void MessageReceived(BMessage*) override { ++fCount; }
-
-private:
-    std::atomic<int>& fCount;
-};
-
-TEST_F(LooperTest, HandlersAreDeletedWhileMessagesAreUnderWay) {
-    looper->Run();
-    for (int round = 0; round < 100; ++round) {
-        std::atomic<int> count = 0;
-        looper->Lock();
-        auto handler = std::make_unique<CountingHandler>(count);
-        looper->AddHandler(handler.get());
-        const BMessenger toHandler(handler.get());
-        looper->Unlock();
-        std::thread sender([&] { PostUntilRefused(toHandler); });
-        EXPECT_TRUE(WaitUntil([&] { return count > 0; }));
-        ASSERT_TRUE(toHandler.LockTarget());
-        handler.reset();
-        looper->Unlock();
-        sender.join();
-    }
-}
-
 TEST_F(LooperTest, AFloodedLooperStillGivesItsLockAway) {
     looper->call = [](TestLooper& self) { self.PostMessage('call'); };
     looper->PostMessage('call');

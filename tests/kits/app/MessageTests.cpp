@@ -41,11 +41,6 @@ std::string WithValue(const std::string& type, const std::string& value) {
     return WithField(R"({"name": "n", "type": ")" + type + R"(", "values": [)" + value + "]}");
 }
 
-template <typename Value>
-void AddBytes(BMessage& message, const char* name, type_code type, Value value) {
-    message.AddData(name, type, &value, sizeof value);
-}
-
 BMessage Sample() {
     BMessage message('qbAs');
     message.AddInt32("browser", 1);
@@ -119,15 +114,13 @@ TEST(MessageText, KeepsBytesAndFloatsExactlyAndNoPointers) {
     }
     for (const float value : {-0.0f, FLT_MAX, FLT_TRUE_MIN, -INFINITY})
         message.AddFloat("floats", value);
-    AddBytes(message, "doubles", B_DOUBLE_TYPE, 0.1 + 0.2);
-    AddBytes(message, "rects", B_RECT_TYPE, BRect(1, 2, -1e-20f, 4));
-    AddBytes(message, "bytes", B_INT8_TYPE, int8{INT8_MIN});
+    const BRect rect(1, 2, -1e-20f, 4);
+    message.AddData("rects", B_RECT_TYPE, &rect, sizeof rect);
     for (const int64 value : {INT64_MIN, INT64_MAX})
-        AddBytes(message, "longs", B_INT64_TYPE, value);
+        message.AddInt64("longs", value);
     BMessage read = RoundTrip(message);
     EXPECT_EQ(strings, ValuesOf(read, "strings"));
-    for (const char* name :
-         {"\x80", "odd colour", "keys", "floats", "doubles", "rects", "bytes", "longs"})
+    for (const char* name : {"\x80", "odd colour", "keys", "floats", "rects", "longs"})
         EXPECT_EQ(ValuesOf(message, name), ValuesOf(read, name)) << name;
     read.AddFloat("nan", NAN);
     read.AddPointer("pointer", &read);

@@ -1,9 +1,9 @@
 // A program for the tests of the application object: app_program SIGNATURE OPTION...
 // It writes a line to standard output for what happens to it.
 
+#include <csignal>
 #include <unistd.h>
 
-#include <semaphore>
 #include <set>
 #include <string>
 
@@ -12,11 +12,11 @@
 #include "kits/app/Application.h"
 #include "kits/app/Message.h"
 #include "kits/app/SessionHooks.h"
+#include "kits/kernel/OS.h"
 
 namespace {
 
 std::set<std::string> sOptions;
-std::counting_semaphore<> sDismissed{0};
 
 bool Has(const char* option) {
     return sOptions.contains(option);
@@ -26,11 +26,6 @@ void Say(std::string line) {
     line += '\n';
     if (write(STDOUT_FILENO, line.data(), line.size()) < 0)
         _exit(99);
-}
-
-[[noreturn]] void Hang() {
-    for (;;)
-        pause();
 }
 
 filter_result SaySource(BMessage* message, BHandler**, BMessageFilter*) {
@@ -49,10 +44,8 @@ public:
 
     void ReadyToRun() override {
         Say("ready");
-        if (Has("hang"))
-            Hang();
-        if (Has("block"))
-            sDismissed.acquire();
+        while (Has("hang"))
+            pause();
     }
     void AboutRequested() override { Say("about"); }
     void MessageReceived(BMessage* message) override {
@@ -65,15 +58,8 @@ public:
 
 void SetHooks() {
     session_hooks hooks;
-    hooks.dismiss = [] {
-        Say("dismiss");
-        sDismissed.release();
-    };
+    hooks.dismiss = [] { Say("dismiss"); };
     hooks.allow = [] { Say("allow"); };
-    hooks.wake = [](const std::string&) {
-        Say("wake");
-        return true;
-    };
     hooks.quit_windows = [] {
         Say("quit windows");
         return sOptions.erase("refuse") == 0;
@@ -93,14 +79,15 @@ int main(int argc, char** argv) {
     Program program(argv[1]);
     Say("built");
     program.PostMessage('test');
-    char byte;
-    if (Has("wait") && read(STDIN_FILENO, &byte, 1) < 0)
-        return 98;
+    if (Has("early")) {
+        kill(getpid(), SIGTERM);
+        snooze(100'000); // the service thread gets it
+    }
     SetHooks();
     program.SetEmergencyAction([] {
         Say("saved");
-        if (Has("hang-save"))
-            Hang();
+        while (Has("hang-save"))
+            pause();
     });
     program.Run();
     return program.ExitStatus();
