@@ -4,14 +4,10 @@
 namespace host {
 namespace {
 
-struct NamedServer {
-    NamedServer() { setenv("XMODIFIERS", "@im=testim", 1); }
-    ~NamedServer() { unsetenv("XMODIFIERS"); }
-};
-
-class InputMethodTest : NamedServer, public X11Test {
+class InputMethodTest : public testing::Test {
 protected:
     InputMethodTest() { MoveCaret(20); }
+    ~InputMethodTest() override { unsetenv("XMODIFIERS"); }
 
     // A text field has the focus, or none.
     void MoveCaret(int x) { window->SetTextCaret(PixelRect{x, 30, x + 1, 50}); }
@@ -45,29 +41,28 @@ protected:
         window.events->Forget();
     }
 
+    const int named = setenv("XMODIFIERS", "@im=testim", 1);
+    Desk& desk = Desk::Shared();
+    TestDisplay display{desk};
     std::unique_ptr<test::InputServer> server = std::make_unique<test::InputServer>(desk);
     TestWindow window = display.CreateActive();
 };
 
-TEST_F(InputMethodTest, TakesOnlyTheKeysOfATextField) {
+TEST_F(InputMethodTest, TakesOnlyTheKeysOfATextFieldInTheirOrder) {
     AwaitContext(1);
     EXPECT_EQ(server->spot, 20u << 16 | 50u);
     Type("bacaadb");
     ExpectTyped("bB[日本é]cC[日本é][日本é]dDbB");
-    MoveCaret(120);
-    EXPECT_TRUE(WaitUntil([&] { return server->spot == (120u << 16 | 50u); }));
-
     LeaveField();
     Type("ab");
     ExpectTyped("aAbB");
     // In the next field, typing on at once.
-    MoveCaret(20);
+    MoveCaret(120);
     display.AwaitEvents();
     Type("a");
     AwaitContext(2);
-    MoveCaret(30);
-    Type("b");
-    ExpectTyped("[日本é]bB");
+    EXPECT_EQ(server->spot, 120u << 16 | 50u);
+    ExpectTyped("[日本é]");
 }
 
 TEST_F(InputMethodTest, KeysGoOnWithoutAServerThatAnswers) {
@@ -75,8 +70,6 @@ TEST_F(InputMethodTest, KeysGoOnWithoutAServerThatAnswers) {
     server->Pause();
     Type("bab");
     ExpectTyped("bBaAbB");
-    Type("a");
-    ExpectTyped("aA");
     server->Resume();
     AwaitContext(2);
     Type("ab");
