@@ -69,7 +69,7 @@ TEST_F(InputTest, AButtonIsPressedByThePrimaryClickThatEndsOverIt) {
     EXPECT_EQ(presses(), 1);
 }
 
-TEST_F(InputTest, AKeyHeldWhileTheFocusGoesIsReleased) {
+TEST_F(InputTest, AKeyHeldWhileTheFocusGoesIsReleasedAndRepeatsNothingLater) {
     Show(window);
     Activate(window);
     desk.KeyDown(XK_7);
@@ -77,6 +77,12 @@ TEST_F(InputTest, AKeyHeldWhileTheFocusGoesIsReleased) {
     test::PlainWindow other(desk, {400, 300, 100, 100});
     other.Activate();
     EXPECT_TRUE(test::WaitUntil([&] { return window->CountReceived(B_KEY_UP) == 1; }));
+    desk.KeyUp(XK_7);
+    Activate(window);
+    const int before = window->repeats;
+    desk.Key(XK_7);
+    EXPECT_TRUE(test::WaitUntil([&] { return window->CountReceived(B_KEY_UP) == 2; }));
+    EXPECT_EQ(window->repeats, before);
 }
 
 } // namespace

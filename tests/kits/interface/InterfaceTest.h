@@ -45,6 +45,7 @@ public:
 
     void DispatchMessage(BMessage* message, BHandler* handler) override {
         releases += message->what == B_MOUSE_UP;
+        repeats += message->HasInt32("be:key_repeat");
         fMarks += message->what == kMarker;
         BWindow::DispatchMessage(message, handler);
     }
@@ -68,6 +69,7 @@ public:
     }
 
     std::atomic<int> releases = 0; // of buttons, handled or about to be
+    std::atomic<int> repeats = 0;  // of keys
 
 private:
     static constexpr uint32 kMarker = 'mark';
