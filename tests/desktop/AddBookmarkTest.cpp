@@ -50,12 +50,15 @@ TEST_F(AddBookmarkTest, KeysMakeABookmark) {
     EXPECT_EQ(Attribute("4 - News & more", "META:title"), std::string("News & more\0", 12));
     EXPECT_TRUE(SlotBecomes(2, 4, true));
 
-    // What is refused is said; a quit takes the words away.
+    // What is refused is said and stays, whatever changes; a quit takes the words away.
     OpenWindow();
     ChooseByKeys();
     fDesk.Type("../x");
     fDesk.Key(XK_Return);
     DismissAlert();
+    AddBookmark(2, "8 - New", "http://new.example/");
+    EXPECT_TRUE(SlotBecomes(2, 8, true));
+    fDesk.Activate(fProgram.AddWindows().at(0).id);
     WaitForWindow();
     Alt(XK_d);
     ASSERT_TRUE(AlertOpens());

@@ -28,11 +28,15 @@ TEST_F(HostileInputTest, SettingsOfNoMeaning) {
         settings.Flatten(&cases.emplace_back());
     }
     for (const std::string& settings : cases) {
+        const bool isWhole = BMessage().Unflatten(settings.data(), settings.size()) == B_OK;
         std::ofstream(fProgram.SettingsFile(), std::ios::binary) << settings;
         fProgram.Start();
         EXPECT_TRUE(fDesk.Frame().Contains(fProgram.Content()));
         EXPECT_EQ(fProgram.Stop(), 0);
         EXPECT_TRUE(fProgram.Settings().HasData("pos", B_POINT_TYPE));
+        const fs::path aside = fProgram.SettingsFile() += ".bad";
+        EXPECT_EQ(fs::exists(aside) ? fs::file_size(aside) : 0, isWhole ? 0 : settings.size());
+        fs::remove(aside);
     }
 }
 

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <set>
 #include <string>
 #include <sys/stat.h>
 
@@ -20,7 +19,11 @@ constexpr const char* kUrl = "http://a.b/";
 
 class SaveBookmarkTest : public testing::Test {
 protected:
-    SaveBookmarkTest() { fs::create_directories(fFolder); }
+    SaveBookmarkTest() {
+        fs::create_directories(fFolder);
+        Write(fVictim, "keep");
+    }
+    ~SaveBookmarkTest() override { EXPECT_EQ(Text(fVictim), "keep"); }
 
     // Into slot digit 4 of folder digit 2.
     QBSaveResult Save(const std::string& name, const std::string& folder = "News",
@@ -29,13 +32,6 @@ protected:
             SaveBookmark({3, 5, folder.c_str(), name.c_str(), url.c_str(), "k"});
         fReason = outcome.reason;
         return outcome.result;
-    }
-    // Everything below the home folder, but for what the fonts keep.
-    std::set<std::string> Tree() const {
-        std::set<std::string> tree;
-        for (const auto& entry : fs::recursive_directory_iterator(fHome.Path()))
-            tree.insert(entry.path().string().substr(fHome.Path().string().size()));
-        return tree;
     }
     static void Write(const fs::path& path, const std::string& text) {
         std::ofstream(path) << text;
@@ -48,6 +44,7 @@ protected:
     test::TemporaryHome fHome;
     const fs::path fRoot = fHome.Config() / "Quillbar";
     const fs::path fFolder = fRoot / "2 - News";
+    const fs::path fVictim = fRoot / "victim";
     BString fReason;
 };
 
@@ -56,51 +53,42 @@ TEST_F(SaveBookmarkTest, AFilledSlotIsRenamedAndRewrittenInARenamedFolder) {
     Write(fFolder / "4 - Old", "contents");
     ASSERT_EQ(Save("New", "Work"), QBSaveResult::Saved);
     const fs::path file = fRoot / "2 - Work" / "4 - New";
-    EXPECT_EQ(Tree().count("/.config/Quillbar/2 - Work/4 - New"), 1u);
-    EXPECT_EQ(fs::exists(fFolder), false);
+    EXPECT_FALSE(fs::exists(fFolder));
     EXPECT_EQ(Text(file), "contents");
     EXPECT_EQ(GetAttribute(file, "META:url"), std::string(kUrl) + '\0');
     EXPECT_EQ(GetAttribute(file, "META:title"), std::string("New\0", 4));
 
     // Another entry has the name: the bookmark stays, and so does the folder's new name.
-    Write(fRoot / "2 - Work" / "4 - Taken", "mine");
-    EXPECT_EQ(Save("Taken", "Work"), QBSaveResult::NotRenamed);
+    fs::create_hard_link(fVictim, fRoot / "2 - Work" / "4 - Taken");
+    fs::create_directory(fRoot / "2 - Work" / "4 - a");
+    for (const char* name : {"Taken", "a/b"})
+        EXPECT_EQ(Save(name, "Work"), QBSaveResult::NotRenamed) << name;
     EXPECT_EQ(GetAttribute(file, "META:title"), std::string("New\0", 4));
-    EXPECT_EQ(Text(fRoot / "2 - Work" / "4 - Taken"), "mine");
 }
 
 TEST_F(SaveBookmarkTest, NamesNeverLeadOutOfTheFolder) {
-    Write(fHome.Path() / "victim", "keep");
     fs::create_directory(fFolder / "4 - a");
-    const auto before = Tree();
-    for (const char* name : {"a/b", "a/../../../../victim", "/victim", "../x", "a/"})
+    for (const std::string& name :
+         {std::string("a/b"), std::string("a/../../victim"), std::string(252, 'x')})
         EXPECT_EQ(Save(name), QBSaveResult::NotCreated) << name;
-    EXPECT_EQ(Save(std::string(252, 'x')), QBSaveResult::NotCreated);
-    EXPECT_EQ(Tree(), before);
+    EXPECT_TRUE(fs::is_empty(fFolder / "4 - a"));
     // A folder that cannot be called so keeps its name, and the bookmark is saved.
-    for (const char* name : {"", ".", "..", "-rf *", "\x01\n\x7f", "\xff\xfe", " x "}) {
-        for (const char* folder : {"../../out", "a/b", ""}) {
+    for (const char* name : {"", "..", "\x01\n\x7f", "\xff\xfe", " x "}) {
+        for (const char* folder : {"../../out", "a/b"}) {
             ASSERT_EQ(Save(name, folder), QBSaveResult::Saved) << name;
-            const fs::path where = folder[0] == '\0' ? fRoot / "2 - " : fFolder;
-            EXPECT_TRUE(fs::remove(where / (std::string("4 - ") + name))) << name;
-            if (folder[0] == '\0')
-                fs::rename(where, fFolder);
+            EXPECT_TRUE(fs::remove(fFolder / (std::string("4 - ") + name))) << name;
         }
     }
-    EXPECT_EQ(Save(std::string(251, 'x')), QBSaveResult::Saved);
-    EXPECT_EQ(Text(fHome.Path() / "victim"), "keep");
+    EXPECT_EQ(Save(std::string(251, 'x'), ""), QBSaveResult::Saved);
+    EXPECT_TRUE(fs::exists(fRoot / "2 - "));
 }
 
 TEST_F(SaveBookmarkTest, WhatOthersPutInItsPlaceIsNoWayOut) {
-    const fs::path victim = fHome.Path() / "victim";
-    Write(victim, "keep");
-    fs::create_symlink(victim, fFolder / "4 - Link");
-    EXPECT_EQ(Save("Link"), QBSaveResult::NotCreated);
+    fs::create_symlink(fVictim, fFolder / "4 - Link");
     fs::create_symlink(fHome.Path() / "absent", fFolder / "4 - Dangling");
-    EXPECT_EQ(Save("Dangling"), QBSaveResult::NotCreated);
     mkfifo((fFolder / "4 - Pipe").c_str(), 0600);
-    EXPECT_EQ(Save("Pipe"), QBSaveResult::NotCreated);
-    EXPECT_EQ(Text(victim), "keep");
+    for (const char* name : {"Link", "Dangling", "Pipe"})
+        EXPECT_EQ(Save(name), QBSaveResult::NotCreated) << name;
     EXPECT_FALSE(fs::exists(fHome.Path() / "absent"));
     // A file without the type fills no slot; it is emptied.
     Write(fFolder / "4 - Plain", "text");
@@ -110,9 +98,6 @@ TEST_F(SaveBookmarkTest, WhatOthersPutInItsPlaceIsNoWayOut) {
     fs::rename(fFolder, fRoot / "News");
     fs::create_directory_symlink(fRoot / "News", fFolder);
     EXPECT_EQ(Save("Gone"), QBSaveResult::NoFolder);
-    fs::remove_all(fRoot);
-    EXPECT_EQ(Save("Gone"), QBSaveResult::NoFolder);
-    EXPECT_FALSE(fs::exists(fRoot));
 }
 
 TEST_F(SaveBookmarkTest, ASlotShownThroughALinkIsWrittenInItsTarget) {
