@@ -93,10 +93,15 @@ protected:
 
     void RunSeed(unsigned seed) {
         fRandom.seed(seed);
-        fs::remove_all(Root());
-        fs::remove_all(fHome.Path() / "outside");
+        const fs::path synced = fHome.Path() / "synced";
+        for (const fs::path& old : {Root(), synced, fHome.Path() / "outside"})
+            fs::remove_all(old);
         fs::create_directories(fHome.Path() / "outside");
-        fs::create_directories(Root() / "marker");
+        fs::create_directories(synced / "marker");
+        if (seed % 2 == 0)
+            fs::create_directory_symlink(synced, Root());
+        else
+            fs::rename(synced, Root());
         Start();
         for (int change = 0; change < kChanges; ++change) {
             ChangeSomething();

@@ -26,13 +26,4 @@ TEST(Names, LongUrlIsCutToFiftyBytes) {
     EXPECT_EQ(ParseURL((fifty + "v").c_str()).String(), fifty.substr(4) + "....");
 }
 
-TEST(Names, ATitleBecomesAName) {
-    EXPECT_STREQ(NameOfTitle("A/b - c\n\x01"
-                             "d")
-                     .String(),
-                 "A-b - c d");
-    const std::string longest(250, 'x');
-    EXPECT_EQ(NameOfTitle((longest + "\u00fcy").c_str()).String(), longest);
-}
-
 } // namespace
