@@ -9,7 +9,6 @@
 #include <fstream>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -19,32 +18,19 @@
 
 #include "host/files/KnownPaths.h"
 #include "host/files/monitor/NodeMonitor.h"
+#include "tests/support/Recorded.h"
 #include "tests/support/TemporaryHome.h"
-#include "tests/support/Wait.h"
 
 namespace test {
 
 using Texts = std::vector<std::string>;
 
-class EventLog : public host::NodeListener {
+class EventLog : public host::NodeListener, public Recorded<host::NodeChange> {
 public:
     bool NodeChanged(const host::NodeChange& change) override {
-        std::lock_guard lock(fMutex);
-        fChanges.push_back(change);
+        Add(change);
         return true;
     }
-    std::vector<host::NodeChange> Changes() const {
-        std::lock_guard lock(fMutex);
-        return fChanges;
-    }
-    void Clear() {
-        std::lock_guard lock(fMutex);
-        fChanges.clear();
-    }
-
-private:
-    mutable std::mutex fMutex;
-    std::vector<host::NodeChange> fChanges;
 };
 
 // Two watched folders with watched files: "a" with "one" and "two", "b" with "three"; and a folder
@@ -120,9 +106,9 @@ protected:
     void Flush() {
         // Behind an overflow, a folder that is made while everything is read again is not reported.
         AtOnce([] {});
-        fFlushes->Clear();
+        fFlushes->Take();
         Do({"mkdir flush/x"});
-        EXPECT_TRUE(WaitUntil([&] { return !fFlushes->Changes().empty(); }));
+        EXPECT_TRUE(fFlushes->Reaches(1));
         // The rest of its batch is notified by the same call.
         AtOnce([] {});
         Do({"rm flush/x"});
@@ -131,16 +117,16 @@ protected:
     // when it was first watched, a folder that is not known "?".
     Texts Log() const {
         Texts log;
-        for (const host::NodeChange& change : fLog->Changes())
+        for (const host::NodeChange& change : fLog->All())
             log.push_back(TextOf(change));
         return log;
     }
     // The log once it has as many lines; it is cleared.
     Texts TakeLog(size_t count) {
-        EXPECT_TRUE(WaitUntil([&] { return fLog->Changes().size() >= count; }));
+        EXPECT_TRUE(fLog->Reaches(count));
         Flush();
         Texts log = Log();
-        fLog->Clear();
+        fLog->Take();
         return log;
     }
 

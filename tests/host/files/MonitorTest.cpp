@@ -131,7 +131,7 @@ TEST_F(MonitorTest, WatchesEndExactly) {
         EXPECT_EQ(CountWatches(), before);
     });
     Flush();
-    EXPECT_EQ(other->Changes().back().kind, host::ChangeKind::Moved);
+    EXPECT_EQ(other->All().back().kind, host::ChangeKind::Moved);
     EXPECT_EQ(CountWatches(), before - 1);
     EXPECT_EQ(fMonitor.Stop(inner, fLog), B_BAD_VALUE);
     // Nothing is watched that is not there.
@@ -162,7 +162,7 @@ TEST_F(MonitorTest, ChangeOfAttributesIsNotLost) {
     host::Descriptor file(open(In("a/one").c_str(), O_RDONLY | O_CLOEXEC));
     std::jthread renaming = KeepRenaming("a/one");
     for (int round = 0; round < 500 && !HasFailure(); round++) {
-        fLog->Clear();
+        fLog->Take();
         ASSERT_EQ(fsetxattr(file.Get(), "user.META:url", "x", 1, 0), 0);
         EXPECT_TRUE(WaitUntil([&] {
             Texts log = Log();

@@ -23,12 +23,10 @@ TEST(PathsTest, HomeAndSettingsHavePlacesOfTheirOwn) {
         {"/home/a", "", "/boot/home/config/settingsold", "/home/a/config/settingsold"},
         // Read as the platform's path, this would be another directory.
         {"/home/a", "", "/home/a/config/settings", "/home/a/config/settings"},
-        {"/home/a", "", "/", "/"},
         {"/home/a", "", "/boot/homestead", "/boot/homestead"},
         {"/home/a", "", "/home/a2", "/home/a2"},
-        {"/home/a", "/srv/settings/", "/boot/home/config/settings/x", "/srv/settings/x"},
         {"/home/a", "/srv/settings/", "/boot/home/.config/x", "/home/a/.config/x"},
-        {"/srv/home", "/srv", "/boot/home/config/settings/x", "/srv/x"},
+        {"/srv/home", "/srv/", "/boot/home/config/settings/x", "/srv/x"},
         {"/", "relative", "/boot/home/config/settings/x", "/.config/x"},
         {"/", "relative", "/boot/home", "/"},
     };

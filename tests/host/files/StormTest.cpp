@@ -48,7 +48,7 @@ protected:
 
     // The folder as a listener knows it that follows the changes.
     const Folder& Believed(const std::string& folder) {
-        auto changes = fLog->Changes();
+        auto changes = fLog->All();
         for (; fFollowed < changes.size(); fFollowed++)
             Follow(changes[fFollowed]);
         return fBelieved[Know(folder).node];

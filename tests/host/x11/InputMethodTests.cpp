@@ -34,11 +34,15 @@ protected:
         }
         return typed;
     }
+    void ExpectTyped(const std::string& letters, const std::string& expected) {
+        Type(letters);
+        ExpectTyped(expected);
+    }
     void ExpectTyped(const std::string& expected) {
         WaitUntil([&] { return Typed().size() >= expected.size(); });
         display.AwaitEvents();
         EXPECT_EQ(Typed(), expected);
-        window.events->Forget();
+        window.events->Take();
     }
 
     const int named = setenv("XMODIFIERS", "@im=testim", 1);
@@ -51,11 +55,9 @@ protected:
 TEST_F(InputMethodTest, TakesOnlyTheKeysOfATextFieldInTheirOrder) {
     AwaitContext(1);
     EXPECT_EQ(server->spot, 20u << 16 | 50u);
-    Type("bacaadb");
-    ExpectTyped("bB[日本é]cC[日本é][日本é]dDbB");
+    ExpectTyped("bacaadb", "bB[日本é]cC[日本é][日本é]dDbB");
     LeaveField();
-    Type("ab");
-    ExpectTyped("aAbB");
+    ExpectTyped("ab", "aAbB");
     // In the next field, typing on at once.
     MoveCaret(120);
     display.AwaitEvents();
@@ -68,12 +70,10 @@ TEST_F(InputMethodTest, TakesOnlyTheKeysOfATextFieldInTheirOrder) {
 TEST_F(InputMethodTest, KeysGoOnWithoutAServerThatAnswers) {
     AwaitContext(1);
     server->Pause();
-    Type("bab");
-    ExpectTyped("bBaAbB");
+    ExpectTyped("bab", "bBaAbB");
     server->Resume();
     AwaitContext(2);
-    Type("ab");
-    ExpectTyped("[日本é]bB");
+    ExpectTyped("ab", "[日本é]bB");
 
     server->Pause();
     Type("ba");
@@ -83,22 +83,19 @@ TEST_F(InputMethodTest, KeysGoOnWithoutAServerThatAnswers) {
 
     server = std::make_unique<test::InputServer>(desk);
     AwaitContext(1);
-    Type("ba");
-    ExpectTyped("bB[日本é]");
+    ExpectTyped("ba", "bB[日本é]");
 }
 
 TEST_F(InputMethodTest, IsGivenUpAfterThreeFailures) {
     for (int failure = 1; failure <= 3; failure++) {
         AwaitContext(failure);
         server->Pause();
-        Type("a");
-        ExpectTyped("aA");
+        ExpectTyped("a", "aA");
         server->Resume();
     }
     LeaveField();
     MoveCaret(20);
-    Type("a");
-    ExpectTyped("aA");
+    ExpectTyped("a", "aA");
     EXPECT_EQ(server->focuses, 3);
 }
 

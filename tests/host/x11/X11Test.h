@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
 
 #include <gmock/gmock.h>
 
 #include "host/x11/XDisplay.h"
 #include "tests/support/Peer.h"
+#include "tests/support/Recorded.h"
 
 namespace host {
 
@@ -19,17 +19,11 @@ using test::WaitUntil;
 using testing::ElementsAre;
 
 // Keeps all events of a window.
-class EventLog final : public WindowSink {
+class EventLog final : public WindowSink, public test::Recorded<WindowEvent> {
 public:
-    void HandleEvent(const WindowEvent& event) override {
-        std::lock_guard lock(fLock);
-        fEvents.push_back(event);
-    }
+    using Recorded::All;
 
-    std::vector<WindowEvent> All() const {
-        std::lock_guard lock(fLock);
-        return fEvents;
-    }
+    void HandleEvent(const WindowEvent& event) override { Add(event); }
     template <typename T>
     std::vector<T> All() const {
         std::vector<T> found;
@@ -49,14 +43,6 @@ public:
     bool Await(std::size_t count = 1) const {
         return WaitUntil([&] { return All<T>().size() >= count; });
     }
-    void Forget() {
-        std::lock_guard lock(fLock);
-        fEvents.clear();
-    }
-
-private:
-    mutable std::mutex fLock;
-    std::vector<WindowEvent> fEvents;
 };
 
 class DisplayLog final : public DisplaySink {
@@ -64,23 +50,11 @@ public:
     void FocusLeftProgram() override { focusLosses++; }
     void MonitorsChanged() override {}
     void SettingsChanged() override {}
-    void SessionKeyChanged(const SessionKey& key) override {
-        std::lock_guard lock(fLock);
-        fKeys.push_back(key);
-    }
+    void SessionKeyChanged(const SessionKey& key) override { keys.Add(key); }
     void DisplayLost() override {}
 
-    // Those since the last call.
-    std::vector<SessionKey> TakeKeys() {
-        std::lock_guard lock(fLock);
-        return std::exchange(fKeys, {});
-    }
-
+    test::Recorded<SessionKey> keys;
     std::atomic<int> focusLosses = 0;
-
-private:
-    std::mutex fLock;
-    std::vector<SessionKey> fKeys;
 };
 
 // A picture in memory, of one colour at first.
