@@ -4,8 +4,6 @@
 
 #include <atomic>
 #include <functional>
-#include <memory>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -15,32 +13,15 @@
 #include "kits/app/Message.h"
 #include "kits/app/MessageRunner.h"
 #include "kits/app/Messenger.h"
-#include "tests/support/Wait.h"
+#include "tests/support/Recorded.h"
 
 namespace test {
 namespace {
 
 using Codes = std::vector<uint32>;
 
-// The codes that a looper saw, in order.
-class Log {
-public:
-    void Add(uint32 what) {
-        std::lock_guard lock(fMutex);
-        fSeen.push_back(what);
-    }
-    Codes Seen() const {
-        std::lock_guard lock(fMutex);
-        return fSeen;
-    }
-    bool Reaches(size_t count) const {
-        return WaitUntil([&] { return Seen().size() >= count; });
-    }
-
-private:
-    mutable std::mutex fMutex;
-    Codes fSeen;
-};
+// The codes that a looper saw.
+using Log = Recorded<uint32>;
 
 // Logs messages, and handles 'call' by calling what the test gave it.
 class TestLooper : public BLooper {
@@ -85,11 +66,11 @@ protected:
     }
     // The number of codes when the looper has handled what was posted before.
     size_t Settled() {
-        const size_t before = log.Seen().size();
+        const size_t before = log.All().size();
         messenger.SendMessage('mark');
         EXPECT_TRUE(log.Reaches(before + 1));
-        EXPECT_TRUE(WaitUntil([&] { return log.Seen().back() == 'mark'; }));
-        return log.Seen().size();
+        EXPECT_TRUE(WaitUntil([&] { return log.All().back() == 'mark'; }));
+        return log.All().size();
     }
 
     Log log;
@@ -119,40 +100,7 @@ TEST_F(LooperTest, ThreadsThatWaitForItsLockAreRefusedWhenItIsDeleted) {
         thread.join();
     EXPECT_EQ(nullptr, handler.Looper());
     ASSERT_TRUE(log.Reaches(2));
-    EXPECT_EQ(Codes({'quit', 'gone'}), log.Seen());
-}
-
-// Gives the looper time to keep up.
-void PostUntilRefused(const BMessenger& messenger) {
-    while (messenger.SendMessage('post') == B_OK)
-        snooze(20);
-}
-
-TEST(LooperRaces, ManyThreadsPostAndLockUntilItIsGone) {
-    for (int round = 0; round < 20; ++round) {
-        Log log;
-        auto* const looper = new TestLooper(log);
-        const BMessenger messenger(looper);
-        looper->Run();
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&, i] {
-                if (i < 2)
-                    PostUntilRefused(messenger);
-                while (messenger.LockTarget())
-                    looper->Unlock();
-                EXPECT_FALSE(messenger.IsValid());
-            });
-        }
-        log.Reaches(20);
-        if (round % 2 == 0)
-            messenger.SendMessage(B_QUIT_REQUESTED);
-        else if (messenger.LockTarget())
-            looper->Quit();
-        for (std::thread& thread : threads)
-            thread.join();
-        EXPECT_TRUE(WaitUntil([&] { return log.Seen().back() == 'gone'; }));
-    }
+    EXPECT_EQ(Codes({'quit', 'gone'}), log.All());
 }
 
 TEST_F(LooperTest, AFloodedLooperStillGivesItsLockAway) {
@@ -183,9 +131,9 @@ TEST_F(LooperTest, RunnersStopAfterTheirCountWithTheirDestructorOrWithTheirTarge
     const BMessageRunner orphan(messenger, &tick, 100);
     looper->Lock();
     looper->Quit();
-    const size_t count = log.Seen().size();
+    const size_t count = log.All().size();
     snooze(5000);
-    EXPECT_EQ(count, log.Seen().size());
+    EXPECT_EQ(count, log.All().size());
 }
 
 // The display's thread works until the process ends, and may lose its display at any moment.
