@@ -30,7 +30,7 @@ TEST(Timer, NeverRunsOnceItsDestructorReturned) {
         auto isAlive = std::make_unique<std::atomic<bool>>(true);
         std::optional<Timer> timer(std::in_place, 0, 1, [alive = isAlive.get()] {
             EXPECT_TRUE(*alive);
-            std::this_thread::sleep_for(10us);
+            std::this_thread::sleep_for(200us);
             EXPECT_TRUE(*alive);
         });
         std::this_thread::sleep_for(std::chrono::microseconds(i));

@@ -1,10 +1,8 @@
 // What the program does not show: how bytes are kept, and nodes, links and paths that are odd.
 
 #include <sys/stat.h>
-#include <sys/xattr.h>
 
 #include <fstream>
-#include <set>
 
 #include <gtest/gtest.h>
 
@@ -65,23 +63,6 @@ TEST_F(StorageTest, RefLeadsToTheEntryAndNowhereElse) {
     fs::rename(OnDisk("folder"), OnDisk("elsewhere"));
     fs::create_directory(OnDisk("folder"));
     EXPECT_EQ(BEntry(&ref).InitCheck(), B_ENTRY_NOT_FOUND);
-}
-
-// Common disks give the inode of a removed file to the next one.
-TEST_F(StorageTest, NumberOfANodeIsNeverUsedAgain) {
-    std::set<int64> numbers;
-    node_ref node;
-    for (int i = 0; i < 20; i++) {
-        MakeFile("file");
-        ASSERT_EQ(BEntry(In("file").c_str()).GetNodeRef(&node), B_OK);
-        EXPECT_TRUE(numbers.insert(node.node).second) << "file " << i;
-        fs::remove(OnDisk("file"));
-    }
-    // Without birth times, the inode is the number.
-    struct stat status;
-    ASSERT_EQ(stat("/proc/version", &status), 0);
-    ASSERT_EQ(BEntry("/proc/version").GetNodeRef(&node), B_OK);
-    EXPECT_EQ(node.node, int64(status.st_ino));
 }
 
 TEST_F(StorageTest, AttributesAreReadInPartsAndOfTheNodeThatWasOpened) {

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
-#include <pthread.h>
 
 #include "kits/kernel/Locker.h"
 #include "kits/kernel/OS.h"
@@ -29,30 +27,6 @@ thread_id Start(thread_func run, void* data) {
     const thread_id thread = spawn_thread(run, "spawned", B_NORMAL_PRIORITY, data);
     EXPECT_EQ(B_OK, resume_thread(thread));
     return thread;
-}
-
-TEST(Thread, IsRenamedEvenBeforeItRunsAndForgottenWhenItHasEnded) {
-    const auto saysItsName = [](void*) -> status_t {
-        while (!should_stop())
-            snooze(kDeadline);
-        char name[16] = {};
-        pthread_getname_np(pthread_self(), name, sizeof(name));
-        return strcmp(name, "renamed") == 0;
-    };
-    for (int round = 0; round < 100; ++round) {
-        const thread_id thread = Start(saysItsName, nullptr);
-        rename_thread(thread, "renamed");
-        EXPECT_EQ(thread, find_thread("renamed"));
-        ask_thread_to_stop(thread);
-        status_t isRenamed = true; // unless it has ended already
-        wait_for_thread(thread, &isRenamed);
-        ASSERT_TRUE(isRenamed);
-        EXPECT_EQ(B_BAD_THREAD_ID, wait_for_thread(thread, nullptr));
-    }
-    EXPECT_EQ(B_NAME_NOT_FOUND, find_thread("renamed"));
-    // Waiting for oneself would never end.
-    EXPECT_EQ(B_BAD_THREAD_ID, wait_for_thread(find_thread(nullptr), nullptr));
-    EXPECT_EQ(B_BAD_THREAD_ID, ask_thread_to_stop(find_thread(nullptr)));
 }
 
 // Waits for a lock, or sleeps if there is none.
