@@ -66,20 +66,11 @@ int renameat2(int from, const char* old, int to, const char* path, unsigned flag
 int mkdir(const char* path, mode_t mode) noexcept {
     return Call<int>(path, SYS_mkdir, path, mode);
 }
-int unlink(const char* path) noexcept {
-    return Call<int>(path, SYS_unlink, path);
-}
 ssize_t write(int file, const void* data, size_t size) {
     return Call<ssize_t>(file, SYS_write, file, data, size);
 }
-ssize_t pwrite(int file, const void* data, size_t size, off_t place) {
-    return Call<ssize_t>(file, SYS_pwrite64, file, data, size, place);
-}
 int fsync(int file) {
     return Call<int>(file, SYS_fsync, file);
-}
-int ftruncate(int file, off_t size) noexcept {
-    return Call<int>(file, SYS_ftruncate, file, size);
 }
 int fchmod(int file, mode_t mode) noexcept {
     return Call<int>(file, SYS_fchmod, file, mode);
@@ -87,12 +78,5 @@ int fchmod(int file, mode_t mode) noexcept {
 int setxattr(const char* path, const char* name, const void* data, size_t size,
              int flags) noexcept {
     return Call<int>(path, SYS_setxattr, path, name, data, size, flags);
-}
-int lsetxattr(const char* path, const char* name, const void* data, size_t size,
-              int flags) noexcept {
-    return Call<int>(path, SYS_lsetxattr, path, name, data, size, flags);
-}
-int fsetxattr(int file, const char* name, const void* data, size_t size, int flags) noexcept {
-    return Call<int>(file, SYS_fsetxattr, file, name, data, size, flags);
 }
 }

@@ -3,7 +3,6 @@
 #include <csignal>
 #include <fstream>
 #include <random>
-#include <sstream>
 #include <thread>
 
 #include "tests/desktop/DesktopTest.h"
@@ -57,11 +56,8 @@ TEST_F(LongTest, OfFiftyStartsAtOnceOneStays) {
     for (int round = 0; round < Scaled(10); ++round) {
         std::vector<std::unique_ptr<ChildProcess>> all;
         for (int i = 0; i < 50; ++i)
-            all.push_back(
-                std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {Program::Path()},
-                                                                     .environment = {},
-                                                                     .output = "/dev/null",
-                                                                     .errors = "/dev/null"}));
+            all.push_back(std::make_unique<ChildProcess>(
+                ChildProcess::Options{.arguments = {Program::Path()}, .errors = "/dev/null"}));
         const auto running = [&] {
             return std::count_if(all.begin(), all.end(),
                                  [](auto& one) { return one->IsRunning(); });

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
-#include <string>
 #include <unistd.h>
 #include <vector>
 

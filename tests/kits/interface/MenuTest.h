@@ -2,7 +2,6 @@
 
 #include <future>
 
-#include "kits/app/Message.h"
 #include "kits/interface/menus/PopUpMenu.h"
 #include "kits/interface/window/WindowRoster.h"
 #include "tests/kits/interface/InterfaceTest.h"
