@@ -31,6 +31,7 @@ protected:
     bool Receives(uint32 what) {
         return WaitUntil([&] { return window->CountReceived(what) == 1; });
     }
+
     static constexpr int kTitleX[] = {320, 356};
     static constexpr int kTitleY = 310;
 
@@ -60,6 +61,7 @@ TEST_F(WindowMenuTest, TheBarsMenusFollowThePointerAndKeys) {
     EXPECT_TRUE(WaitForMenus(0));
     EXPECT_TRUE(Receives('open'));
     // Arrows go around. F10 opens the bar at its first item.
+    WithLock(window, [&] { button->MakeFocus(true); });
     desk.Key(XK_F10);
     ASSERT_TRUE(WaitForOpen(file));
     EXPECT_TRUE(WaitForHighlight(file->ItemAt(0)));
@@ -93,6 +95,7 @@ TEST_F(WindowMenuTest, AFieldShowsItsMarkedItemAndOpensItOverTheBox) {
     EXPECT_TRUE(WaitForHighlight(digits->ItemAt(1))) << "not under the pointer";
     Click(digits->ItemAt(2));
     EXPECT_TRUE(Receives('dig4'));
+    EXPECT_TRUE(desk.IsInputFree());
     // By keys the marked item is selected first.
     WithLock(window, [&] { field->MakeFocus(true); });
     desk.Key(XK_space);
