@@ -79,6 +79,16 @@ TEST_F(MonitorTest, RenamesInAFolderEmptyFillAndReplaceSlots) {
     EXPECT_TRUE(UrlBecomes(1, 4, "http://new"));
 }
 
+TEST_F(MonitorTest, LongUrlIsCutToFiftyBytes) {
+    const std::string fifty(50, 'u');
+    gSettings->SetShowURL(true);
+    test::MakeBookmark(Root() / "1 - x" / "1 - a", fifty);
+    test::MakeBookmark(Root() / "1 - x" / "2 - b", fifty + "v");
+    Start();
+    EXPECT_EQ(Label(1, 1), "1 - a [" + fifty + "]");
+    EXPECT_EQ(Label(1, 2), "2 - b [" + fifty.substr(4) + "....]");
+}
+
 // Without a rebuild.
 TEST_F(MonitorTest, FolderThatGoesIsReplacedAndIsShownWhenItComesBack) {
     const fs::path one = Root() / "4 - one";
