@@ -11,6 +11,8 @@ using testing::ElementsAre;
 
 namespace {
 
+constexpr uint32_t kBlue = 0x0000ff, kDarkBlue = 0x000078, kRed = 0xff0000;
+
 class AboutTest : public DesktopTest {
 protected:
     std::vector<WindowInfo> Abouts() { return fProgram.Titled("About Quillbar"); }
@@ -41,11 +43,28 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     // Text and link are within their places: the columns and rows around them are the window's.
     fDesk.Settled(about.frame);
     const auto [linkX, linkY] = LinkIn(about);
-    EXPECT_GT(fDesk.Grab({linkX, linkY, 109, 16}).Count(0x0000ff), 50u);
     EXPECT_EQ(fDesk.Grab({linkX + 108, linkY, 2, 16}).Count(0xd8d8d8), 32u);
+    const auto turns = [&, place = Box{linkX, linkY, 109, 16}](uint32_t color) {
+        return WaitUntil([&] { return fDesk.Grab(place).Count(color) > 50; });
+    };
+    EXPECT_TRUE(turns(kBlue));
 
-    fDesk.Click(linkX + 30, linkY + 9);
+    // A press that moves by eleven pixels is no click.
+    for (const int pixels : {11, 10}) {
+        fDesk.MoveTo(linkX + 30, linkY + 9);
+        EXPECT_TRUE(turns(kDarkBlue));
+        fDesk.Press();
+        EXPECT_TRUE(turns(kRed));
+        fDesk.MoveTo(linkX + 30 + pixels, linkY + 9);
+        fDesk.Release();
+        fDesk.MoveTo(linkX + 30, linkY - 10);
+        EXPECT_TRUE(turns(kBlue));
+    }
     EXPECT_EQ(LastUrl(1), "http://quillbar.example/");
+    fApps.Uninstall("browser");
+    fDesk.Click(linkX + 30, linkY + 9);
+    DismissAlert();
+    Activate(about.id);
 
     fDesk.Click(linkX + 30, linkY + 9, 3);
     ASSERT_TRUE(MenusBecome(1));
