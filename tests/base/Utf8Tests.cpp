@@ -21,14 +21,6 @@ TEST(Utf8, TakesEachCharacterInItsOneForm) {
     }
 }
 
-TEST(Utf8, IsCutBetweenCharacters) {
-    const std::string text = "a\xe2\x82\xac\xff";
-    for (size_t room : {1, 2, 3})
-        EXPECT_EQ(CutUtf8(text, room), "a");
-    EXPECT_EQ(CutUtf8(text, 4), "a\xe2\x82\xac");
-    EXPECT_EQ(CutUtf8(text, 100), text);
-}
-
 TEST(Utf8, OneLineHasNoControlCharacters) {
     EXPECT_EQ(OneLineOf("\r\na\r\n\nb\tc\x01"
                         "d\xff"

@@ -27,17 +27,25 @@ TEST_F(HostileInputTest, SettingsOfNoMeaning) {
         settings.AddString("color", std::string(1000, 'x').c_str());
         settings.Flatten(&cases.emplace_back());
     }
+    BMessage words; // of another type than is meant; they stay
+    for (const char* name : {"browser", "pos", "align", "url", "ontop", "color"})
+        words.AddString(name, "text");
+    words.AddInt32("hotkey", 8);
+    words.Flatten(&cases.emplace_back());
     for (const std::string& settings : cases) {
         const bool isWhole = BMessage().Unflatten(settings.data(), settings.size()) == B_OK;
         std::ofstream(fProgram.SettingsFile(), std::ios::binary) << settings;
         fProgram.Start();
         EXPECT_TRUE(fDesk.Frame().Contains(fProgram.Content()));
+        ActivateBar();
+        ChooseSetting(setting::kUseOpera);
         EXPECT_EQ(fProgram.Stop(), 0);
-        EXPECT_TRUE(fProgram.Settings().HasData("pos", B_POINT_TYPE));
+        EXPECT_TRUE(fProgram.Settings().HasData("pos", B_POINT_TYPE) != (settings == cases.back()));
         const fs::path aside = fProgram.SettingsFile() += ".bad";
         EXPECT_EQ(fs::exists(aside) ? fs::file_size(aside) : 0, isWhole ? 0 : settings.size());
         fs::remove(aside);
     }
+    EXPECT_EQ(Program::TextIn(fProgram.SettingsFile()), cases.back());
 }
 
 TEST_F(HostileInputTest, OddFilesAndAttributes) {
@@ -53,14 +61,11 @@ TEST_F(HostileInputTest, OddFilesAndAttributes) {
     fs::create_directories(folder / "4 - Folder");
     SetAttribute(folder / "4 - Folder", "mime_type", kBookmarkType);
     mkfifo((folder / "5 - Pipe").c_str(), 0600);
-    mknod((folder / "6 - Socket").c_str(), S_IFSOCK | 0600, 0);
-    fs::create_symlink("nowhere", folder / "7 - Dangling");
-    fs::create_symlink("8 - Loop", folder / "8 - Loop");
+    fs::create_symlink("7 - Loop", folder / "7 - Loop");
     mkfifo((fProgram.Root() / "9 - Pipe").c_str(), 0600);
     fs::create_symlink(fProgram.Root(), fProgram.Root() / "8 - Circle");
-    for (const char* name : {"0 - Empty", "1 - Open", "2 - Ended"})
+    for (const char* name : {"1 - Open", "2 - Ended"})
         AddBookmark(2, name, "x");
-    SetAttribute(BookmarkPath(2, "0 - Empty"), "META:url", "");
     SetAttribute(BookmarkPath(2, "1 - Open"), "META:url", "http://no.nul.example/");
     SetAttribute(BookmarkPath(2, "2 - Ended"), "META:url", std::string("http://after\0nul", 16));
     SetAttribute(BookmarkPath(2, "2 - Ended"), "META:keyw", std::string(500, '\xff'));
@@ -70,8 +75,7 @@ TEST_F(HostileInputTest, OddFilesAndAttributes) {
     EXPECT_TRUE(fDesk.Frame().Contains(menu.Frame()));
     for (int slot = 0; slot < 9; ++slot)
         EXPECT_EQ(menu.Label(slot) == menu.Label(9), slot > 3) << slot;
-    const Box place = menu.Slot(2);
-    fDesk.Click(place.CenterX(), place.CenterY());
+    Click(menu.Slot(2));
     EXPECT_EQ(LastUrl(1), "http://odd.example/");
     ChooseSlot(2, 1);
     EXPECT_EQ(LastUrl(2), "http://no.nul.example/");

@@ -3,12 +3,10 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "kits/app/Message.h"
 #include "quillbar/base/Settings.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -39,27 +37,6 @@ protected:
 
     test::TemporaryHome fHome;
 };
-
-TEST_F(SettingsTest, FieldsOfAnotherTypeAreLeftAloneAndMissingOnesCanBeSet) {
-    BMessage message;
-    for (const char* name : {"browser", "pos", "align", "url", "ontop", "color"})
-        message.AddString(name, "text");
-    std::string text;
-    ASSERT_EQ(message.Flatten(&text), B_OK);
-    std::ofstream(File()) << text;
-    QBSettings settings(Path());
-    ASSERT_TRUE(settings.Load());
-    settings.SetBrowser(kQBOpera);
-    settings.SetPos({1, 1});
-    settings.SetColor({1, 1, 1, 1});
-    settings.SetHotKey(3);
-    settings.Save();
-    message.AddInt32("hotkey", 3);
-    ASSERT_EQ(message.Flatten(&text), B_OK);
-    std::ostringstream saved;
-    saved << std::ifstream(File()).rdbuf();
-    EXPECT_EQ(saved.str(), text);
-}
 
 TEST_F(SettingsTest, LinkStaysALink) {
     const fs::path target = fHome.Path() / "elsewhere";
