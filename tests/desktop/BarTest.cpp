@@ -59,12 +59,12 @@ TEST_F(BarTest, ADragEndsWhenAMenuTakesThePointerOrTheBarIsMinimised) {
 TEST_F(BarTest, AButtonIsDrawnPressedWhileThePointerIsInItUntilAMenuTakesIt) {
     ActivateBar();
     const Box button = fProgram.Button(0);
-    fDesk.MoveTo(button.CenterX(), button.CenterY());
+    PointAt(button);
     fDesk.Press();
     EXPECT_TRUE(ButtonTurns(kPressed));
     fDesk.MoveTo(600, 600);
     EXPECT_TRUE(ButtonTurns(kActive));
-    fDesk.MoveTo(button.CenterX(), button.CenterY());
+    PointAt(button);
     EXPECT_TRUE(ButtonTurns(kPressed));
     ReleaseOverTheMenuOfAKey();
     EXPECT_TRUE(ButtonTurns(kActive));
@@ -79,7 +79,7 @@ TEST_F(BarTest, ADragFromAButtonEndsOverTheStripWithoutTheSettings) {
     OpenSettings();
     CloseMenus();
     const Box button = fProgram.Button(0);
-    fDesk.MoveTo(button.CenterX(), button.CenterY());
+    PointAt(button);
     fDesk.Press();
     fDesk.MoveTo(30 + 15, 30 + 7);
     fDesk.Release();
@@ -91,19 +91,19 @@ TEST_F(BarTest, TheFirstClickOnTheCloseBoxOnlyActivates) {
     other.Activate();
     ASSERT_TRUE(ButtonTurns(kInactive));
     const Box box = fProgram.CloseBox();
-    fDesk.Click(box.CenterX(), box.CenterY());
+    Click(box);
     ASSERT_TRUE(ButtonTurns(kActive));
 
     // Pressed, moved out and released: nothing; released inside: the end.
     const auto middle = [&] { return fDesk.Pixel(box.CenterX(), box.CenterY()); };
-    fDesk.MoveTo(box.CenterX(), box.CenterY());
+    PointAt(box);
     fDesk.Press();
     EXPECT_TRUE(WaitUntil([&] { return middle() == kInactive; }));
     fDesk.MoveTo(600, 600);
     EXPECT_TRUE(WaitUntil([&] { return middle() == kActive; }));
     fDesk.Release();
     ExpectButtonWorks(3);
-    fDesk.Click(box.CenterX(), box.CenterY());
+    Click(box);
     EXPECT_EQ(fProgram.WaitForEnd(), 0);
     EXPECT_EQ(fProgram.Settings().GetPoint("pos", BPoint(0, 0)), BPoint(30, 30));
 }

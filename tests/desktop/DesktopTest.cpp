@@ -12,26 +12,22 @@ FolderMenu::FolderMenu(Desk& desk, const Program& program) {
     constexpr uint32_t kMark = 0x989898;
     const int column = fFrame.width - 5;
     const int row = fFrame.height - 5;
+    desk.MoveTo(fFrame.x + column, fFrame.y + row);
     const auto isMarked = [&](int y) { return fPicture.At(column, y) == kMark; };
-    const auto findMark = [&] {
+    const auto look = [&] {
         fPicture = desk.Settled(fFrame);
-        int top = row;
-        while (top > 0 && isMarked(top))
-            --top;
-        for (fBottom = row; fBottom < fFrame.height && isMarked(fBottom);)
-            ++fBottom;
-        fHeight = fBottom - top - 1;
         return isMarked(row);
     };
-    desk.MoveTo(fFrame.x + column, fFrame.y + row);
-    if (!WaitUntil(findMark))
+    if (!WaitUntil(look))
         throw std::runtime_error("the menu does not mark the item under the pointer");
-    const int height = fHeight;
-    const int bottom = fBottom;
+    int top = row;
+    while (top > 0 && isMarked(top))
+        --top;
+    for (fBottom = row; fBottom < fFrame.height && isMarked(fBottom);)
+        ++fBottom;
+    fHeight = fBottom - top - 1;
     desk.MoveTo(0, desk.Frame().height - 1);
-    WaitUntil([&] { return !findMark(); });
-    fHeight = height;
-    fBottom = bottom;
+    WaitUntil([&] { return !look(); });
 }
 
 Box FolderMenu::Slot(int digit) const {
@@ -67,24 +63,26 @@ void DesktopTest::AddBookmark(int folder, const std::string& name, const std::st
     MakeBookmark(BookmarkPath(folder, name), url);
 }
 
-void DesktopTest::ActivateBar() {
-    fDesk.Activate(fProgram.Bar().id);
-    ASSERT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(fProgram.Bar().id); }));
+void DesktopTest::Activate(xcb_window_t window) {
+    fDesk.Activate(window);
+    ASSERT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(window); }));
 }
 
-void DesktopTest::ClickButton(int digit) {
-    const Box button = fProgram.Button(digit);
-    fDesk.Click(button.CenterX(), button.CenterY());
+void DesktopTest::PointAt(const Box& place) {
+    fDesk.MoveTo(place.CenterX(), place.CenterY());
+}
+
+void DesktopTest::Click(const Box& place, int button) {
+    fDesk.Click(place.CenterX(), place.CenterY(), button);
 }
 
 FolderMenu DesktopTest::OpenFolder(int digit) {
-    ClickButton(digit);
+    Click(fProgram.Button(digit));
     return FolderMenu(fDesk, fProgram);
 }
 
 void DesktopTest::ChooseSlot(int folder, int slot) {
-    const Box place = OpenFolder(folder).Slot(slot);
-    fDesk.Click(place.CenterX(), place.CenterY());
+    Click(OpenFolder(folder).Slot(slot));
     EXPECT_TRUE(MenusBecome(0));
 }
 
@@ -102,7 +100,7 @@ void DesktopTest::CloseMenus() {
 }
 
 void DesktopTest::ExpectButtonWorks(int digit) {
-    ClickButton(digit);
+    Click(fProgram.Button(digit));
     ASSERT_TRUE(MenusBecome(1));
     CloseMenus();
 }
@@ -135,9 +133,7 @@ bool DesktopTest::AlertOpens() {
 
 void DesktopTest::DismissAlert() {
     ASSERT_TRUE(AlertOpens());
-    const WindowInfo alert = fProgram.Alerts()[0];
-    fDesk.Activate(alert.id);
-    ASSERT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(alert.id); }));
+    Activate(fProgram.Alerts()[0].id);
     fDesk.Key(XK_Return);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Alerts().empty(); }));
 }

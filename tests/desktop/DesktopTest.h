@@ -39,8 +39,11 @@ protected:
     std::filesystem::path BookmarkPath(int folder, const std::string& name) const;
     void AddBookmark(int folder, const std::string& name, const std::string& url) const;
 
-    void ActivateBar();
-    void ClickButton(int digit);
+    void Activate(xcb_window_t window);
+    void ActivateBar() { Activate(fProgram.Bar().id); }
+    // At the middle of a place on the screen.
+    void PointAt(const test::Box& place);
+    void Click(const test::Box& place, int button = 1);
     FolderMenu OpenFolder(int digit);
     void ChooseSlot(int folder, int slot);
     // Waits until that many menus are open, one of them inside the other, and get the keys: a menu

@@ -30,9 +30,9 @@ TEST_F(FolderMenuTest, AClickOpensItBesideTheButtonAndAnotherChooses) {
     EXPECT_NE(menu.Label(0), menu.Label(5));
     EXPECT_EQ(menu.Label(4), menu.Label(9));
     const Box place = menu.Slot(5);
-    fDesk.Click(place.CenterX(), place.CenterY(), 2); // of no meaning
+    Click(place, 2);                                  // of no meaning
     fDesk.Click(place.CenterX(), menu.Slot(0).y - 4); // the separator
-    fDesk.Click(place.CenterX(), place.CenterY(), 3);
+    Click(place, 3);
     EXPECT_EQ(fApps.WaitForLaunches(1),
               (std::vector<RecordedApps::Launch>{{"browser", {"http://five.example/"}}}));
     EXPECT_TRUE(MenusBecome(0));
@@ -97,11 +97,9 @@ TEST_F(FolderMenuTest, AHeldGrabOfAnotherProgramKeepsItShut) {
     ActivateBar();
     Peer other(fDesk);
     ASSERT_TRUE(other.GrabKeyboard());
-    ClickButton(3);
-    const auto isOpen = [&] { return !fProgram.Menus().empty(); };
-    if (WaitUntil(isOpen, std::chrono::milliseconds(700))) {
-        EXPECT_TRUE(WaitUntil([&] { return !isOpen(); }));
-    }
+    Click(fProgram.Button(3));
+    EXPECT_FALSE(MenusBecome(2, std::chrono::milliseconds(700)));
+    EXPECT_TRUE(WaitUntil([&] { return fProgram.Menus().empty(); }));
     other.Ungrab();
     OpenFolder(3);
     CloseMenus();

@@ -42,8 +42,7 @@ protected:
     void TypeAfter(const Keys& held, const Keys& keys) {
         for (const uint32_t key : held)
             fDesk.KeyDown(key);
-        for (const uint32_t key : held)
-            fDesk.KeyUp(key);
+        fDesk.LetGo();
         Type(keys);
     }
     void TypeAfterHotKey(const Keys& keys) { TypeAfter(fHotKey, keys); }
@@ -163,11 +162,7 @@ TEST_F(HotKeyTest, TheActiveBarHandlesDigitsItself) {
     EXPECT_EQ(fDesk.ActiveWindow(), fOther.Id());
     fDesk.KeyDown(XK_Alt_L);
     EXPECT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(fProgram.Bar().id); }));
-    for (const uint32_t key : {XK_Alt_L, XK_Control_R, XK_Shift_L})
-        fDesk.KeyUp(key);
-    fDesk.Key(XK_KP_3);
-    EXPECT_TRUE(MenusBecome(1));
-    CloseMenus();
+    fDesk.LetGo();
 }
 
 TEST_F(HotKeyTest, OnlyKeysOfAnAlertItselfAreKeptFromIt) {
@@ -180,8 +175,7 @@ TEST_F(HotKeyTest, OnlyKeysOfAnAlertItselfAreKeptFromIt) {
     EXPECT_TRUE(IsLaunched(kFive));
 
     const xcb_window_t alert = fProgram.Alerts()[0].id;
-    fDesk.Activate(alert);
-    ASSERT_TRUE(WaitUntil([&] { return fDesk.HasKeyboard(alert); }));
+    Activate(alert);
     TypeAfterHotKey({XK_KP_3, XK_KP_5});
     fOther.Activate();
     EXPECT_TRUE(NothingIsLaunched());

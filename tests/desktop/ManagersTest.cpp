@@ -120,22 +120,19 @@ protected:
     bool GetsFocus(xcb_window_t window) const {
         return WaitUntil([&] { return HasFocus(window); });
     }
-    testing::AssertionResult ContentBecomes(const Box& place) const {
-        if (WaitUntil([&] { return fProgram.Content() == place; }, std::chrono::seconds(3)))
-            return testing::AssertionSuccess();
-        const Box now = fProgram.Content();
-        return testing::AssertionFailure() << "at " << now.x << ", " << now.y;
+    bool ContentBecomes(const Box& place) const {
+        return WaitUntil([&] { return fProgram.Content() == place; }, std::chrono::seconds(3));
     }
     void ClickStrip() {
         const Box strip = fProgram.DragBar();
         fDesk.Click(strip.x + 17, strip.y + 8);
     }
-    void ActivateBar() {
+    void ActivateByClick() {
         ClickStrip();
         ASSERT_TRUE(GetsFocus(fProgram.Bar().id));
     }
     WindowInfo OpenAddWindow() {
-        ActivateBar();
+        ActivateByClick();
         fDesk.Key(XK_minus);
         EXPECT_TRUE(WaitUntil([&] { return fProgram.AddWindows().size() == 1; }));
         Settle();
@@ -220,7 +217,7 @@ TEST_P(ManagersTest, AClickOpensMenusActivatesAndMinimises) {
     Settle();
     EXPECT_TRUE(isCovered());
 
-    ActivateBar(); // else it does not quit
+    ActivateByClick(); // else it does not quit
     ChooseSetting(setting::kQuit);
     EXPECT_EQ(fProgram.WaitForEnd(), 0);
 }

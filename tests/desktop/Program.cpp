@@ -2,32 +2,18 @@
 
 #include <csignal>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
-#include <unistd.h>
 
 using namespace test;
-
-namespace {
-
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-void GiveAway(const std::filesystem::path& path) {
-    const uid_t user = ChildProcess::OrdinaryUser();
-    if (lchown(path.c_str(), user, user) != 0)
-        throw std::runtime_error("cannot give away " + path.string());
-}
-
-} // namespace
 
 Program::Program(Desk& desk, const TemporaryHome& home)
     : fHome(home)
     , fDesk(desk) {}
+
+std::string Program::TextIn(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 std::string Program::Path() {
     const char* other = getenv("QUILLBAR");
@@ -35,7 +21,7 @@ std::string Program::Path() {
 }
 
 BMessage Program::Settings() const {
-    const std::string text = ReadFile(SettingsFile());
+    const std::string text = TextIn(SettingsFile());
     BMessage settings;
     settings.Unflatten(text.data(), text.size());
     return settings;
@@ -49,9 +35,8 @@ void Program::WriteSettings(const BMessage& settings) const {
 
 void Program::Launch(bool asOrdinaryUser, const Variables& environment) {
     if (asOrdinaryUser) {
-        GiveAway(fHome.Path());
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(fHome.Path()))
-            GiveAway(entry.path());
+        const std::string user = std::to_string(ChildProcess::OrdinaryUser());
+        ChildProcess({.arguments = {"chown", "-hR", user + ":" + user, fHome.Path()}}).Wait();
     }
     fProcess =
         std::make_unique<ChildProcess>(ChildProcess::Options{.arguments = {Path()},
@@ -97,7 +82,7 @@ int Program::StartAgain() {
 }
 
 std::string Program::Errors() const {
-    return ReadFile(fHome.Path() / "errors");
+    return TextIn(fHome.Path() / "errors");
 }
 
 WindowInfo Program::Bar() const {

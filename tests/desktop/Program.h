@@ -16,6 +16,7 @@ public:
 
     // The program that is started: what QUILLBAR in the environment names, or the one built here.
     static std::string Path();
+    static std::string TextIn(const std::filesystem::path& path); // empty if it is not there
 
     // Where it keeps its things in the home folder.
     std::filesystem::path Root() const { return fHome.Config() / "Quillbar"; }

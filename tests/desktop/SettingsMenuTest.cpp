@@ -50,22 +50,20 @@ protected:
     }
 };
 
-TEST_F(BrowserTest, TheOnlyInstalledBrowserIsUsed) {
-    fApps.Uninstall("browser");
-    fProgram.Start();
-    ChooseSlot(2, 1);
-    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
-    EXPECT_EQ(fProgram.Stop(), 0);
-    EXPECT_EQ(fProgram.Settings().GetInt32("browser", -1), 0);
-}
-
-TEST_F(BrowserTest, TheChosenOneIsSavedAtOnce) {
+TEST_F(BrowserTest, TheChosenOneIsSavedAtOnceAndTheOnlyInstalledOneIsUsed) {
     fProgram.Start();
     ActivateBar();
     ChooseSetting(setting::kUseOpera);
     EXPECT_TRUE(WaitUntil([&] { return fProgram.Settings().GetInt32("browser", -1) == 0; }));
     ChooseSlot(2, 1);
     EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
+    EXPECT_EQ(fProgram.Stop(), 0);
+    fApps.Uninstall("opera");
+    fProgram.Start();
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(2).at(1).app, "browser");
+    EXPECT_EQ(fProgram.Stop(), 0);
+    EXPECT_EQ(fProgram.Settings().GetInt32("browser", -1), 1);
 }
 
 TEST_F(BrowserTest, WithoutABrowserAnAlertSaysSoBeforeTheBarComes) {

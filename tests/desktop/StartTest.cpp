@@ -1,7 +1,5 @@
 // First start, what the window manager is told, and what lasts over a restart.
 
-#include <csignal>
-
 #include "base/Color.h"
 #include "tests/desktop/DesktopTest.h"
 
@@ -93,38 +91,11 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     CloseMenus();
     ChooseSlot(2, 1);
     EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
-    ChooseSetting(setting::kUseNetPositive);
     ChooseSetting(setting::kShowUrl, setting::kYes);
     EXPECT_EQ(OpenFolder(2).Frame().width, width);
     CloseMenus();
-    ChooseSlot(2, 1);
-    EXPECT_EQ(fApps.WaitForLaunches(2).at(1).app, "browser");
     ChooseSetting(setting::kAlwaysOnTop);
     EXPECT_TRUE(WaitUntil([&] { return !isAbove(); }));
-}
-
-TEST_F(StartTest, ASecondStartOrTheTaskBarWakesTheFirst) {
-    fProgram.Start();
-    const auto isMinimised = [&] {
-        return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_HIDDEN");
-    };
-    for (const bool byTaskBar : {false, true}) {
-        const Box bar = fProgram.DragBar();
-        // Elsewhere the second time: in the same place it might count as a third click.
-        fDesk.DoubleClick(bar.x + (byTaskBar ? 4 : 15), bar.y + 12);
-        ASSERT_TRUE(WaitUntil(isMinimised));
-        if (byTaskBar)
-            fDesk.Activate(fProgram.Bar().id);
-        else
-            EXPECT_EQ(fProgram.StartAgain(), 0);
-        EXPECT_TRUE(WaitUntil(
-            [&] { return fProgram.Bar().viewable && fDesk.HasKeyboard(fProgram.Bar().id); }));
-        EXPECT_FALSE(isMinimised());
-        EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
-    }
-    fProgram.Signal(SIGSTOP);
-    EXPECT_EQ(fProgram.StartAgain(), 1) << "beside one that does not answer";
-    fProgram.Signal(SIGCONT);
 }
 
 } // namespace

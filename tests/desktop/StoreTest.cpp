@@ -63,7 +63,7 @@ TEST_F(StoreTest, ChangesWhileAMenuIsOpenAreThereWhenItOpensNext) {
     // Until the bar has been notified, for which a move waits for its other half; the open menu
     // does not show it.
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    fDesk.Click(place.CenterX(), place.CenterY());
+    Click(place);
     EXPECT_EQ(LastUrl(1), "http://three.example/");
     EXPECT_TRUE(SlotBecomes(2, 6, true));
     EXPECT_TRUE(SlotBecomes(2, 1, false));

@@ -43,7 +43,7 @@ TEST_F(LongTest, SigtermAtAnyMomentEndsItWithWholeSettings) {
         fProgram.Launch();
         const bool isUp = round % 2 == 0 && fProgram.WaitForBar();
         if (isUp)
-            ClickButton(2);
+            Click(fProgram.Button(2));
         Rest(Random(isUp ? 30 : 150));
         const int status = fProgram.Stop();
         // Before it listens to signals it ends as any program does.
