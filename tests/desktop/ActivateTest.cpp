@@ -141,11 +141,6 @@ TEST_F(ActivateTest, TheDesktopsNameForTheKeyIsHandedOn) {
     expectStart("remove: ID=\"token-of", "-wayland\"");
     EXPECT_TRUE(MenuIsAt(1));
     CloseMenus();
-    // A second start does the same.
-    ChildProcess again({.arguments = {Program::Path()},
-                        .environment = {{"DESKTOP_STARTUP_ID", "longer-than-one_TIME7"}}});
-    expectStart("remove: ID=\"longer-t", "han-one_TIME7\"");
-    EXPECT_EQ(again.Wait(), 0);
 }
 
 // As under Wayland, where a press in another program's window reaches no grab.

@@ -87,6 +87,18 @@ TEST_F(AddBookmarkTest, ABrowsedBookmarkIsRewrittenAndTheBarKeepsItsMenus) {
     EXPECT_EQ(Attribute("1 - Sites", "META:title"), std::string("Sites\0", 6));
     EXPECT_FALSE(std::filesystem::exists(BookmarkPath(2, "1 - Site")));
 
+    // It follows changes of the store.
+    OpenWindow();
+    ChooseLocation(fPlace, 2, 1);
+    EXPECT_TRUE(LocationChangesIn(fPlace, [&] {
+        std::filesystem::rename(BookmarkPath(2, "1 - Sites"), BookmarkPath(2, "1 - Place"));
+    }));
+    fDesk.Key(XK_End);
+    fDesk.Type("s");
+    Alt(XK_d);
+    ASSERT_TRUE(WindowCloses());
+    EXPECT_EQ(Attribute("1 - Places", "META:url"), std::string("http://site.example/\0", 21));
+
     // It may end while such a menu is open.
     OpenWindow();
     ClickBrowse(3);

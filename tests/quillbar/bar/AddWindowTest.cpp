@@ -51,30 +51,20 @@ protected:
     static fs::path Root() { return RunApplication().Config() / "Quillbar"; }
     static bool IsOpen() { return QBBookmarkWindow::fMsgWindow.Get().IsValid(); }
 
-    // Asks for the window with slot digit 7 of folder digit 2.
-    void Ask() {
-        BMessage preset(kQBAddBookmarkHere);
-        preset.AddInt32("folder", 3);
-        preset.AddInt32("slot", 8);
-        fWindow->PostMessage(&preset);
-    }
     void Show() {
         fWindow = new QBMainWindow(BRect(200, 150, 0, 0));
         fWindow->Show();
     }
     static void SendToIt(uint32 what) { QBBookmarkWindow::fMsgWindow.Get().SendMessage(what); }
-    static std::string Text(const char* name) {
+    static std::string Url() {
         const BMessenger target = QBBookmarkWindow::fMsgWindow.Get();
         BLooper* looper = nullptr;
         if (!target.LockTarget() || !target.Target(&looper))
             return "the window is gone";
         BView& top = *static_cast<QBBookmarkWindow*>(looper)->ChildAt(0);
-        std::string text = dynamic_cast<BTextControl&>(*ViewNamed(top, name)).Text();
+        std::string url = dynamic_cast<BTextControl&>(*ViewNamed(top, "qb_editinfo_url")).Text();
         looper->Unlock();
-        return text;
-    }
-    static bool TextBecomes(const char* name, const std::string& text) {
-        return WaitUntil([&] { return Text(name) == text; });
+        return url;
     }
 
     test::RecordedApps fApps{RunApplication()};
@@ -92,23 +82,6 @@ TEST_F(AddWindowTest, ASlotThatWasEmptiedUnderItsOpenMenuLaunchesNothing) {
     }
     EXPECT_EQ(fApps.WaitForLaunches(1),
               (std::vector<test::RecordedApps::Launch>{{"browser", {"http://paper"}}}));
-}
-
-TEST_F(AddWindowTest, ItFollowsChangesOfTheStore) {
-    test::MakeBookmark(Root() / "2 - News" / "7 - Paper", "http://paper", "daily");
-    test::MakeBookmark(Root() / "1 - Other" / "7 - Else", "http://else");
-    Show();
-    Ask();
-    ASSERT_TRUE(TextBecomes("qb_editinfo_name", "Paper"));
-    EXPECT_EQ(Text("qb_editinfo_keywords"), "daily");
-    fs::rename(Root() / "2 - News" / "7 - Paper", Root() / "2 - News" / "7 - Journal");
-    EXPECT_TRUE(TextBecomes("qb_editinfo_name", "Journal"));
-    fs::rename(Root() / "2 - News", Root() / "2 - Press");
-    EXPECT_TRUE(TextBecomes("qb_location_keyword", "Press"));
-    fs::remove_all(Root() / "2 - Press");
-    EXPECT_TRUE(TextBecomes("qb_editinfo_url", ""));
-    SendToIt(QBFolder[1]);
-    EXPECT_TRUE(TextBecomes("qb_editinfo_url", "http://else")) << "the same slot of this folder";
 }
 
 // The bar tells the window of each change while the window comes and goes, and one that is sent a
@@ -132,7 +105,7 @@ TEST_F(AddWindowTest, ADroppedLinkFindsAWindowInAStorm) {
         link.AddString("be:clip_name", "Name");
         link.SetWasDropped(true);
         fWindow->PostMessage(&link);
-        isThere = TextBecomes("qb_editinfo_url", url);
+        isThere = WaitUntil([&] { return Url() == url; });
         EXPECT_TRUE(isThere) << url;
         SendToIt(B_QUIT_REQUESTED);
     }
@@ -140,7 +113,7 @@ TEST_F(AddWindowTest, ADroppedLinkFindsAWindowInAStorm) {
     storm.join();
     // The bar may go while the window is there.
     EXPECT_TRUE(WaitUntil([] { return !IsOpen(); }));
-    Ask();
+    fWindow->PostMessage(kQBAddBookmark);
     EXPECT_TRUE(WaitUntil(IsOpen));
 }
 
