@@ -161,8 +161,10 @@ std::optional<std::string> Peer::Ask(const std::string& selection, const std::st
 
 // Drags from here.
 
-std::optional<bool> Peer::Drop(xcb_window_t target, int x, int y,
-                               const std::vector<std::string>& types) {
+std::optional<bool> Peer::Drop(xcb_window_t target, int x, int y, std::vector<std::string> types) {
+    if (types.empty())
+        std::ranges::transform(offered, std::back_inserter(types),
+                               [](const auto& entry) { return entry.first; });
     Own("XdndSelection");
     Enter(target, types);
     Move(target, x, y);

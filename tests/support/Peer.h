@@ -66,9 +66,9 @@ public:
     void Ungrab();
 
     // Drop: what the target answers to a drop at that place of the screen; nothing if it does not
-    // answer in time. And its steps.
+    // answer in time. Without types these are what is offered. And its steps.
     std::optional<bool> Drop(xcb_window_t target, int x, int y,
-                             const std::vector<std::string>& types);
+                             std::vector<std::string> types = {});
     void Enter(xcb_window_t target, const std::vector<std::string>& types);
     void Move(xcb_window_t target, int x, int y);
     void LetGo(xcb_window_t target) {

@@ -17,7 +17,11 @@ protected:
     // A white colour chooser's.
     const std::string white = std::string(8, '\xff');
 
-    std::optional<bool> Drop(const std::string& type) { return partner.Drop(id, 110, 130, {type}); }
+    // Drops what is offered.
+    std::optional<bool> Drop(const std::map<std::string, Peer::Data>& forms) {
+        partner.offered = forms;
+        return partner.Drop(id, 110, 130);
+    }
 
     TestWindow window = display.CreateShown(BarSpec({100, 100, 140, 300}));
     const xcb_window_t id = window.id;
@@ -43,21 +47,10 @@ TEST_F(DropInTest, AColorAmongManyTypesIsReadOnceHoweverFarItIsDragged) {
 }
 
 TEST_F(DropInTest, RefusesWhatIsNoColorAndWhatComesOutOfOrder) {
-    const uint32 huge = 200u << 20;
-    const Peer::Data refused[] = {
-        {white.substr(2), 16},
-        {white + "\xff\xff", 16},
-        {std::string(3'000'000, '\xff'), 16},
-        {std::string(reinterpret_cast<const char*>(&huge), 4), 32, "INCR"},
-    };
-    for (const Peer::Data& data : refused) {
-        partner.offered[kColorType] = data;
-        EXPECT_EQ(Drop(kColorType), false) << data.bytes.size();
-    }
-    for (const char* text : {"", "#12345", "#1234567", "#12345g", "# 12345", "#+12345"}) {
-        partner.offered["text/plain"] = {text};
-        EXPECT_EQ(Drop("text/plain"), false) << text;
-    }
+    for (const Peer::Data& data : {Peer::Data{white.substr(2), 16}, {white + "\xff\xff", 16}})
+        EXPECT_EQ(Drop({{kColorType, data}}), false) << data.bytes.size();
+    for (const char* text : {"", "#12345", "#1234567", "#12345g", "# 12345", "#+12345"})
+        EXPECT_EQ(Drop({{"text/plain", {text}}}), false) << text;
     partner.Move(id, 110, 130); // has left
     EXPECT_EQ(partner.AwaitStatus(), false);
     partner.Enter(id, {kColorType});
@@ -66,29 +59,11 @@ TEST_F(DropInTest, RefusesWhatIsNoColorAndWhatComesOutOfOrder) {
     EXPECT_TRUE(window.events->All<ColorDropped>().empty());
 }
 
-TEST_F(DropInTest, OutlivesASourceThatStops) {
-    partner.offered[kColorType] = {"", 0};
-    EXPECT_EQ(Drop(kColorType), false);
-    // The next one need not wait for it.
-    partner.offered[kColorType] = {white, 16};
-    EXPECT_EQ(Drop(kColorType), true);
-}
-
 class LinkTest : public DragTest {
 protected:
     LinkTest() { window->AcceptLinks(); }
 
-    void Offer(const std::map<std::string, Peer::Data>& forms) {
-        partner.offered = forms;
-        types.clear();
-        for (const auto& [type, data] : forms)
-            types.push_back(type);
-    }
-    std::optional<bool> DropAll() { return partner.Drop(id, 110, 130, types); }
-    Link Dropped() const { return window.events->Last<LinkDropped>().link; }
-    std::string DroppedFile() const { return window.events->Last<LinkDropped>().file; }
-
-    std::vector<std::string> types;
+    LinkDropped Dropped() const { return window.events->Last<LinkDropped>(); }
 };
 
 TEST_F(LinkTest, IsTakenInTheMostTellingForm) {
@@ -101,38 +76,32 @@ TEST_F(LinkTest, IsTakenInTheMostTellingForm) {
                                     {"text/uri-list", "https://list/"},
                                     {"text/html", "https://html/"},
                                     {"UTF8_STRING", "https://text/"}}) {
-        Offer(offers);
-        EXPECT_EQ(DropAll(), true);
-        EXPECT_EQ(Dropped().url, url);
+        EXPECT_EQ(Drop(offers), true);
+        EXPECT_EQ(Dropped().link.url, url);
         offers[type] = {"javascript:alert(1)"}; // of no use from now on
     }
-    Offer(offers);
-    EXPECT_EQ(DropAll(), false);
-    Offer({{"UTF8_STRING", {"#a0b0c0"}}});
-    EXPECT_EQ(DropAll(), true);
+    EXPECT_EQ(Drop(offers), false);
+    EXPECT_EQ(Drop({{"UTF8_STRING", {"#a0b0c0"}}}), true);
     EXPECT_EQ(window.events->All<ColorDropped>().size(), 1u);
     // Windows that do not ask for links.
     TestWindow other = display.CreateShown({.frame = {300, 400, 380, 500}});
-    Offer({{"UTF8_STRING", {"https://text/"}}});
-    EXPECT_EQ(partner.Drop(other.id, 310, 410, types), false);
+    partner.offered = {{"UTF8_STRING", {"https://text/"}}};
+    EXPECT_EQ(partner.Drop(other.id, 310, 410), false);
 }
 
 // Nothing is ever taken from the other program.
 TEST_F(LinkTest, IsLinkedOrCopiedAndMayBeAFileOfThisMachine) {
-    Offer({{"text/uri-list", {"file:///a/My%20page.url#x\n"}}});
     for (const auto& [action, agreed] : {std::pair{"XdndActionLink", "XdndActionLink"},
                                          {"XdndActionCopy", "XdndActionCopy"},
                                          {"XdndActionMove", "XdndActionCopy"}}) {
         partner.proposed = action;
-        EXPECT_EQ(DropAll(), true);
+        EXPECT_EQ(Drop({{"text/uri-list", {"file:///a/My%20page.url#x\n"}}}), true);
         EXPECT_EQ(partner.agreed, agreed);
     }
-    EXPECT_EQ(DroppedFile(), "/a/My page.url");
-    Offer({{"text/uri-list", {"file://elsewhere/a.html"}}});
-    EXPECT_EQ(DropAll(), false);
-    Offer({{"text/uri-list", {"file:///a/b.html"}}});
-    EXPECT_EQ(DropAll(), true);
-    EXPECT_EQ(DroppedFile(), "");
+    EXPECT_EQ(Dropped().file, "/a/My page.url");
+    EXPECT_EQ(Drop({{"text/uri-list", {"file://elsewhere/a.html"}}}), false);
+    EXPECT_EQ(Drop({{"text/uri-list", {"file:///a/b.html"}}}), true);
+    EXPECT_EQ(Dropped().file, "");
 }
 
 TEST_F(LinkTest, IsNotLookedForInWhatIsEndless) {
@@ -146,13 +115,11 @@ TEST_F(LinkTest, IsNotLookedForInWhatIsEndless) {
         {std::string(65536, '\xff')},
     };
     for (const Peer::Data& data : endless) {
-        Offer({{"text/x-moz-url", data}, {"text/html", data}, {"UTF8_STRING", data}});
-        EXPECT_EQ(DropAll(), false) << data.bytes.size();
-        partner.offered["UTF8_STRING"] = {"http://a/"};
-        EXPECT_EQ(DropAll(), true);
+        EXPECT_EQ(Drop({{"text/html", data}, {"UTF8_STRING", data}}), false) << data.bytes.size();
+        EXPECT_EQ(Drop({{"text/x-moz-url", data}, {"UTF8_STRING", {"http://a/"}}}), true);
     }
     // The parts of a long one that come without an end.
-    Offer({});
+    partner.offered.clear();
     partner.Own("XdndSelection");
     partner.Enter(id, {"UTF8_STRING"});
     partner.Move(id, 110, 130);
@@ -166,8 +133,8 @@ TEST_F(LinkTest, IsNotLookedForInWhatIsEndless) {
     partner.LetGo(id);
     EXPECT_EQ(partner.AwaitFinish(), false);
     // One that never answers is not asked for the next form.
-    Offer({{"text/x-moz-url", {"", 0}}, {"UTF8_STRING", {"http://a/"}}});
-    EXPECT_EQ(DropAll(), false);
+    EXPECT_EQ(Drop({{"text/x-moz-url", {"", 0}}, {"UTF8_STRING", {"http://a/"}}}), false);
+    EXPECT_EQ(Drop({{kColorType, {white, 16}}}), true) << "need not wait for it";
 }
 
 TEST_F(DropInTest, SurvivesAnyMessages) {
@@ -193,7 +160,7 @@ TEST_F(DropInTest, SurvivesAnyMessages) {
     display.AwaitEvents();
     Peer later(desk);
     later.offered = partner.offered;
-    EXPECT_EQ(later.Drop(id, 110, 130, {kColorType}), true);
+    EXPECT_EQ(later.Drop(id, 110, 130), true);
 }
 
 class NoFiles : public DragSink {

@@ -10,18 +10,6 @@ using WindowTest = X11Test;
 
 constexpr PixelRect kFrame{200, 200, 400, 300};
 
-TEST_F(WindowTest, FollowsTheWindowManager) {
-    TestWindow window = display.CreateShown({.frame = kFrame});
-    // As a person drags it: the window manager moves its own frame, the window in it stays put.
-    constexpr uint32 kStaticGravityAndBothPlaces = XCB_GRAVITY_STATIC | 1 << 8 | 1 << 9 | 2 << 12;
-    peer.Send(desk.Root(), window.id, "_NET_MOVERESIZE_WINDOW",
-              {kStaticGravityAndBothPlaces, 240, 225}, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
-    EXPECT_TRUE(WaitUntil([&] {
-        return window.events->Last<FrameChanged>().frame == PixelRect{240, 225, 440, 325};
-    }));
-    EXPECT_EQ(desk.Describe(window.id).frame, (Box{240, 225, 200, 100}));
-}
-
 TEST_F(WindowTest, AlertStandsAboveTheFloatingBar) {
     TestWindow bar = display.CreateShown(BarSpec({100, 80, 340, 112}));
     TestWindow alert =
