@@ -63,24 +63,6 @@ Values ValuesOf(const BMessage& message, const char* name) {
     return values;
 }
 
-TEST(Message, DataIsTakenOnlyForWhatItsTypeAllows) {
-    BMessage message;
-    message.AddInt32("n", 1);
-    EXPECT_EQ(B_BAD_TYPE, message.AddString("n", "x"));
-    EXPECT_EQ(B_BAD_TYPE, message.ReplaceData("n", B_BOOL_TYPE, "x", 1));
-    EXPECT_EQ(B_BAD_VALUE, message.AddData("m", B_INT32_TYPE, "abc", 3));
-    EXPECT_EQ("kept", std::string(message.GetString("n", "kept")));
-    EXPECT_EQ(1, message.GetInt32("n", 0));
-    // Any byte is a bool; a string needs no NUL but an entry does.
-    message.AddData("bool", B_BOOL_TYPE, "\xd8", 1);
-    EXPECT_TRUE(message.GetBool("bool"));
-    message.AddData("string", B_STRING_TYPE, "abc", 3);
-    EXPECT_STREQ("abc", message.GetString("string"));
-    message.AddData("ref", B_REF_TYPE, "0123456789abcdef", 16);
-    entry_ref ref;
-    EXPECT_EQ(B_BAD_DATA, message.FindRef("ref", &ref));
-}
-
 TEST(MessageText, IsReadable) {
     EXPECT_EQ(R"({
     "what": "qbAs",

@@ -34,15 +34,9 @@ TEST_F(MenuTest, KeysSelectWhatCanBeChosen) {
         EXPECT_TRUE(WaitForHighlight(menu.ItemAt(index))) << key << ", " << index;
     }
     // A pointer that moves again takes the selection back.
-    const Box place = Place(menu.ItemAt(2));
-    desk.MoveTo(place.x + 3, place.CenterY());
+    PointAt(menu.ItemAt(2));
     EXPECT_TRUE(WaitForHighlight(menu.ItemAt(2)));
-    desk.Key(XK_KP_Enter);
-    EXPECT_EQ(Answer(), menu.ItemAt(2));
-    // The letter of one item alone chooses it.
-    menu.ItemAt(1)->SetLabel("Lower");
-    Open();
-    desk.Key(XK_o);
+    desk.Key(XK_o); // the letter of one that can be chosen
     EXPECT_EQ(Answer(), menu.ItemAt(0));
 }
 
