@@ -79,17 +79,6 @@ protected:
     bool Kills() const { return GetParam(); }
     fs::path Log() const { return fHome.Path() / "faults"; }
 
-    // Starts the program whose call number `call` on such a path meets a fault once armed.
-    void StartWithFault(const std::string& path, int call) {
-        fs::remove(Log());
-        std::map<std::string, std::string> variables = {{"LD_PRELOAD", FAULTY_CALLS},
-                                                        {"FAULT_PATH", path},
-                                                        {"FAULT_LOG", Log()},
-                                                        {"FAULT_AT", std::to_string(call)}};
-        if (Kills())
-            variables["FAULT_KILLS"] = "1";
-        fProgram.Start(variables);
-    }
     void Arm() const { std::ofstream(Log()).flush(); }
 
     // Meets a fault at each call to such a path in what `save` arms and does. What it leaves has to
@@ -100,7 +89,14 @@ protected:
         for (bool came = true; came && call < 100; ++call) {
             fs::remove_all(BookmarkPath(2, "").parent_path());
             AddBookmark(2, "4 - Old", "http://old.example/");
-            StartWithFault(path, call);
+            fs::remove(Log());
+            std::map<std::string, std::string> variables = {{"LD_PRELOAD", FAULTY_CALLS},
+                                                            {"FAULT_PATH", path},
+                                                            {"FAULT_LOG", Log()},
+                                                            {"FAULT_AT", std::to_string(call)}};
+            if (Kills())
+                variables["FAULT_KILLS"] = "1";
+            fProgram.Start(variables);
             save();
             const int status = fProgram.Stop();
             came = fs::file_size(Log()) >= static_cast<size_t>(call);

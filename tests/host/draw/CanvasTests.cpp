@@ -68,6 +68,17 @@ TEST_P(AtScale, ShapesMeetWithoutHoleOverlapOrShade) {
     EXPECT_THAT(PixelsOf(canvas.Picture(), all), Each(testing::AnyOf(kRedPixel, kBluePixel)));
 }
 
+TEST_P(AtScale, LinesAreUnbroken) {
+    const BPoint from(3, 4), to(30, 21);
+    canvas.StrokeLine(to, from, kRed);
+    const PixelRect first = canvas.Snap({from, from}), last = canvas.Snap({to, to});
+    const Image picture = canvas.Picture();
+    EXPECT_EQ(InkOf(picture), (PixelRect{first.left, first.top, last.right, last.bottom}));
+    for (int x = first.left; x < last.right; x++)
+        EXPECT_THAT(PixelsOf(picture, {x, first.top, x + 1, last.bottom}),
+                    testing::Contains(kRedPixel));
+}
+
 TEST_P(AtScale, TextMeasuresAsItIsDrawn) {
     const double scale = GetParam();
     const FontSpec font{12, true};

@@ -6,7 +6,11 @@ namespace {
 
 class InputMethodTest : public testing::Test {
 protected:
-    InputMethodTest() { MoveCaret(20); }
+    InputMethodTest() {
+        MoveCaret(20);
+        window->Activate();
+        EXPECT_TRUE(window.BecomesActive());
+    }
     ~InputMethodTest() override { unsetenv("XMODIFIERS"); }
 
     // A text field has the focus, or none.
@@ -49,7 +53,7 @@ protected:
     Desk& desk = Desk::Shared();
     TestDisplay display{desk};
     std::unique_ptr<test::InputServer> server = std::make_unique<test::InputServer>(desk);
-    TestWindow window = display.CreateActive();
+    TestWindow window = display.CreateShown({.frame = {100, 100, 300, 300}});
 };
 
 TEST_F(InputMethodTest, TakesOnlyTheKeysOfATextFieldInTheirOrder) {

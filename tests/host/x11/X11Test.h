@@ -136,12 +136,6 @@ public:
         EXPECT_TRUE(WaitUntil([&] { return fDesk.IsViewable(made.id); }));
         return made;
     }
-    TestWindow CreateActive() {
-        TestWindow made = CreateShown({.frame = {100, 100, 300, 300}});
-        made->Activate();
-        EXPECT_TRUE(made.BecomesActive());
-        return made;
-    }
 
     // Returns when the display thread has handled all events that the server has sent so far.
     void AwaitEvents() {

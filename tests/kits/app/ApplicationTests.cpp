@@ -69,17 +69,6 @@ private:
     void (*const fWork)();
 };
 
-void SetHooks() {
-    session_hooks hooks;
-    hooks.dismiss = [] { Say("dismiss"); };
-    hooks.allow = [] { Say("allow"); };
-    hooks.quit_windows = [] {
-        Say("quit windows");
-        return !std::exchange(sRefuses, false);
-    };
-    set_session_hooks(hooks);
-}
-
 [[noreturn]] void Live(
     void (*work)(), void (*beforeRun)() = [] {}) {
     app_resources resources;
@@ -91,7 +80,14 @@ void SetHooks() {
         Program program(work);
         program.PostMessage('work');
         beforeRun();
-        SetHooks();
+        session_hooks hooks;
+        hooks.dismiss = [] { Say("dismiss"); };
+        hooks.allow = [] { Say("allow"); };
+        hooks.quit_windows = [] {
+            Say("quit windows");
+            return !std::exchange(sRefuses, false);
+        };
+        set_session_hooks(hooks);
         program.SetEmergencyAction([] {
             Say("saved");
             Hang();

@@ -52,18 +52,6 @@ protected:
         EXPECT_FALSE(messenger.IsValid());
     }
 
-    // Starts the looper with `call` in progress and one more message that it never handles.
-    void RunBusy(const std::function<void()>& call) {
-        std::atomic<bool> isBusy = false;
-        looper->call = [&isBusy, call](TestLooper&) {
-            isBusy = true;
-            call();
-        };
-        looper->PostMessage('call');
-        looper->PostMessage('lost');
-        looper->Run();
-        ASSERT_TRUE(WaitUntil([&] { return isBusy.load(); }));
-    }
     // The number of codes when the looper has handled what was posted before.
     size_t Settled() {
         const size_t before = log.All().size();
@@ -82,13 +70,19 @@ TEST_F(LooperTest, ThreadsThatWaitForItsLockAreRefusedWhenItIsDeleted) {
     BHandler handler;
     looper->AddHandler(&handler);
     const BMessenger toHandler(&handler);
+    std::atomic<bool> isBusy = false;
     std::atomic<int> waiting = 0;
-    RunBusy([&] {
+    looper->call = [&](TestLooper&) {
+        isBusy = true;
         while (waiting < 4)
             snooze(500);
         looper->Quit();
         log.Add('quit');
-    });
+    };
+    looper->PostMessage('call');
+    looper->PostMessage('lost');
+    looper->Run();
+    ASSERT_TRUE(WaitUntil([&] { return isBusy.load(); }));
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&, i] {

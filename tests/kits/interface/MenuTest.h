@@ -74,14 +74,13 @@ protected:
         desk.Press(button);
         desk.Release(button);
     }
-    bool IsHighlighted(const BMenuItem* item) {
-        const rgb_color color = ui_color(B_MENU_SELECTION_BACKGROUND_COLOR);
-        const test::Box place = Place(item);
-        return desk.Pixel(place.x + 2, place.y + 2) ==
-               (uint32_t{color.red} << 16 | uint32_t{color.green} << 8 | color.blue);
-    }
     bool WaitForHighlight(const BMenuItem* item) {
-        return test::WaitUntil([&] { return IsHighlighted(item); });
+        const rgb_color color = ui_color(B_MENU_SELECTION_BACKGROUND_COLOR);
+        const uint32_t pixel = uint32_t{color.red} << 16 | uint32_t{color.green} << 8 | color.blue;
+        return test::WaitUntil([&] {
+            const test::Box place = Place(item);
+            return desk.Pixel(place.x + 2, place.y + 2) == pixel;
+        });
     }
 
     BPopUpMenu menu{"menu", false, false};
