@@ -67,16 +67,14 @@ TEST(DescriptorWatch, MayEndItselfAndKeepsItsFunctionUntilThatReturns) {
     std::optional<DescriptorWatch> watch;
     auto held = std::make_shared<int>(5);
     const std::weak_ptr<int> watched = held;
-    std::mutex mutex;
-    {
-        std::lock_guard lock(mutex);
+    // Where it is called, too: it may not be called before it is made.
+    ServiceLoop::Shared().InvokeAndWait([&] {
         watch.emplace(ends[0], [&, held = std::move(held)] {
-            std::lock_guard inner(mutex);
             watch.reset();
             EXPECT_EQ(5, *held);
             ++calls;
         });
-    }
+    });
     close(ends[1]); // The peer hangs up.
     EXPECT_TRUE(Reaches(calls, 1));
     Settle();

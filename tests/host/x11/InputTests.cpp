@@ -1,6 +1,5 @@
 #include <X11/keysym.h>
 #include <future>
-#include <thread>
 #include <xcb/xinput.h>
 
 #include "host/x11/keys/ClickCounter.h"
@@ -75,31 +74,6 @@ TEST_F(InputTest, ARefusedGrabLeavesThePressItsRelease) {
     EXPECT_TRUE(menu.events->Await<ButtonReleased>());
     peer.Ungrab();
     EXPECT_EQ(menu->GrabInput(0), B_OK);
-}
-
-TEST_F(InputTest, AClickThatActivatesAndOpensAMenuIsNoLossOfTheFocus) {
-    TestWindow bar = display.CreateShown(BarSpec({100, 80, 340, 112}));
-    PlainWindow elsewhere(desk, {600, 300, 200, 100});
-    TestWindow menu = display.Create(kMenu);
-    for (int x : {110, 130, 150}) {
-        elsewhere.Activate();
-        display.AwaitEvents();
-        const int before = display.Sink().focusLosses;
-        bar.events->Take();
-        desk.MoveTo(x, 90);
-        desk.Press();
-        ASSERT_TRUE(bar.events->Await<ButtonPressed>());
-        ASSERT_EQ(menu->GrabInput(300'000), B_OK) << "not shown before it has the input";
-        menu->Show();
-        desk.Release();
-        ASSERT_TRUE(bar.BecomesActive());
-        // Longer than a loss is doubted.
-        std::this_thread::sleep_for(std::chrono::milliseconds(250));
-        display.AwaitEvents();
-        EXPECT_EQ(display.Sink().focusLosses, before);
-        menu->ReleaseInput();
-        menu->Hide();
-    }
 }
 
 constexpr KeyStates kNothing{};

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cstring>
 #include <thread>
 

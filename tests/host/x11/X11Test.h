@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <atomic>
 
 #include <gmock/gmock.h>
 
@@ -47,14 +46,13 @@ public:
 
 class DisplayLog final : public DisplaySink {
 public:
-    void FocusLeftProgram() override { focusLosses++; }
+    void FocusLeftProgram() override {}
     void MonitorsChanged() override {}
     void SettingsChanged() override {}
     void SessionKeyChanged(const SessionKey& key) override { keys.Add(key); }
     void DisplayLost() override {}
 
     test::Recorded<SessionKey> keys;
-    std::atomic<int> focusLosses = 0;
 };
 
 // A picture in memory, of one colour at first.

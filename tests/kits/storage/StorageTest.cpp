@@ -31,10 +31,6 @@ protected:
     static std::string In(const std::string& name) { return "/boot/home/" + name; }
     fs::path OnDisk(const std::string& name) const { return fHome.Path() / name; }
     void MakeFile(const std::string& name) const { std::ofstream(OnDisk(name)).flush(); }
-    static std::string PathOf(const BEntry& entry) {
-        BPath path;
-        return entry.GetPath(&path) == B_OK ? path.Path() : "";
-    }
 
     TemporaryHome fHome;
 };
@@ -52,7 +48,9 @@ TEST_F(StorageTest, PathsArePlainAndAbsolute) {
 TEST_F(StorageTest, RefLeadsToTheEntryAndNowhereElse) {
     entry_ref ref;
     ASSERT_EQ(BEntry(In("folder/file").c_str()).GetRef(&ref), B_OK);
-    EXPECT_EQ(PathOf(BEntry(&ref)), In("folder/file"));
+    BPath path;
+    ASSERT_EQ(BEntry(&ref).GetPath(&path), B_OK);
+    EXPECT_EQ(path.Path(), In("folder/file"));
     entry_ref other = ref;
     other.name = "../folder";
     EXPECT_EQ(BEntry(&other).InitCheck(), B_BAD_VALUE);
