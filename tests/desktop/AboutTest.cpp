@@ -64,6 +64,7 @@ TEST_F(AboutTest, OpensInTheMiddleWithALinkThatOpensAndIsCopied) {
     fApps.Uninstall("browser");
     fDesk.Click(linkX + 30, linkY + 9);
     DismissAlert();
+    EXPECT_EQ(fApps.Launches().size(), 1u);
     Activate(about.id);
 
     fDesk.Click(linkX + 30, linkY + 9, 3);

@@ -36,8 +36,7 @@ protected:
     }
 };
 
-TEST_F(ActivateTest, BringsTheBarUpSoThatTwoDigitsLaunch) {
-    AddBookmark(3, "5 - Site", "http://five.example/");
+TEST_F(ActivateTest, BringsTheBarUpAsASecondStartAndTheTaskBarDo) {
     fProgram.Start();
     PlainWindow other(fDesk, {0, 0, 600, 400});
     other.Activate();
@@ -62,11 +61,6 @@ TEST_F(ActivateTest, BringsTheBarUpSoThatTwoDigitsLaunch) {
         EXPECT_EQ(fDesk.Stacking().back(), fProgram.Bar().id);
         EXPECT_EQ(fProgram.Content(), (Box{30, 30, 22, 264}));
     }
-    fDesk.Key(XK_3);
-    ASSERT_TRUE(MenusBecome(1));
-    fDesk.Key(XK_KP_5);
-    ASSERT_TRUE(MenusBecome(0));
-    EXPECT_EQ(LastUrl(1), "http://five.example/");
     fProgram.Signal(SIGSTOP);
     EXPECT_EQ(fProgram.StartAgain(), 1) << "beside one that does not answer";
     fProgram.Signal(SIGCONT);

@@ -167,6 +167,10 @@ bool DesktopTest::LocationChangesIn(const Box& window, const std::function<void(
 void DesktopTest::ChooseLocation(const Box& window, int folder, int slot) {
     EXPECT_TRUE(LocationChangesIn(
         window, [&] { fDesk.KeyWith(XK_Alt_L, XK_0 + static_cast<uint32_t>(folder)); }));
+    ChooseSlotOf(window, slot);
+}
+
+void DesktopTest::ChooseSlotOf(const Box& window, int slot) {
     EXPECT_TRUE(LocationChangesIn(window, [&] {
         fDesk.KeyDown(XK_Shift_L);
         // As well as Alt, which some window managers keep to themselves.

@@ -69,6 +69,7 @@ protected:
     // is shown would be replaced by it.
     bool LocationChangesIn(const test::Box& window, const std::function<void()>& work);
     void ChooseLocation(const test::Box& window, int folder, int slot);
+    void ChooseSlotOf(const test::Box& window, int slot);
 
     // Opens and closes the folder's menu until its slot shows a bookmark, or shows none.
     bool SlotBecomes(int folder, int slot, bool filled);

@@ -74,11 +74,6 @@ protected:
         fDesk.Key(XK_Return);
         EXPECT_TRUE(WaitUntil([&] { return fProgram.AddWindows().empty(); }));
     }
-    void ChooseSlotOf(const Box& window, uint32_t digit) {
-        fDesk.KeyDown(XK_Shift_L);
-        EXPECT_TRUE(LocationChangesIn(window, [&] { fDesk.KeyWith(XK_Control_L, digit); }));
-        fDesk.KeyUp(XK_Shift_L);
-    }
     // Below the folder's name: its line is more than the ground.
     bool HasNote(const Box& window) {
         const Picture line = fDesk.Grab({window.x + 22, window.y + 20 + 220 + 73, 200, 12});
@@ -104,7 +99,7 @@ TEST_F(LinkDropTest, BecomesABookmarkInTheFirstEmptySlotOrTheChosenOne) {
     window = WaitForAddWindow();
     ChooseLocation(window, 2, 1);
     EXPECT_TRUE(WaitUntil([&] { return HasNote(window); })) << "the slot is filled";
-    ChooseSlotOf(window, XK_6);
+    ChooseSlotOf(window, 6);
     EXPECT_TRUE(WaitUntil([&] { return !HasNote(window); }));
     Add();
     EXPECT_EQ(UrlOf("6 - " + std::string(251, 'n')), "https://a.example/");
@@ -119,7 +114,7 @@ TEST_F(LinkDropTest, OnAFullFolderReplacesTheSlotThatIsChosen) {
     fDesk.Key(XK_Return);
     DismissAlert(); // no slot is chosen
     WaitForAddWindow();
-    ChooseSlotOf(window, XK_7);
+    ChooseSlotOf(window, 7);
     Add();
     EXPECT_EQ(UrlOf("7 - New"), "http://a.example/");
     EXPECT_FALSE(std::filesystem::exists(BookmarkPath(2, "7 - Old")));

@@ -49,11 +49,11 @@ protected:
     static constexpr Box kLeft = {0, 0, 700, 900};
     static constexpr Box kRight = {700, 0, 700, 700};
 
-    explicit TwoMonitorsTest(bool windowManager = true)
-        : OwnDesktopTest({.width = 1400,
-                          .height = 900,
-                          .windowManager = windowManager,
-                          .monitors = {kLeft, kRight}}) {}
+    // Nobody else keeps windows on the screen.
+    TwoMonitorsTest()
+        : OwnDesktopTest(
+              {.width = 1400, .height = 900, .windowManager = false, .monitors = {kLeft, kRight}}) {
+    }
     void StartAt(float x, float y) {
         BMessage settings;
         settings.AddPoint("pos", BPoint(x, y));
@@ -101,14 +101,7 @@ TEST_F(TwoMonitorsTest, ABarComesBackWhenLessThanHalfOfItsStripIsSeen) {
     EXPECT_TRUE(WaitUntil([&] { return kLeft.Contains(fProgram.Content()); }));
 }
 
-// Where nobody keeps windows on the screen.
-class UnmanagedMonitorsTest : public TwoMonitorsTest {
-protected:
-    UnmanagedMonitorsTest()
-        : TwoMonitorsTest(false) {}
-};
-
-TEST_F(UnmanagedMonitorsTest, TheBarWorksAndADragWhoseMonitorGoesEndsOnAnother) {
+TEST_F(TwoMonitorsTest, TheBarWorksAndADragWhoseMonitorGoesEndsOnAnother) {
     AddBookmark(3, "5 - Site", "http://five.example/");
     StartAt(1000, 300);
     EXPECT_EQ(fProgram.Content(), (Box{1000, 300, 22, 264}));

@@ -48,16 +48,14 @@ protected:
     void TypeAfterHotKey(const Keys& keys) { TypeAfter(fHotKey, keys); }
     // Whether this was launched since the last call, and nothing else.
     bool IsLaunched(const std::string& url) {
-        fExpected.push_back(url);
-        std::vector<std::string> launched;
+        fExpected.push_back({"browser", {url}});
+        std::vector<RecordedApps::Launch> launches;
         WaitUntil([&] {
-            launched.clear();
-            for (const auto& launch : fApps.Launches())
-                if (launch.arguments != std::vector<std::string>{kStart})
-                    launched.push_back(launch.arguments.empty() ? "" : launch.arguments[0]);
-            return launched.size() >= fExpected.size();
+            launches = fApps.Launches();
+            std::erase(launches, RecordedApps::Launch{"browser", {kStart}});
+            return launches.size() >= fExpected.size();
         });
-        return launched == fExpected;
+        return launches == fExpected;
     }
     // What was typed before has been handled when what is typed now launches its bookmark.
     bool NothingIsLaunched() {
@@ -71,7 +69,7 @@ protected:
 
     Keys fHotKey;
     PlainWindow fOther{fDesk, {500, 500, 200, 100}};
-    std::vector<std::string> fExpected;
+    std::vector<RecordedApps::Launch> fExpected;
 };
 
 TEST_F(HotKeyTest, TheWindowsKeyAndTwoKeypadDigitsLaunch) {
