@@ -1,7 +1,5 @@
 // What the menus show of the directories, and how soon.
 
-#include <algorithm>
-#include <fstream>
 #include <thread>
 
 #include "tests/quillbar/store/Store.h"
@@ -9,24 +7,6 @@
 namespace {
 
 class MonitorTest : public StoreTest {};
-
-// As by hand with the system's tools, each step seen by the store before the next one.
-TEST_F(MonitorTest, BookmarkMadeStepByStepEndsComplete) {
-    std::vector<std::pair<std::string, std::string>> attributes = {
-        {"mime_type", test::kBookmarkType}, {"META:url", "http://made"}, {"META:keyw", ""}};
-    Start();
-    for (int slot = 0; slot < 3; ++slot) {
-        const std::string name = std::to_string(slot) + " - made";
-        std::ofstream(Folder(7) / name).flush();
-        EXPECT_TRUE(Becomes(7, slot, name));
-        for (const auto& [attribute, value] : attributes) {
-            test::SetAttribute(Folder(7) / name, attribute, value);
-            std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        }
-        EXPECT_TRUE(UrlBecomes(7, slot, "http://made"));
-        std::ranges::rotate(attributes, attributes.begin() + 1);
-    }
-}
 
 // Whoever waits for a folder to be made anew puts his bookmark there in the same moment.
 TEST_F(MonitorTest, BookmarkPutIntoADirectoryAsItAppearsIsSeen) {
