@@ -14,7 +14,8 @@ int ReportBadUse(const CLI::ParseError& error) {
 
 } // namespace
 
-int main(int count, char** arguments) {
+// What is thrown before the arguments are read is a fault of the program, which ends with it.
+int main(int count, char** arguments) { // NOLINT(bugprone-exception-escape)
     CommandLine line{
         CLI::App("The bookmarks of Quillbar's bar, from the command line.", "quillbarctl")};
     line.app.set_version_flag("--version", "quillbarctl " QUILLBAR_VERSION_TEXT,

@@ -52,7 +52,7 @@ bool Starts(const KeyFile& file) {
 std::string SystemFile() {
     const char* const* directories = g_get_system_config_dirs();
     for (; *directories; ++directories) {
-        const std::string path = std::string(*directories) + "/" + kPlace;
+        std::string path = std::string(*directories) + "/" + kPlace;
         if (access(path.c_str(), R_OK) == 0)
             return path;
     }
