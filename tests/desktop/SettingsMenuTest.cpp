@@ -58,10 +58,14 @@ TEST_F(BrowserTest, TheChosenOneIsSavedAtOnceAndTheOnlyInstalledOneIsUsed) {
     ChooseSlot(2, 1);
     EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
     EXPECT_EQ(fProgram.Stop(), 0);
+    fProgram.Start();
+    ChooseSlot(2, 1);
+    EXPECT_EQ(fApps.WaitForLaunches(2).at(1).app, "opera");
+    EXPECT_EQ(fProgram.Stop(), 0);
     fApps.Uninstall("opera");
     fProgram.Start();
     ChooseSlot(2, 1);
-    EXPECT_EQ(fApps.WaitForLaunches(2).at(1).app, "browser");
+    EXPECT_EQ(fApps.WaitForLaunches(3).at(2).app, "browser");
     EXPECT_EQ(fProgram.Stop(), 0);
     EXPECT_EQ(fProgram.Settings().GetInt32("browser", -1), 1);
 }

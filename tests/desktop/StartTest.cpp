@@ -69,7 +69,6 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     ASSERT_TRUE(WaitUntil([&] { return fProgram.Content().x == 447; }));
     ChooseSetting(setting::kAlignHorizontally);
     ASSERT_TRUE(WaitUntil([&] { return fProgram.IsHorizontal(); }));
-    ChooseSetting(setting::kUseOpera);
     const int width = OpenFolder(2).Frame().width;
     CloseMenus();
     ChooseSetting(setting::kShowUrl, setting::kNo);
@@ -78,7 +77,6 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     const auto isAbove = [&] { return fDesk.HasState(fProgram.Bar().id, "_NET_WM_STATE_ABOVE"); };
     ASSERT_TRUE(WaitUntil(isAbove)); // the menu closes before the bar gets its choice
     EXPECT_EQ(fProgram.Stop(), 0);
-
     EXPECT_EQ(fProgram.Settings().GetInt32("hotkey", -1), 9);
 
     fProgram.Start();
@@ -89,8 +87,6 @@ TEST_F(StartTest, EverySettingLastsOverARestart) {
     EXPECT_TRUE(WaitUntil([&] { return fDesk.Pixel(button.x + 2, button.y + 2) == 0x6496c8; }));
     EXPECT_LT(OpenFolder(2).Frame().width, width);
     CloseMenus();
-    ChooseSlot(2, 1);
-    EXPECT_EQ(fApps.WaitForLaunches(1).at(0).app, "opera");
     ChooseSetting(setting::kShowUrl, setting::kYes);
     EXPECT_EQ(OpenFolder(2).Frame().width, width);
     CloseMenus();

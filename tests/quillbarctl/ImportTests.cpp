@@ -188,7 +188,8 @@ TEST_F(ImportTest, HostileTextIsRefusedOrMadeSafeWithAWord) {
         start + R"({"name":"a\u0000","url":"http://a/"}]}]})",
         start + R"({"name":"a","url":"http://a/","slot":-1}]}]})",
         start + R"({"name":"a","url":"http://a/","attributes":{"x":{"hex":"1"}}}]}]})",
-        "{\"quillbar\":" + std::string(1'000'000, '['),
+        R"({"quillbar":1,"folders":[],"x":)" + std::string(900'000, '[') +
+            std::string(900'000, ']') + "}",
         "<A HREF=\"http://" + std::string(65 << 20, 'x') + "\">",
         "{\"quillbar\":\"" + std::string(9 << 20, 'x') + "\"}",
         Links("", 100'001),
